@@ -1,0 +1,20 @@
+# quillon_export_only(TARGET FILE): TARGET exports the symbols that FILE lists, one a line, and no
+# other, not even the standard library's template instances. The linker's own list is made from FILE,
+# so that one list is reviewed.
+function(quillon_export_only target file)
+  set_property(DIRECTORY APPEND PROPERTY CMAKE_CONFIGURE_DEPENDS ${file})
+  file(STRINGS ${file} names)
+  if(APPLE)
+    set(list ${CMAKE_CURRENT_BINARY_DIR}/${target}.exp)
+    list(TRANSFORM names PREPEND "_")
+    list(JOIN names "\n" body)
+    file(CONFIGURE OUTPUT ${list} CONTENT "@body@\n" @ONLY)
+    target_link_options(${target} PRIVATE "LINKER:-exported_symbols_list,${list}")
+  else()
+    set(list ${CMAKE_CURRENT_BINARY_DIR}/${target}.map)
+    list(JOIN names ";\n    " body)
+    file(CONFIGURE OUTPUT ${list} CONTENT "{\n  global:\n    @body@;\n  local:\n    *;\n};\n" @ONLY)
+    target_link_options(${target} PRIVATE "LINKER:--version-script=${list}")
+  endif()
+  set_target_properties(${target} PROPERTIES LINK_DEPENDS ${list})
+endfunction()

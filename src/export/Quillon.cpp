@@ -1,0 +1,273 @@
+// The boundary: each export checks its arguments, turns `value` into the integer that the operation
+// wants, calls one operation and returns its status.
+
+#include "export/Quillon.h"
+
+#include <dirent.h>
+
+#include <algorithm>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <string>
+
+#include "bytes/Numbers.h"
+#include "files/CocoaFileBrowser.h"
+#include "files/FileOps.h"
+#include "mesh/VemoOps.h"
+#include "tiff/TiffOps.h"
+
+using namespace quillon_status;
+
+namespace {
+
+struct CloseStream {
+    void operator()(DIR* stream) const { ::closedir(stream); }
+};
+using FolderStream = std::unique_ptr<DIR, CloseStream>;
+
+// The open listing, or null. Set by OpenFolder, read on by GetFile, ended by CloseFolder and by
+// CheckFolder. A second OpenFolder ends the first listing, which nobody could reach any more.
+FolderStream folder;
+
+// Runs an operation for the host, which must never see an exception: running out of memory becomes
+// the status `failed`.
+template <typename Operation>
+float guarded(float failed, Operation operation) noexcept {
+    try {
+        return operation();
+    } catch (...) {
+        return failed;
+    }
+}
+
+FolderStream openListing(const char* path) {
+    return FolderStream(path == nullptr ? nullptr : ::opendir(path));
+}
+
+float doneIf(bool success) {
+    return success ? kOk : kFailed;
+}
+
+int namingMode(double value) {
+    return std::clamp(saturatedInt(value), 0, 3);
+}
+
+// The three channel swaps take the same values: strictly between 0 and 4.
+bool isSwapValue(double value) {
+    return value > 0.0 && value < 4.0;
+}
+
+bool isTargetLayout(double value) {
+    return value == 1.0 || value == 3.0 || value == 4.0;
+}
+
+bool isChannelCount(double value) {
+    return value == 1.0 || value == 3.0;
+}
+
+// Whether a map is wanted as PSD. Throws std::out_of_range for a path without a dot.
+bool namesPsd(const char* path) {
+    const std::string extension = FileNameExtract(path, 4);
+    return extension.find("psd") != std::string::npos || extension.find("PSD") != std::string::npos;
+}
+
+// An operation that this version does not have yet.
+constexpr float kNotYet = kRefused;
+
+}  // namespace
+
+float Version(const char*, double, char*, int, char*, int, char**) {
+    return kVersion;
+}
+
+float CreateFolder(const char* text, double, char*, int, char*, int, char**) {
+    return guarded(kFailed, [&] { return doneIf(createFolder(text)); });
+}
+
+float GetPublicFolder(const char*, double, char* buffer1, int, char*, int, char**) {
+    return guarded(kNoPublicFolder, [&] {
+        const std::unique_ptr<char[]> path(getSharedFolder());
+        if (path == nullptr || buffer1 == nullptr) return kNoPublicFolder;
+        std::strcpy(buffer1, path.get());
+        return kPublicFolderCopied;
+    });
+}
+
+float CheckFolder(const char* text, double, char*, int, char*, int, char**) {
+    folder = openListing(text);
+    const bool opened = folder != nullptr;
+    folder.reset();
+    return doneIf(opened);
+}
+
+float OpenFolder(const char* text, double, char*, int, char*, int, char**) {
+    folder = openListing(text);
+    return doneIf(folder != nullptr);
+}
+
+float GetFile(const char*, double, char* buffer1, int, char*, int, char**) {
+    if (folder == nullptr || buffer1 == nullptr) return kFailed;
+    const dirent* entry = ::readdir(folder.get());
+    if (entry == nullptr) return kListingExhausted;
+    std::strcpy(buffer1, entry->d_name);
+    return kOk;
+}
+
+float CloseFolder(const char*, double, char*, int, char*, int, char**) {
+    if (folder == nullptr) return kFailed;
+    folder.reset();
+    return kOk;
+}
+
+float EmptyFolder(const char* text, double, char*, int, char*, int, char**) {
+    if (text == nullptr) return kFailed;
+    return guarded(kFailed, [&] { return doneIf(ClearFolder(text) == 1); });
+}
+
+float FileDelete(const char* text, double, char*, int, char*, int, char**) {
+    if (text == nullptr) return kFailed;
+    return static_cast<float>(std::remove(text));
+}
+
+float FileCopyTo(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kFailed;
+    return guarded(kFailed, [&] { return doneIf(copyFile(text, buffer1)); });
+}
+
+float FileRename(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kFailed;
+    return static_cast<float>(std::rename(text, buffer1));
+}
+
+float GetString(const char* text, double value, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kFailed;
+    const std::size_t wanted = value >= 0.0 && value <= 10.0 ? static_cast<std::size_t>(value) : 5;
+    const std::size_t length = std::strlen(text);
+    const std::size_t start = std::min(wanted, length);
+    std::memmove(buffer1, text + start, length - start + 1);
+    return kOk;
+}
+
+float clearUVtilesOutput(const char*, double, char*, int, char*, int, char**) {
+    clearUVtilesOut();
+    return kOk;
+}
+
+float setUVtilesOutput(const char* text, double, char*, int, char*, int, char**) {
+    if (text == nullptr) return kRefused;
+    return guarded(kRefused, [&] { return setUVtilesOut(text); });
+}
+
+float getUVTile(const char* text, double value, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return guarded(kRefused, [&] { return GetUVTile(text, buffer1, namingMode(value)); });
+}
+
+float getUVGroups(const char* text, double, char*, int, char*, int, char**) {
+    if (text == nullptr) return kRefused;
+    return guarded(kRefused, [&] { return GetUVGroup(text); });
+}
+
+float getUVString(const char*, double value, char* buffer1, int, char*, int, char**) {
+    getUVTileString(saturatedInt(value), buffer1);
+    return kOk;
+}
+
+float clearUVString(const char*, double, char*, int, char*, int, char**) {
+    clearUVTileString();
+    return kOk;
+}
+
+float getUVs(const char* text, double value, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return guarded(kRefused, [&] { return GetUVsFromVemo(text, buffer1, namingMode(value)); });
+}
+
+float getUVsMask(const char* text, double value, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return guarded(kRefused, [&] { return GetUVsFromVemoMASK(text, buffer1, namingMode(value)); });
+}
+
+float mergeCrease(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return kNotYet;
+}
+
+float mergeMapsTIF(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return guarded(kRefused, [&] { return mergeTiff(text, buffer1); });
+}
+
+float mergeMapsPSD(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return kNotYet;
+}
+
+float mergeMapsBMP(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return kNotYet;
+}
+
+float swapRGBTIF(const char* text, double value, char*, int, char*, int, char**) {
+    if (text == nullptr || !isSwapValue(value)) return kRefused;
+    return kNotYet;
+}
+
+float swapRGBPSD(const char* text, double value, char*, int, char*, int, char**) {
+    if (text == nullptr || !isSwapValue(value)) return kRefused;
+    return kNotYet;
+}
+
+float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**) {
+    if (text == nullptr || !isSwapValue(value)) return kRefused;
+    return kNotYet;
+}
+
+float convertTIFF16(const char* text, double value, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr || !isTargetLayout(value)) return kRefused;
+    [[maybe_unused]] const bool isPsd = namesPsd(buffer1);  // throws when there is no dot
+    return kNotYet;
+}
+
+float convertTIFFSingle(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kFailed;
+    return kNotYet;
+}
+
+float getScale(const char* text, double value, char*, int, char*, int, char**) {
+    if (text == nullptr || !isChannelCount(value)) return kRefused;
+    return kNotYet;
+}
+
+float saveAsTarga(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return kNotYet;
+}
+
+float saveAsJpeg(const char* text, double, char* buffer1, int, char*, int, char**) {
+    if (text == nullptr || buffer1 == nullptr) return kRefused;
+    return kNotYet;
+}
+
+float CreateThumbnailBMP(const char*, double, char*, int, char*, int, char**) {
+    return kNotYet;
+}
+
+float OpenEXR(const char*, double, char*, int, char*, int, char**) {
+    return kNotYet;
+}
+
+char* get_substr(char* text, int start) {
+    return text + start;
+}
+
+void Quillon::HelloWorld(const char* text) {
+    QuillonPriv().HelloWorldPriv(text);
+}
+
+void QuillonPriv::HelloWorldPriv(const char* text) {
+    if (text == nullptr) return;
+    std::puts(text);
+    std::fflush(stdout);
+}

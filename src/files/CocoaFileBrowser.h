@@ -1,0 +1,21 @@
+#pragma once
+// CocoaFileBrowser: the three operations that each system offers in its own way. On macOS they go
+// through Foundation and AppKit (CocoaFileBrowser.cpp); elsewhere through the file system and the
+// desktop's own file chooser (PosixFileBrowser.cpp). Texts are NUL-terminated UTF-8.
+
+// Creates one folder.
+//
+//   returns  true if it was created; false when it exists already, when its parent does not exist
+//            or when `path` is null
+bool createFolder(const char* path);
+
+// The folder that holds the users' folders: /Users on macOS, /home elsewhere.
+//
+//   returns  a new array that the caller releases with delete[], or null when there is none
+char* getSharedFolder();
+
+// Lets the user choose one file of the type "vws" or "VWS" in a modal dialog titled `title`.
+//
+//   returns  the chosen path in a new array that the caller releases with delete[]; null when the
+//            user cancels, no dialog can be shown or `title` is null
+char* runCocoaOpenFileBrowser(const char* title);

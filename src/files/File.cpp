@@ -1,0 +1,107 @@
+#include "files/File.h"
+
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <limits>
+#include <new>
+#include <utility>
+
+namespace {
+
+// Some systems refuse a single transfer of 2 GiB and more.
+constexpr std::size_t kLargestTransfer = std::size_t{1} << 30;
+
+// An offset that a file could never have: the transfer ends there.
+bool fitsOffset(std::uint64_t offset) {
+    return offset <=
+           static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()) - kLargestTransfer;
+}
+
+// Moves `count` bytes by calls of `transfer(done, length)`, which answers like read and write.
+// Returns how many bytes were moved before the end or an error.
+template <typename Transfer>
+std::size_t transferAll(std::uint64_t offset, std::size_t count, Transfer transfer) {
+    std::size_t done = 0;
+    while (done < count && fitsOffset(offset + done)) {
+        const ssize_t moved = transfer(done, std::min(count - done, kLargestTransfer));
+        if (moved < 0 && errno == EINTR) continue;
+        if (moved <= 0) break;
+        done += static_cast<std::size_t>(moved);
+    }
+    return done;
+}
+
+}  // namespace
+
+File File::openRegular(const char* path, int flags) {
+    if (path == nullptr) return {};
+    // Without O_NONBLOCK, opening a pipe that nobody writes to would freeze the host.
+    File file(::open(path, flags | O_CLOEXEC | O_NONBLOCK));
+    struct stat status {};
+    if (!file.isOpen() || ::fstat(file.descriptor_, &status) != 0 || !S_ISREG(status.st_mode))
+        return {};
+    return file;
+}
+
+File File::openForReading(const char* path) {
+    return openRegular(path, O_RDONLY);
+}
+
+File File::openForRewriting(const char* path) {
+    return openRegular(path, O_RDWR);
+}
+
+File File::create(const char* path) {
+    if (path == nullptr) return {};
+    return File(::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666));
+}
+
+File::File(File&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+
+File& File::operator=(File&& other) noexcept {
+    std::swap(descriptor_, other.descriptor_);
+    return *this;
+}
+
+File::~File() {
+    if (isOpen()) ::close(descriptor_);
+}
+
+std::uint64_t File::size() const {
+    struct stat status {};
+    if (!isOpen() || ::fstat(descriptor_, &status) != 0 || status.st_size < 0) return 0;
+    return static_cast<std::uint64_t>(status.st_size);
+}
+
+std::size_t File::readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) const {
+    return transferAll(offset, count, [&](std::size_t done, std::size_t length) {
+        return ::pread(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
+    });
+}
+
+bool File::writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const {
+    const std::size_t written =
+        transferAll(offset, count, [&](std::size_t done, std::size_t length) {
+            return ::pwrite(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
+        });
+    return written == count;
+}
+
+FileBytes loadFile(const char* path, std::size_t spare) {
+    const File file = File::openForReading(path);
+    if (!file.isOpen()) return {};
+    const std::uint64_t size = file.size();
+    if (size > std::numeric_limits<std::size_t>::max() / 2 - spare) return {};
+
+    const auto length = static_cast<std::size_t>(size);
+    FileBytes loaded;
+    loaded.data.reset(new (std::nothrow) std::uint8_t[length + spare]);
+    if (loaded.data == nullptr) return {};
+    loaded.size = file.readAt(0, loaded.data.get(), length);
+    std::fill_n(loaded.data.get() + loaded.size, length - loaded.size + spare, std::uint8_t{0});
+    return loaded;
+}

@@ -1,0 +1,55 @@
+#pragma once
+// Open files, shared by every module: handles that close themselves, and reads and writes of any
+// length at an offset. Paths are NUL-terminated UTF-8 as the host passes them; a null path is a
+// file that cannot be opened.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+class File {
+public:
+    // Each gives a file that is not open when the path cannot be opened that way.
+    static File openForReading(const char* path);    // regular files only, never a folder or a pipe
+    static File openForRewriting(const char* path);  // an existing regular file, read and written
+    static File create(const char* path);            // emptied if it exists; never waits on a pipe
+
+    File() = default;
+    File(File&& other) noexcept;
+    File& operator=(File&& other) noexcept;
+    File(const File&) = delete;
+    File& operator=(const File&) = delete;
+    ~File();
+
+    bool isOpen() const { return descriptor_ >= 0; }
+
+    // The length in bytes that the file has now.
+    std::uint64_t size() const;
+
+    // Reads up to `count` bytes from `offset` on. Returns how many there were; fewer only at the
+    // end of the file or on a read error.
+    std::size_t readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) const;
+
+    // Writes all of `count` bytes at `offset`; false if the disk took fewer.
+    bool writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
+
+private:
+    explicit File(int descriptor) : descriptor_(descriptor) {}
+    static File openRegular(const char* path, int flags);
+
+    int descriptor_ = -1;
+};
+
+// A file's bytes in memory, as many as the file really had.
+struct FileBytes {
+    std::unique_ptr<std::uint8_t[]> data;  // null when the file could not be opened or held
+    std::size_t size = 0;
+};
+
+// Loads a whole file with one read. `spare` more bytes, all zero, follow the file's own and are not
+// counted in `size`.
+FileBytes loadFile(const char* path, std::size_t spare = 0);
+
+// The size of the pieces in which large files are moved: small enough to stay in the processor's
+// cache, large enough that the system calls do not show.
+inline constexpr std::size_t kPieceBytes = 256 * 1024;

@@ -1,0 +1,283 @@
+// One mesh file per UV tile: with the tile's local UVs, or with a mask of the tile's vertices.
+
+#include <algorithm>
+#include <array>
+#include <cstring>
+#include <iterator>
+#include <memory>
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "bytes/Bytes.h"
+#include "files/File.h"
+#include "files/FileOps.h"
+#include "mesh/UVTiles.h"
+#include "mesh/VemoFile.h"
+#include "mesh/VemoOps.h"
+
+namespace {
+
+// The names of the tiles of the last export, in the order written. Emptied and filled by each
+// export, emptied by clearUVTileString.
+std::vector<std::string> UVTileStr;
+
+constexpr std::array<std::uint8_t, kChunkHeaderBytes> kClosingHeader{};
+
+constexpr std::uint8_t kOutsideTile = 255;
+constexpr std::uint8_t kInsideTile = 0;
+
+// Tile files that are open at the same time; a host has some 200 descriptors to spare.
+constexpr std::size_t kMostOpenTiles = 32;
+
+constexpr std::size_t kCornerBytes = 8;
+constexpr std::size_t kFaceCorners = 4;
+constexpr std::size_t kPieceFaces = kPieceBytes / 4 / kFaceUvBytes;
+constexpr std::size_t kPieceCorners = kPieceFaces * kFaceCorners;
+
+// The UVs of a corner that lies in another tile: -1 and -1.
+constexpr std::array<std::uint8_t, kCornerBytes> kOutsideCorner = {0, 0, 0x80, 0xBF,
+                                                                   0, 0, 0x80, 0xBF};
+
+struct TileAt {
+    std::int32_t u;
+    std::int32_t v;
+    bool operator==(const TileAt&) const = default;
+};
+
+TileAt tileAt(const UV_tile& tile) {
+    return {tile.u, tile.v};
+}
+
+TileAt tileAt(const std::uint8_t* corner) {
+    return {placeOf(loadLeFloat(corner)).tile, placeOf(loadLeFloat(corner + 4)).tile};
+}
+
+// A run of faces, worked out once for all tiles.
+struct CornerPiece {
+    std::array<TileAt, kPieceCorners> tiles;
+    std::array<std::uint8_t, kPieceCorners * kCornerBytes> locals;  // as they are written
+    std::array<std::uint8_t, kPieceCorners * kCornerBytes> written;
+
+    void split(const std::uint8_t* corners, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i, corners += kCornerBytes) {
+            const TilePlace u = placeOf(loadLeFloat(corners));
+            const TilePlace v = placeOf(loadLeFloat(corners + 4));
+            tiles[i] = {u.tile, v.tile};
+            storeLeFloat(&locals[i * kCornerBytes], u.local);
+            storeLeFloat(&locals[i * kCornerBytes + 4], v.local);
+        }
+    }
+
+    // The corners as the file of one tile shows them.
+    const std::uint8_t* seenFrom(TileAt tile, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i) {
+            const std::uint8_t* uv =
+                tiles[i] == tile ? &locals[i * kCornerBytes] : kOutsideCorner.data();
+            std::memcpy(&written[i * kCornerBytes], uv, kCornerBytes);
+        }
+        return written.data();
+    }
+};
+
+std::string tileFileName(const char* outPath, const UV_tile& tile) {
+    return FileNameExtract(outPath, 3) + tile.name + ".Vemo";
+}
+
+float tileNotWritten(std::size_t position) {
+    return vemo_status::kFirstTileNotWritten + static_cast<float>(position);
+}
+
+// A tile's file while it is being filled from its start to its end.
+struct TileFile {
+    TileAt tile;
+    File file;
+    std::uint64_t length = 0;
+
+    bool append(const std::uint8_t* bytes, std::size_t count) {
+        const bool written = file.writeAt(length, bytes, count);
+        length += count;
+        return written;
+    }
+};
+
+// Creates the files of the tiles from `next` on, as many as may be open at once, and advances
+// `next` past them.
+std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::const_iterator end,
+                                      const char* outPath) {
+    std::vector<TileFile> files;
+    for (; next != end && files.size() < kMostOpenTiles; ++next) {
+        TileFile created{tileAt(*next), File::create(tileFileName(outPath, *next).c_str())};
+        if (!created.file.isOpen()) break;
+        UVTileStr.push_back(next->name);
+        files.push_back(std::move(created));
+    }
+    return files;
+}
+
+// Fills the files of some tiles. Each piece of the UVs is worked out once and written to all of
+// them. Returns how many files, from the first on, are whole.
+std::size_t fillTileFiles(std::vector<TileFile>& files, const VemoFile& vemo,
+                          const ChunkElements& faceUvs, CornerPiece& piece) {
+    std::size_t whole = files.size();
+    const auto appendToEach = [&](auto bytesFor, std::size_t count) {
+        for (std::size_t i = 0; i < whole; ++i) {
+            if (!files[i].append(bytesFor(files[i].tile), count)) whole = i;
+        }
+    };
+    const std::uint8_t* bytes = vemo.file.data.get();
+    appendToEach([&](TileAt) { return bytes; }, static_cast<std::size_t>(faceUvs.offset));
+    for (std::size_t face = 0; face < faceUvs.count; face += kPieceFaces) {
+        const std::size_t corners =
+            kFaceCorners * std::min(kPieceFaces, std::size_t{faceUvs.count} - face);
+        piece.split(bytes + faceUvs.offset + face * kFaceUvBytes, corners);
+        appendToEach([&](TileAt tile) { return piece.seenFrom(tile, corners); },
+                     corners * kCornerBytes);
+    }
+    appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
+    return whole;
+}
+
+float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, const VemoFile& vemo,
+                             const ChunkElements& faceUvs) {
+    const auto piece = std::make_unique<CornerPiece>();
+    std::size_t position = 0;
+    for (auto next = tiles.begin(); next != tiles.end();) {
+        std::vector<TileFile> files = createTileFiles(next, tiles.end(), outPath);
+        if (files.empty()) return tileNotWritten(position);
+        const std::size_t whole = fillTileFiles(files, vemo, faceUvs, *piece);
+        position += whole;
+        if (whole < files.size()) return tileNotWritten(position);
+    }
+    return static_cast<float>(tiles.size());
+}
+
+// The three chunks that a mask needs, of which faces and face UVs belong together one by one.
+struct MaskInput {
+    float refused = vemo_status::kOk;
+    ChunkElements vertices;
+    ChunkElements faces;
+    ChunkElements faceUvs;
+};
+
+// The vertex indices of a face that a mask marks: the fourth of a triangle is left out.
+template <typename Use>
+void forEachVertex(const std::uint8_t* face, Use use) {
+    for (std::size_t corner = 0; corner < kFaceCorners; ++corner) {
+        const auto index = static_cast<std::int32_t>(loadLe32(face + 4 * corner));
+        const bool triangleEnd = corner == kFaceCorners - 1 && index < 0;
+        if (!triangleEnd) use(static_cast<std::uint32_t>(index));
+    }
+}
+
+bool facesNameVertices(const VemoFile& vemo, const MaskInput& input) {
+    std::uint32_t highest = 0;  // a negative index is the highest of all
+    const std::uint8_t* face = vemo.file.data.get() + input.faces.offset;
+    for (std::uint32_t i = 0; i < input.faces.count; ++i, face += kFaceBytes)
+        forEachVertex(face, [&](std::uint32_t index) { highest = std::max(highest, index); });
+    return input.faces.count == 0 || highest < input.vertices.count;
+}
+
+MaskInput readMaskInput(const VemoFile& vemo) {
+    const auto find = [&](std::uint32_t id, std::uint32_t start) {
+        return findChunk(vemo.loaded(), id, start, ZeroLength::kCountsAs16);
+    };
+    const auto vertexChunk = find(kVertexChunk, kFirstChunk);
+    if (!vertexChunk) return {vemo_status::kChunkMissing, {}, {}, {}};
+    const auto faceChunk = find(kFaceChunk, *vertexChunk);
+    if (!faceChunk) return {vemo_status::kFaceChunkMissing, {}, {}, {}};
+    const auto uvChunk = find(kFaceUvChunk, *faceChunk);
+    if (!uvChunk) return {vemo_status::kChunkMissing, {}, {}, {}};
+
+    const auto vertices = chunkElements(vemo.loaded(), *vertexChunk, kVertexBytes);
+    const auto faces = chunkElements(vemo.loaded(), *faceChunk, kFaceBytes);
+    const auto faceUvs = chunkElements(vemo.loaded(), *uvChunk, kFaceUvBytes);
+    if (!vertices || !faces || !faceUvs || faces->count != faceUvs->count)
+        return {vemo_status::kChunkMissing, {}, {}, {}};
+
+    MaskInput input{vemo_status::kOk, *vertices, *faces, *faceUvs};
+    if (!facesNameVertices(vemo, input)) input.refused = vemo_status::kFaceChunkMissing;
+    return input;
+}
+
+// A whole mask chunk and the closing header after it; the mask itself shows no vertex yet.
+std::vector<std::uint8_t> emptyMaskChunk(std::uint32_t vertices) {
+    std::vector<std::uint8_t> chunk(kChunkHeaderBytes + vertices + kClosingHeader.size());
+    storeLe32(&chunk[0], kMaskChunk);
+    storeLe32(&chunk[4], vertices + std::uint32_t{kChunkHeaderBytes});
+    storeLe32(&chunk[8], vertices);
+    return chunk;
+}
+
+void maskTile(std::uint8_t* mask, TileAt tile, const std::vector<TileAt>& faceTiles,
+              const VemoFile& vemo, const MaskInput& input) {
+    std::fill_n(mask, input.vertices.count, kOutsideTile);
+    const std::uint8_t* face = vemo.file.data.get() + input.faces.offset;
+    for (std::size_t i = 0; i < faceTiles.size(); ++i, face += kFaceBytes) {
+        if (faceTiles[i] == tile)
+            forEachVertex(face, [&](std::uint32_t index) { mask[index] = kInsideTile; });
+    }
+}
+
+std::vector<TileAt> tilesOfFaces(const VemoFile& vemo, const ChunkElements& faceUvs) {
+    std::vector<TileAt> tiles(faceUvs.count);
+    const std::uint8_t* face = vemo.file.data.get() + faceUvs.offset;
+    for (TileAt& tile : tiles) {
+        tile = tileAt(face);
+        face += kFaceUvBytes;
+    }
+    return tiles;
+}
+
+float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFile& vemo,
+                         const MaskInput& input) {
+    const std::vector<TileAt> faceTiles = tilesOfFaces(vemo, input.faceUvs);
+    std::vector<std::uint8_t> maskChunk = emptyMaskChunk(input.vertices.count);
+    const std::size_t meshBytes = vemo.file.size - kClosingHeader.size();
+    for (auto tile = tiles.begin(); tile != tiles.end(); ++tile) {
+        const std::size_t position = UVTileStr.size();
+        TileFile out{tileAt(*tile), File::create(tileFileName(outPath, *tile).c_str())};
+        if (!out.file.isOpen()) return tileNotWritten(position);
+        UVTileStr.push_back(tile->name);
+        maskTile(&maskChunk[kChunkHeaderBytes], out.tile, faceTiles, vemo, input);
+        if (!out.append(vemo.file.data.get(), meshBytes) ||
+            !out.append(maskChunk.data(), maskChunk.size()))
+            return tileNotWritten(position);
+    }
+    return static_cast<float>(tiles.size());
+}
+
+}  // namespace
+
+float GetUVsFromVemo(const char* path, const char* outPath, int mode) {
+    UVTileStr.clear();
+    const VemoFile vemo = loadVemo(path);
+    if (!vemo.isOpen()) return vemo_status::kUvExportMeshNotOpened;
+    const auto faceUvs =
+        findElements(vemo, kFaceUvChunk, kFirstChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+    if (!faceUvs) return vemo_status::kChunkMissing;
+
+    const TilesFound found = findTiles(vemo, *faceUvs, mode, currentTileFilter());
+    return writeTilesWithLocalUvs(found.tiles, outPath, vemo, *faceUvs);
+}
+
+float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
+    UVTileStr.clear();
+    const VemoFile vemo = loadVemo(path);
+    if (!vemo.isOpen()) return vemo_status::kUvExportMeshNotOpened;
+    const MaskInput input = readMaskInput(vemo);
+    if (input.refused != vemo_status::kOk) return input.refused;
+
+    const TilesFound found = findTiles(vemo, input.faceUvs, mode, currentTileFilter());
+    return writeTilesWithMask(found.tiles, outPath, vemo, input);
+}
+
+void getUVTileString(int position, char* out) {
+    if (out == nullptr || position < 0 || std::size_t(position) >= UVTileStr.size()) return;
+    const std::string& name = UVTileStr[static_cast<std::size_t>(position)];
+    std::memcpy(out, name.c_str(), name.size() + 1);
+}
+
+void clearUVTileString() {
+    UVTileStr.clear();
+}

@@ -1,0 +1,47 @@
+#pragma once
+// UVTiles: the UV tiles that the faces of a mesh occupy. The rules stand in VemoOps.h.
+
+#include <cstdint>
+#include <set>
+#include <string>
+
+#include "mesh/TileFilter.h"
+#include "mesh/VemoFile.h"
+
+// Where one coordinate, u or v, lies.
+struct TilePlace {
+    std::int32_t tile;  // the tile's column or row
+    float local;        // the place within the tile, 0 to 1
+};
+
+// A coordinate below 0 is first moved down by 1, so that the tiles on both sides of 0 differ; the
+// fraction that is left below 0 is then counted from the tile's lower border. A NaN stays one, in
+// tile 0; beyond the range of tiles the outermost one takes all.
+TilePlace placeOf(float coordinate);
+
+struct UV_tile {
+    std::string name;
+    std::int32_t u;
+    std::int32_t v;
+};
+
+struct OrderByName {
+    bool operator()(const UV_tile& a, const UV_tile& b) const { return a.name < b.name; }
+};
+using TileSet = std::set<UV_tile, OrderByName>;
+
+// `mode` is a naming mode 0 to 3.
+std::string tileName(std::int32_t u, std::int32_t v, int mode);
+
+struct TilesFound {
+    TileSet tiles;
+    std::string lastName;  // of the last face's tile, also one that the filter keeps out
+};
+
+// The tiles of the first corners of all faces. `filter` counts in naming mode 2 only, and only when
+// it is not empty.
+TilesFound findTiles(const VemoFile& vemo, const ChunkElements& faceUvs, int mode,
+                     const TileFilter& filter);
+
+// The filter that setUVtilesOut set.
+const TileFilter& currentTileFilter();

@@ -1,0 +1,37 @@
+#include "pixels/Pixels.h"
+
+#include <cstring>
+
+namespace {
+
+template <std::size_t kPixelBytes>
+void fillPixels(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
+                std::size_t pixels) {
+    const std::uint8_t* const end = row + pixels * kPixelBytes;
+    for (; row != end; row += kPixelBytes, source += kPixelBytes) {
+        if (std::memcmp(row, background, kPixelBytes) == 0) std::memcpy(row, source, kPixelBytes);
+    }
+}
+
+}  // namespace
+
+void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
+                    std::size_t pixels, std::size_t pixelBytes) {
+    // The width of a pixel is known to the compiler in each case, which makes the loops tight.
+    switch (pixelBytes) {
+        case 1:
+            return fillPixels<1>(row, source, background, pixels);
+        case 2:
+            return fillPixels<2>(row, source, background, pixels);
+        case 3:
+            return fillPixels<3>(row, source, background, pixels);
+        case 4:
+            return fillPixels<4>(row, source, background, pixels);
+        case 6:
+            return fillPixels<6>(row, source, background, pixels);
+        case 12:
+            return fillPixels<12>(row, source, background, pixels);
+        default:
+            return;
+    }
+}
