@@ -1,0 +1,211 @@
+#include "mesh/UVTiles.h"
+
+#include <gmock/gmock.h>
+
+#include <bit>
+#include <cmath>
+#include <limits>
+
+#include "mesh/VemoOps.h"
+#include "support/TempDir.h"
+#include "support/VemoBuilder.h"
+
+namespace {
+
+constexpr int kLowest = std::numeric_limits<int>::min();
+constexpr int kHighest = std::numeric_limits<int>::max();
+
+class UVTiles : public testing::Test {
+protected:
+    ~UVTiles() override { clearUVtilesOut(); }
+
+    std::string mesh(const VemoBuilder& vemo) const { return dir.write("mesh.Vemo", vemo.bytes()); }
+    // The tile count, with the name copied out in `name`.
+    float count(const VemoBuilder& vemo, int mode) {
+        char out[64] = "untouched";
+        const float tiles = GetUVTile(mesh(vemo).c_str(), out, mode);
+        name = out;
+        return tiles;
+    }
+    void setFilter(std::string_view text) {
+        ASSERT_EQ(setUVtilesOut(dir.write("filter.txt", text).c_str()), 0.0f);
+    }
+
+    const TempDir dir;
+    std::string name;
+};
+
+VemoBuilder threeTiles() {
+    return VemoBuilder().flatFaceUvs({{0.5f, 0.5f}, {1.5f, 0.5f}, {0.2f, 1.7f}});
+}
+
+struct PlaceCase {
+    float coordinate;
+    int tile;
+    float local;
+};
+
+TEST(PlaceOf, SplitsACoordinateIntoTileAndPlaceWithin) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const PlaceCase cases[] = {
+        {0.0f, 0, 0.0f},
+        {0.25f, 0, 0.25f},
+        {1.0f, 1, 0.0f},
+        {2.75f, 2, 0.75f},
+        {-0.25f, -1, 0.75f},
+        {-1.0f, -2, -0.0f},
+        {-1.25f, -2, 0.75f},
+        {-0.0f, 0, -0.0f},
+        {8388609.0f, 8388609, 0.0f},
+        {3e9f, kHighest, 0.0f},
+        {-3e9f, kLowest, -0.0f},
+        {infinity, kHighest, 0.0f},
+        {-infinity, kLowest, -0.0f},
+        // 0.3 below zero: the nearest floats are -1.29999995 after the move and 0.70000005 within.
+        {-0.3f, -1, std::bit_cast<float>(0x3F333334u)},
+        // So close below zero that moving it down by 1 leaves exactly -1.
+        {-1e-10f, -1, -0.0f},
+    };
+    for (const PlaceCase& test : cases) {
+        const TilePlace place = placeOf(test.coordinate);
+        EXPECT_EQ(place.tile, test.tile) << test.coordinate;
+        EXPECT_EQ(std::bit_cast<std::uint32_t>(place.local),
+                  std::bit_cast<std::uint32_t>(test.local))
+            << test.coordinate << " gives " << place.local;
+    }
+}
+
+TEST(PlaceOf, NotANumberStaysOneInTileZero) {
+    const TilePlace place = placeOf(std::bit_cast<float>(0x7FC01234u));
+    EXPECT_EQ(place.tile, 0);
+    EXPECT_EQ(std::bit_cast<std::uint32_t>(place.local), 0x7FC01234u);
+}
+
+TEST(TileName, FollowsTheNamingMode) {
+    EXPECT_EQ(tileName(0, 0, 0), "_u0_v0");
+    EXPECT_EQ(tileName(2, 1, 0), "_u2_v1");
+    EXPECT_EQ(tileName(0, 0, 1), "_u1_v1");
+    EXPECT_EQ(tileName(2, 1, 1), "_u3_v2");
+    EXPECT_EQ(tileName(0, 0, 2), "1001");
+    EXPECT_EQ(tileName(2, 1, 2), "1013");
+    EXPECT_EQ(tileName(0, 0, 3), "u0v0");
+    EXPECT_EQ(tileName(2, 1, 3), "u2v1");
+    EXPECT_EQ(tileName(-2, 0, 0), "_u-2_v0");
+    EXPECT_EQ(tileName(10, 0, 2), "1011");
+    EXPECT_EQ(tileName(kHighest, kHighest, 2), "23622321118");
+    EXPECT_EQ(tileName(kHighest, kLowest, 1), "_u2147483648_v-2147483647");
+}
+
+TEST_F(UVTiles, CountsTheTilesOfTheFirstCorners) {
+    EXPECT_EQ(count(threeTiles(), 2), 3.0f);
+    EXPECT_EQ(name, "1011");
+}
+
+TEST_F(UVTiles, OnlyAFacesFirstCornerCounts) {
+    const VemoBuilder mesh =
+        VemoBuilder().faceUvs({{0.9f, 0.5f, 1.1f, 0.5f, 2.1f, 0.6f, 0.9f, 0.6f}});
+    EXPECT_EQ(count(mesh, 0), 1.0f);
+    EXPECT_EQ(name, "_u0_v0");
+}
+
+TEST_F(UVTiles, TheFilterCountsInNumberedNamesOnly) {
+    setFilter("1001");
+    EXPECT_EQ(count(threeTiles(), 2), 1.0f);
+    EXPECT_EQ(count(threeTiles(), 0), 3.0f);
+    EXPECT_EQ(count(threeTiles(), 1), 3.0f);
+    EXPECT_EQ(count(threeTiles(), 3), 3.0f);
+}
+
+TEST_F(UVTiles, TheNameIsTheLastFacesEvenWhenFilteredOut) {
+    setFilter("1001-1002");
+    EXPECT_EQ(count(threeTiles(), 2), 2.0f);
+    EXPECT_EQ(name, "1011");
+}
+
+TEST_F(UVTiles, AFilterThatListsNothingLetsAllPass) {
+    setFilter(" , ");
+    EXPECT_EQ(count(threeTiles(), 2), 3.0f);
+}
+
+TEST_F(UVTiles, AFilterThatCannotBeReadLeavesNone) {
+    setFilter("1001");
+    EXPECT_EQ(setUVtilesOut(dir.path("missing").c_str()), -1.0f);
+    EXPECT_EQ(count(threeTiles(), 2), 3.0f);
+}
+
+TEST_F(UVTiles, SettingAFilterReplacesTheOneBefore) {
+    setFilter("1001");
+    setFilter("1002, 1011");
+    EXPECT_EQ(count(threeTiles(), 2), 2.0f);
+}
+
+TEST_F(UVTiles, SpacesAroundCommasMeanNothing) {
+    setFilter("1001 , 1011");
+    EXPECT_EQ(count(threeTiles(), 2), 2.0f);
+}
+
+TEST_F(UVTiles, ClearingTheFilterLetsAllPass) {
+    setFilter("1001");
+    clearUVtilesOut();
+    EXPECT_EQ(count(threeTiles(), 2), 3.0f);
+}
+
+TEST_F(UVTiles, TilesOfOneNumberAreOne) {
+    const VemoBuilder mesh = VemoBuilder().flatFaceUvs({{10.5f, 0.5f}, {0.5f, 1.5f}});
+    EXPECT_EQ(count(mesh, 2), 1.0f);
+    EXPECT_EQ(count(mesh, 0), 2.0f);
+}
+
+TEST_F(UVTiles, AMeshWithoutFacesHasNone) {
+    EXPECT_EQ(count(VemoBuilder().faceUvs({}), 2), 0.0f);
+    EXPECT_EQ(name, "");
+}
+
+TEST_F(UVTiles, AFaceThatReturnsToATileIsNotCountedAgain) {
+    const VemoBuilder mesh =
+        VemoBuilder().flatFaceUvs({{0.5f, 0.5f}, {1.5f, 0.5f}, {0.5f, 0.6f}, {1.1f, 0.1f}});
+    EXPECT_EQ(count(mesh, 2), 2.0f);
+    EXPECT_EQ(name, "1002");
+}
+
+TEST_F(UVTiles, AMissingMeshIsToldApartFromAMissingChunk) {
+    char out[] = "untouched";
+    EXPECT_EQ(GetUVTile(dir.path("missing").c_str(), out, 0), -17.0f);
+    EXPECT_EQ(GetUVTile(dir.path().c_str(), out, 0), -17.0f);
+    EXPECT_EQ(count(VemoBuilder().vertices({{1, 2, 3}}), 0), -18.0f);
+    EXPECT_EQ(name, "untouched");
+    EXPECT_STREQ(out, "untouched");
+}
+
+TEST_F(UVTiles, ACountBeyondTheFileIsRefused) {
+    EXPECT_EQ(count(VemoBuilder().chunk(25001, 48, 1, ByteList(30)), 0), -18.0f);
+    EXPECT_EQ(count(VemoBuilder().chunk(25001, 48, 0xFFFFFFFF, ByteList(32)), 0), -18.0f);
+}
+
+// The byte that loading repeats counts as part of the file.
+TEST_F(UVTiles, AFileOneByteShortIsStillWhole) {
+    ByteList bytes = threeTiles().bytes();
+    bytes.pop_back();
+    char out[64];
+    EXPECT_EQ(GetUVTile(dir.write("short.Vemo", bytes).c_str(), out, 0), 3.0f);
+    bytes.pop_back();
+    EXPECT_EQ(GetUVTile(dir.write("short.Vemo", bytes).c_str(), out, 0), -18.0f);
+}
+
+TEST_F(UVTiles, GroupsAreCountedByTheirSignedIds) {
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups({5, 5, 2, -1})).c_str()), 3.0f);
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups({-32768, 32767, 0})).c_str()), 3.0f);
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups({})).c_str()), 0.0f);
+}
+
+TEST_F(UVTiles, GroupsAreFoundBehindAZeroLength) {
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().chunk(9, 0, 0).groups({1, 2})).c_str()), 2.0f);
+}
+
+TEST_F(UVTiles, MissingGroupsAreToldApartFromAMissingMesh) {
+    EXPECT_EQ(GetUVGroup(dir.path("missing").c_str()), -17.0f);
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().vertices({{1, 2, 3}})).c_str()), -18.0f);
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().chunk(40001, 18, 3, {1, 0})).c_str()), -18.0f);
+}
+
+}  // namespace
