@@ -12,6 +12,7 @@
 #include <string>
 
 #include "bytes/Numbers.h"
+#include "bytes/Text.h"
 #include "files/CocoaFileBrowser.h"
 #include "files/FileOps.h"
 #include "mesh/VemoOps.h"
@@ -89,7 +90,7 @@ float GetPublicFolder(const char*, double, char* buffer1, int, char*, int, char*
     return guarded(kNoPublicFolder, [&] {
         const std::unique_ptr<char[]> path(getSharedFolder());
         if (path == nullptr || buffer1 == nullptr) return kNoPublicFolder;
-        std::strcpy(buffer1, path.get());
+        copyText(buffer1, path.get());
         return kPublicFolderCopied;
     });
 }
@@ -110,7 +111,7 @@ float GetFile(const char*, double, char* buffer1, int, char*, int, char**) {
     if (folder == nullptr || buffer1 == nullptr) return kFailed;
     const dirent* entry = ::readdir(folder.get());
     if (entry == nullptr) return kListingExhausted;
-    std::strcpy(buffer1, entry->d_name);
+    copyText(buffer1, entry->d_name);
     return kOk;
 }
 

@@ -10,6 +10,7 @@
 #include <vector>
 
 #include "bytes/Bytes.h"
+#include "bytes/Text.h"
 #include "files/File.h"
 #include "files/FileOps.h"
 #include "mesh/UVTiles.h"
@@ -273,9 +274,9 @@ float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
 }
 
 void getUVTileString(int position, char* out) {
-    if (out == nullptr || position < 0 || std::size_t(position) >= UVTileStr.size()) return;
-    const std::string& name = UVTileStr[static_cast<std::size_t>(position)];
-    std::memcpy(out, name.c_str(), name.size() + 1);
+    if (out == nullptr || position < 0) return;
+    const auto index = static_cast<std::size_t>(position);
+    if (index < UVTileStr.size()) copyText(out, UVTileStr[index]);
 }
 
 void clearUVTileString() {

@@ -2,12 +2,12 @@
 
 #include <bitset>
 #include <cmath>
-#include <cstring>
 #include <optional>
 #include <unordered_set>
 #include <utility>
 
 #include "bytes/Numbers.h"
+#include "bytes/Text.h"
 #include "mesh/VemoOps.h"
 
 namespace {
@@ -89,7 +89,7 @@ float GetUVTile(const char* path, char* out, int mode) {
     if (!faceUvs) return vemo_status::kChunkMissing;
 
     const TilesFound found = findTiles(vemo, *faceUvs, mode, UVtilesOut);
-    std::memcpy(out, found.lastName.c_str(), found.lastName.size() + 1);
+    copyText(out, found.lastName);
     return static_cast<float>(found.tiles.size());
 }
 
