@@ -21,11 +21,25 @@ inline float loadLeFloat(const std::uint8_t* p) {
     return std::bit_cast<float>(loadLe32(p));
 }
 
+inline void storeLe16(std::uint8_t* p, std::uint16_t value) {
+    p[0] = static_cast<std::uint8_t>(value);
+    p[1] = static_cast<std::uint8_t>(value >> 8);
+}
+inline void storeBe16(std::uint8_t* p, std::uint16_t value) {
+    p[0] = static_cast<std::uint8_t>(value >> 8);
+    p[1] = static_cast<std::uint8_t>(value);
+}
 inline void storeLe32(std::uint8_t* p, std::uint32_t value) {
     p[0] = static_cast<std::uint8_t>(value);
     p[1] = static_cast<std::uint8_t>(value >> 8);
     p[2] = static_cast<std::uint8_t>(value >> 16);
     p[3] = static_cast<std::uint8_t>(value >> 24);
+}
+inline void storeBe32(std::uint8_t* p, std::uint32_t value) {
+    p[0] = static_cast<std::uint8_t>(value >> 24);
+    p[1] = static_cast<std::uint8_t>(value >> 16);
+    p[2] = static_cast<std::uint8_t>(value >> 8);
+    p[3] = static_cast<std::uint8_t>(value);
 }
 inline void storeLeFloat(std::uint8_t* p, float value) {
     storeLe32(p, std::bit_cast<std::uint32_t>(value));

@@ -13,6 +13,7 @@
 
 #include "bytes/Numbers.h"
 #include "bytes/Text.h"
+#include "encoders/TargaOps.h"
 #include "files/CocoaFileBrowser.h"
 #include "files/FileOps.h"
 #include "mesh/VemoOps.h"
@@ -212,7 +213,7 @@ float mergeMapsBMP(const char* text, double, char* buffer1, int, char*, int, cha
 
 float swapRGBTIF(const char* text, double value, char*, int, char*, int, char**) {
     if (text == nullptr || !isSwapValue(value)) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return swapChannels(text, saturatedInt(value)); });
 }
 
 float swapRGBPSD(const char* text, double value, char*, int, char*, int, char**) {
@@ -227,23 +228,24 @@ float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**)
 
 float convertTIFF16(const char* text, double value, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr || !isTargetLayout(value)) return kRefused;
-    [[maybe_unused]] const bool isPsd = namesPsd(buffer1);  // throws when there is no dot
-    return kNotYet;
+    const int isPsd = namesPsd(buffer1) ? 1 : 0;  // throws when there is no dot
+    return guarded(kRefused,
+                   [&] { return convertTiff(text, buffer1, saturatedInt(value), isPsd); });
 }
 
 float convertTIFFSingle(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kFailed;
-    return kNotYet;
+    return guarded(kFailed, [&] { return singleChannelTiff(text, buffer1); });
 }
 
 float getScale(const char* text, double value, char*, int, char*, int, char**) {
     if (text == nullptr || !isChannelCount(value)) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return getScaleTiff(text, saturatedInt(value)); });
 }
 
 float saveAsTarga(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return convertToTarga(text, buffer1); });
 }
 
 float saveAsJpeg(const char* text, double, char* buffer1, int, char*, int, char**) {

@@ -77,6 +77,13 @@ std::uint64_t File::size() const {
     return static_cast<std::uint64_t>(status.st_size);
 }
 
+bool File::isSameAs(const char* path) const {
+    struct stat mine {};
+    struct stat other {};
+    return path != nullptr && ::fstat(descriptor_, &mine) == 0 && ::stat(path, &other) == 0 &&
+           mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
+}
+
 std::size_t File::readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) const {
     return transferAll(offset, count, [&](std::size_t done, std::size_t length) {
         return ::pread(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
@@ -89,6 +96,12 @@ bool File::writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t 
             return ::pwrite(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
         });
     return written == count;
+}
+
+bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
+    const bool written = file_.writeAt(length_, bytes, count);
+    length_ += count;
+    return written;
 }
 
 FileBytes loadFile(const char* path, std::size_t spare) {

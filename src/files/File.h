@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 #include <memory>
+#include <utility>
 
 class File {
 public:
@@ -26,6 +27,9 @@ public:
     // The length in bytes that the file has now.
     std::uint64_t size() const;
 
+    // Whether `path` leads to this very file, be it by another name.
+    bool isSameAs(const char* path) const;
+
     // Reads up to `count` bytes from `offset` on. Returns how many there were; fewer only at the
     // end of the file or on a read error.
     std::size_t readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) const;
@@ -38,6 +42,21 @@ private:
     static File openRegular(const char* path, int flags);
 
     int descriptor_ = -1;
+};
+
+// A new file, written from its start to its end.
+class FileWriter {
+public:
+    explicit FileWriter(File file) : file_(std::move(file)) {}
+
+    bool isOpen() const { return file_.isOpen(); }
+
+    // Writes all of `count` bytes behind what was written before; false if the disk took fewer.
+    bool append(const std::uint8_t* bytes, std::size_t count);
+
+private:
+    File file_;
+    std::uint64_t length_ = 0;
 };
 
 // A file's bytes in memory, as many as the file really had.

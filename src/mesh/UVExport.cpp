@@ -81,25 +81,18 @@ struct CornerPiece {
     }
 };
 
-std::string tileFileName(const char* outPath, const UV_tile& tile) {
-    return FileNameExtract(outPath, 3) + tile.name + ".Vemo";
+FileWriter createTileFile(const char* outPath, const UV_tile& tile) {
+    const std::string path = FileNameExtract(outPath, 3) + tile.name + ".Vemo";
+    return FileWriter(File::create(path.c_str()));
 }
 
 float tileNotWritten(std::size_t position) {
     return vemo_status::kFirstTileNotWritten + static_cast<float>(position);
 }
 
-// A tile's file while it is being filled from its start to its end.
 struct TileFile {
     TileAt tile;
-    File file;
-    std::uint64_t length = 0;
-
-    bool append(const std::uint8_t* bytes, std::size_t count) {
-        const bool written = file.writeAt(length, bytes, count);
-        length += count;
-        return written;
-    }
+    FileWriter file;
 };
 
 // Creates the files of the tiles from `next` on, as many as may be open at once, and advances
@@ -108,7 +101,7 @@ std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::co
                                       const char* outPath) {
     std::vector<TileFile> files;
     for (; next != end && files.size() < kMostOpenTiles; ++next) {
-        TileFile created{tileAt(*next), File::create(tileFileName(outPath, *next).c_str())};
+        TileFile created{tileAt(*next), createTileFile(outPath, *next)};
         if (!created.file.isOpen()) break;
         UVTileStr.push_back(next->name);
         files.push_back(std::move(created));
@@ -123,7 +116,7 @@ std::size_t fillTileFiles(std::vector<TileFile>& files, const VemoFile& vemo,
     std::size_t whole = files.size();
     const auto appendToEach = [&](auto bytesFor, std::size_t count) {
         for (std::size_t i = 0; i < whole; ++i) {
-            if (!files[i].append(bytesFor(files[i].tile), count)) whole = i;
+            if (!files[i].file.append(bytesFor(files[i].tile), count)) whole = i;
         }
     };
     const std::uint8_t* bytes = vemo.file.data.get();
@@ -237,12 +230,12 @@ float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFi
     const std::size_t meshBytes = vemo.file.size - kClosingHeader.size();
     for (auto tile = tiles.begin(); tile != tiles.end(); ++tile) {
         const std::size_t position = UVTileStr.size();
-        TileFile out{tileAt(*tile), File::create(tileFileName(outPath, *tile).c_str())};
+        TileFile out{tileAt(*tile), createTileFile(outPath, *tile)};
         if (!out.file.isOpen()) return tileNotWritten(position);
         UVTileStr.push_back(tile->name);
         maskTile(&maskChunk[kChunkHeaderBytes], out.tile, faceTiles, vemo, input);
-        if (!out.append(vemo.file.data.get(), meshBytes) ||
-            !out.append(maskChunk.data(), maskChunk.size()))
+        if (!out.file.append(vemo.file.data.get(), meshBytes) ||
+            !out.file.append(maskChunk.data(), maskChunk.size()))
             return tileNotWritten(position);
     }
     return static_cast<float>(tiles.size());

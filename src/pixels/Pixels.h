@@ -1,6 +1,7 @@
 #pragma once
 // Pixels: what operations do to pixels in memory, unknown to any file format.
 
+#include <bitset>
 #include <cstddef>
 #include <cstdint>
 
@@ -14,3 +15,29 @@ inline constexpr std::size_t kLargestPixelBytes = 12;  // three 32-bit samples
 //   pixelBytes   1, 2, 3, 4, 6 or 12
 void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
                     std::size_t pixels, std::size_t pixelBytes);
+
+// Exchanges two of the three bytes of each pixel, counted from 0.
+void exchangeSamples(std::uint8_t* row, std::size_t pixels, std::size_t first, std::size_t second);
+
+// Copies pixels of three bytes with the first and the third exchanged.
+void copyReversed(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels);
+
+// Writes each grey sample three times.
+void greyToColour(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels);
+
+// Copies the first of each pixel's three float samples, little-endian.
+void takeFirstSamples(std::uint8_t* to, const float* from, std::size_t pixels);
+
+// The 16-bit level of a sample, where 0 to 1 becomes 0 to 65535: times 65535, held in that range
+// (NaN is 0), plus 0.5, truncated; all in single precision.
+std::uint16_t levelOf(float sample);
+
+enum class ByteOrder { kLittle, kBig };
+
+// Writes the levels of `count` samples, each `step` floats after the one before.
+void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
+                ByteOrder order);
+
+// Adds the levels of samples to a set of levels.
+using LevelSet = std::bitset<65536>;
+void markLevels(LevelSet& levels, const float* samples, std::size_t count);

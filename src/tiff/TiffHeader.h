@@ -3,8 +3,7 @@
 
 #include <cstddef>
 #include <cstdint>
-
-#include "bytes/Bytes.h"
+#include <vector>
 
 // What a file's first directory says. Fields of tags that it does not list are 0; numbers are as
 // the file has them, so any may be negative.
@@ -17,17 +16,32 @@ struct TiffInfo {
     std::int32_t stripByteCount = 0;
 };
 
-// The bytes of a file that are searched for its directory. A shorter file counts as going on with
-// its last byte.
-inline constexpr std::size_t kTiffHeadBytes = 1000;
-
-struct TiffHeader {
-    float refused;  // tiff_status::kOk or why the file is not one that Quillon works on
-    TiffInfo info;
-    bool isEmpty;  // the directory lists nothing
+// One directory entry as it stands in the file.
+struct TiffEntry {
+    std::uint16_t tag = 0;
+    std::uint32_t count = 0;
+    std::uint32_t value = 0;  // or the offset of the values, where they take more than 4 bytes
+    std::uint64_t valueOffset = 0;  // of the value field, from the start of the file
 };
 
-// Reads the directory of the file at `path`. Samples of any depth are accepted.
+struct TiffHeader {
+    float refused = 0.0f;  // tiff_status::kOk or why the file is not one that Quillon works on
+    TiffInfo info;
+    std::vector<TiffEntry> entries;  // up to the refused one; none for a file without a directory
+};
+
+// What a reader asks of a file.
+struct TiffRules {
+    // 32-bit samples only. A bad sample count is then answered with kFloatBadSampleCount.
+    bool floatOnly = false;
+    // The directory may lie anywhere; else it is looked for in the first kTiffHeadBytes only.
+    bool directoryAnywhere = false;
+};
+
+// A shorter file counts as going on with its last byte up to here.
+inline constexpr std::size_t kTiffHeadBytes = 1000;
+
+// Reads the directory of the file at `path`.
 //
-//   returns  `notOpened` in `refused` when the file cannot be opened
-TiffHeader readTiffHeader(const char* path, float notOpened);
+//   notOpened  what `refused` tells when the file cannot be opened
+TiffHeader readTiffHeader(const char* path, float notOpened, const TiffRules& rules = {});

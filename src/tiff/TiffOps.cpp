@@ -1,13 +1,16 @@
+// Merging and channel swaps, which change a map in place.
+
 #include "tiff/TiffOps.h"
 
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <memory>
+#include <vector>
 
 #include "files/File.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
+#include "tiff/TiffStrip.h"
 
 namespace {
 
@@ -18,67 +21,67 @@ float printed(float status) {
     return status;
 }
 
-// Rows that lie one behind the other in a file.
-struct Rows {
-    std::uint64_t offset = 0;  // of the first one, from the start of the file
-    std::uint64_t bytes = 0;   // of all together
-    std::uint64_t rowBytes = 0;
-    std::size_t pixelBytes = 0;
-};
-
-bool hasKnownDepth(const TiffInfo& info) {
-    return info.bitsPerSample == 8 || info.bitsPerSample == 16 || info.bitsPerSample == 32;
+bool canBeMerged(const TiffInfo& info) {
+    const int bits = info.bitsPerSample;
+    return (bits == 8 || bits == 16 || bits == 32) && info.stripOffset < info.stripByteCount;
 }
 
-// The rows that a merge walks, before the files' real lengths are looked at. All rows are walked
+// The pixels that a merge walks, before the files' real lengths are looked at. All rows are walked
 // again, further on in the file, as long as the place reached is below the strip's byte count; for
 // a well-formed file one walk is enough.
-Rows rowsToMerge(const TiffInfo& info) {
-    const bool nothing = info.stripOffset < 0 || info.stripOffset >= info.stripByteCount ||
-                         info.width < 1 || info.length < 1 || !hasKnownDepth(info);
-    if (nothing) return {};
-    const auto offset = static_cast<std::uint64_t>(info.stripOffset);
-    const auto pixelBytes = static_cast<std::size_t>(info.channels * info.bitsPerSample / 8);
-    // A row takes at most 2^31 * 12 bytes, a walk at most 2^31 rows: 2^66. Beyond any file's length
-    // one number is as good as another.
-    const std::uint64_t rowBytes = static_cast<std::uint64_t>(info.width) * pixelBytes;
-    const auto length = static_cast<std::uint64_t>(info.length);
-    const std::uint64_t walk = length > INT64_MAX / rowBytes ? INT64_MAX : length * rowBytes;
-    const std::uint64_t upToByteCount = static_cast<std::uint64_t>(info.stripByteCount) - offset;
-    const std::uint64_t walks = (upToByteCount + walk - 1) / walk;
-    return {offset, walks * walk, rowBytes, pixelBytes};
+Strip stripToMerge(const TiffInfo& info) {
+    if (!canBeMerged(info)) return {};
+    Strip strip = stripOf(info, static_cast<std::size_t>(info.channels * info.bitsPerSample / 8));
+    if (strip.pixels == 0) return strip;
+    const std::uint64_t walk = strip.pixels * strip.pixelBytes;
+    const std::uint64_t upToByteCount =
+        static_cast<std::uint64_t>(info.stripByteCount) - strip.offset;
+    strip.pixels *= (upToByteCount + walk - 1) / walk;
+    return strip;
 }
 
-// The rows that lie wholly within a file of this length.
-Rows wholeRowsWithin(Rows rows, std::uint64_t fileBytes) {
-    if (rows.bytes == 0 || fileBytes <= rows.offset) return {};
-    const std::uint64_t available = (fileBytes - rows.offset) / rows.rowBytes * rows.rowBytes;
-    rows.bytes = std::min(rows.bytes, available);
-    return rows;
-}
-
-bool mergeRows(const File& source, const File& target, const Rows& rows) {
+bool mergePixels(const File& source, const File& target, const Strip& strip) {
     std::array<std::uint8_t, kLargestPixelBytes> background{};
-    source.readAt(rows.offset, background.data(), rows.pixelBytes);
+    source.readAt(strip.offset, background.data(), strip.pixelBytes);
 
-    const std::size_t piecePixels = kPieceBytes / rows.pixelBytes;
-    const auto sourcePiece = std::make_unique<std::uint8_t[]>(kPieceBytes);
-    const auto targetPiece = std::make_unique<std::uint8_t[]>(kPieceBytes);
-    std::uint64_t pixelsLeft = rows.bytes / rows.pixelBytes;
-    for (std::uint64_t offset = rows.offset; pixelsLeft > 0;) {
-        const auto pixels =
-            static_cast<std::size_t>(std::min<std::uint64_t>(pixelsLeft, piecePixels));
-        const std::size_t bytes = pixels * rows.pixelBytes;
-        if (source.readAt(offset, sourcePiece.get(), bytes) < bytes ||
-            target.readAt(offset, targetPiece.get(), bytes) < bytes)
-            return false;
-        fillBackground(targetPiece.get(), sourcePiece.get(), background.data(), pixels,
-                       rows.pixelBytes);
-        if (!target.writeAt(offset, targetPiece.get(), bytes)) return false;
-        offset += bytes;
-        pixelsLeft -= pixels;
+    std::vector<std::uint8_t> tile(kPieceBytes);
+    std::vector<std::uint8_t> map(kPieceBytes);
+    return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
+        const std::size_t bytes = pixels * strip.pixelBytes;
+        if (source.readAt(offset, tile.data(), bytes) < bytes) return false;
+        if (target.readAt(offset, map.data(), bytes) < bytes) return false;
+        fillBackground(map.data(), tile.data(), background.data(), pixels, strip.pixelBytes);
+        return target.writeAt(offset, map.data(), bytes);
+    });
+}
+
+// The two samples of a pixel that a swap exchanges.
+struct Exchange {
+    std::size_t first;
+    std::size_t second;
+};
+
+Exchange exchangeOf(int mode) {
+    switch (mode) {
+        case 1:
+            return {1, 2};
+        case 2:
+            return {0, 2};
+        case 3:
+            return {0, 1};
+        default:
+            return {0, 0};
     }
-    return true;
+}
+
+bool swapPixels(const File& file, const Strip& strip, Exchange exchange) {
+    std::vector<std::uint8_t> piece(kPieceBytes);
+    return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
+        const std::size_t bytes = pixels * strip.pixelBytes;
+        if (file.readAt(offset, piece.data(), bytes) < bytes) return false;
+        exchangeSamples(piece.data(), pixels, exchange.first, exchange.second);
+        return file.writeAt(offset, piece.data(), bytes);
+    });
 }
 
 }  // namespace
@@ -90,7 +93,8 @@ float mergeTiff(const char* source, const char* target) {
     if (to.refused == tiff_status::kTargetNotOpened) return printed(to.refused);
     if (to.refused != tiff_status::kOk) return to.refused;
 
-    if (to.isEmpty || from.info.width != to.info.width || from.info.length != to.info.length)
+    if (to.entries.empty() || from.info.width != to.info.width ||
+        from.info.length != to.info.length)
         return tiff_status::kSizesDiffer;
     if (from.info.channels != to.info.channels || from.info.bitsPerSample != to.info.bitsPerSample)
         return tiff_status::kSamplesDiffer;
@@ -98,11 +102,26 @@ float mergeTiff(const char* source, const char* target) {
     const File sourceFile = File::openForReading(source);
     if (!sourceFile.isOpen()) return tiff_status::kNotReopened;
     const File targetFile = File::openForRewriting(target);
-    if (!targetFile.isOpen()) return tiff_status::kTargetNotReopened;
+    if (!targetFile.isOpen()) return tiff_status::kTargetNotWritten;
 
-    const Rows rows =
-        wholeRowsWithin(rowsToMerge(from.info), std::min(sourceFile.size(), targetFile.size()));
-    if (rows.bytes > 0 && !mergeRows(sourceFile, targetFile, rows))
-        return tiff_status::kTargetNotReopened;
+    const Strip strip = wholeRowsWithin(stripToMerge(from.info), from.info,
+                                        std::min(sourceFile.size(), targetFile.size()));
+    if (strip.pixels > 0 && !mergePixels(sourceFile, targetFile, strip))
+        return tiff_status::kTargetNotWritten;
+    return tiff_status::kOk;
+}
+
+float swapChannels(const char* path, int mode) {
+    const TiffHeader header = readTiffHeader(path, tiff_status::kNotOpened);
+    if (header.refused == tiff_status::kNotOpened) return printed(header.refused);
+    if (header.refused != tiff_status::kOk) return header.refused;
+    const File file = File::openForRewriting(path);
+    if (!file.isOpen()) return printed(tiff_status::kNotReopened);
+
+    const Exchange exchange = exchangeOf(mode);
+    const bool hasColours = header.info.bitsPerSample == 8 && header.info.channels == 3;
+    if (!hasColours || exchange.first == exchange.second) return tiff_status::kOk;
+    const Strip strip = wholeRowsWithin(stripOf(header.info, 3), header.info, file.size());
+    if (strip.pixels > 0 && !swapPixels(file, strip, exchange)) return tiff_status::kNotReopened;
     return tiff_status::kOk;
 }

@@ -2,7 +2,8 @@
 // TiffOps: the host's own TIFF maps: one strip, uncompressed, little-endian, one or three samples a
 // pixel. Pixels run top row first, channels interleaved.
 //
-// Tags read, all from the first 1000 bytes of the file, 12 bytes each after a count of two bytes:
+// Tags read, all from the first 1000 bytes (getScaleTiff: the whole file), 12 bytes each after a
+// count of two bytes:
 //   256 width         257 length         258 bits per sample (its count: channels)
 //   259 compression   262 photometric    273 strip offset
 //   279 strip bytes   339 sample format
@@ -12,18 +13,21 @@
 // (-259: compressed), save where any depth is accepted: there a bad sample count stays positive.
 namespace tiff_status {
 inline constexpr float kOk = 0.0f;
-inline constexpr float kNotOpened = -10.0f;           // first or only file
-inline constexpr float kTargetNotOpened = -20.0f;     // also printed on standard output
-inline constexpr float kSizesDiffer = -30.0f;         // also: the target has no directory
-inline constexpr float kNotFloat = -32.0f;            // float-only readers
-inline constexpr float kSamplesDiffer = -40.0f;       // channels or depth
-inline constexpr float kNotReopened = -101.0f;        // first or only file, for pixel access
-inline constexpr float kTargetNotReopened = -201.0f;  // or not written
-inline constexpr float kBadSampleCount = 258.0f;      // readers of any depth
+inline constexpr float kNoPixels = -1.0f;            // readers of float maps: a size below 1
+inline constexpr float kNotOpened = -10.0f;          // first or only file
+inline constexpr float kTargetNotOpened = -20.0f;    // also printed on standard output
+inline constexpr float kSizesDiffer = -30.0f;        // also: the target has no directory
+inline constexpr float kNotFloat = -32.0f;           // float-only readers
+inline constexpr float kSamplesDiffer = -40.0f;      // channels or depth
+inline constexpr float kNotReopened = -101.0f;       // first or only file, for pixel access
+inline constexpr float kTargetNotWritten = -201.0f;  // cannot be created, opened or filled
+inline constexpr float kBadSampleCount = 258.0f;     // readers of any depth
 inline constexpr float kFloatBadSampleCount = -258.0f;
 inline constexpr float kCompressed = -259.0f;
 inline constexpr float kBadPhotometric = -262.0f;  // a palette or beyond
+inline constexpr float kSizeNotPlaced = -257.0f;  // conversion to TIFF: sizes too far into the file
 inline constexpr float kSeveralStrips = -273.0f;
+inline constexpr float kPixelsMissing = -279.0f;  // the file ends before the last row
 inline constexpr float kBadSampleFormatCount = -339.0f;
 }
 
@@ -41,5 +45,49 @@ inline constexpr float kBadSampleFormatCount = -339.0f;
 //   below
 //            its own length, which leaves the target as it is; kNotOpened; kTargetNotOpened, also
 //            printed; a refused tag (source first); kSizesDiffer; kSamplesDiffer; kNotReopened;
-//            kTargetNotReopened
+//            kTargetNotWritten
 float mergeTiff(const char* source, const char* target);
+
+// Exchanges two colour channels of an 8-bit colour map in place. Any other map stays as it is.
+//
+//   mode     1: green and blue, 2: red and blue, 3: red and green; any other: nothing
+//   returns  kOk; kNotOpened and kNotReopened, both also printed; a refused tag. Rows that the file
+//            does not have are left alone, and the file never grows.
+float swapChannels(const char* path, int mode);
+
+// Float maps. The next three read 32-bit samples only. They take a pixel to have as many channels
+// as the caller says, and refuse a file that ends before its last row, or that has none, before
+// anything is written: kPixelsMissing, kNoPixels. Source and target must be two files.
+
+// Writes the first channel of a three-channel float map as a one-channel float map.
+//
+//   source   path, only read, yet it must be writable
+//   target   path, created anew: a header of 222 bytes, then the samples
+//   returns  kOk, kNotOpened, a refused tag, kNoPixels, kPixelsMissing, kNotReopened,
+//            kTargetNotWritten
+float singleChannelTiff(const char* source, const char* target);
+
+// Turns a float map into a 16-bit map.
+//
+//   in       path, only read
+//   out      path, created anew: the header, then the levels of the samples (0 to 1 becomes 0 to
+//            65535). A TIFF, little-endian, with a header of 198 (grey) or 234 bytes (colour), or a
+//            PSD, big-endian, with one of 40.
+//   mode     1: grey to grey, 3: colour to colour, 4: colour to grey, the first channel
+//   isPsd    not 0: PSD, save in mode 3, which is always a TIFF. The PSD's height is the map's
+//   width
+//            and its width the map's length: square maps do not show it, the files in the field
+//            have it so.
+//   returns  kOk, kNotOpened, a refused tag, kNoPixels, kPixelsMissing, kNotReopened,
+//            kTargetNotWritten; kSizeNotPlaced when a TIFF is wanted and the map's directory is not
+//            where the host writes it, first in the file
+float convertTiff(const char* in, const char* out, int mode, int isPsd);
+
+// Measures the scale of a displacement map from the number of different 16-bit levels in it: few
+// levels give a large scale, up to infinity for a flat map.
+//
+//   path      only read, yet it must be writable
+//   channels  1 or 3; all samples count, whatever the channel
+//   returns   the scale, above 0; or kNotOpened, a refused tag, kNoPixels, kPixelsMissing,
+//             kNotReopened
+float getScaleTiff(const char* path, int channels);

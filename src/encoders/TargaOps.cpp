@@ -1,0 +1,128 @@
+#include "encoders/TargaOps.h"
+
+#include <algorithm>
+#include <array>
+#include <cstdint>
+#include <vector>
+
+#include "bytes/Bytes.h"
+#include "files/File.h"
+#include "pixels/Pixels.h"
+#include "tiff/TiffHeader.h"
+#include "tiff/TiffOps.h"
+#include "tiff/TiffTags.h"
+
+namespace {
+
+constexpr std::size_t kHeaderBytes = 18;
+constexpr std::size_t kPixelBytes = 3;
+
+// A picture some of whose rows are missing may take this much, and as many times its own file; more
+// is a header that makes its size up.
+constexpr std::uint64_t kMostInventedBytes = 64 * 1024 * 1024;
+constexpr std::uint64_t kMostTimesTheFile = 16;
+
+std::array<std::uint8_t, kHeaderBytes> targaHeader(const TiffInfo& info) {
+    std::array<std::uint8_t, kHeaderBytes> header{};
+    header[2] = 2;
+    storeLe16(&header[12], static_cast<std::uint16_t>(info.width));
+    storeLe16(&header[14], static_cast<std::uint16_t>(info.length));
+    header[16] = 8 * kPixelBytes;
+    return header;
+}
+
+// A map as it is read: its rows end the file, the bottom one last.
+struct Map {
+    std::uint64_t fileBytes;
+    std::size_t channels;
+    std::uint64_t width;
+    std::uint64_t rows;  // as claimed
+
+    std::uint64_t rowBytes() const { return width * channels; }
+    std::uint64_t existingRows() const { return std::min(rows, fileBytes / rowBytes()); }
+    // Rows count from the bottom one up.
+    std::uint64_t offsetOf(std::uint64_t row) const { return fileBytes - (row + 1) * rowBytes(); }
+    std::uint64_t targaBytes() const { return rows * width * kPixelBytes; }
+};
+
+Map mapOf(const TiffInfo& info, std::uint64_t fileBytes) {
+    const auto size = [](std::int32_t value) {
+        return static_cast<std::uint64_t>(std::max(value, 0));
+    };
+    return {fileBytes, static_cast<std::size_t>(info.channels), size(info.width),
+            size(info.length)};
+}
+
+bool namesHeight(const TiffHeader& header) {
+    return std::any_of(header.entries.begin(), header.entries.end(),
+                       [](const TiffEntry& entry) { return entry.tag == tiff_tag::kImageLength; });
+}
+
+bool inventsItsSize(const Map& map) {
+    return map.rows > 0 && map.width > 0 && map.existingRows() < map.rows &&
+           map.targaBytes() > kMostInventedBytes + kMostTimesTheFile * map.fileBytes;
+}
+
+void convertPixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels,
+                   std::size_t channels) {
+    if (channels == 1)
+        greyToColour(to, from, pixels);
+    else
+        copyReversed(to, from, pixels);
+}
+
+// Writes the rows that the map has, the bottom one first, in pieces of several rows. Leaves the
+// last of them in `lastRow`, as it was written.
+bool writeExistingRows(const File& in, FileWriter& out, const Map& map,
+                       std::vector<std::uint8_t>& lastRow) {
+    const auto width = static_cast<std::size_t>(map.width);
+    const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
+    const std::uint64_t pieceRows =
+        std::min(std::max<std::uint64_t>(kPieceBytes / lastRow.size(), 1), map.existingRows());
+    std::vector<std::uint8_t> rows(static_cast<std::size_t>(pieceRows) * rowBytes);
+    std::vector<std::uint8_t> targaRows(static_cast<std::size_t>(pieceRows) * lastRow.size());
+
+    for (std::uint64_t row = 0; row < map.existingRows();) {
+        const auto count = static_cast<std::size_t>(std::min(pieceRows, map.existingRows() - row));
+        in.readAt(map.offsetOf(row + count - 1), rows.data(), count * rowBytes);
+        for (std::size_t i = 0; i < count; ++i) {
+            convertPixels(&targaRows[i * lastRow.size()], &rows[(count - 1 - i) * rowBytes], width,
+                          map.channels);
+        }
+        if (!out.append(targaRows.data(), count * lastRow.size())) return false;
+        row += count;
+        if (row == map.existingRows())
+            std::copy_n(&targaRows[(count - 1) * lastRow.size()], lastRow.size(), lastRow.data());
+    }
+    return true;
+}
+
+bool writeRows(const File& in, FileWriter& out, const Map& map) {
+    if (map.width == 0 || map.rows == 0) return true;
+    std::vector<std::uint8_t> lastRow(static_cast<std::size_t>(map.width) * kPixelBytes);
+    if (!writeExistingRows(in, out, map, lastRow)) return false;
+    for (std::uint64_t row = map.existingRows(); row < map.rows; ++row) {
+        if (!out.append(lastRow.data(), lastRow.size())) return false;
+    }
+    return true;
+}
+
+}  // namespace
+
+float convertToTarga(const char* inPath, const char* outPath) {
+    const TiffHeader header = readTiffHeader(inPath, targa_status::kNotOpened);
+    if (header.refused != tiff_status::kOk) return header.refused;
+    const File measured = File::openForReading(inPath);
+    const Map map = mapOf(header.info, measured.size());
+    if (map.channels == 0 || !namesHeight(header)) return targa_status::kNoSize;
+    if (inventsItsSize(map)) return targa_status::kPixelsMissing;
+    if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
+
+    FileWriter out(File::create(outPath));
+    const auto targa = targaHeader(header.info);
+    if (!out.isOpen() || !out.append(targa.data(), targa.size()))
+        return targa_status::kTargetNotWritten;
+    const File in = File::openForRewriting(inPath);
+    if (!in.isOpen()) return targa_status::kNotReopened;
+    return writeRows(in, out, map) ? targa_status::kOk : targa_status::kTargetNotWritten;
+}

@@ -1,0 +1,37 @@
+#pragma once
+// FloatMap: a map of 32-bit float samples, open for reading, all of whose pixels are there.
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "files/File.h"
+#include "tiff/TiffHeader.h"
+#include "tiff/TiffOps.h"
+#include "tiff/TiffStrip.h"
+
+struct FloatMap {
+    float refused = tiff_status::kOk;  // else nothing below counts
+    TiffHeader header;
+    File file;
+    Strip strip;
+
+    std::size_t channels() const { return strip.pixelBytes / sizeof(float); }
+};
+
+// A way to open a file: File::openForReading or File::openForRewriting.
+using OpenFile = File (*)(const char* path);
+
+// Opens a map whose pixels are taken to have `channels` samples, whatever the file says.
+//
+//   returns  with `refused` kOk, kNotOpened, a refused tag, kNotReopened when `open` fails,
+//            kNoPixels or kPixelsMissing
+FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& rules,
+                      OpenFile open);
+
+// A buffer for the samples of one piece of a map.
+std::vector<float> pieceOfSamples();
+
+// Reads the samples of some pixels; false when the file does not have them any more.
+bool readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
+                 std::vector<float>& samples);

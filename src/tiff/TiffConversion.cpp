@@ -1,0 +1,104 @@
+// Maps made from float maps: 16-bit maps and single channels.
+
+#include <vector>
+
+#include "bytes/Bytes.h"
+#include "files/File.h"
+#include "pixels/Pixels.h"
+#include "tiff/FloatMap.h"
+#include "tiff/TiffOps.h"
+#include "tiff/TiffTags.h"
+#include "tiff/TiffTemplates.h"
+
+namespace {
+
+constexpr int kColourMode = 3;  // three channels in, three out
+
+constexpr std::size_t kPsdHeight = 14;
+constexpr std::size_t kPsdWidth = 18;
+
+using Header = std::vector<std::uint8_t>;
+
+// Creates the target and fills it with `header` and, piece by piece, what `convert(out, in,
+// pixels)` makes of the map's pixels.
+template <typename Convert>
+float writeConverted(const FloatMap& map, const char* target, const Header& header,
+                     std::size_t outPixelBytes, Convert convert) {
+    if (map.file.isSameAs(target)) return tiff_status::kTargetNotWritten;
+    FileWriter out(File::create(target));
+    if (!out.isOpen() || !out.append(header.data(), header.size()))
+        return tiff_status::kTargetNotWritten;
+
+    std::vector<float> samples = pieceOfSamples();
+    std::vector<std::uint8_t> converted(kPieceBytes);
+    const bool done = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
+        if (!readSamples(map, offset, pixels, samples)) return false;
+        convert(converted.data(), samples.data(), pixels);
+        return out.append(converted.data(), pixels * outPixelBytes);
+    });
+    return done ? tiff_status::kOk : tiff_status::kTargetNotWritten;
+}
+
+// The PSD's height takes the map's width and its width the length: the files in the field are so,
+// and for square maps it makes no difference.
+Header psdHeaderFor(const TiffHeader& map) {
+    Header header = greyPsdHeader16();
+    for (const TiffEntry& entry : map.entries) {
+        if (entry.tag == tiff_tag::kImageWidth) storeBe32(&header[kPsdHeight], entry.value);
+        if (entry.tag == tiff_tag::kImageLength) storeBe32(&header[kPsdWidth], entry.value);
+    }
+    return header;
+}
+
+// The map's sizes take the places in the new header that they have in the map's own: its directory
+// is taken to start at byte 8 and to list the new header's tags in the same order. Empty when a
+// place lies outside the new header.
+Header tiffHeaderFor(const TiffHeader& map, Header header, std::uint32_t pixelBytes) {
+    const auto byteCount = static_cast<std::uint32_t>(map.info.width) *
+                           static_cast<std::uint32_t>(map.info.length) * pixelBytes;
+    for (const TiffEntry& entry : map.entries) {
+        const bool isSize = entry.tag == tiff_tag::kImageWidth ||
+                            entry.tag == tiff_tag::kImageLength ||
+                            entry.tag == tiff_tag::kRowsPerStrip;
+        const bool isByteCount = entry.tag == tiff_tag::kStripByteCounts;
+        if (!isSize && !isByteCount) continue;
+        if (entry.valueOffset + 4 > header.size()) return {};
+        std::uint8_t* place = &header[static_cast<std::size_t>(entry.valueOffset)];
+        if (isSize) storeLe16(place, static_cast<std::uint16_t>(entry.value));
+        if (isByteCount) storeLe32(place, byteCount);
+    }
+    return header;
+}
+
+}  // namespace
+
+float singleChannelTiff(const char* source, const char* target) {
+    const FloatMap map = openFloatMap(source, 3, {.floatOnly = true}, File::openForRewriting);
+    if (map.refused != tiff_status::kOk) return map.refused;
+    const Header header = greyTiffHeaderFloat(static_cast<std::uint32_t>(map.header.info.width),
+                                              static_cast<std::uint32_t>(map.header.info.length));
+    return writeConverted(map, target, header, sizeof(float), takeFirstSamples);
+}
+
+float convertTiff(const char* in, const char* out, int mode, int isPsd) {
+    const bool colour = mode == kColourMode;
+    const bool psd = isPsd != 0 && !colour;
+    const std::size_t channelsIn = mode == 1 ? 1 : 3;
+    const std::size_t channelsOut = colour ? 3 : 1;
+    const FloatMap map = openFloatMap(in, channelsIn, {.floatOnly = true}, File::openForReading);
+    if (map.refused != tiff_status::kOk) return map.refused;
+
+    const auto outPixelBytes = static_cast<std::uint32_t>(2 * channelsOut);
+    const Header header =
+        psd ? psdHeaderFor(map.header)
+            : tiffHeaderFor(map.header, colour ? rgbTiffHeader16() : greyTiffHeader16(),
+                            outPixelBytes);
+    if (header.empty()) return tiff_status::kSizeNotPlaced;
+    return writeConverted(map, out, header, outPixelBytes,
+                          [&](std::uint8_t* to, const float* samples, std::size_t pixels) {
+                              // Grey takes the first sample of a pixel, colour all of them.
+                              const std::size_t step = channelsIn / channelsOut;
+                              quantise16(to, samples, pixels * channelsOut, step,
+                                         psd ? ByteOrder::kBig : ByteOrder::kLittle);
+                          });
+}
