@@ -3,8 +3,6 @@
 
 #include "export/Quillon.h"
 
-#include <dirent.h>
-
 #include <algorithm>
 #include <cstdio>
 #include <cstring>
@@ -16,17 +14,13 @@
 #include "encoders/TargaOps.h"
 #include "files/CocoaFileBrowser.h"
 #include "files/FileOps.h"
+#include "files/FolderStream.h"
 #include "mesh/VemoOps.h"
 #include "tiff/TiffOps.h"
 
 using namespace quillon_status;
 
 namespace {
-
-struct CloseStream {
-    void operator()(DIR* stream) const { ::closedir(stream); }
-};
-using FolderStream = std::unique_ptr<DIR, CloseStream>;
 
 // The open listing, or null. Set by OpenFolder, read on by GetFile, ended by CloseFolder and by
 // CheckFolder. A second OpenFolder ends the first listing, which nobody could reach any more.
@@ -41,10 +35,6 @@ float guarded(float failed, Operation operation) noexcept {
     } catch (...) {
         return failed;
     }
-}
-
-FolderStream openListing(const char* path) {
-    return FolderStream(path == nullptr ? nullptr : ::opendir(path));
 }
 
 float doneIf(bool success) {
@@ -97,14 +87,14 @@ float GetPublicFolder(const char*, double, char* buffer1, int, char*, int, char*
 }
 
 float CheckFolder(const char* text, double, char*, int, char*, int, char**) {
-    folder = openListing(text);
+    folder = openFolder(text);
     const bool opened = folder != nullptr;
     folder.reset();
     return doneIf(opened);
 }
 
 float OpenFolder(const char* text, double, char*, int, char*, int, char**) {
-    folder = openListing(text);
+    folder = openFolder(text);
     return doneIf(folder != nullptr);
 }
 

@@ -4,11 +4,12 @@
  *
  * Morvane calls each export with the same seven arguments and takes a float, the status:
  *
- *   text         a path or another text, NUL-terminated UTF-8; only read
- *   value        a number from the script
- *   buffer1      a second path, only read, or the block that takes a text result. A result is
- * copied with its terminating NUL; the block must hold a full path, its size is not checked. the
- * others   the host's own; no export reads them
+ *   text      a path or another text, NUL-terminated UTF-8; only read
+ *   value     a number from the script
+ *   buffer1   a second path, only read, or the block that takes a text result
+ *
+ * The other four are the host's own and never read. A text result is copied with its terminating
+ * NUL; the block must hold a full path, since its size is not checked.
  *
  * Where an export wants an integer, n below is `value` truncated toward zero, saturated at the ends
  * of the 32-bit range; NaN is 0.

@@ -1,15 +1,12 @@
 #include "files/FileOps.h"
 
-#include <dirent.h>
-
 #include <array>
 #include <cstdio>
-#include <cstring>
-#include <memory>
 #include <string_view>
 #include <vector>
 
 #include "files/File.h"
+#include "files/FolderStream.h"
 
 namespace {
 
@@ -25,10 +22,6 @@ std::string fileName(const std::string& path) {
 bool isSelfOrParent(std::string_view name) {
     return name == "." || name == "..";
 }
-
-struct CloseFolder {
-    void operator()(DIR* stream) const { ::closedir(stream); }
-};
 
 // The names in an open folder in the order in which they are walked: "." and ".." first, whatever
 // the order of the file system, then the others as they come.
@@ -70,7 +63,7 @@ std::string FileNameExtract(const std::string& path, int mode) {
 int ClearFolder(const std::string& path) {
     if (path.empty()) return 0;
     const std::string folder = path.back() == '/' ? path : path + '/';
-    const std::unique_ptr<DIR, ::CloseFolder> stream(::opendir(folder.c_str()));
+    const FolderStream stream = openFolder(folder.c_str());
     if (stream == nullptr) return 0;
 
     // The first two entries are skipped unseen: they are the folder itself and its parent. All

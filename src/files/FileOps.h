@@ -33,7 +33,7 @@ std::string FileNameExtract(const std::string& path, int mode);
 int ClearFolder(const std::string& path);
 
 // Copies a file. The target is removed first, before the source is opened, so a failed copy still
-// deletes the old target.
+// deletes the old target, and a file copied onto itself is gone.
 //
 //   returns  whether the source was opened and every byte of it written. A read error counts as
 //            the end of the source.

@@ -15,7 +15,8 @@ Method implementation([[maybe_unused]] id receiver, [[maybe_unused]] SEL name) {
 #ifdef __APPLE__
     return reinterpret_cast<Method>(objc_msgSend);
 #else
-    return reinterpret_cast<Method>(objc_msg_lookup(receiver, name));
+    // Through void (*)(), which compilers take for "some function" and cast without a warning.
+    return reinterpret_cast<Method>(reinterpret_cast<void (*)()>(objc_msg_lookup(receiver, name)));
 #endif
 }
 
