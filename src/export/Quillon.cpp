@@ -7,6 +7,7 @@
 #include <cstdio>
 #include <cstring>
 #include <memory>
+#include <new>
 #include <string>
 
 #include "bytes/Numbers.h"
@@ -218,7 +219,12 @@ float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**)
 
 float convertTIFF16(const char* text, double value, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr || !isTargetLayout(value)) return kRefused;
-    const int isPsd = namesPsd(buffer1) ? 1 : 0;  // throws when there is no dot
+    int isPsd = 0;
+    try {
+        isPsd = namesPsd(buffer1) ? 1 : 0;
+    } catch (const std::bad_alloc&) {
+        return kRefused;  // std::out_of_range, for a path without a dot, does reach the host
+    }
     return guarded(kRefused,
                    [&] { return convertTiff(text, buffer1, saturatedInt(value), isPsd); });
 }

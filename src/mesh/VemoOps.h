@@ -68,10 +68,11 @@ void clearUVtilesOut();
 
 // Writes, for each tile of a mesh, the mesh with the UVs local to that tile: all bytes up to the
 // face UV elements as they are, then each corner's UV within the tile, or -1 and -1 for a corner
-// that lies in another, then 16 zero bytes. What followed the face UV chunk is left out. The tiles
-// are written in the order of their names, to `outPath` without its extension, then the tile's
-// name, then
-// ".Vemo". The names of the tiles whose files were begun are kept for getUVTileString.
+// that lies in another, then 16 zero bytes. What followed the face UV chunk is left out.
+//
+// The tiles are written in the order of their names, to `outPath` without its extension, then the
+// tile's name, then ".Vemo". The names of the tiles whose files were begun are kept for
+// getUVTileString.
 //
 //   path     mesh file, only read; whole in memory during the call
 //   returns  the number of tiles; kUvExportMeshNotOpened; kChunkMissing without a whole face UV

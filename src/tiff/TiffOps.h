@@ -42,10 +42,9 @@ inline constexpr float kBadSampleFormatCount = -339.0f;
 //            source has it. Rows that one of the files does not have are left alone; rows already
 //            written stay if a later one fails.
 //   returns  kOk, also when the depth is not 8, 16 or 32 bits or when the strip does not start
-//   below
-//            its own length, which leaves the target as it is; kNotOpened; kTargetNotOpened, also
-//            printed; a refused tag (source first); kSizesDiffer; kSamplesDiffer; kNotReopened;
-//            kTargetNotWritten
+//            below its own length, which leaves the target as it is; kNotOpened;
+//            kTargetNotOpened, also printed; a refused tag (source first); kSizesDiffer;
+//            kSamplesDiffer; kNotReopened; kTargetNotWritten
 float mergeTiff(const char* source, const char* target);
 
 // Exchanges two colour channels of an 8-bit colour map in place. Any other map stays as it is.
@@ -75,9 +74,8 @@ float singleChannelTiff(const char* source, const char* target);
 //            PSD, big-endian, with one of 40.
 //   mode     1: grey to grey, 3: colour to colour, 4: colour to grey, the first channel
 //   isPsd    not 0: PSD, save in mode 3, which is always a TIFF. The PSD's height is the map's
-//   width
-//            and its width the map's length: square maps do not show it, the files in the field
-//            have it so.
+//            width and its width the map's length: square maps do not show it, and the files in the
+//            field have it so.
 //   returns  kOk, kNotOpened, a refused tag, kNoPixels, kPixelsMissing, kNotReopened,
 //            kTargetNotWritten; kSizeNotPlaced when a TIFF is wanted and the map's directory is not
 //            where the host writes it, first in the file

@@ -1,0 +1,222 @@
+#include <gmock/gmock.h>
+
+#include <cmath>
+#include <limits>
+
+#include "support/Append.h"
+#include "support/CaptureStdout.h"
+#include "support/TempDir.h"
+#include "support/TiffFile.h"
+#include "tiff/TiffOps.h"
+#include "tiff/TiffTemplates.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+// A map as the host writes it: the directory at byte 8, with tag 254 first.
+TiffFile hostMap(std::uint32_t width, std::uint32_t length) {
+    return TiffFile(width, length, TiffFile::Order::kDirectoryFirst).entry(254, 1, 0);
+}
+
+class Conversion : public testing::Test {
+protected:
+    float convert(const TiffFile& map, int mode, int isPsd) const {
+        return convert(map.bytes(), mode, isPsd);
+    }
+    float convert(const ByteList& map, int mode, int isPsd) const {
+        return convertTiff(dir.write("map.tif", map).c_str(), dir.path("out").c_str(), mode, isPsd);
+    }
+    float single(const TiffFile& map) const { return single(map.bytes()); }
+    float single(const ByteList& map) const {
+        return singleChannelTiff(dir.write("map.tif", map).c_str(), dir.path("out").c_str());
+    }
+    ByteList written() const { return readBytes(dir.path("out")); }
+    ByteList writtenFrom(std::size_t start) const {
+        const ByteList bytes = written();
+        return {bytes.begin() + static_cast<std::ptrdiff_t>(start), bytes.end()};
+    }
+
+    const TempDir dir;
+};
+
+void set16(ByteList& bytes, std::size_t at, std::uint32_t value) {
+    bytes[at] = static_cast<std::uint8_t>(value & 0xFF);
+    bytes[at + 1] = static_cast<std::uint8_t>(value >> 8 & 0xFF);
+}
+
+TEST_F(Conversion, GreySamplesBecomeLittleEndianLevels) {
+    EXPECT_EQ(convert(hostMap(3, 1).grey32({1.5f, -0.2f, 0.5f}), 1, 0), 0.0f);
+    EXPECT_EQ(writtenFrom(198), (ByteList{0xFF, 0xFF, 0, 0, 0x00, 0x80}));
+}
+
+TEST_F(Conversion, AGreyMapsSizesStandInItsTiffHeader) {
+    EXPECT_EQ(convert(hostMap(3, 2).grey32({0, 0, 0, 0, 0, 0}), 1, 0), 0.0f);
+    ByteList expected = greyTiffHeader16();
+    set16(expected, 30, 3);    // width
+    set16(expected, 42, 2);    // length
+    set16(expected, 114, 2);   // rows per strip
+    set16(expected, 126, 12);  // strip byte count
+    set16(expected, 126 + 2, 0);
+    expected.resize(198 + 12);
+    EXPECT_EQ(written(), expected);
+}
+
+TEST_F(Conversion, AColourMapsSizesStandInItsTiffHeader) {
+    EXPECT_EQ(convert(hostMap(1, 2).rgb32({0, 1, 0.5f, 1, 0, 0.25f}), 3, 0), 0.0f);
+    ByteList expected = rgbTiffHeader16();
+    set16(expected, 30, 1);
+    set16(expected, 42, 2);
+    set16(expected, 114, 2);
+    set16(expected, 126, 12);
+    set16(expected, 126 + 2, 0);
+    append(expected, {0, 0, 0xFF, 0xFF, 0, 0x80, 0xFF, 0xFF, 0, 0, 0, 0x40});
+    EXPECT_EQ(written(), expected);
+}
+
+TEST_F(Conversion, ModeFourKeepsTheFirstChannel) {
+    EXPECT_EQ(convert(hostMap(2, 1).rgb32({1, 0.5f, 0.5f, 0.25f, 1, 1}), 4, 0), 0.0f);
+    EXPECT_EQ(writtenFrom(198), (ByteList{0xFF, 0xFF, 0, 0x40}));
+}
+
+TEST_F(Conversion, PsdSamplesAreBigEndian) {
+    EXPECT_EQ(convert(hostMap(2, 1).grey32({0.5f, 1}), 1, 1), 0.0f);
+    EXPECT_EQ(writtenFrom(40), (ByteList{0x80, 0x00, 0xFF, 0xFF}));
+    EXPECT_EQ(convert(hostMap(1, 1).rgb32({0.25f, 1, 1}), 4, 1), 0.0f);
+    EXPECT_EQ(writtenFrom(40), (ByteList{0x40, 0x00}));
+}
+
+TEST_F(Conversion, APsdsHeightIsTheMapsWidth) {
+    const std::vector<float> samples(512 * 256, 0.0f);
+    EXPECT_EQ(convert(hostMap(512, 256).grey32(samples), 1, 1), 0.0f);
+    const ByteList psd = written();
+    EXPECT_EQ(psd.size(), 40u + 2 * 512 * 256);
+    EXPECT_EQ(ByteList(psd.begin() + 14, psd.begin() + 22), (ByteList{0, 0, 2, 0, 0, 0, 1, 0}));
+}
+
+TEST_F(Conversion, AColourMapIsATiffEvenWhenAPsdIsWanted) {
+    EXPECT_EQ(convert(hostMap(1, 1).rgb32({0, 0, 0}), 3, 1), 0.0f);
+    EXPECT_EQ(written().size(), 234u + 6);
+    EXPECT_EQ(written()[0], 'I');
+}
+
+TEST_F(Conversion, AMapOfManyPiecesIsConvertedWhole) {
+    std::vector<float> samples;
+    ByteList expected;
+    for (std::uint32_t level = 0; level < 65536; ++level) {
+        samples.push_back(static_cast<float>(level) / 65535.0f);
+        samples.insert(samples.end(), {9.0f, 9.0f});
+        appendLe16(expected, level);
+    }
+    EXPECT_EQ(convert(hostMap(1024, 64).rgb32(samples), 4, 0), 0.0f);
+    EXPECT_EQ(writtenFrom(198), expected);
+}
+
+TEST_F(Conversion, ADirectoryBehindThePixelsHasNoPlaceForTheSizes) {
+    const TiffFile map = TiffFile(9, 6).grey32(std::vector<float>(54, 0.5f));
+    EXPECT_EQ(convert(map, 1, 0), -257.0f);
+    EXPECT_FALSE(dir.has("out"));
+    EXPECT_EQ(convert(map, 1, 1), 0.0f) << "a PSD has its own places";
+}
+
+// Without tag 254 everything stands one place further up: the host's order is taken for granted.
+TEST_F(Conversion, SizesTakeThePlacesTheyHaveInTheMap) {
+    const TiffFile map = TiffFile(2, 1, TiffFile::Order::kDirectoryFirst).grey32({0, 0});
+    EXPECT_EQ(convert(map, 1, 0), 0.0f);
+    const ByteList out = written();
+    EXPECT_EQ(out[18], 2) << "the width, where tag 254's value is";
+    EXPECT_EQ(out[30], 1) << "the length, where the width is";
+}
+
+TEST_F(Conversion, RefusalsComeBeforeTheOutputIsCreated) {
+    const TiffFile map = hostMap(2, 2).rgb32(std::vector<float>(12, 0.5f));
+    const struct {
+        const char* what;
+        TiffFile map;
+        float status;
+    } cases[] = {
+        {"four samples", TiffFile(map).entry(258, 4, 32), -258.0f},
+        {"16 bits", hostMap(2, 2).rgb16(std::vector<std::uint16_t>(12)), -32.0f},
+        {"compressed", TiffFile(map).entry(259, 1, 5), -259.0f},
+        {"palette", TiffFile(map).entry(262, 1, 3), -262.0f},
+        {"two strips", TiffFile(map).entry(273, 2, 8), -273.0f},
+        {"two sample formats", TiffFile(map).entry(339, 2, 3), -339.0f},
+        {"no width", TiffFile(map).entry(256, 1, 0), -1.0f},
+        {"negative length", TiffFile(map).entry(257, 1, 0xFFFFFFFF), -1.0f},
+        {"no directory", TiffFile(map).claimEntries(0), -1.0f},
+        {"a row too many", TiffFile(map).entry(257, 1, 3), -279.0f},
+        {"a size beyond any file",
+         TiffFile(map).entry(256, 1, 0x7FFFFFFF).entry(257, 1, 0x7FFFFFFF), -279.0f},
+        {"a strip behind the file", TiffFile(map).entry(273, 1, 0x7FFFFFFF), -279.0f},
+        {"a strip before the file", TiffFile(map).entry(273, 1, 0x80000000), -1.0f},
+    };
+    for (const auto& test : cases) {
+        EXPECT_EQ(convert(test.map, 3, 0), test.status) << test.what;
+        EXPECT_EQ(convert(test.map, 4, 1), test.status) << test.what;
+        EXPECT_EQ(single(test.map), test.status) << test.what;
+    }
+    EXPECT_FALSE(dir.has("out"));
+}
+
+TEST_F(Conversion, MissingFilesAreToldApart) {
+    const CaptureStdout captured;
+    const std::string map = dir.write("map.tif", hostMap(1, 1).rgb32({1, 2, 3}).bytes());
+    const std::string missing = dir.path("missing");
+    const std::string nowhere = dir.path("no/out");
+    EXPECT_EQ(convertTiff(missing.c_str(), dir.path("out").c_str(), 3, 0), -10.0f);
+    EXPECT_EQ(convertTiff(map.c_str(), nowhere.c_str(), 3, 0), -201.0f);
+    EXPECT_EQ(singleChannelTiff(missing.c_str(), dir.path("out").c_str()), -10.0f);
+    EXPECT_EQ(singleChannelTiff(map.c_str(), nowhere.c_str()), -201.0f);
+    EXPECT_THAT(dir.names(), ElementsAre("map.tif"));
+    EXPECT_EQ(captured.text(), "");
+}
+
+TEST_F(Conversion, AFullDiskIsAFailure) {
+    const std::string map = dir.write("map.tif", hostMap(1, 1).rgb32({1, 2, 3}).bytes());
+    EXPECT_EQ(convertTiff(map.c_str(), "/dev/full", 3, 0), -201.0f);
+    EXPECT_EQ(singleChannelTiff(map.c_str(), "/dev/full"), -201.0f);
+}
+
+TEST_F(Conversion, AMapIsNotConvertedOntoItself) {
+    const ByteList bytes = hostMap(1, 1).rgb32({1, 2, 3}).bytes();
+    const std::string map = dir.write("map.tif", bytes);
+    std::filesystem::create_symlink(map, dir.path("other-name.tif"));
+    EXPECT_EQ(convertTiff(map.c_str(), dir.path("other-name.tif").c_str(), 3, 0), -201.0f);
+    EXPECT_EQ(singleChannelTiff(map.c_str(), map.c_str()), -201.0f);
+    EXPECT_EQ(readBytes(map), bytes);
+}
+
+TEST_F(Conversion, ASingleChannelIsTheFirstOfEachPixel) {
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(single(hostMap(2, 2).rgb32({-0.0f, 1, 1, nan, 2, 2, 1024.0f, 3, 3, 0.5f, 4, 4})),
+              0.0f);
+    EXPECT_EQ(writtenFrom(222),
+              (ByteList{0, 0, 0, 0x80, 0, 0, 0xC0, 0x7F, 0, 0, 0x80, 0x44, 0, 0, 0, 0x3F}));
+    ByteList header = written();
+    header.resize(222);
+    EXPECT_EQ(header, greyTiffHeaderFloat(2, 2));
+}
+
+TEST_F(Conversion, ASingleChannelOfManyPiecesIsWhole) {
+    std::vector<float> samples;
+    ByteList expected;
+    for (int i = 0; i < 300 * 200; ++i) {
+        samples.insert(samples.end(), {static_cast<float>(i), -1.0f, -2.0f});
+        appendLeFloat(expected, static_cast<float>(i));
+    }
+    EXPECT_EQ(single(hostMap(300, 200).rgb32(samples)), 0.0f);
+    EXPECT_EQ(writtenFrom(222), expected);
+}
+
+TEST_F(Conversion, ATruncatedMapIsRefusedAndNothingIsWritten) {
+    const ByteList whole = hostMap(2, 2).rgb32(std::vector<float>(12, 0.5f)).bytes();
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const ByteList bytes(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        EXPECT_LT(convert(bytes, 3, 0), 0.0f) << length;
+        EXPECT_LT(single(bytes), 0.0f) << length;
+        EXPECT_EQ(readBytes(dir.path("map.tif")), bytes) << length;
+    }
+    EXPECT_FALSE(dir.has("out"));
+}
+
+}  // namespace
