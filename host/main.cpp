@@ -5,8 +5,8 @@
 #include <csignal>
 #include <cstdio>
 #include <exception>
-#include <map>
 #include <new>
+#include <string>
 
 #include "CallCommand.h"
 #include "ExportCommand.h"
@@ -100,6 +100,7 @@ private:
 
     CLI::App* export_ = nullptr;
     ExportOptions exportOptions_;
+    std::string mapKind_ = "normal";
 };
 
 CommandLine::CommandLine() {
@@ -141,19 +142,22 @@ void CommandLine::addExport() {
     export_->add_option("--out", options.out, "Folder for the map; created when it is missing")
         ->required()
         ->type_name("DIR");
-    export_->add_option("--size", options.size, "Pixels of the map's longer side, at most")
-        ->check(CLI::Range(16, 16384))
+    export_
+        ->add_option("--size", options.size,
+                     "Pixels of the map's longer side, at most: 16 to 16384")
+        ->check(CLI::Range(16, 16384).description(""))
+        ->type_name("PIXELS")
         ->capture_default_str();
-    export_->add_option("--naming", options.naming, "How tiles are named")
-        ->check(CLI::Range(0, 3))
+    export_->add_option("--naming", options.naming, "How tiles are named: 0 to 3, see below")
+        ->check(CLI::Range(0, 3).description(""))
+        ->type_name("MODE")
         ->capture_default_str();
     export_->add_option("--tiles", options.tiles, "Text file of the tiles wanted")
         ->type_name("FILTER");
-    const std::map<std::string, MapKind> kinds = {{"normal", MapKind::kNormal},
-                                                  {"height", MapKind::kHeight}};
-    export_->add_option("--map", options.map, "normal (the default) or height")
-        ->transform(CLI::CheckedTransformer(kinds).description(""))
-        ->type_name("KIND");
+    export_->add_option("--map", mapKind_, "normal or height")
+        ->check(CLI::IsMember({"normal", "height"}).description(""))
+        ->type_name("KIND")
+        ->capture_default_str();
     export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
     export_->footer(kExportExamples);
 }
@@ -174,6 +178,7 @@ int CommandLine::carryOut() {
     }
     if (!exportOptions_.tiles.empty() && exportOptions_.naming != 2)
         throw WrongUsage("--tiles counts with --naming 2 only");
+    exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
     exportMap(openLibrary(), exportOptions_);
     return kSuccess;
 }
