@@ -21,6 +21,10 @@ struct Tile {
     TilePlace place{};
 };
 
+void printSize(const std::string& path) {
+    std::printf("%s  %s bytes\n", path.c_str(), std::to_string(fs::file_size(path)).c_str());
+}
+
 class MapExport {
 public:
     MapExport(const Library& library, const ExportOptions& options)
@@ -46,7 +50,6 @@ private:
     void renderTiles(const TileSheet& sheet);
     void mergeTiles();
     void finish();
-    void printSize(const std::string& path) const;
 
     const ExportOptions& options_;
     const std::string stem_;  // the mesh's name, after which everything is named
@@ -191,16 +194,13 @@ void MapExport::finish() {
         working_.deleteAll();
     progress_.clear();
     std::puts("");
-    for (const Tile& tile : tiles_) {
-        if (!options_.keepTiles) break;
-        printSize(tile.meshFile);
-        printSize(tile.mapFile);
+    if (options_.keepTiles) {
+        for (const Tile& tile : tiles_) {
+            printSize(tile.meshFile);
+            printSize(tile.mapFile);
+        }
     }
     printSize(mapPath());
-}
-
-void MapExport::printSize(const std::string& path) const {
-    std::printf("%s  %ju bytes\n", path.c_str(), std::uintmax_t{fs::file_size(path)});
 }
 
 }  // namespace

@@ -207,7 +207,9 @@ int main(int argc, char** argv) {
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
     try {
-        return CommandLine().run(argc, argv);
+        const int status = CommandLine().run(argc, argv);
+        if (std::fflush(stdout) != 0) throw Failure("the output could not be written");
+        return status;
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);
     } catch (const std::bad_alloc&) {

@@ -142,6 +142,12 @@ TEST(CommandLine, TheLibraryCanBeNamed) {
     EXPECT_EQ(quillon({"--library", QUILLON_LIBRARY, "call", "Version"}).exitStatus, 0);
 }
 
+TEST(CommandLine, OutputThatNobodyTakesIsASentence) {
+    const Ended ended = run({"/bin/sh", "-c", "exec \"$0\" call Version >/dev/full", QUILLON_HOST});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.err, "quillon: the output could not be written\n");
+}
+
 TEST(CommandLine, AMissingLibraryIsASentence) {
     const Ended ended = quillon({"--library", "/nowhere/lib.so", "call", "Version"});
     EXPECT_EQ(ended.exitStatus, 1);
