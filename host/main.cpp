@@ -1,7 +1,220 @@
+// quillon: the command-line stand-in for Morvane. This file is the command line only; what each
+// command does stands in its own file.
+
 #include <CLI/CLI.hpp>
+#include <csignal>
+#include <cstdio>
+#include <exception>
+#include <new>
+#include <string>
+
+#include "CallCommand.h"
+#include "ExportCommand.h"
+#include "Exports.h"
+#include "Failure.h"
+#include "ImportCommand.h"
+#include "Library.h"
+
+namespace {
+
+constexpr int kSuccess = 0;
+constexpr int kFailure = 1;
+constexpr int kWrongUsage = 2;
+
+constexpr const char* kExamples = R"(Examples:
+  quillon call Version
+  quillon import model.obj model.Vemo --tile-per-group
+  quillon export model.Vemo --out maps
+  quillon --library build/release/libQuillon.so call Version
+
+Exit status: 0 success, 1 failure, 2 wrong usage.
+quillon COMMAND --help explains a command.
+)";
+
+constexpr const char* kCallExamples = R"(Examples:
+  quillon call CreateFolder maps
+  quillon call GetString abcdefgh --value 2
+  quillon call getUVTile model.Vemo --value 2
+  quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo
+  quillon call mergeMapsTIF maps/1002.tif --buffer maps/all.tif
+  quillon call FileDelete -- -name-with-a-dash.tif
+
+TEXT or --buffer left out is a null pointer. A block that takes a text is always there.
+Each call is a process of its own: the open folder, the tile filter and the tile names
+do not outlive it.
+
+Exports and what they read:
+)";
+
+constexpr const char* kImportExamples = R"(Examples:
+  quillon import model.obj model.Vemo
+  quillon import model.obj model.Vemo --tile-per-group
+
+Triangles and quads stay as they are, larger polygons become quads and triangles. The
+model's groups, or its materials when there is one group, become face groups. With
+--tile-per-group the first group's UVs go to tile 1001, the second's to 1002, ten tiles
+to a row.
+)";
+
+constexpr const char* kExportExamples = R"(Examples:
+  quillon export model.Vemo --out maps
+  quillon export model.Vemo --out maps --map height --size 4096
+  quillon export model.Vemo --out maps --tiles wanted.txt     (such as: 1001-1003, 1011)
+
+Makes Morvane's calls in Morvane's order: finds the UV tiles, writes a mesh per tile,
+renders a map per tile, merges the maps into maps/model_normal.tif and deletes the
+working files.
+
+Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0.
+)";
+
+class CommandLine {
+public:
+    CommandLine();
+
+    // Carries out what the arguments ask for and returns the exit status.
+    int run(int argc, char** argv);
+
+private:
+    void addCall();
+    void addImport();
+    void addExport();
+
+    Library openLibrary() const {
+        return Library(library_.empty() ? libraryBesideProgram() : library_);
+    }
+    CallArguments callArguments() const;
+    int carryOut();
+
+    CLI::App app_{"Calls the Quillon plug-in the way Morvane does."};
+    std::string library_;
+
+    CLI::App* call_ = nullptr;
+    std::string exportName_;
+    std::string text_;
+    std::string buffer_;
+    double value_ = 0.0;
+
+    CLI::App* import_ = nullptr;
+    ImportOptions importOptions_;
+
+    CLI::App* export_ = nullptr;
+    ExportOptions exportOptions_;
+    std::string mapKind_ = "normal";
+};
+
+CommandLine::CommandLine() {
+    app_.name("quillon");
+    app_.set_help_flag("--help", "Print this help and exit");
+    app_.require_subcommand(1);
+    app_.footer(kExamples);
+    app_.add_option("--library", library_, "The built library; otherwise the one near this program")
+        ->type_name("PATH");
+    addCall();
+    addImport();
+    addExport();
+}
+
+void CommandLine::addCall() {
+    call_ = app_.add_subcommand("call", "Call one export and print its status and its meaning");
+    call_->add_option("EXPORT", exportName_, "Which export")->required()->type_name("");
+    call_->add_option("TEXT", text_, "The first argument: a path or another text")->type_name("");
+    call_->add_option("--value", value_, "The number; 0 when left out")->type_name("V");
+    call_->add_option("--buffer", buffer_, "The second path")->type_name("TEXT");
+    call_->footer(kCallExamples + exportList());
+}
+
+void CommandLine::addImport() {
+    import_ = app_.add_subcommand("import", "Turn an OBJ model into a mesh file");
+    import_->add_option("MODEL", importOptions_.model, "OBJ model with UVs")
+        ->required()
+        ->type_name("");
+    import_->add_option("OUT", importOptions_.out, "Vemo file to write")->required()->type_name("");
+    import_->add_flag("--tile-per-group", importOptions_.tilePerGroup,
+                      "Give each group a UV tile of its own");
+    import_->footer(kImportExamples);
+}
+
+void CommandLine::addExport() {
+    ExportOptions& options = exportOptions_;
+    export_ = app_.add_subcommand("export", "Export a map of all UV tiles of a mesh");
+    export_->add_option("MESH", options.mesh, "Vemo file")->required()->type_name("");
+    export_->add_option("--out", options.out, "Folder for the map; created when it is missing")
+        ->required()
+        ->type_name("DIR");
+    export_
+        ->add_option("--size", options.size,
+                     "Pixels of the map's longer side, at most: 16 to 16384")
+        ->check(CLI::Range(16, 16384).description(""))
+        ->type_name("PIXELS")
+        ->capture_default_str();
+    export_->add_option("--naming", options.naming, "How tiles are named: 0 to 3, see below")
+        ->check(CLI::Range(0, 3).description(""))
+        ->type_name("MODE")
+        ->capture_default_str();
+    export_->add_option("--tiles", options.tiles, "Text file of the tiles wanted")
+        ->type_name("FILTER");
+    export_->add_option("--map", mapKind_, "normal or height")
+        ->check(CLI::IsMember({"normal", "height"}).description(""))
+        ->type_name("KIND")
+        ->capture_default_str();
+    export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
+    export_->footer(kExportExamples);
+}
+
+CallArguments CommandLine::callArguments() const {
+    CallArguments arguments{.value = value_};
+    if (call_->get_option("TEXT")->count() > 0) arguments.text = text_;
+    if (call_->get_option("--buffer")->count() > 0) arguments.buffer = buffer_;
+    return arguments;
+}
+
+int CommandLine::carryOut() {
+    if (call_->parsed())
+        return callExport(openLibrary(), exportName_, callArguments()) ? kSuccess : kFailure;
+    if (import_->parsed()) {
+        importModel(importOptions_);
+        return kSuccess;
+    }
+    if (!exportOptions_.tiles.empty() && exportOptions_.naming != 2)
+        throw WrongUsage("--tiles counts with --naming 2 only");
+    exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
+    exportMap(openLibrary(), exportOptions_);
+    return kSuccess;
+}
+
+int CommandLine::run(int argc, char** argv) {
+    try {
+        app_.parse(argc, argv);
+    } catch (const CLI::ParseError& error) {
+        if (error.get_exit_code() == 0) return app_.exit(error);
+        throw WrongUsage(std::string(error.what()) + "; see quillon --help");
+    }
+    return carryOut();
+}
+
+int stopped(const char* sentence, int status) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "quillon: %s\n", sentence);
+    return status;
+}
+
+}  // namespace
 
 int main(int argc, char** argv) {
-    CLI::App app("Calls the Quillon plug-in the way Morvane does.");
-    CLI11_PARSE(app, argc, argv);
-    return 0;
+    // A reader that went away and a file size limit are errors of a write, not the end of the
+    // program, which has working files to delete.
+    std::signal(SIGPIPE, SIG_IGN);
+    std::signal(SIGXFSZ, SIG_IGN);
+    try {
+        const int status = CommandLine().run(argc, argv);
+        if (std::fflush(stdout) != 0) throw Failure("the output could not be written");
+        return status;
+    } catch (const WrongUsage& wrong) {
+        return stopped(wrong.what(), kWrongUsage);
+    } catch (const std::bad_alloc&) {
+        return stopped("there is too little memory", kFailure);
+    } catch (const std::exception& failure) {
+        return stopped(failure.what(), kFailure);
+    }
 }

@@ -1,0 +1,11 @@
+#pragma once
+// quillon call: one call of one export, told in words.
+
+#include <string>
+
+#include "Library.h"
+
+// Prints the status, its meaning and the text that the export wrote.
+//
+//   returns  whether the status is a success. Throws WrongUsage for an export that does not exist.
+bool callExport(const Library& library, const std::string& name, const CallArguments& arguments);

@@ -1,0 +1,36 @@
+#pragma once
+// Whole files read, and files written from start to end; whatever goes wrong becomes a Failure that
+// names the file.
+
+#include <cstdint>
+#include <cstdio>
+#include <memory>
+#include <span>
+#include <string>
+#include <vector>
+
+// Throws Failure unless `path` is an existing regular file; `what` says what it should be.
+void requireFile(const std::string& path, const char* what);
+
+// A file's bytes, as many as it really has. `what` as above.
+std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what);
+
+// A file being written. Unless finish() was reached, what was written so far is removed again.
+class OutputFile {
+public:
+    explicit OutputFile(std::string path);
+    OutputFile(const OutputFile&) = delete;
+    OutputFile& operator=(const OutputFile&) = delete;
+    ~OutputFile();
+
+    void write(std::span<const std::uint8_t> bytes);
+    void finish();  // a full disk may show only here
+
+private:
+    struct Close {
+        void operator()(std::FILE* file) const { std::fclose(file); }
+    };
+
+    std::string path_;
+    std::unique_ptr<std::FILE, Close> file_;
+};

@@ -1,0 +1,36 @@
+#include "ImportCommand.h"
+
+#include <algorithm>
+#include <cstdio>
+#include <filesystem>
+
+#include "Failure.h"
+#include "ObjModel.h"
+#include "TilePerGroup.h"
+
+namespace {
+
+void requireOtherFile(const ImportOptions& options) {
+    std::error_code missing;
+    if (std::filesystem::equivalent(options.model, options.out, missing))
+        throw Failure(options.out + " is the model itself; choose another name for the mesh");
+}
+
+void printSummary(const ImportOptions& options, const ObjModel& model) {
+    const auto isTriangle = [](const Face& face) { return face.corners() == 3; };
+    const std::size_t faces = model.mesh.faces.size();
+    const auto triangles = static_cast<std::size_t>(
+        std::count_if(model.mesh.faces.begin(), model.mesh.faces.end(), isTriangle));
+    std::printf("%s: vertices %zu, quads %zu, triangles %zu, groups %zu\n", options.out.c_str(),
+                model.mesh.points.size(), faces - triangles, triangles, model.groupCount);
+}
+
+}  // namespace
+
+void importModel(const ImportOptions& options) {
+    requireOtherFile(options);
+    ObjModel model = readObj(options.model);
+    if (options.tilePerGroup) moveGroupsToTiles(model);
+    writeVemo(options.out, model.mesh);
+    printSummary(options, model);
+}

@@ -1,0 +1,14 @@
+#include "Leftovers.h"
+
+Leftovers::~Leftovers() {
+    for (; !paths_.empty(); paths_.pop_back())
+        log_.quietly("FileDelete", {.text = paths_.back()});
+}
+
+void Leftovers::deleteAll() {
+    while (!paths_.empty()) {
+        const std::string path = paths_.back();
+        paths_.pop_back();
+        log_.require("FileDelete", {.text = path});
+    }
+}

@@ -1,0 +1,99 @@
+#include "Library.h"
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <cstring>
+#include <filesystem>
+#include <vector>
+
+#ifdef __APPLE__
+#include <mach-o/dyld.h>
+#endif
+
+#include "Failure.h"
+#include "export/Quillon.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A host's blocks are large and of one size; no export is told to stop at their end.
+constexpr std::size_t kBlockBytes = 64 * 1024;
+
+// What an output block holds before the call, so that "wrote an empty text" and "wrote nothing"
+// differ.
+constexpr const char* kUntouched = "\x1A untouched \x1A";
+
+#ifdef __APPLE__
+constexpr const char* kLibraryName = "libQuillon.dylib";
+
+fs::path programPath() {
+    std::uint32_t size = 0;
+    ::_NSGetExecutablePath(nullptr, &size);
+    std::string path(size, '\0');
+    ::_NSGetExecutablePath(path.data(), &size);
+    return fs::canonical(path.c_str());
+}
+#else
+constexpr const char* kLibraryName = "libQuillon.so";
+
+fs::path programPath() {
+    return fs::canonical("/proc/self/exe");
+}
+#endif
+
+// A block with a text in it, large enough for whatever this call can bring an export to write.
+std::vector<char> blockFor(const CallArguments& arguments, const std::string& content) {
+    const std::size_t textBytes = arguments.text ? arguments.text->size() + 1 : 0;
+    std::vector<char> block(std::max({kBlockBytes, textBytes, content.size() + 1}));
+    std::copy(content.begin(), content.end(), block.begin());
+    return block;
+}
+
+}  // namespace
+
+void Library::Close::operator()(void* handle) const {
+    ::dlclose(handle);
+}
+
+Library::Library(const std::string& path) : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+    if (handle_ == nullptr)
+        throw Failure("the library " + path + " cannot be loaded (" + ::dlerror() + ")");
+}
+
+CallResult Library::call(const Export& entry, const CallArguments& arguments) const {
+    const std::string name(entry.name);
+    auto* const function = reinterpret_cast<ExportFunction*>(::dlsym(handle_.get(), name.c_str()));
+    if (function == nullptr) throw Failure("the library has no export " + name);
+
+    const bool isOutput = entry.buffer == BufferUse::kOutput;
+    std::vector<char> block = blockFor(arguments, arguments.buffer.value_or(kUntouched));
+    const bool passBlock = isOutput || arguments.buffer.has_value();
+    const char* text = arguments.text ? arguments.text->c_str() : nullptr;
+    try {
+        const float status = function(text, arguments.value, passBlock ? block.data() : nullptr,
+                                      static_cast<int>(block.size()), nullptr, 0, nullptr);
+        const bool wrote = isOutput && std::strcmp(block.data(), kUntouched) != 0;
+        return {status, wrote ? std::optional<std::string>(block.data()) : std::nullopt};
+    } catch (const std::out_of_range&) {
+        throw Failure(name + " needs a dot in its second path, from which it tells the file type");
+    }
+}
+
+CallResult Library::call(std::string_view name, const CallArguments& arguments) const {
+    const Export* entry = findExport(name);
+    if (entry == nullptr) throw WrongUsage("there is no export " + std::string(name));
+    return call(*entry, arguments);
+}
+
+std::string libraryBesideProgram() {
+    const fs::path folder = programPath().parent_path();
+    for (const char* place : {"..", "../lib", "."}) {
+        const fs::path library = folder / place / kLibraryName;
+        std::error_code ignored;
+        if (fs::exists(library, ignored)) return library.lexically_normal().string();
+    }
+    throw Failure("there is no " + std::string(kLibraryName) +
+                  " near this program; name it with --library PATH before the command");
+}

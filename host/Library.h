@@ -1,0 +1,43 @@
+#pragma once
+// The built library, loaded and called as a host does it.
+
+#include <memory>
+#include <optional>
+#include <string>
+#include <string_view>
+
+#include "Exports.h"
+
+struct CallArguments {
+    std::optional<std::string> text = {};
+    double value = 0.0;
+    std::optional<std::string> buffer = {};  // a second path
+};
+
+struct CallResult {
+    float status;
+    std::optional<std::string> text;  // what the export wrote; nothing when it wrote nothing
+};
+
+class Library {
+public:
+    // Loads the library at `path`; throws Failure when there is none that can be loaded.
+    explicit Library(const std::string& path);
+
+    // Calls one export. What is not given is passed as a null pointer, save the block that takes a
+    // text. Throws Failure when the library lacks the export or the export throws.
+    CallResult call(const Export& entry, const CallArguments& arguments) const;
+
+    // By name; the name must be one of allExports().
+    CallResult call(std::string_view name, const CallArguments& arguments) const;
+
+private:
+    struct Close {
+        void operator()(void* handle) const;
+    };
+    std::unique_ptr<void, Close> handle_;
+};
+
+// Where the library lies beside this program: in the build tree, in an installation, or in the same
+// folder. Throws Failure when it is at none of these places.
+std::string libraryBesideProgram();

@@ -1,0 +1,158 @@
+#include "Meanings.h"
+
+#include <charconv>
+#include <iterator>
+
+#include "export/Quillon.h"
+#include "mesh/VemoOps.h"
+#include "tiff/TiffOps.h"
+
+namespace {
+
+struct Row {
+    std::string_view name;  // of the export
+    float status;
+    bool success;
+    const char* sentence;
+};
+
+constexpr const char* kMeshNotOpened = "the mesh file cannot be opened or read";
+constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
+constexpr const char* kTextMissing = "refused: a text or path is missing";
+
+using namespace quillon_status;
+
+constexpr Row kRows[] = {
+    {"Version", kVersion, true, "the version of the interface"},
+    {"CreateFolder", kOk, true, "the folder was created"},
+    {"CreateFolder", kFailed, false,
+     "the folder was not created: it exists, its parent folder does not, or writing is not "
+     "allowed"},
+    {"GetPublicFolder", kPublicFolderCopied, true, "the folder's path was copied"},
+    {"GetPublicFolder", kNoPublicFolder, false, "this machine has no such folder"},
+    {"CheckFolder", kOk, true, "the folder can be opened"},
+    {"CheckFolder", kFailed, false, "the folder cannot be opened"},
+    {"OpenFolder", kOk, true, "the folder is open for GetFile"},
+    {"OpenFolder", kFailed, false, "the folder cannot be opened"},
+    {"GetFile", kOk, true, "the next entry of the open folder"},
+    {"GetFile", kListingExhausted, false, "no entry is left"},
+    {"GetFile", kFailed, false, "no folder is open (OpenFolder and GetFile need one process)"},
+    {"CloseFolder", kOk, true, "the listing is closed"},
+    {"CloseFolder", kFailed, false, "no folder is open"},
+    {"EmptyFolder", kOk, true, "the folder's files were deleted, as far as that is allowed"},
+    {"EmptyFolder", kFailed, false, "the folder cannot be opened"},
+    {"FileDelete", kOk, true, "the file was deleted"},
+    {"FileDelete", kFailed, false, "the file was not deleted: there is none, or it is not allowed"},
+    {"FileCopyTo", kOk, true, "the file was copied"},
+    {"FileCopyTo", kFailed, false,
+     "the file was not copied: the source cannot be opened or the target not be written"},
+    {"FileRename", kOk, true, "the file was renamed"},
+    {"FileRename", kFailed, false, "the file was not renamed"},
+    {"GetString", kOk, true, "the text was copied"},
+    {"GetString", kFailed, false, kTextMissing},
+
+    {"clearUVtilesOutput", kOk, true, "the tile filter is empty"},
+    {"setUVtilesOutput", vemo_status::kOk, true, "the tile filter was read"},
+    {"setUVtilesOutput", vemo_status::kFilterNotOpened, false, "the tile filter cannot be opened"},
+    {"getUVTile", vemo_status::kMeshNotOpened, false, kMeshNotOpened},
+    {"getUVTile", vemo_status::kChunkMissing, false, kNoFaceUvs},
+    {"getUVGroups", vemo_status::kMeshNotOpened, false, kMeshNotOpened},
+    {"getUVGroups", vemo_status::kChunkMissing, false,
+     "the mesh file holds no face groups, or they are cut short"},
+    {"getUVString", kOk, true, "the name is copied where the tile exists"},
+    {"clearUVString", kOk, true, "the list of tile names is empty"},
+    {"getUVs", vemo_status::kUvExportMeshNotOpened, false, kMeshNotOpened},
+    {"getUVs", vemo_status::kChunkMissing, false, kNoFaceUvs},
+    {"getUVsMask", vemo_status::kUvExportMeshNotOpened, false, kMeshNotOpened},
+    {"getUVsMask", vemo_status::kChunkMissing, false,
+     "the mesh file holds no vertices or no face UVs, or they are cut short"},
+    {"getUVsMask", vemo_status::kFaceChunkMissing, false,
+     "the mesh file holds no faces, or one of them names a vertex that does not exist"},
+
+    {"mergeMapsTIF", tiff_status::kOk, true, "the map was folded into the target"},
+    {"mergeMapsTIF", tiff_status::kNotOpened, false, "the source cannot be opened"},
+    {"mergeMapsTIF", tiff_status::kTargetNotOpened, false, "the target cannot be opened"},
+    {"mergeMapsTIF", tiff_status::kSizesDiffer, false,
+     "the maps differ in size, or the target is no TIFF"},
+    {"mergeMapsTIF", tiff_status::kSamplesDiffer, false, "the maps differ in channels or depth"},
+    {"mergeMapsTIF", tiff_status::kNotReopened, false, "the source cannot be opened again"},
+    {"mergeMapsTIF", tiff_status::kTargetNotReopened, false, "the target cannot be written"},
+    {"mergeMapsTIF", tiff_status::kBadSampleCount, false, "a map has neither 1 nor 3 channels"},
+    {"mergeMapsTIF", tiff_status::kCompressed, false, "a map is compressed"},
+    {"mergeMapsTIF", tiff_status::kBadPhotometric, false, "a map is neither grey nor RGB"},
+    {"mergeMapsTIF", tiff_status::kSeveralStrips, false, "a map has more than one strip"},
+    {"mergeMapsTIF", tiff_status::kBadSampleFormatCount, false,
+     "a map names sample formats for neither 1 nor 3 channels"},
+
+    {"convertTIFFSingle", kFailed, false, kTextMissing},
+};
+
+// Exports whose status, where it is no failure, is a number of something.
+struct Count {
+    std::string_view name;
+    const char* one;
+    const char* several;
+};
+constexpr Count kCounts[] = {
+    {"getUVTile", "UV tile", "UV tiles"},
+    {"getUVGroups", "face group", "face groups"},
+    {"getUVs", "tile was written", "tiles were written"},
+    {"getUVsMask", "tile was written", "tiles were written"},
+    {"getScale", "is the scale", "is the scale"},
+    {"OpenEXR", "is the range of values", "is the range of values"},
+};
+
+const Count* countOf(std::string_view name) {
+    for (const Count& count : kCounts) {
+        if (count.name == name) return &count;
+    }
+    return nullptr;
+}
+
+const Row* rowOf(std::string_view name, float status) {
+    for (const Row& row : kRows) {
+        if (row.name == name && row.status == status) return &row;
+    }
+    return nullptr;
+}
+
+bool writesTiles(std::string_view name) {
+    return name == "getUVs" || name == "getUVsMask";
+}
+
+Meaning refusal(const Export& entry, const CallArguments& arguments) {
+    if (entry.text != nullptr && !arguments.text) return {false, "refused: TEXT is missing"};
+    if (entry.buffer == BufferUse::kPath && !arguments.buffer)
+        return {false, "refused: --buffer is missing"};
+    if (!entry.notYet) return {false, "refused: there is too little memory for the file"};
+    std::string sentence = "this version of the library does not have the operation yet";
+    if (entry.value != nullptr)
+        sentence += std::string(", or --value is not one that it takes (") + entry.value + ")";
+    return {false, sentence};
+}
+
+Meaning tileNotWritten(float status) {
+    return {false, "the file of the tile at position " +
+                       statusText(status - vemo_status::kFirstTileNotWritten) +
+                       " cannot be created or filled (a mesh with that many tiles answers alike)"};
+}
+
+}  // namespace
+
+Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status) {
+    if (const Row* row = rowOf(entry.name, status)) return {row->success, row->sentence};
+    if (status == kRefused) return refusal(entry, arguments);
+    if (writesTiles(entry.name) && status >= vemo_status::kFirstTileNotWritten)
+        return tileNotWritten(status);
+    const Count* count = countOf(entry.name);
+    if (count != nullptr && status >= 0.0f)
+        return {true, statusText(status) + ' ' + (status == 1.0f ? count->one : count->several)};
+    return {false, "a status that this program does not know"};
+}
+
+std::string statusText(float status) {
+    char digits[64];
+    const auto end =
+        std::to_chars(std::begin(digits), std::end(digits), status, std::chars_format::fixed);
+    return std::string(digits, end.ptr);
+}

@@ -1,0 +1,158 @@
+#include <gmock/gmock.h>
+
+#include <fstream>
+
+#include "host/Quillon.h"
+
+namespace {
+
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+using ::testing::StartsWith;
+
+TEST(Call, TellsStatusAndMeaning) {
+    const Ended call = quillon({"call", "Version"});
+    EXPECT_EQ(call.exitStatus, 0);
+    EXPECT_EQ(call.out, "status   48\nmeaning  success: the version of the interface\n");
+    EXPECT_EQ(call.err, "");
+}
+
+TEST(Call, TellsTheTextThatTheExportWrote) {
+    const Ended call = quillon({"call", "GetString", "abcdefgh", "--value", "2"});
+    EXPECT_THAT(call.out, EndsWith("\ntext     cdefgh\n"));
+    EXPECT_EQ(call.exitStatus, 0);
+}
+
+TEST(Call, TellsNoTextWhereTheExportWroteNone) {
+    EXPECT_THAT(quillon({"call", "getUVString", "--value", "3"}).out, Not(HasSubstr("text ")));
+}
+
+TEST(Call, TakesNegativeNumbersAndTextsOfAnyStart) {
+    EXPECT_THAT(quillon({"call", "GetString", "abcdefgh", "--value", "-1"}).out,
+                EndsWith("text     fgh\n"));
+    EXPECT_THAT(quillon({"call", "GetString", "--", "-x"}).out, EndsWith("text     -x\n"));
+    EXPECT_THAT(quillon({"call", "GetString", ""}).out, EndsWith("text     \n"));
+}
+
+TEST(Call, HoldsTextsBeyondAHostsUsualBlock) {
+    const std::string text(100'000, 'a');
+    EXPECT_THAT(quillon({"call", "GetString", text}).out, EndsWith("text     " + text + '\n'));
+}
+
+// Each row: an export that fails, its status, a part of what that means.
+TEST(Call, FailureStatusesEndWithOne) {
+    const TempDir dir;
+    const struct {
+        std::vector<std::string> arguments;
+        const char* status;
+        const char* meaning;
+    } kCases[] = {
+        {{"CreateFolder", dir.path()}, "-1", "it exists"},
+        {{"FileDelete"}, "-1", "not deleted"},
+        {{"GetFile"}, "-1", "no folder is open"},
+        {{"getUVTile", dir.path("none")}, "-17", "cannot be opened"},
+        {{"getUVs", dir.path("none"), "--buffer", dir.path("x.y")}, "-1760", "cannot be opened"},
+        {{"getUVs", dir.path("none")}, "-9", "--buffer is missing"},
+        {{"getUVGroups"}, "-9", "TEXT is missing"},
+        {{"mergeMapsTIF", dir.path("none"), "--buffer", dir.path("none")}, "-10", "the source"},
+        {{"mergeMapsPSD", "a", "--buffer", "b"}, "-9", "does not have the operation yet"},
+        {{"convertTIFFSingle"}, "-1", "is missing"},
+    };
+    for (const auto& row : kCases) {
+        std::vector<std::string> arguments = row.arguments;
+        arguments.insert(arguments.begin(), "call");
+        const Ended call = quillon(arguments);
+        EXPECT_EQ(call.exitStatus, 1) << row.arguments[0];
+        EXPECT_THAT(call.out,
+                    StartsWith(std::string("status   ") + row.status + "\nmeaning  failure: "));
+        EXPECT_THAT(call.out, HasSubstr(row.meaning));
+    }
+}
+
+TEST(Call, APositiveStatusCanBeAFailure) {
+    const TempDir dir;
+    const std::string mesh = dir.write("two.Vemo", twoQuads());
+    const Ended call = quillon({"call", "getUVs", mesh, "--buffer", dir.path("none/x.Vemo")});
+    EXPECT_EQ(call.exitStatus, 1);
+    EXPECT_THAT(call.out, StartsWith("status   1501\nmeaning  failure: the file of the tile at "
+                                     "position 0 cannot be created"));
+}
+
+TEST(Call, ACountIsASuccess) {
+    const TempDir dir;
+    const Ended call = quillon({"call", "getUVTile", dir.write("two.Vemo", twoQuads())});
+    EXPECT_EQ(call.exitStatus, 0);
+    EXPECT_THAT(call.out, StartsWith("status   2\nmeaning  success: 2 UV tiles\n"));
+    EXPECT_THAT(call.out, EndsWith("text     _u1_v0\n"));
+}
+
+TEST(Call, APathWithoutADotIsASentence) {
+    const Ended call = quillon({"call", "convertTIFF16", "a.tif", "--value", "1", "--buffer", "b"});
+    EXPECT_EQ(call.exitStatus, 1);
+    EXPECT_THAT(call.err, StartsWith("quillon: convertTIFF16 needs a dot in its second path"));
+}
+
+TEST(Call, EveryExportCanBeCalledAndItsStatusIsKnown) {
+    std::ifstream list(QUILLON_EXPORT_LIST);
+    int exports = 0;
+    for (std::string name; std::getline(list, name) && !name.starts_with("_Z"); ++exports) {
+        const Ended call = quillon({"call", name});
+        EXPECT_LE(call.exitStatus, 1) << name;
+        EXPECT_THAT(call.out, HasSubstr("meaning  ")) << name;
+        EXPECT_THAT(call.out, Not(HasSubstr("does not know"))) << name;
+    }
+    EXPECT_EQ(exports, 34);
+}
+
+TEST(CommandLine, WrongUsageEndsWithTwo) {
+    const std::vector<std::vector<std::string>> kCases = {
+        {},
+        {"frobnicate"},
+        {"call"},
+        {"call", "NoSuchExport"},
+        {"call", "Version", "--value", "x"},
+        {"import", "model.obj"},
+        {"export", "mesh.Vemo"},
+        {"export", "mesh.Vemo", "--out", "o", "--size", "15"},
+        {"export", "mesh.Vemo", "--out", "o", "--size", "16385"},
+        {"export", "mesh.Vemo", "--out", "o", "--naming", "4"},
+        {"export", "mesh.Vemo", "--out", "o", "--map", "colour"},
+        {"export", "mesh.Vemo", "--out", "o", "--naming", "0", "--tiles", "f.txt"},
+    };
+    for (const auto& arguments : kCases) {
+        const Ended ended = quillon(arguments);
+        EXPECT_EQ(ended.exitStatus, 2) << ended.err;
+        EXPECT_THAT(ended.err, StartsWith("quillon: "));
+        EXPECT_EQ(ended.out, "");
+    }
+}
+
+TEST(CommandLine, EveryLevelOfHelpHasExamples) {
+    const std::vector<std::vector<std::string>> kCases = {
+        {"--help"}, {"call", "--help"}, {"import", "--help"}, {"export", "--help"}};
+    for (const auto& arguments : kCases) {
+        const Ended ended = quillon(arguments);
+        EXPECT_EQ(ended.exitStatus, 0);
+        EXPECT_THAT(ended.out, HasSubstr("Examples:\n  quillon "));
+    }
+}
+
+TEST(CommandLine, TheLibraryCanBeNamed) {
+    EXPECT_EQ(quillon({"--library", QUILLON_LIBRARY, "call", "Version"}).exitStatus, 0);
+}
+
+TEST(CommandLine, OutputThatNobodyTakesIsASentence) {
+    const Ended ended = run({"/bin/sh", "-c", "exec \"$0\" call Version >/dev/full", QUILLON_HOST});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.err, "quillon: the output could not be written\n");
+}
+
+TEST(CommandLine, AMissingLibraryIsASentence) {
+    const Ended ended = quillon({"--library", "/nowhere/lib.so", "call", "Version"});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_THAT(ended.err, StartsWith("quillon: the library /nowhere/lib.so cannot be loaded ("));
+    EXPECT_EQ(ended.out, "");
+}
+
+}  // namespace

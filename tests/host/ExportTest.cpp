@@ -1,0 +1,286 @@
+#include <gmock/gmock.h>
+#include <tiffio.h>
+
+#include <array>
+#include <cstring>
+#include <sstream>
+
+#include "host/Quillon.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+
+// A map read by libtiff.
+class Map {
+public:
+    explicit Map(const std::string& path) : file_(TIFFOpen(path.c_str(), "r")) {
+        if (file_ == nullptr) throw std::runtime_error("no TIFF: " + path);
+        TIFFGetField(file_, TIFFTAG_IMAGEWIDTH, &width);
+        TIFFGetField(file_, TIFFTAG_IMAGELENGTH, &height);
+    }
+    Map(const Map&) = delete;
+    Map& operator=(const Map&) = delete;
+    ~Map() { TIFFClose(file_); }
+
+    std::array<int, 3> rgb(std::uint32_t x, std::uint32_t y) const {
+        const ByteList row = rowAt(y);
+        return {row.at(3 * x), row.at(3 * x + 1), row.at(3 * x + 2)};
+    }
+    float height32(std::uint32_t x, std::uint32_t y) const {
+        const ByteList row = rowAt(y);
+        float value = 0;
+        std::memcpy(&value, &row.at(4 * x), 4);
+        return value;
+    }
+
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+
+private:
+    ByteList rowAt(std::uint32_t y) const {
+        ByteList row(static_cast<std::size_t>(TIFFScanlineSize(file_)));
+        if (TIFFReadScanline(file_, row.data(), y, 0) != 1) throw std::runtime_error("no row");
+        return row;
+    }
+    TIFF* file_;
+};
+
+struct Export : ::testing::Test {
+    Ended exportMesh(const std::vector<std::string>& options = {}) {
+        std::vector<std::string> arguments = {"export", mesh, "--out", out, "--size", "16"};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return quillon(arguments);
+    }
+    Ended succeed(const std::vector<std::string>& options = {}) {
+        Ended ended = exportMesh(options);
+        EXPECT_EQ(ended.exitStatus, 0) << ended.err;
+        EXPECT_EQ(ended.err, "");
+        return ended;
+    }
+    // The sentence with which an export stops, leaving nothing behind.
+    std::string fail(const std::vector<std::string>& options = {}) {
+        const auto before = dir.names();
+        const Ended ended = exportMesh(options);
+        EXPECT_EQ(ended.exitStatus, 1);
+        EXPECT_EQ(dir.names(), before);
+        return ended.err;
+    }
+
+    TempDir dir;
+    std::string mesh = dir.write("two.Vemo", twoQuads());
+    std::string out = dir.path("maps");
+};
+
+using Rgb = std::array<int, 3>;
+constexpr Rgb kBackground{0, 0, 0};
+constexpr Rgb kFacesZ{128, 128, 255};
+constexpr Rgb kFacesX{255, 128, 128};
+
+// Cells of 8 x 8 pixels; each quad covers the middle 4 x 4 of its cell.
+TEST_F(Export, MergesTheNormalsOfAllTilesIntoOneSheet) {
+    succeed();
+    const Map map(out + "/two_normal.tif");
+    EXPECT_EQ(map.width, 16u);
+    EXPECT_EQ(map.height, 8u);
+    EXPECT_EQ(map.rgb(2, 2), kFacesZ);
+    EXPECT_EQ(map.rgb(5, 5), kFacesZ);
+    EXPECT_EQ(map.rgb(10, 2), kFacesX);
+    EXPECT_EQ(map.rgb(13, 5), kFacesX);
+    for (const auto& [x, y] : {std::pair{0u, 0u}, {1u, 2u}, {6u, 5u}, {2u, 1u}, {9u, 2u}, {5u, 6u}})
+        EXPECT_EQ(map.rgb(x, y), kBackground) << x << ' ' << y;
+}
+
+// In the first quad v and y grow together, from 0 to half of the mesh's height over 4 pixels; in
+// the second y grows with u, the other half.
+TEST_F(Export, HeightsRunFromTheLowestToTheHighestVertex) {
+    succeed({"--map", "height"});
+    const Map map(out + "/two_height.tif");
+    EXPECT_FLOAT_EQ(map.height32(3, 5), 0.0625f);
+    EXPECT_FLOAT_EQ(map.height32(3, 2), 0.4375f);
+    EXPECT_FLOAT_EQ(map.height32(10, 3), 0.5625f);
+    EXPECT_FLOAT_EQ(map.height32(13, 3), 0.9375f);
+    EXPECT_EQ(map.height32(7, 3), 0.0f);
+}
+
+TEST_F(Export, RowsOfTilesGrowUpward) {
+    ByteList bytes = twoQuads();
+    for (std::size_t corner = 0; corner < 4; ++corner) {  // the second quad one up, not one right
+        const ByteList uv =
+            Words().floats({corner % 3 == 0 ? 0.25f : 0.75f, corner < 2 ? 1.25f : 1.75f}).bytes();
+        std::copy(uv.begin(), uv.end(),
+                  bytes.begin() + kSecondQuadUvs + static_cast<int>(8 * corner));
+    }
+    dir.write("two.Vemo", bytes);
+    succeed();
+    const Map map(out + "/two_normal.tif");
+    EXPECT_EQ(map.width, 8u);
+    EXPECT_EQ(map.height, 16u);
+    EXPECT_EQ(map.rgb(3, 3), kFacesX);
+    EXPECT_EQ(map.rgb(3, 11), kFacesZ);
+}
+
+TEST_F(Export, CallsTheExportsInTheHostsOrder) {
+    std::istringstream lines(succeed().out);
+    std::vector<std::string> names;
+    for (std::string line; std::getline(lines, line) && !line.empty();)
+        names.push_back(line.substr(0, line.find(' ')));
+    EXPECT_THAT(names,
+                ElementsAre("clearUVtilesOutput", "getUVTile", "CheckFolder", "CreateFolder",
+                            "CreateFolder", "getUVs", "getUVString", "getUVString", "clearUVString",
+                            "(rendered)", "FileCopyTo", "mergeMapsTIF", "FileDelete", "FileDelete",
+                            "FileDelete", "FileDelete", "FileDelete"));
+}
+
+TEST_F(Export, EndsWithThePathAndSizeOfTheMap) {
+    EXPECT_THAT(succeed().out, EndsWith("\n\n" + out + "/two_normal.tif  544 bytes\n"));
+}
+
+TEST_F(Export, LeavesOnlyTheMap) {
+    succeed();
+    EXPECT_EQ(readBytes(mesh), twoQuads());
+    EXPECT_THAT(dir.names(), ElementsAre("maps", "two.Vemo"));
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(out))
+        names.push_back(entry.path().filename().string());
+    EXPECT_THAT(names, ElementsAre("two_normal.tif"));
+}
+
+TEST_F(Export, ReplacesAnEarlierMap) {
+    dir.makeFolder("maps");
+    dir.write("maps/two_normal.tif", "an earlier map");
+    succeed();
+    EXPECT_EQ(Map(out + "/two_normal.tif").rgb(2, 2), kFacesZ);
+}
+
+TEST_F(Export, NeverTouchesAFolderThatIsCalledWorkingAlready) {
+    dir.makeFolder("maps/working");
+    dir.write("maps/working/two1001.Vemo", "the user's own");
+    EXPECT_THAT(succeed().out, HasSubstr(out + "/working-2\n"));
+    EXPECT_EQ(readBytes(dir.path("maps/working/two1001.Vemo")).size(), 14u);
+    EXPECT_FALSE(dir.has("maps/working-2"));
+}
+
+TEST_F(Export, KeepTilesLeavesTheWorkingFiles) {
+    succeed({"--keep-tiles", "--naming", "0"});
+    EXPECT_EQ(Map(out + "/working/two_u0_v0.tif").rgb(2, 2), kFacesZ);
+    EXPECT_EQ(Map(out + "/working/two_u0_v0.tif").rgb(10, 2), kBackground);
+    EXPECT_EQ(Map(out + "/working/two_u1_v0.tif").rgb(10, 2), kFacesX);
+    EXPECT_TRUE(dir.has("maps/working/two_u1_v0.Vemo"));
+}
+
+TEST_F(Export, AFilterChoosesTiles) {
+    const Ended ended = succeed({"--tiles", dir.write("filter.txt", "1002-1005")});
+    EXPECT_THAT(ended.out, HasSubstr("setUVtilesOutput        0"));
+    const Map map(out + "/two_normal.tif");
+    EXPECT_EQ(map.width, 16u);
+    EXPECT_EQ(map.height, 16u);
+    EXPECT_EQ(map.rgb(8, 8), kFacesX);
+}
+
+TEST_F(Export, AFaceAcrossTheBorderIsNotDrawn) {
+    ByteList bytes = twoQuads();
+    const ByteList beyond = Words().floats({1.5f}).bytes();
+    std::copy(beyond.begin(), beyond.end(),
+              bytes.begin() + kFirstQuadUvs + 8);  // its second corner
+    dir.write("two.Vemo", bytes);
+    succeed();
+    EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
+}
+
+TEST_F(Export, TheFirstPixelStaysBackground) {
+    ByteList bytes = twoQuads();
+    const ByteList full = Words().floats({0, 0, 0.999f, 0, 0.999f, 0.9999f, 0, 0.9999f}).bytes();
+    std::copy(full.begin(), full.end(), bytes.begin() + kFirstQuadUvs);
+    dir.write("two.Vemo", bytes);
+    succeed();
+    const Map map(out + "/two_normal.tif");
+    EXPECT_EQ(map.rgb(0, 0), kBackground);
+    EXPECT_EQ(map.rgb(1, 0), kFacesZ);
+    EXPECT_EQ(map.rgb(0, 1), kFacesZ);
+}
+
+TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {
+    mesh = dir.path("none.Vemo");
+    EXPECT_EQ(fail(), "quillon: getUVTile of " + mesh +
+                          " answered -17: the mesh file cannot be opened or read\n");
+}
+
+TEST_F(Export, AMissingFilterIsASentence) {
+    EXPECT_THAT(fail({"--tiles", dir.path("none.txt")}),
+                HasSubstr("setUVtilesOutput of " + dir.path("none.txt") + " answered -1: "));
+}
+
+TEST_F(Export, AMissingParentFolderIsASentence) {
+    out = dir.path("none/maps");
+    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + out + " answered -1: the folder was not"));
+}
+
+TEST_F(Export, AFileInPlaceOfTheFolderIsASentence) {
+    out = mesh;
+    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + mesh + " answered -1: "));
+}
+
+TEST_F(Export, AFolderInPlaceOfTheMapStays) {
+    dir.makeFolder("maps/two_normal.tif");
+    EXPECT_THAT(fail(), EndsWith("two_normal.tif is in the way: it is not a file\n"));
+    EXPECT_TRUE(dir.has("maps/two_normal.tif"));
+}
+
+TEST_F(Export, AFilterWithoutAMatchIsASentence) {
+    const std::string filter = dir.write("filter.txt", "1003");
+    EXPECT_EQ(fail({"--tiles", filter}),
+              "quillon: no tile of " + mesh + " is in the filter " + filter + "\n");
+}
+
+TEST_F(Export, AMeshWithoutFacesIsASentence) {
+    mesh = dir.write("none.Vemo", Words()
+                                      .u32({0, 0, 0, 0, 0, 0, 0, 0})
+                                      .u32({10001, 16, 0, 0})
+                                      .u32({20001, 16, 0, 0})
+                                      .u32({25001, 16, 0, 0})
+                                      .u32({0, 0, 0, 0})
+                                      .bytes());
+    EXPECT_THAT(fail(), EndsWith("has no faces, so there is no tile to export\n"));
+}
+
+TEST_F(Export, AFaceThatNamesAMissingVertexIsASentence) {
+    ByteList bytes = twoQuads();
+    bytes[kFirstFace] = 8;
+    dir.write("two.Vemo", bytes);
+    EXPECT_THAT(fail(), EndsWith("is broken: a face names vertex 8 of 8\n"));
+}
+
+TEST_F(Export, TilesTooFarApartForTheSheetAreASentence) {
+    ByteList bytes = twoQuads();
+    const ByteList far = Words().floats({5000.25f}).bytes();
+    std::copy(far.begin(), far.end(), bytes.begin() + kSecondQuadUvs);
+    dir.write("two.Vemo", bytes);
+    EXPECT_THAT(fail(), HasSubstr("the tiles span 5001 columns and 1 rows"));
+}
+
+// A limit on the size of files stands in for a full disk.
+TEST_F(Export, ADiskThatTakesNoMoreIsASentenceAndLeavesNothing) {
+    const Ended ended =
+        run({"/bin/sh", "-c", "ulimit -f 8; exec \"$0\" export \"$1\" --out \"$2\" --size 256",
+             QUILLON_HOST, mesh, out});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.err, "quillon: cannot write " + out + "/working/two1001.tif: File too large\n");
+    EXPECT_FALSE(dir.has("maps"));
+}
+
+TEST_F(Export, AMeshCutShortAnywhereIsASentence) {
+    const ByteList whole = twoQuads();
+    ASSERT_EQ(whole.size(), 288u);
+    for (std::size_t length = 0; length < 272; ++length) {
+        dir.write("two.Vemo", ByteList(whole.begin(), whole.begin() + static_cast<int>(length)));
+        const Ended ended = exportMesh();
+        ASSERT_EQ(ended.exitStatus, 1) << length;
+        ASSERT_THAT(ended.err, HasSubstr("quillon: ")) << length;
+        ASSERT_FALSE(dir.has("maps")) << length;
+    }
+}
+
+}  // namespace
