@@ -1,8 +1,10 @@
 #include "Meanings.h"
 
+#include <algorithm>
 #include <charconv>
 #include <iterator>
 
+#include "encoders/TargaOps.h"
 #include "export/Quillon.h"
 #include "mesh/VemoOps.h"
 #include "tiff/TiffOps.h"
@@ -10,11 +12,14 @@
 namespace {
 
 struct Row {
-    std::string_view name;  // of the export
+    std::string_view name;  // of the export, or kTiffMaps
     float status;
     bool success;
     const char* sentence;
 };
+
+// Stands for all of kTiffReaders.
+constexpr std::string_view kTiffMaps = "TIFF maps";
 
 constexpr const char* kMeshNotOpened = "the mesh file cannot be opened or read";
 constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
@@ -76,16 +81,43 @@ constexpr Row kRows[] = {
      "the maps differ in size, or the target is no TIFF"},
     {"mergeMapsTIF", tiff_status::kSamplesDiffer, false, "the maps differ in channels or depth"},
     {"mergeMapsTIF", tiff_status::kNotReopened, false, "the source cannot be opened again"},
-    {"mergeMapsTIF", tiff_status::kTargetNotReopened, false, "the target cannot be written"},
-    {"mergeMapsTIF", tiff_status::kBadSampleCount, false, "a map has neither 1 nor 3 channels"},
-    {"mergeMapsTIF", tiff_status::kCompressed, false, "a map is compressed"},
-    {"mergeMapsTIF", tiff_status::kBadPhotometric, false, "a map is neither grey nor RGB"},
-    {"mergeMapsTIF", tiff_status::kSeveralStrips, false, "a map has more than one strip"},
-    {"mergeMapsTIF", tiff_status::kBadSampleFormatCount, false,
-     "a map names sample formats for neither 1 nor 3 channels"},
 
-    {"convertTIFFSingle", kFailed, false, kTextMissing},
+    {"swapRGBTIF", tiff_status::kOk, true, "the channels of an 8-bit colour map were exchanged"},
+    {"convertTIFF16", tiff_status::kOk, true, "the 16-bit map was written"},
+    {"convertTIFF16", tiff_status::kSizeNotPlaced, false,
+     "the map's directory does not come first in the file, so its sizes cannot be taken over"},
+    {"convertTIFFSingle", tiff_status::kOk, true, "the first channel was written"},
+    {"convertTIFFSingle", tiff_status::kNoPixels, false,
+     "a text or path is missing, or the map has no pixels"},
+    {"saveAsTarga", targa_status::kOk, true, "the Targa file was written"},
+    {"saveAsTarga", targa_status::kTargetNotWritten, false, "the target cannot be written"},
+    {"saveAsTarga", targa_status::kNoSize, false, "the map names no height or no channels"},
+    {"saveAsTarga", targa_status::kPixelsMissing, false,
+     "the map claims far more rows than the file holds"},
+
+    // What every reader of a TIFF map answers alike.
+    {kTiffMaps, tiff_status::kNotOpened, false, "the map cannot be opened"},
+    {kTiffMaps, tiff_status::kNotReopened, false, "the map may not be written to"},
+    {kTiffMaps, tiff_status::kTargetNotWritten, false, "the target cannot be written"},
+    {kTiffMaps, tiff_status::kNoPixels, false, "the map has no pixels"},
+    {kTiffMaps, tiff_status::kNotFloat, false, "the map's samples are not 32-bit floats"},
+    {kTiffMaps, tiff_status::kBadSampleCount, false, "a map has neither 1 nor 3 channels"},
+    {kTiffMaps, tiff_status::kFloatBadSampleCount, false, "the map has neither 1 nor 3 channels"},
+    {kTiffMaps, tiff_status::kCompressed, false, "a map is compressed"},
+    {kTiffMaps, tiff_status::kBadPhotometric, false, "a map is neither grey nor RGB"},
+    {kTiffMaps, tiff_status::kSeveralStrips, false, "a map has more than one strip"},
+    {kTiffMaps, tiff_status::kPixelsMissing, false, "the map ends before its last row"},
+    {kTiffMaps, tiff_status::kBadSampleFormatCount, false,
+     "a map names sample formats for neither 1 nor 3 channels"},
 };
+
+// The exports that read TIFF maps.
+constexpr std::string_view kTiffReaders[] = {"mergeMapsTIF",      "swapRGBTIF", "convertTIFF16",
+                                             "convertTIFFSingle", "getScale",   "saveAsTarga"};
+
+// The exports that refuse a number which is not one of theirs.
+constexpr std::string_view kValueCheckers[] = {"swapRGBTIF", "swapRGBPSD", "swapRGBBMP",
+                                               "convertTIFF16", "getScale"};
 
 // Exports whose status, where it is no failure, is a number of something.
 struct Count {
@@ -113,7 +145,8 @@ const Row* rowOf(std::string_view name, float status) {
     for (const Row& row : kRows) {
         if (row.name == name && row.status == status) return &row;
     }
-    return nullptr;
+    const bool readsTiff = std::ranges::find(kTiffReaders, name) != std::end(kTiffReaders);
+    return readsTiff ? rowOf(kTiffMaps, status) : nullptr;
 }
 
 bool writesTiles(std::string_view name) {
@@ -124,11 +157,10 @@ Meaning refusal(const Export& entry, const CallArguments& arguments) {
     if (entry.text != nullptr && !arguments.text) return {false, "refused: TEXT is missing"};
     if (entry.buffer == BufferUse::kPath && !arguments.buffer)
         return {false, "refused: --buffer is missing"};
-    if (!entry.notYet) return {false, "refused: there is too little memory for the file"};
-    std::string sentence = "this version of the library does not have the operation yet";
-    if (entry.value != nullptr)
-        sentence += std::string(", or --value is not one that it takes (") + entry.value + ")";
-    return {false, sentence};
+    if (entry.notYet) return {false, "this version of the library does not have the operation yet"};
+    if (std::ranges::find(kValueCheckers, entry.name) != std::end(kValueCheckers))
+        return {false, std::string("refused: --value is to be ") + entry.value};
+    return {false, "refused: there is too little memory for the file"};
 }
 
 Meaning tileNotWritten(float status) {
