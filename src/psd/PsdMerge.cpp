@@ -110,11 +110,13 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     if (!sameSize(displaced.header, fHeader)) return kSizesDiffer;
     const PsdView repaired = viewOfImg();
     const std::size_t offset = repaired.dataOffset;
-    if (!haveAnnouncedPlanes(displaced.view(), repaired) ||
-        !bothHold(displaced.view(), repaired, offset, 3))
+    if (!haveAnnouncedPlanes(displaced.view(), repaired) || !repaired.holds(offset, 3))
         return kNotOpened;
-
     const auto pixels = static_cast<std::size_t>(repaired.pixels());
+    const std::size_t rowsRead =
+        horizontal ? fHeader.height - kRowsKeptAtBottom : kDisplacement + kSeamRows;
+    if (displaced.bytes.size() < offset + 2 * pixels + rowsRead * fHeader.width) return kNotOpened;
+
     const auto repair = horizontal ? repairColumns : repairRows;
     for (std::size_t plane = 0; plane < 3; ++plane) {
         const std::size_t start = offset + plane * pixels;
