@@ -17,6 +17,13 @@ inline std::uint32_t loadLe32(const std::uint8_t* p) {
     return std::uint32_t{p[0]} | std::uint32_t{p[1]} << 8 | std::uint32_t{p[2]} << 16 |
            std::uint32_t{p[3]} << 24;
 }
+inline std::uint16_t loadBe16(const std::uint8_t* p) {
+    return static_cast<std::uint16_t>(p[0] << 8 | p[1]);
+}
+inline std::uint32_t loadBe32(const std::uint8_t* p) {
+    return std::uint32_t{p[0]} << 24 | std::uint32_t{p[1]} << 16 | std::uint32_t{p[2]} << 8 |
+           std::uint32_t{p[3]};
+}
 inline float loadLeFloat(const std::uint8_t* p) {
     return std::bit_cast<float>(loadLe32(p));
 }
@@ -64,6 +71,14 @@ struct Bytes {
     std::uint32_t le32(std::uint64_t at) {
         const std::uint8_t bytes[] = {u8(at), u8(at + 1), u8(at + 2), u8(at + 3)};
         return loadLe32(bytes);
+    }
+    std::uint16_t be16(std::uint64_t at) {
+        const std::uint8_t bytes[] = {u8(at), u8(at + 1)};
+        return loadBe16(bytes);
+    }
+    std::uint32_t be32(std::uint64_t at) {
+        const std::uint8_t bytes[] = {u8(at), u8(at + 1), u8(at + 2), u8(at + 3)};
+        return loadBe32(bytes);
     }
 
     // True when `count` elements of `elementSize` bytes lie inside, from `at` on. The product is

@@ -17,6 +17,7 @@
 #include "files/FileOps.h"
 #include "files/FolderStream.h"
 #include "mesh/VemoOps.h"
+#include "psd/PsdOps.h"
 #include "tiff/TiffOps.h"
 
 using namespace quillon_status;
@@ -194,7 +195,7 @@ float mergeMapsTIF(const char* text, double, char* buffer1, int, char*, int, cha
 
 float mergeMapsPSD(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return mergePSD(text, buffer1); });
 }
 
 float mergeMapsBMP(const char* text, double, char* buffer1, int, char*, int, char**) {
@@ -209,7 +210,7 @@ float swapRGBTIF(const char* text, double value, char*, int, char*, int, char**)
 
 float swapRGBPSD(const char* text, double value, char*, int, char*, int, char**) {
     if (text == nullptr || !isSwapValue(value)) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return swapChannelsPSD(text, saturatedInt(value)); });
 }
 
 float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**) {

@@ -21,7 +21,8 @@
  * One thread calls one export at a time.
  *
  * Statuses. The boundary's own are below; any other comes from the operation and stands in its
- * module's header (VemoOps.h, TiffOps.h). Nothing is thrown, with one exception: convertTIFF16. */
+ * module's header (VemoOps.h, TiffOps.h, PsdOps.h). Nothing is thrown, with one exception:
+ * convertTIFF16. */
 
 #ifdef __cplusplus
 #define QUILLON_API extern "C" __attribute__((visibility("default")))
@@ -101,7 +102,7 @@ QUILLON_API ExportFunction mergeCrease;
 QUILLON_API ExportFunction mergeMapsTIF;
 QUILLON_API ExportFunction mergeMapsPSD;
 QUILLON_API ExportFunction mergeMapsBMP;
-/* Exchanges two colour channels of the map `text`; takes values above 0 and below 4. */
+/* Changes the order of the colour channels of the map `text`; takes values above 0 and below 4. */
 QUILLON_API ExportFunction swapRGBTIF;
 QUILLON_API ExportFunction swapRGBPSD;
 QUILLON_API ExportFunction swapRGBBMP;

@@ -19,6 +19,13 @@ TEST(Bytes, LittleEndianNumbersStartWithTheLowByte) {
     EXPECT_FALSE(bytes.overran);
 }
 
+TEST(Bytes, BigEndianNumbersStartWithTheHighByte) {
+    Bytes bytes{kBytes, sizeof kBytes};
+    EXPECT_EQ(bytes.be16(0), 0x0180);
+    EXPECT_EQ(bytes.be32(1), 0x80FF7FFEu);
+    EXPECT_FALSE(bytes.overran);
+}
+
 TEST(Bytes, BytesPastTheEndReadAsZeroAndAreRemembered) {
     Bytes bytes{kBytes, sizeof kBytes};
     EXPECT_EQ(bytes.le32(3), 0x0000FE7Fu);
@@ -40,6 +47,12 @@ TEST(Bytes, StoresAreTheReverseOfLoads) {
     storeLe32(out, 0x01020304);
     EXPECT_EQ(out[0], 4);
     EXPECT_EQ(out[3], 1);
+    storeBe32(out, 0x01020304);
+    EXPECT_EQ(out[0], 1);
+    EXPECT_EQ(out[3], 4);
+    storeBe16(out, 0x0506);
+    EXPECT_EQ(out[0], 5);
+    EXPECT_EQ(out[1], 6);
     storeLeFloat(out, -1.0f);
     EXPECT_EQ(loadLe32(out), 0xBF800000u);
     EXPECT_EQ(loadLeFloat(out), -1.0f);

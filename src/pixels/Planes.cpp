@@ -1,0 +1,106 @@
+#include "pixels/Planes.h"
+
+#include <algorithm>
+#include <cstring>
+
+namespace {
+
+// Pictures are worked on in blocks: first a mark for each pixel, then plane by plane. Both loops
+// handle many bytes at a time, and the block's marks stay in the cache.
+constexpr std::size_t kBlockPixels = 4096;
+using Marks = std::array<std::uint8_t, kBlockPixels>;
+
+constexpr std::uint8_t kMarked = 0xFF;
+
+// Marks the pixels of a block that differ from `colour`.
+void markOthers(Marks& marks, const std::uint8_t* block, const Rgb& colour, std::size_t planeBytes,
+                std::size_t count) {
+    const std::uint8_t* const green = block + planeBytes;
+    const std::uint8_t* const blue = green + planeBytes;
+    for (std::size_t i = 0; i < count; ++i) {
+        const bool differs =
+            (block[i] != colour.red) | (green[i] != colour.green) | (blue[i] != colour.blue);
+        marks[i] = differs ? kMarked : 0;
+    }
+}
+
+// Calls `work(start, count)` for each block of the planes.
+template <typename Work>
+void forEachBlock(std::size_t pixels, Work work) {
+    for (std::size_t start = 0; start < pixels; start += kBlockPixels)
+        work(start, std::min(kBlockPixels, pixels - start));
+}
+
+// Below, a byte is read and written whatever its mark, so that the compiler may take many at a
+// time.
+
+void copyMarked(std::uint8_t* to, const std::uint8_t* from, const Marks& marks, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t above = from[i];
+        const std::uint8_t below = to[i];
+        to[i] = marks[i] == kMarked ? above : below;
+    }
+}
+
+void fillWhere(std::uint8_t mark, std::uint8_t* to, std::uint8_t value, const Marks& marks,
+               std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const std::uint8_t below = to[i];
+        to[i] = marks[i] == mark ? value : below;
+    }
+}
+
+}  // namespace
+
+void layOverPlanes(std::uint8_t* planes, const std::uint8_t* source, const Rgb& background,
+                   std::size_t pixels) {
+    Marks painted;
+    forEachBlock(pixels, [&](std::size_t start, std::size_t count) {
+        markOthers(painted, source + start, background, pixels, count);
+        for (std::size_t at = start; at < 3 * pixels; at += pixels)
+            copyMarked(planes + at, source + at, painted, count);
+    });
+}
+
+void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, std::size_t samples) {
+    std::uint16_t background;
+    std::memcpy(&background, plane, sizeof background);
+    for (std::size_t i = 0; i < samples; ++i) {
+        std::uint16_t below, above;
+        std::memcpy(&below, plane + 2 * i, sizeof below);
+        std::memcpy(&above, source + 2 * i, sizeof above);
+        if (above != background) below = above;
+        std::memcpy(plane + 2 * i, &below, sizeof below);
+    }
+}
+
+void replaceInPlanes(std::uint8_t* planes, const Rgb& from, const Rgb& to, bool invert,
+                     std::size_t pixels) {
+    const std::uint8_t replaced = invert ? kMarked : 0;
+    Marks others;
+    forEachBlock(pixels, [&](std::size_t start, std::size_t count) {
+        std::uint8_t* const block = planes + start;
+        markOthers(others, block, from, pixels, count);
+        fillWhere(replaced, block, to.red, others, count);
+        fillWhere(replaced, block + pixels, to.green, others, count);
+        fillWhere(replaced, block + 2 * pixels, to.blue, others, count);
+    });
+}
+
+void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones,
+                std::size_t pixels) {
+    constexpr double kWeight = 0.333;
+    const std::uint8_t* const green = planes + pixels;
+    const std::uint8_t* const blue = green + pixels;
+    for (std::size_t i = 0; i < pixels; ++i) {
+        // At most 255.245. The order of the sums decides where it lies right on a half.
+        const double grey = planes[i] * kWeight + green[i] * kWeight + blue[i] * kWeight + 0.5;
+        planes[i] = tones[static_cast<std::size_t>(static_cast<int>(grey))];
+    }
+}
+
+void pickBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* picked,
+               std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = from[picked[i]];
+}

@@ -1,0 +1,39 @@
+#pragma once
+// Planes: what operations do to pictures in memory whose channels lie one behind the other, unknown
+// to any file format.
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+// A colour of one byte a channel.
+struct Rgb {
+    std::uint8_t red;
+    std::uint8_t green;
+    std::uint8_t blue;
+};
+
+// Below, `planes` are three planes, red, green and blue, of `pixels` bytes each, one behind the
+// other.
+
+// Replaces each pixel of `planes` by the one at the same place in `source`, save where the source's
+// equals `background`: painted pixels of the source win, the reverse of fillBackground in Pixels.h.
+void layOverPlanes(std::uint8_t* planes, const std::uint8_t* source, const Rgb& background,
+                   std::size_t pixels);
+
+// The same for one plane of two-byte samples, at least one; background is the plane's own first
+// sample.
+void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, std::size_t samples);
+
+// Replaces the pixels of the colour `from`, or with `invert` all pixels but those.
+void replaceInPlanes(std::uint8_t* planes, const Rgb& from, const Rgb& to, bool invert,
+                     std::size_t pixels);
+
+// Turns the first plane into the grey of all three, 0.333 of each, rounded half up, then looked up
+// in `tones`.
+void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones,
+                std::size_t pixels);
+
+// Copies the bytes at the places `picked` of `from`.
+void pickBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* picked,
+               std::size_t count);

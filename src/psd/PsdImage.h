@@ -1,0 +1,105 @@
+#pragma once
+// PsdImage: the file that a PSD operation works on: loading it, reading its header, asking whether
+// its planes are there, writing it. The layout stands in PsdOps.h. Only src/psd looks in here.
+
+#include <cstddef>
+#include <cstdint>
+#include <initializer_list>
+#include <span>
+#include <vector>
+
+struct PsdHeader {
+    std::uint32_t signature = 0;  // the first byte of the file is the lowest
+    std::uint16_t version = 0;
+    std::uint16_t channels = 0;
+    std::uint32_t height = 0;
+    std::uint32_t width = 0;
+    std::int16_t depth = 0;
+    std::int16_t colourMode = 0;
+    std::uint32_t colourTableBytes = 0;
+    std::uint32_t resourceBytes = 0;
+    std::uint32_t layerBytes = 0;
+    std::int32_t compression = 0;
+};
+
+// The file that the running operation works on, byte for byte. Filled by loadImg, emptied by the
+// next one and at the end of every operation. Its memory then stays for the next file if it is
+// small.
+extern std::vector<std::uint8_t> img;
+
+// A place in `img`, set by readPSDHeader: where the image data starts once a header was accepted.
+extern std::int32_t offst;
+
+// What readPSDHeader read last. Lives until it reads again.
+extern PsdHeader fHeader;
+
+// Empties `img` when an operation ends, however it ends.
+struct ImgInUse {
+    ImgInUse() = default;
+    ImgInUse(const ImgInUse&) = delete;
+    ImgInUse& operator=(const ImgInUse&) = delete;
+    ~ImgInUse();
+};
+
+void emptyImg();
+
+// Loads a whole file into `img` with one read. False, and `img` as it was, when it cannot be
+// opened.
+bool loadImg(const char* path);
+
+// Reads the header at the start of `img` into `fHeader` and stops at the first field that is
+// refused; fields not reached are 0. `offst` is 0, then the end of the image resources, then the
+// end of the layers, then the start of the image data, as far as the reading came.
+//
+//   returns  kOk, kNotOpened (no signature, or cut short), kBadVersion, kHasColourTable,
+//            kCompressed
+float readPSDHeader();
+
+// Both: loads a file and reads its header.
+float loadPSD(const char* path);
+
+// Values at a place in `img`. Bytes past its end read as 0 and are not stored.
+std::int16_t readShort(std::size_t position);
+std::uint32_t readLong(std::size_t position);
+float readFloat(std::size_t position);            // little-endian: the name is the wrong way round
+float readFloatLE(std::size_t position);          // big-endian, as PSD stores floats: likewise
+int writeShort(std::size_t position, int value);  // the low 16 bits; returns `value`
+std::uint32_t writeLong(std::size_t position, std::uint32_t value);  // returns `value`
+
+// The byte order of the processors that Quillon runs on; not probed.
+bool bigEndian();
+bool littleEndian();
+
+// A file's bytes with what its header said.
+struct PsdView {
+    std::span<const std::uint8_t> bytes;
+    PsdHeader header;
+    std::size_t dataOffset;
+
+    std::uint64_t pixels() const { return std::uint64_t{header.width} * header.height; }
+
+    // Whether the file goes on to the end of the planes that its header announces.
+    bool holdsAnnouncedPlanes() const;
+
+    // Whether `bytesPerPixel` bytes for each pixel lie within the file, from `offset` on.
+    bool holds(std::size_t offset, std::size_t bytesPerPixel) const;
+};
+
+// The file in `img`.
+PsdView viewOfImg();
+
+// A file taken out of `img`, which is then empty.
+struct PsdImage {
+    std::vector<std::uint8_t> bytes;
+    PsdHeader header;
+    std::size_t dataOffset;
+
+    PsdView view() const { return {bytes, header, dataOffset}; }
+};
+PsdImage takeImg();
+
+// Writes a file that consists of these parts.
+//
+//   returns  kNotWritten when the file cannot be opened for writing; else kOk, even if the disk
+//            takes fewer bytes
+float writePSD(const char* path, std::initializer_list<std::span<const std::uint8_t>> parts);

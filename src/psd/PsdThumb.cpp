@@ -1,0 +1,127 @@
+// Shrinking a map to a thumbnail.
+
+#include <algorithm>
+#include <vector>
+
+#include "files/File.h"
+#include "pixels/Planes.h"
+#include "psd/PsdImage.h"
+#include "psd/PsdOps.h"
+
+using namespace psd_status;
+
+namespace {
+
+constexpr std::size_t kHeightField = 14;
+constexpr std::size_t kWidthField = 18;
+
+constexpr int kLongestSide = 30000;  // pixels; the format has no longer ones
+
+// Which of a picture's rows, or columns, each place along one side of the thumbnail shows: first a
+// margin of black, then the picture, then black again.
+struct Side {
+    std::size_t margin;
+    std::vector<std::size_t> shown;
+};
+
+// A side of `length` pixels seen through `size` places.
+Side sideOf(std::uint64_t length, std::uint64_t size, std::uint64_t step, bool centred) {
+    const std::uint64_t shrunk = length / step;
+    const std::uint64_t margin = centred && shrunk < size ? (size - shrunk) / 2 : 0;
+    // After each `period` places one more pixel is left out.
+    const std::uint64_t period = length > step * size ? size / (length - step * size) : 0;
+    Side side{static_cast<std::size_t>(margin), {}};
+    for (std::uint64_t place = 0; place < size - margin; ++place) {
+        const std::uint64_t at = place * step + (period > 0 ? place / period : 0);
+        if (at >= length) break;
+        side.shown.push_back(static_cast<std::size_t>(at));
+    }
+    return side;
+}
+
+struct Thumb {
+    std::size_t size;
+    Side columns;
+    Side rows;
+};
+
+Thumb thumbOf(const PsdHeader& header, std::uint32_t size) {
+    const std::uint32_t step = std::max(std::max(header.width, header.height) / size, 1u);
+    const bool high = header.height > header.width;
+    return {size, sideOf(header.width, size, step, high), sideOf(header.height, size, step, !high)};
+}
+
+// The piece of a file that is being filled, row by row.
+class RowWriter {
+public:
+    RowWriter(const File& file, std::size_t offset, std::size_t rowBytes)
+        : file_(file), offset_(offset), rowBytes_(rowBytes) {
+        piece_.reserve(std::max(kPieceBytes, rowBytes));
+    }
+
+    // A row of zeros that the caller fills before it asks for the next one. Null when the disk is
+    // full.
+    std::uint8_t* nextRow() {
+        if (piece_.size() + rowBytes_ > piece_.capacity() && !flush()) return nullptr;
+        piece_.resize(piece_.size() + rowBytes_);
+        return &piece_[piece_.size() - rowBytes_];
+    }
+
+    bool flush() {
+        const bool written = file_.writeAt(offset_, piece_.data(), piece_.size());
+        offset_ += piece_.size();
+        piece_.clear();
+        return written;
+    }
+
+private:
+    const File& file_;
+    std::uint64_t offset_;
+    std::size_t rowBytes_;
+    std::vector<std::uint8_t> piece_;
+};
+
+// False when the disk is full.
+bool writePlane(RowWriter& writer, const std::uint8_t* plane, std::size_t width,
+                const Thumb& thumb) {
+    const std::size_t lastRow = thumb.rows.margin + thumb.rows.shown.size();
+    for (std::size_t row = 0; row < thumb.size; ++row) {
+        std::uint8_t* const out = writer.nextRow();
+        if (out == nullptr) return false;
+        if (row < thumb.rows.margin || row >= lastRow) continue;
+        const std::size_t shown = thumb.rows.shown[row - thumb.rows.margin];
+        pickBytes(out + thumb.columns.margin, plane + shown * width, thumb.columns.shown.data(),
+                  thumb.columns.shown.size());
+    }
+    return true;
+}
+
+void writePlanes(const File& file, const PsdView& map, const Thumb& thumb) {
+    RowWriter writer(file, map.dataOffset, thumb.size);
+    const auto pixels = static_cast<std::size_t>(map.pixels());
+    for (std::size_t plane = 0; plane < 3; ++plane) {
+        const std::uint8_t* const samples = map.bytes.data() + map.dataOffset + plane * pixels;
+        if (!writePlane(writer, samples, map.header.width, thumb)) return;
+    }
+    writer.flush();
+}
+
+}  // namespace
+
+float createThumb(const char* path, int size) {
+    if (size < 1 || size > kLongestSide) return kBadSize;
+    const ImgInUse inUse;
+    const float status = loadPSD(path);
+    if (status != kOk) return status;
+    const PsdView map = viewOfImg();
+    if (!map.holdsAnnouncedPlanes() || !map.holds(map.dataOffset, 3)) return kNotOpened;
+
+    const auto side = static_cast<std::uint32_t>(size);
+    const Thumb thumb = thumbOf(map.header, side);
+    const File file = File::create(path);
+    if (!file.isOpen()) return kNotWritten;
+    writeLong(kHeightField, side);
+    writeLong(kWidthField, side);
+    if (file.writeAt(0, map.bytes.data(), map.dataOffset)) writePlanes(file, map, thumb);
+    return kOk;
+}

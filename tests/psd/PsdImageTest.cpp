@@ -1,0 +1,179 @@
+#include "psd/PsdImage.h"
+
+#include <gmock/gmock.h>
+
+#include "psd/PsdOps.h"
+#include "support/PsdFile.h"
+
+namespace {
+
+float headerStatus(const ByteList& file) {
+    img = file;
+    return readPSDHeader();
+}
+
+TEST(PsdHeader, FieldsAreBigEndian) {
+    EXPECT_EQ(headerStatus(PsdFile(0x01020304, 0x05060708)
+                               .channels(0x1122)
+                               .depth(0xFFF8)
+                               .colourMode(0x0103)
+                               .resources(2)
+                               .layers(3)),
+              0.0f);
+    EXPECT_EQ(fHeader.signature, 0x53504238u);
+    EXPECT_EQ(fHeader.version, 1);
+    EXPECT_EQ(fHeader.channels, 0x1122);
+    EXPECT_EQ(fHeader.height, 0x05060708u);
+    EXPECT_EQ(fHeader.width, 0x01020304u);
+    EXPECT_EQ(fHeader.depth, -8);
+    EXPECT_EQ(fHeader.colourMode, 259);
+    EXPECT_EQ(fHeader.colourTableBytes, 0u);
+    EXPECT_EQ(fHeader.resourceBytes, 2u);
+    EXPECT_EQ(fHeader.layerBytes, 3u);
+    EXPECT_EQ(fHeader.compression, 0);
+}
+
+TEST(PsdHeader, ImageDataFollowsResourcesAndLayers) {
+    EXPECT_EQ(headerStatus(PsdFile(1, 1)), 0.0f);
+    EXPECT_EQ(offst, 40);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).resources(12)), 0.0f);
+    EXPECT_EQ(offst, 52);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).resources(12).layers(200)), 0.0f);
+    EXPECT_EQ(offst, 252);
+}
+
+TEST(PsdHeader, ReservedBytesMayHoldAnything) {
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).reserved(0xFF)), 0.0f);
+}
+
+TEST(PsdHeader, FirstRefusedFieldGivesTheStatus) {
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).signature("8BPB")), -1.0f);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).signature("8bps").version(2)), -1.0f);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).version(2)), -2.0f);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).version(0x0100).colourTable(768)), -2.0f);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).colourTable(768).compression(1)), -3.0f);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).compression(1)), -4.0f);
+    EXPECT_EQ(headerStatus(PsdFile(1, 1).compression(0x0100)), -4.0f);
+}
+
+TEST(PsdHeader, OffsetStopsWhereTheReadingStops) {
+    headerStatus(PsdFile(1, 1));
+    headerStatus(PsdFile(1, 1).version(2));
+    EXPECT_EQ(offst, 0);
+    headerStatus(PsdFile(1, 1).colourTable(768));
+    EXPECT_EQ(offst, 0);
+    headerStatus(PsdFile(1, 1).resources(12).announceLayers(9000));
+    EXPECT_EQ(offst, 46);
+    headerStatus(PsdFile(1, 1).resources(12).layers(5).compression(1));
+    EXPECT_EQ(offst, 55);
+}
+
+TEST(PsdHeader, FieldsBeforeTheRefusedOneStay) {
+    headerStatus(PsdFile(3, 2).colourTable(768));
+    EXPECT_EQ(fHeader.width, 3u);
+    EXPECT_EQ(fHeader.colourTableBytes, 768u);
+    headerStatus(PsdFile(7, 6).version(2));
+    EXPECT_EQ(fHeader.version, 2);
+    EXPECT_EQ(fHeader.width, 0u);
+}
+
+TEST(PsdHeader, BlocksLongerThanTheFileAreRefused) {
+    for (const std::uint32_t length : {1u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFD0u, 0xFFFFFFFFu}) {
+        EXPECT_EQ(headerStatus(PsdFile(1, 1).announceResources(length + 5)), -1.0f) << length;
+        EXPECT_EQ(headerStatus(PsdFile(1, 1).announceLayers(length + 2)), -1.0f) << length;
+    }
+}
+
+TEST(PsdHeader, EveryTruncatedHeaderIsRefused) {
+    const ByteList whole = PsdFile(1, 1).resources(3).layers(2);
+    ASSERT_EQ(whole.size(), 45u);
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const auto end = whole.begin() + static_cast<std::ptrdiff_t>(length);
+        std::vector<std::uint8_t>(whole.begin(), end).swap(img);
+        EXPECT_EQ(readPSDHeader(), -1.0f) << length;
+    }
+    EXPECT_EQ(headerStatus(whole), 0.0f);
+}
+
+TEST(PsdReaders, NumbersAreBigEndian) {
+    img = {0xFF, 0xFE, 0x01, 0x02};
+    EXPECT_EQ(readShort(0), -2);
+    EXPECT_EQ(readShort(2), 258);
+    EXPECT_EQ(readLong(0), 0xFFFE0102u);
+}
+
+TEST(PsdReaders, FloatsAreTheOtherWayRoundThanTheirNames) {
+    img = {0x3F, 0x80, 0x00, 0x00, 0x00, 0x00, 0x20, 0xC1};
+    EXPECT_EQ(readFloatLE(0), 1.0f);
+    EXPECT_EQ(readFloat(4), -10.0f);
+}
+
+TEST(PsdReaders, WritersStoreTheHighByteFirstAndReturnTheValue) {
+    img = {9, 9, 9, 9, 9, 9};
+    EXPECT_EQ(writeShort(0, 0x12345), 0x12345);
+    EXPECT_EQ(writeLong(2, 0x01020304), 0x01020304u);
+    EXPECT_THAT(img, testing::ElementsAre(0x23, 0x45, 1, 2, 3, 4));
+}
+
+TEST(PsdReaders, PlacesPastTheEndReadAsZeroAndAreNotStored) {
+    std::vector<std::uint8_t>{1, 2, 3}.swap(img);
+    EXPECT_EQ(readLong(1), 0x02030000u);
+    EXPECT_EQ(readShort(3), 0);
+    writeLong(0, 0xFFFFFFFF);
+    writeShort(2, -1);
+    writeShort(SIZE_MAX, -1);
+    EXPECT_THAT(img, testing::ElementsAre(1, 2, 3));
+}
+
+TEST(PsdReaders, TheProcessorIsLittleEndian) {
+    EXPECT_FALSE(bigEndian());
+    EXPECT_TRUE(littleEndian());
+}
+
+TEST(PsdState, LoadingReplacesWhatWasLoadedBefore) {
+    const TempDir dir;
+    ASSERT_TRUE(loadImg(dir.write("long", ByteList{1, 2, 3, 4, 5}).c_str()));
+    ASSERT_TRUE(loadImg(dir.write("short", ByteList{6, 7}).c_str()));
+    EXPECT_THAT(img, testing::ElementsAre(6, 7));
+    ASSERT_TRUE(loadImg(dir.write("empty", ByteList{}).c_str()));
+    EXPECT_TRUE(img.empty());
+}
+
+TEST(PsdState, AFileThatCannotBeOpenedLeavesTheLoadedOne) {
+    const TempDir dir;
+    img = {1, 2};
+    EXPECT_FALSE(loadImg(dir.path("missing").c_str()));
+    EXPECT_FALSE(loadImg(dir.path().c_str()));
+    EXPECT_FALSE(loadImg(nullptr));
+    EXPECT_THAT(img, testing::ElementsAre(1, 2));
+}
+
+// Whatever the status: done, refused header, wrong kind, planes missing, output not writable.
+TEST(PsdState, NothingStaysLoadedAfterAnOperation) {
+    const TempDir dir;
+    const std::string good = dir.write("good", PsdFile(1, 1).pixels({{1, 2, 3}}));
+    const std::string packed = dir.write("packed", PsdFile(1, 1).compression(1));
+    const std::string cut = dir.write("cut", PsdFile(1, 1));
+    const std::string grey = dir.write("grey", PsdFile(1, 1).colourMode(1).planes({1, 2, 3}));
+    const std::string nowhere = dir.path("missing/out");
+
+    EXPECT_EQ(convertPSD(good.c_str(), 0, 0, false), 0.0f);
+    EXPECT_TRUE(img.empty());
+    EXPECT_EQ(swapChannelsPSD(packed.c_str(), 1), -4.0f);
+    EXPECT_TRUE(img.empty());
+    EXPECT_EQ(mergePSD(good.c_str(), cut.c_str()), -1.0f);
+    EXPECT_TRUE(img.empty());
+    EXPECT_EQ(mergePSD(grey.c_str(), good.c_str()), 36.0f);
+    EXPECT_TRUE(img.empty());
+    EXPECT_EQ(GrayscalePSD(good.c_str(), nowhere.c_str(), 0), -5.0f);
+    EXPECT_TRUE(img.empty());
+}
+
+TEST(PsdState, ALargeFilesMemoryIsGivenBack) {
+    const TempDir dir;
+    const std::string large = dir.write("large", PsdFile(1000, 1000).filled(3'000'000, 7));
+    EXPECT_EQ(convertPSD(large.c_str(), 0, 0, false), 0.0f);
+    EXPECT_LE(img.capacity(), 262144u);
+}
+
+}  // namespace

@@ -1,0 +1,183 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <utility>
+
+#include "psd/PsdOps.h"
+#include "support/PsdFile.h"
+
+namespace {
+
+using testing::ElementsAre;
+using testing::ElementsAreArray;
+
+// Three planes whose samples say where they come from, from 1 on: row, column, and both.
+PsdFile places(std::uint32_t width, std::uint32_t height) {
+    ByteList rows, columns, both;
+    for (std::uint32_t row = 0; row < height; ++row) {
+        for (std::uint32_t column = 0; column < width; ++column) {
+            rows.push_back(static_cast<std::uint8_t>(row + 1));
+            columns.push_back(static_cast<std::uint8_t>(column + 1));
+            both.push_back(static_cast<std::uint8_t>(10 * (row + 1) + column + 1));
+        }
+    }
+    rows.insert(rows.end(), columns.begin(), columns.end());
+    rows.insert(rows.end(), both.begin(), both.end());
+    return PsdFile(width, height).planes(rows);
+}
+
+// The third plane of the thumbnail: row and column of the map in decimal, each from 1 on.
+std::vector<int> thumbOf(std::uint32_t width, std::uint32_t height, int size) {
+    const TempDir dir;
+    const std::string map = dir.write("map.psd", places(width, height));
+    EXPECT_EQ(createThumb(map.c_str(), size), 0.0f);
+    const ByteList planes = imageData(map);
+    const auto plane = static_cast<std::size_t>(size * size);
+    EXPECT_EQ(planes.size(), 3 * plane);
+    return std::vector<int>(planes.begin() + static_cast<std::ptrdiff_t>(2 * plane), planes.end());
+}
+
+TEST(CreateThumb, EveryStepthRowAndColumnIsShown) {
+    EXPECT_THAT(thumbOf(4, 4, 2), ElementsAre(11, 13, 31, 33));
+    EXPECT_THAT(thumbOf(6, 6, 2), ElementsAre(11, 14, 41, 44));
+    EXPECT_THAT(thumbOf(3, 3, 1), ElementsAre(11));
+    EXPECT_THAT(thumbOf(2, 2, 2), ElementsAre(11, 12, 21, 22));
+}
+
+TEST(CreateThumb, AWidePictureLiesBetweenBlackRows) {
+    EXPECT_THAT(thumbOf(8, 4, 4), ElementsAreArray({0, 0, 0, 0,      //
+                                                    11, 13, 15, 17,  //
+                                                    31, 33, 35, 37,  //
+                                                    0, 0, 0, 0}));
+}
+
+TEST(CreateThumb, AHighPictureLiesBetweenBlackColumns) {
+    EXPECT_THAT(thumbOf(4, 8, 4), ElementsAreArray({0, 11, 13, 0,  //
+                                                    0, 31, 33, 0,  //
+                                                    0, 51, 53, 0,  //
+                                                    0, 71, 73, 0}));
+}
+
+TEST(CreateThumb, ASmallPictureIsNotEnlarged) {
+    EXPECT_THAT(thumbOf(2, 1, 4), ElementsAreArray({0, 0, 0, 0,    //
+                                                    11, 12, 0, 0,  //
+                                                    0, 0, 0, 0,    //
+                                                    0, 0, 0, 0}));
+    EXPECT_THAT(thumbOf(1, 2, 4), ElementsAreArray({0, 11, 0, 0,  //
+                                                    0, 21, 0, 0,  //
+                                                    0, 0, 0, 0,   //
+                                                    0, 0, 0, 0}));
+}
+
+// One more is left out after each place where 8 = 2 x 3 + 2 or 5 = 1 x 3 + 2, after every second
+// where 10 = 2 x 4 + 2.
+TEST(CreateThumb, WhatTheStepLeavesOverIsSpread) {
+    EXPECT_THAT(thumbOf(8, 8, 3), ElementsAre(11, 14, 17, 41, 44, 47, 71, 74, 77));
+    EXPECT_THAT(thumbOf(10, 10, 4), ElementsAreArray({11, 13, 16, 18,  //
+                                                      31, 33, 36, 38,  //
+                                                      61, 63, 66, 68,  //
+                                                      81, 83, 86, 88}));
+    EXPECT_THAT(thumbOf(5, 5, 3), ElementsAre(11, 13, 15, 31, 33, 35, 51, 53, 55));
+}
+
+TEST(CreateThumb, EveryRowShowsTheSameColumns) {
+    // 7 = 1 x 5 + 2, one more after every second place, and a row has an odd number of places.
+    EXPECT_THAT(thumbOf(7, 7, 5), ElementsAreArray({11, 12, 14, 15, 17,  //
+                                                    21, 22, 24, 25, 27,  //
+                                                    41, 42, 44, 45, 47,  //
+                                                    51, 52, 54, 55, 57,  //
+                                                    71, 72, 74, 75, 77}));
+}
+
+// 8 = 1 x 5 + 3: one more after each place is more than is left over.
+TEST(CreateThumb, PlacesPastTheLastRowOrColumnAreBlack) {
+    EXPECT_THAT(thumbOf(8, 8, 5), ElementsAreArray({11, 13, 15, 17, 0,  //
+                                                    31, 33, 35, 37, 0,  //
+                                                    51, 53, 55, 57, 0,  //
+                                                    71, 73, 75, 77, 0,  //
+                                                    0,  0,  0,  0,  0}));
+}
+
+// With a step of 1 the picture's 6 columns do not fit into 4 places.
+TEST(CreateThumb, ThePictureStartsAtTheBorderAtMost) {
+    EXPECT_THAT(thumbOf(6, 7, 4), ElementsAreArray({11, 12, 14, 15,  //
+                                                    31, 32, 34, 35,  //
+                                                    51, 52, 54, 55,  //
+                                                    71, 72, 74, 75}));
+}
+
+TEST(CreateThumb, A64PixelMapKeepsItsSizeIn128) {
+    const TempDir dir;
+    const std::string map = dir.write("map.psd", PsdFile(64, 64).filled(12288, 5));
+    EXPECT_EQ(createThumb(map.c_str(), 128), 0.0f);
+    const ByteList planes = imageData(map);
+    ASSERT_EQ(planes.size(), 49152u);
+    EXPECT_EQ(std::count(planes.begin(), planes.end(), 5), 12288);
+    EXPECT_EQ(planes[32 * 128 - 1], 0);
+    EXPECT_EQ(planes[32 * 128], 5);
+    EXPECT_EQ(planes[95 * 128 + 63], 5);
+    EXPECT_EQ(planes[95 * 128 + 64], 0);
+    EXPECT_EQ(planes[96 * 128], 0);
+}
+
+TEST(CreateThumb, AMapOf2048By1024Has64BlackRowsAbove) {
+    ByteList planes(3 * 2048 * 1024, 255);
+    for (std::size_t row = 0; row < 1024; row += 8)
+        for (std::size_t column = 0; column < 2048; column += 8)
+            planes[row * 2048 + column] = static_cast<std::uint8_t>(row / 8 + column / 16);
+    const TempDir dir;
+    const std::string map = dir.write("map.psd", PsdFile(2048, 1024).planes(planes));
+    EXPECT_EQ(createThumb(map.c_str(), 256), 0.0f);
+
+    ByteList expected(3 * 256 * 256, 0);
+    for (std::size_t row = 64; row < 192; ++row) {
+        for (std::size_t column = 0; column < 256; ++column) {
+            const std::size_t at = row * 256 + column;
+            expected[at] = static_cast<std::uint8_t>(row - 64 + column / 2);
+            expected[65536 + at] = expected[131072 + at] = 255;
+        }
+    }
+    EXPECT_TRUE(imageData(map) == expected);
+}
+
+TEST(CreateThumb, OnlyTheSizeChangesInTheHeader) {
+    const TempDir dir;
+    const std::string map = dir.write(
+        "map.psd", PsdFile(2, 2).channels(4).resources(3).layers(2).reserved(7).filled(16, 6));
+    EXPECT_EQ(createThumb(map.c_str(), 1), 0.0f);
+    EXPECT_EQ(readBytes(map),
+              PsdFile(1, 1).channels(4).resources(3).layers(2).reserved(7).filled(3, 6).bytes());
+}
+
+TEST(CreateThumb, APictureWithoutPixelsIsBlack) {
+    for (const auto& [width, height] : {std::pair{0u, 0u}, {0u, 9u}, {0xFFFFFFFFu, 0u}}) {
+        const TempDir dir;
+        const std::string map = dir.write("map.psd", PsdFile(width, height));
+        EXPECT_EQ(createThumb(map.c_str(), 2), 0.0f);
+        EXPECT_EQ(readBytes(map), PsdFile(2, 2).filled(12, 0).bytes());
+    }
+}
+
+TEST(CreateThumb, SizesOutOfRangeLeaveTheFileAsItWas) {
+    const TempDir dir;
+    const ByteList bytes = PsdFile(2, 2).filled(12, 6);
+    const std::string map = dir.write("map.psd", bytes);
+    for (const int size : {0, -1, -2147483647 - 1, 30001, 46341, 2147483647})
+        EXPECT_EQ(createThumb(map.c_str(), size), -9.0f) << size;
+    EXPECT_EQ(readBytes(map), bytes);
+}
+
+TEST(CreateThumb, EachHeaderGivesItsStatusAndStays) {
+    const TempDir dir;
+    EXPECT_EQ(createThumb(dir.path("missing").c_str(), 2), -1.0f);
+    for (const auto& [file, status] :
+         {std::pair{PsdFile(1, 1).planes({1, 2, 3}).version(2).bytes(), -2.0f},
+          {PsdFile(1, 1).planes({1, 2, 3}).colourTable(9).bytes(), -3.0f},
+          {PsdFile(1, 1).planes({1, 2, 3}).compression(2).bytes(), -4.0f}}) {
+        const std::string map = dir.write("map", file);
+        EXPECT_EQ(createThumb(map.c_str(), 2), status);
+        EXPECT_EQ(readBytes(map), file);
+    }
+}
+
+}  // namespace
