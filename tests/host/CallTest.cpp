@@ -56,7 +56,7 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"getUVs", dir.path("none")}, "-9", "--buffer is missing"},
         {{"getUVGroups"}, "-9", "TEXT is missing"},
         {{"mergeMapsTIF", dir.path("none"), "--buffer", dir.path("none")}, "-10", "the source"},
-        {{"mergeMapsPSD", "a", "--buffer", "b"}, "-9", "does not have the operation yet"},
+        {{"saveAsJpeg", "a", "--buffer", "b"}, "-9", "does not have the operation yet"},
         {{"convertTIFFSingle"}, "-1", "is missing"},
     };
     for (const auto& row : kCases) {
