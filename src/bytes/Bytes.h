@@ -21,6 +21,10 @@ inline float loadLeFloat(const std::uint8_t* p) {
     return std::bit_cast<float>(loadLe32(p));
 }
 
+inline void storeLe16(std::uint8_t* p, std::uint16_t value) {
+    p[0] = static_cast<std::uint8_t>(value);
+    p[1] = static_cast<std::uint8_t>(value >> 8);
+}
 inline void storeLe32(std::uint8_t* p, std::uint32_t value) {
     p[0] = static_cast<std::uint8_t>(value);
     p[1] = static_cast<std::uint8_t>(value >> 8);

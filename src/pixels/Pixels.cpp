@@ -1,6 +1,7 @@
 #include "pixels/Pixels.h"
 
 #include <cstring>
+#include <utility>
 
 namespace {
 
@@ -34,4 +35,10 @@ void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::ui
         default:
             return;
     }
+}
+
+void exchangeSamples(std::uint8_t* row, std::size_t pixels, std::size_t first, std::size_t second) {
+    const std::uint8_t* const end = row + pixels * 3;
+    for (; row != end; row += 3)
+        std::swap(row[first], row[second]);
 }
