@@ -11,6 +11,7 @@
 #include <memory>
 #include <string>
 
+#include "bmp/BmpOps.h"
 #include "bytes/Numbers.h"
 #include "files/CocoaFileBrowser.h"
 #include "files/FileOps.h"
@@ -206,7 +207,7 @@ float mergeMapsPSD(const char* text, double, char* buffer1, int, char*, int, cha
 
 float mergeMapsBMP(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return mergeBMP(text, buffer1); });
 }
 
 float swapRGBTIF(const char* text, double value, char*, int, char*, int, char**) {
@@ -221,7 +222,7 @@ float swapRGBPSD(const char* text, double value, char*, int, char*, int, char**)
 
 float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**) {
     if (text == nullptr || !isSwapValue(value)) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return swapChannelsBMP(text, saturatedInt(value)); });
 }
 
 float convertTIFF16(const char* text, double value, char* buffer1, int, char*, int, char**) {
