@@ -251,8 +251,8 @@ float saveAsJpeg(const char* text, double, char* buffer1, int, char*, int, char*
     return kNotYet;
 }
 
-float CreateThumbnailBMP(const char*, double, char*, int, char*, int, char**) {
-    return kNotYet;
+float CreateThumbnailBMP(const char* text, double value, char*, int, char*, int, char**) {
+    return guarded(kRefused, [&] { return createBMPthumb(text, saturatedInt(value)); });
 }
 
 float OpenEXR(const char*, double, char*, int, char*, int, char**) {
