@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "bmp/BmpOps.h"
 #include "bytes/Numbers.h"
 #include "bytes/Text.h"
 #include "encoders/TargaOps.h"
@@ -200,7 +201,7 @@ float mergeMapsPSD(const char* text, double, char* buffer1, int, char*, int, cha
 
 float mergeMapsBMP(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return mergeBMP(text, buffer1); });
 }
 
 float swapRGBTIF(const char* text, double value, char*, int, char*, int, char**) {
@@ -215,7 +216,7 @@ float swapRGBPSD(const char* text, double value, char*, int, char*, int, char**)
 
 float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**) {
     if (text == nullptr || !isSwapValue(value)) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return swapChannelsBMP(text, saturatedInt(value)); });
 }
 
 float convertTIFF16(const char* text, double value, char* buffer1, int, char*, int, char**) {
@@ -250,8 +251,8 @@ float saveAsJpeg(const char* text, double, char* buffer1, int, char*, int, char*
     return kNotYet;
 }
 
-float CreateThumbnailBMP(const char*, double, char*, int, char*, int, char**) {
-    return kNotYet;
+float CreateThumbnailBMP(const char* text, double value, char*, int, char*, int, char**) {
+    return guarded(kRefused, [&] { return createBMPthumb(text, saturatedInt(value)); });
 }
 
 float OpenEXR(const char*, double, char*, int, char*, int, char**) {
