@@ -80,12 +80,6 @@ void mergeRows(const File& source, const File& target, const StoredRows& rows) {
     }
 }
 
-// The two bytes of a pixel that a mode exchanges.
-struct Exchange {
-    std::size_t first;
-    std::size_t second;
-};
-
 Exchange exchangeOf(std::int32_t mode) {
     switch (mode) {
         case 1:
@@ -95,7 +89,7 @@ Exchange exchangeOf(std::int32_t mode) {
         case 3:
             return {1, 2};
         default:
-            return {0, 0};
+            return kNoExchange;
     }
 }
 
@@ -105,7 +99,7 @@ void swapRows(const File& file, const StoredRows& rows, Exchange exchange) {
         const Piece piece = pieceAfter(rows, done);
         if (file.readAt(piece.offset, bytes.get(), piece.bytes) < piece.bytes) return;
         forEachRow(rows, piece, [&](std::size_t start, std::size_t pixels) {
-            exchangeSamples(bytes.get() + start, pixels, exchange.first, exchange.second);
+            exchangeSamples(bytes.get() + start, pixels, exchange);
         });
         if (!file.writeAt(piece.offset, bytes.get(), piece.bytes)) return;
         done += piece.bytes;
