@@ -248,6 +248,12 @@ TEST_F(UVExport, AMaskFileIsTheMeshWithAMaskBeforeItsClosing) {
     EXPECT_EQ(nameAt(1), "1002");
 }
 
+TEST_F(UVExport, AMaskThatTheDiskCannotTakeIsTheOneReported) {
+    std::filesystem::create_symlink("/dev/full", dir.path("out1002.Vemo"));
+    EXPECT_EQ(writeMasks(quadAndTriangle()), 1502.0f);
+    EXPECT_TRUE(dir.has("out1001.Vemo"));
+}
+
 TEST_F(UVExport, AMaskFollowsTheFirstCornerOfEachFace) {
     const VemoBuilder mesh = VemoBuilder()
                                  .vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}})

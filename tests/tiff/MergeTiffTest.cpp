@@ -6,6 +6,7 @@
 #include <memory>
 
 #include "support/CaptureStdout.h"
+#include "support/Faults.h"
 #include "support/TempDir.h"
 #include "support/TiffFile.h"
 #include "tiff/TiffOps.h"
@@ -242,6 +243,14 @@ TEST_F(MergeTiff, AStripBeyondTheFileIsLeftUnmerged) {
         EXPECT_EQ(merge(bent, bent), 0.0f);
         EXPECT_EQ(targetBytes(), bent.bytes());
     }
+}
+
+TEST_F(MergeTiff, ATargetThatTakesNoMoreBytesIsTold) {
+    const TiffFile map = TiffFile(4, 3).grey8({9, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1, 1});
+    dir.write("tile.tif", map.bytes());
+    dir.write("all.tif", map.bytes());
+    const FullDisk full(8);
+    EXPECT_EQ(mergeFiles("tile.tif", "all.tif"), -201.0f);
 }
 
 TEST_F(MergeTiff, ATruncatedMapIsNeverReadPastItsEndOrMadeLonger) {

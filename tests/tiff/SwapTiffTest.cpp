@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "support/CaptureStdout.h"
+#include "support/Faults.h"
 #include "support/TempDir.h"
 #include "support/TiffFile.h"
 #include "tiff/TiffOps.h"
@@ -131,6 +132,14 @@ TEST_F(SwapChannels, ARefusedTagIsNotPrinted) {
     const CaptureStdout captured;
     EXPECT_EQ(swap(twoPixels().entry(258, 4, 8).bytes(), 1), 258.0f);
     EXPECT_EQ(swap(twoPixels().entry(259, 1, 5).bytes(), 1), -259.0f);
+    EXPECT_EQ(captured.text(), "");
+}
+
+TEST_F(SwapChannels, AFileThatTakesNoMoreBytesIsToldButNotPrinted) {
+    dir.write("map.tif", twoPixels().bytes());
+    const CaptureStdout captured;
+    const FullDisk full(8);
+    EXPECT_EQ(again(2), -101.0f);
     EXPECT_EQ(captured.text(), "");
 }
 
