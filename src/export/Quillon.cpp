@@ -13,6 +13,7 @@
 #include "bmp/BmpOps.h"
 #include "bytes/Numbers.h"
 #include "bytes/Text.h"
+#include "encoders/ExrRange.h"
 #include "encoders/TargaOps.h"
 #include "files/CocoaFileBrowser.h"
 #include "files/FileOps.h"
@@ -255,8 +256,8 @@ float CreateThumbnailBMP(const char* text, double value, char*, int, char*, int,
     return guarded(kRefused, [&] { return createBMPthumb(text, saturatedInt(value)); });
 }
 
-float OpenEXR(const char*, double, char*, int, char*, int, char**) {
-    return kNotYet;
+float OpenEXR(const char* text, double, char*, int, char*, int, char**) {
+    return guarded(kRefused, [&] { return measureExrRange(text); });
 }
 
 char* get_substr(char* text, int start) {

@@ -1,0 +1,286 @@
+#include "encoders/ExrCheck.h"
+
+#include <algorithm>
+#include <initializer_list>
+#include <string_view>
+#include <vector>
+
+#include "encoders/ExrLoader.h"
+
+using namespace exr_status;
+
+namespace {
+
+constexpr std::uint64_t kAttributes = 8;
+constexpr std::uint8_t kTiledFlag = 2;
+constexpr int kMostAttributes = 1000;  // a few more and the loader takes one for the end
+
+constexpr std::uint32_t kHalf = 1;
+constexpr std::uint32_t kLastPixelType = 2;
+
+enum Compression : std::uint8_t { kNone, kRle, kZips, kZip, kPiz };
+
+// No picture that means anything is beyond this, and no sum of two such numbers wraps.
+constexpr std::int32_t kFurthestPixel = 1 << 21;
+constexpr std::uint32_t kLongestTile = 1 << 20;
+
+// The most that a byte of the file can stand for: deflating shrinks to a 1032nd, and a half float takes
+// twice its place in memory. Tiles reach beyond the picture's border, hence the constant.
+constexpr std::uint64_t kMostTimesTheFile = 2 * 1100;
+constexpr std::uint64_t kMostBytesBesides = 64 * 1024 * 1024;
+
+enum LevelMode : std::uint8_t { kOneLevel, kMipmap, kRipmap };
+
+struct Header {
+    std::vector<std::uint32_t> pixelTypes;
+    bool subsampled = false;
+    int compression = -1;
+    bool hasWindow = false;
+    bool hasLineOrder = false;
+    std::int32_t left = 0, top = 0, right = 0, bottom = 0;
+    std::uint32_t tileWidth = 0, tileHeight = 0;
+    std::uint8_t levelMode = kOneLevel;
+    bool roundsUp = false;
+    std::int32_t chunkCount = 0;
+    std::uint64_t end = 0;  // of the header, where the table of offsets starts
+
+    std::uint64_t pixelBytes() const {
+        std::uint64_t bytes = 0;
+        for (const std::uint32_t type : pixelTypes)
+            bytes += type == kHalf ? 2 : 4;
+        return bytes;
+    }
+};
+
+// A text that ends within the file, or a text that starts at its end.
+std::string_view textAt(const Bytes& file, std::uint64_t at) {
+    const std::uint8_t* const start = file.data + std::min<std::uint64_t>(at, file.size);
+    const std::uint8_t* const end = file.data + file.size;
+    return {reinterpret_cast<const char*>(start),
+            static_cast<std::size_t>(std::find(start, end, 0) - start)};
+}
+
+// Channels: name, pixel type, 4 bytes not looked at, two sampling rates; ended by an empty name.
+bool readChannels(Bytes value, Header& header) {
+    if (!header.pixelTypes.empty()) return false;  // the loader would add the two lists up
+    for (std::uint64_t at = 0; !textAt(value, at).empty();) {
+        at += textAt(value, at).size() + 1;
+        const std::uint32_t type = value.le32(at);
+        if (value.le32(at + 8) != 1 || value.le32(at + 12) != 1) header.subsampled = true;
+        at += 16;
+        if (value.overran || at >= value.size || type > kLastPixelType) return false;
+        header.pixelTypes.push_back(type);
+    }
+    return !header.pixelTypes.empty();
+}
+
+bool readTiles(Bytes value, Header& header) {
+    header.tileWidth = value.le32(0);
+    header.tileHeight = value.le32(4);
+    const std::uint8_t mode = value.u8(8);
+    header.levelMode = mode & 3;
+    header.roundsUp = (mode >> 4 & 1) != 0;
+    const auto isLength = [](std::uint32_t side) { return side > 0 && side <= kLongestTile; };
+    return value.size == 9 && header.levelMode <= kRipmap && isLength(header.tileWidth) &&
+           isLength(header.tileHeight);
+}
+
+bool readWindow(Bytes value, Header& header) {
+    const auto number = [&](std::uint64_t at) { return static_cast<std::int32_t>(value.le32(at)); };
+    header.left = number(0);
+    header.top = number(4);
+    header.right = number(8);
+    header.bottom = number(12);
+    const auto isNear = [](std::int32_t coordinate) {
+        return coordinate >= -kFurthestPixel && coordinate <= kFurthestPixel;
+    };
+    header.hasWindow = true;
+    return value.size == 16 && isNear(header.left) && isNear(header.top) && isNear(header.right) &&
+           isNear(header.bottom) && header.left <= header.right && header.top <= header.bottom;
+}
+
+// False when the value is not one that the loader survives.
+bool readValue(std::string_view name, Bytes value, Header& header, ExrLayout& layout) {
+    if (name == "channels") return readChannels(value, header);
+    if (name == "compression") {
+        header.compression = value.u8(0);
+        return value.size > 0;
+    }
+    if (name == "dataWindow") return readWindow(value, header);
+    if (name == "lineOrder") {
+        header.hasLineOrder = value.size > 0;
+        layout.increasingRows = value.u8(0) == 0;
+    }
+    if (name == "tiles") return !layout.tiled || readTiles(value, header);
+    if (name == "chunkCount") header.chunkCount = static_cast<std::int32_t>(value.le32(0));
+    return true;
+}
+
+int readHeader(Bytes& file, Header& header, ExrLayout& layout) {
+    std::uint64_t at = kAttributes;
+    for (int count = 0; !textAt(file, at).empty(); ++count) {
+        if (count == kMostAttributes) return kBadData;
+        const std::string_view name = textAt(file, at);
+        at += name.size() + 1;
+        at += textAt(file, at).size() + 1;
+        const std::uint64_t size = file.le32(at);
+        at += 4;
+        if (file.overran || !file.holds(at, size, 1)) return kBadData;
+        const Bytes value{file.data + at, static_cast<std::size_t>(size)};
+        if (!readValue(name, value, header, layout)) return kBadData;
+        at += size;
+    }
+    if (at >= file.size) return kBadData;
+    header.end = at + 1;
+    const bool complete = !header.pixelTypes.empty() && header.compression >= 0 &&
+                          header.hasWindow && header.hasLineOrder &&
+                          (!layout.tiled || header.tileWidth > 0);
+    if (!complete) return kBadHeader;
+    if (header.compression > kPiz) return kUnknownFormat;
+    return header.subsampled ? kUnknownFeature : kOk;
+}
+
+// One resolution of a tiled picture.
+struct Level {
+    std::uint32_t x, y;
+    std::uint32_t columns, rows;  // of tiles
+};
+
+std::uint32_t levelCount(std::uint32_t size, bool roundsUp) {
+    std::uint32_t levels = 1;
+    bool exact = true;
+    for (; size > 1; size >>= 1, ++levels)
+        exact = exact && (size & 1) == 0;
+    return roundsUp && !exact ? levels + 1 : levels;
+}
+
+std::uint32_t levelSize(std::uint32_t size, std::uint32_t level, bool roundsUp) {
+    const std::uint32_t scale = std::uint32_t{1} << level;
+    return std::max<std::uint32_t>(size / scale + (roundsUp && size % scale != 0 ? 1 : 0), 1);
+}
+
+std::vector<Level> levelsOf(const Header& header, std::uint32_t width, std::uint32_t height) {
+    std::vector<Level> levels;
+    const auto add = [&](std::uint32_t x, std::uint32_t y) {
+        const auto tiles = [](std::uint32_t size, std::uint32_t tile) {
+            return (size + tile - 1) / tile;
+        };
+        levels.push_back({x, y, tiles(levelSize(width, x, header.roundsUp), header.tileWidth),
+                          tiles(levelSize(height, y, header.roundsUp), header.tileHeight)});
+    };
+    const bool ripmap = header.levelMode == kRipmap;
+    const std::uint32_t longer = ripmap ? width : std::max(width, height);
+    const std::uint32_t columns =
+        header.levelMode == kOneLevel ? 1 : levelCount(longer, header.roundsUp);
+    const std::uint32_t rows = ripmap ? levelCount(height, header.roundsUp) : 1;
+    for (std::uint32_t y = 0; y < rows; ++y) {
+        for (std::uint32_t x = 0; x < columns; ++x)
+            add(x, ripmap ? y : x);
+    }
+    return levels;
+}
+
+// Whether `offset` leads to a chunk that starts with these numbers and whose data lies in the file and
+// takes at least `leastBytes`.
+bool isChunk(Bytes file, std::uint64_t offset, std::initializer_list<std::uint32_t> place,
+             std::uint64_t leastBytes) {
+    if (offset > file.size) return false;
+    for (const std::uint32_t number : place) {
+        if (file.le32(offset) != number) return false;
+        offset += 4;
+    }
+    const std::uint64_t bytes = file.le32(offset);
+    return !file.overran && bytes <= INT32_MAX && bytes >= leastBytes &&
+           file.holds(offset + 4, bytes, 1);
+}
+
+std::uint64_t offsetAt(Bytes& file, std::uint64_t at) {
+    return file.le32(at) | std::uint64_t{file.le32(at + 4)} << 32;
+}
+
+std::uint32_t rowsPerChunk(int compression) {
+    if (compression == kZip) return 16;
+    return compression == kPiz ? 32 : 1;
+}
+
+// The least that a chunk's data takes: all of it where nothing is compressed.
+std::uint64_t leastChunkBytes(const Header& header, std::uint64_t pixels) {
+    return header.compression == kNone ? pixels * header.pixelBytes() : 2;
+}
+
+bool checkRows(Bytes file, const Header& header, std::uint32_t width, std::uint32_t height) {
+    const std::uint32_t step = rowsPerChunk(header.compression);
+    const std::uint32_t chunks = (height + step - 1) / step;
+    const bool countIsRight =
+        header.chunkCount <= 0 || static_cast<std::uint32_t>(header.chunkCount) == chunks;
+    if (!countIsRight || !file.holds(header.end, chunks, 8)) return false;
+    for (std::uint32_t chunk = 0; chunk < chunks; ++chunk) {
+        const std::uint32_t first = chunk * step;
+        const std::uint64_t rows = std::min(step, height - first);
+        const auto row = static_cast<std::uint32_t>(header.top) + first;
+        if (!isChunk(file, offsetAt(file, header.end + 8 * std::uint64_t{chunk}), {row},
+                     leastChunkBytes(header, rows * width)))
+            return false;
+    }
+    return true;
+}
+
+// Edge tiles hold only what lies in the picture.
+std::uint64_t tilePixels(const Header& header, const Level& level, std::uint32_t column,
+                         std::uint32_t row, std::uint32_t width, std::uint32_t height) {
+    const std::uint64_t levelWidth = levelSize(width, level.x, header.roundsUp);
+    const std::uint64_t levelHeight = levelSize(height, level.y, header.roundsUp);
+    return std::min<std::uint64_t>(header.tileWidth,
+                                   levelWidth - std::uint64_t{column} * header.tileWidth) *
+           std::min<std::uint64_t>(header.tileHeight,
+                                   levelHeight - std::uint64_t{row} * header.tileHeight);
+}
+
+bool checkTiles(Bytes file, const Header& header, std::uint32_t width, std::uint32_t height) {
+    const std::vector<Level> levels = levelsOf(header, width, height);
+    std::uint64_t tiles = 0;
+    for (const Level& level : levels)
+        tiles += std::uint64_t{level.columns} * level.rows;
+    const std::uint64_t tileBytes =
+        std::uint64_t{header.tileWidth} * header.tileHeight * 4 * header.pixelTypes.size();
+    const std::uint64_t most = kMostTimesTheFile * file.size + kMostBytesBesides;
+    if (!file.holds(header.end, tiles, 8) || tiles > most / tileBytes) return false;
+
+    std::uint64_t entry = header.end;
+    for (const Level& level : levels) {
+        for (std::uint32_t row = 0; row < level.rows; ++row) {
+            for (std::uint32_t column = 0; column < level.columns; ++column, entry += 8) {
+                const std::uint64_t pixels = tilePixels(header, level, column, row, width, height);
+                if (!isChunk(file, offsetAt(file, entry), {column, row, level.x, level.y},
+                             leastChunkBytes(header, pixels)))
+                    return false;
+            }
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
+int checkExr(Bytes file, ExrLayout& layout) {
+    layout = {};
+    layout.tiled = (file.u8(5) & kTiledFlag) != 0;
+    Header header;
+    const int status = readHeader(file, header, layout);
+    if (status != kOk) return status;
+
+    const auto width = static_cast<std::uint32_t>(header.right - header.left + 1);
+    const auto height = static_cast<std::uint32_t>(header.bottom - header.top + 1);
+    const std::uint64_t samples = std::uint64_t{width} * height * header.pixelTypes.size();
+    if (samples > (kMostTimesTheFile * file.size + kMostBytesBesides) / 4) return kBadData;
+    const bool whole = layout.tiled ? checkTiles(file, header, width, height)
+                                    : checkRows(file, header, width, height);
+    if (!whole) return kBadData;
+
+    layout.width = static_cast<std::int32_t>(width);
+    layout.height = static_cast<std::int32_t>(height);
+    layout.tileWidth = static_cast<std::int32_t>(header.tileWidth);
+    layout.tileHeight = static_cast<std::int32_t>(header.tileHeight);
+    layout.firstPixelType = header.pixelTypes.front();
+    return kOk;
+}
