@@ -15,6 +15,7 @@
 
 #include <limits>
 #include <random>
+#include <string_view>
 
 #include "encoders/ExrLoader.h"
 #include "support/Faults.h"
@@ -59,7 +60,7 @@ public:
     explicit Pixels(const Picture& picture) : picture_(picture) {
         for (const float sample : picture.samples) {
             halves_.push_back(half(sample));
-            wholes_.push_back(sample > 0 ? static_cast<unsigned>(sample) : 0);
+            wholes_.push_back(sample > 0 && sample < 1e9f ? static_cast<unsigned>(sample) : 0);
         }
         const std::size_t count = picture.samples.size();
         otherFloats_.assign(count, 99.0f);
@@ -248,7 +249,9 @@ TEST(ExrLoader, TakesTheFirstChannelOfTheHeader) {
     writeRows(path, Picture{.width = 2, .samples = {1.0f, 2.0f}, .secondChannel = true});
     ByteList bytes = readBytes(path);
     // Renamed to "Z" in the header's list of channels, the first one stays the first.
-    const auto name = std::search(bytes.begin(), bytes.end(), "chlist", "chlist" + 6) + 6 + 1 + 4;
+    constexpr std::string_view kType = "chlist";
+    const auto name = std::search(bytes.begin(), bytes.end(), kType.begin(), kType.end()) + 6 + 1 +
+                      4;  // the type's text, its end and the value's size
     ASSERT_EQ(*name, 'A');
     *name = 'Z';
     ExrImage image;
@@ -367,7 +370,7 @@ TEST_F(ExrRange, DamagedFilesGiveACodeOrARange) {
                                    whole.begin() + static_cast<std::ptrdiff_t>(length));
                 EXPECT_LT(rangeOfBytes(cut), 0.0f) << length;
             }
-            for (int round = 0; round < 1500; ++round) {
+            for (int round = 0; round < 700; ++round) {
                 ByteList bent = whole;
                 for (int change = 0; change <= round % 4; ++change)
                     bent[random() % bent.size()] = static_cast<std::uint8_t>(random());
