@@ -10,6 +10,7 @@
 #include <new>
 #include <string>
 
+#include "bmp/BmpOps.h"
 #include "bytes/Numbers.h"
 #include "bytes/Text.h"
 #include "encoders/JpegOps.h"
@@ -205,7 +206,7 @@ float mergeMapsPSD(const char* text, double, char* buffer1, int, char*, int, cha
 
 float mergeMapsBMP(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return mergeBMP(text, buffer1); });
 }
 
 float swapRGBTIF(const char* text, double value, char*, int, char*, int, char**) {
@@ -220,7 +221,7 @@ float swapRGBPSD(const char* text, double value, char*, int, char*, int, char**)
 
 float swapRGBBMP(const char* text, double value, char*, int, char*, int, char**) {
     if (text == nullptr || !isSwapValue(value)) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return swapChannelsBMP(text, saturatedInt(value)); });
 }
 
 float convertTIFF16(const char* text, double value, char* buffer1, int, char*, int, char**) {
@@ -255,8 +256,8 @@ float saveAsJpeg(const char* text, double value, char* buffer1, int, char*, int,
     return guarded(kRefused, [&] { return convertToJPEG(text, buffer1, jpegQuality(value)); });
 }
 
-float CreateThumbnailBMP(const char*, double, char*, int, char*, int, char**) {
-    return kNotYet;
+float CreateThumbnailBMP(const char* text, double value, char*, int, char*, int, char**) {
+    return guarded(kRefused, [&] { return createBMPthumb(text, saturatedInt(value)); });
 }
 
 float OpenEXR(const char*, double, char*, int, char*, int, char**) {

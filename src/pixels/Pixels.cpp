@@ -52,9 +52,9 @@ void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::ui
     }
 }
 
-void exchangeSamples(std::uint8_t* row, std::size_t pixels, std::size_t first, std::size_t second) {
+void exchangeSamples(std::uint8_t* row, std::size_t pixels, const Exchange& exchange) {
     for (std::size_t i = 0; i < pixels; ++i)
-        std::swap(row[3 * i + first], row[3 * i + second]);
+        std::swap(row[3 * i + exchange.first], row[3 * i + exchange.second]);
 }
 
 void copyReversed(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {

@@ -16,8 +16,14 @@ inline constexpr std::size_t kLargestPixelBytes = 12;  // three 32-bit samples
 void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
                     std::size_t pixels, std::size_t pixelBytes);
 
-// Exchanges two of the three bytes of each pixel, counted from 0.
-void exchangeSamples(std::uint8_t* row, std::size_t pixels, std::size_t first, std::size_t second);
+// Two of the three bytes of a pixel, counted from 0, that change places. The same one twice: none do.
+struct Exchange {
+    std::size_t first;
+    std::size_t second;
+};
+inline constexpr Exchange kNoExchange = {0, 0};
+
+void exchangeSamples(std::uint8_t* row, std::size_t pixels, const Exchange& exchange);
 
 // Copies pixels of three bytes with the first and the third exchanged.
 void copyReversed(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels);

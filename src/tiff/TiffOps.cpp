@@ -55,12 +55,6 @@ bool mergePixels(const File& source, const File& target, const Strip& strip) {
     });
 }
 
-// The two samples of a pixel that a swap exchanges.
-struct Exchange {
-    std::size_t first;
-    std::size_t second;
-};
-
 Exchange exchangeOf(int mode) {
     switch (mode) {
         case 1:
@@ -70,7 +64,7 @@ Exchange exchangeOf(int mode) {
         case 3:
             return {0, 1};
         default:
-            return {0, 0};
+            return kNoExchange;
     }
 }
 
@@ -79,7 +73,7 @@ bool swapPixels(const File& file, const Strip& strip, Exchange exchange) {
     return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
         const std::size_t bytes = pixels * strip.pixelBytes;
         if (file.readAt(offset, piece.data(), bytes) < bytes) return false;
-        exchangeSamples(piece.data(), pixels, exchange.first, exchange.second);
+        exchangeSamples(piece.data(), pixels, exchange);
         return file.writeAt(offset, piece.data(), bytes);
     });
 }

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "support/CaptureStdout.h"
+#include "support/Faults.h"
 #include "support/Plugin.h"
 #include "support/TempDir.h"
 
@@ -148,17 +149,13 @@ TEST_F(Services, CheckFolderEndsAnOpenListingWhetherItSucceedsOrNot) {
 
 // A script that forgets CloseFolder must not use up the host's descriptors.
 TEST_F(Services, AbandonedListingsLeaveNoDescriptorOpen) {
-    const auto openDescriptors = [] {
-        const std::filesystem::directory_iterator all("/proc/self/fd");
-        return std::distance(begin(all), end(all));
-    };
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     for (int i = 0; i < 10; ++i) {
         ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
         ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
         ASSERT_EQ(onPath("CheckFolder", dir.path()), 0.0f);
     }
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(openFiles(), before);
 }
 
 // Folders

@@ -1,15 +1,14 @@
 #include "files/FileOps.h"
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <stdexcept>
 #include <string>
 
+#include "support/Faults.h"
 #include "support/TempDir.h"
 
 namespace fs = std::filesystem;
@@ -18,20 +17,6 @@ namespace {
 
 using testing::ElementsAre;
 using testing::IsEmpty;
-
-// The superuser may open and write anything; the process gives that up for a while.
-class OrdinaryUser {
-public:
-    OrdinaryUser() : before_(::geteuid()) {
-        EXPECT_EQ(::seteuid(before_ == 0 ? 65534 : before_), 0);
-    }
-    OrdinaryUser(const OrdinaryUser&) = delete;
-    OrdinaryUser& operator=(const OrdinaryUser&) = delete;
-    ~OrdinaryUser() { EXPECT_EQ(::seteuid(before_), 0); }
-
-private:
-    uid_t before_;
-};
 
 TEST(IsDirectory, LooksForADotInTheLastComponentOnly) {
     const struct {
@@ -197,7 +182,7 @@ TEST(ClearFolder, LeavesAFolderThatItMayNotRead) {
     ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(folder.c_str(), 0), 0);
     {
-        const OrdinaryUser ordinaryUser;
+        const WithoutRoot ordinaryUser;
         EXPECT_EQ(ClearFolder(folder), 0);
     }
     ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
@@ -211,7 +196,7 @@ TEST(ClearFolder, SucceedsWhereSingleFilesCannotBeDeleted) {
     ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
     {
-        const OrdinaryUser ordinaryUser;
+        const WithoutRoot ordinaryUser;
         EXPECT_EQ(ClearFolder(folder), 1);
     }
     ASSERT_EQ(::chmod(folder.c_str(), 0755), 0);
@@ -302,7 +287,7 @@ TEST(CopyFile, LeavesAnUnwritableFolderAsItIs) {
     ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(folder.c_str(), 0555), 0);
     {
-        const OrdinaryUser ordinaryUser;
+        const WithoutRoot ordinaryUser;
         EXPECT_FALSE(copied(source, dir.path("locked/new.tif")));
         EXPECT_FALSE(copied(source, target + "/new.tif"));
     }
@@ -311,32 +296,12 @@ TEST(CopyFile, LeavesAnUnwritableFolderAsItIs) {
     EXPECT_EQ(readBytes(target), (ByteList{2}));
 }
 
-// No file may grow beyond a size: writing beyond it fails as it does on a full disk.
-class FileSizeLimit {
-public:
-    explicit FileSizeLimit(rlim_t bytes) : signalBefore_(std::signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
-        const rlimit limit{bytes, before_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &limit), 0);
-    }
-    FileSizeLimit(const FileSizeLimit&) = delete;
-    FileSizeLimit& operator=(const FileSizeLimit&) = delete;
-    ~FileSizeLimit() {
-        ::setrlimit(RLIMIT_FSIZE, &before_);
-        std::signal(SIGXFSZ, signalBefore_);
-    }
-
-private:
-    void (*signalBefore_)(int);
-    rlimit before_{};
-};
-
 TEST(CopyFile, FailsWhenTheDiskIsFull) {
     const TempDir dir;
     const std::string source = dir.write("source.tif", countingBytes(10000));
     const std::string target = dir.path("target.tif");
     {
-        const FileSizeLimit full(5000);
+        const FullDisk full(5000);
         EXPECT_FALSE(copied(source, target));
     }
     EXPECT_EQ(readBytes(target), countingBytes(5000));

@@ -8,6 +8,7 @@
 #include <string>
 #include <utility>
 
+#include "support/Faults.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -22,11 +23,6 @@ ByteList read(const File& file, std::uint64_t offset, std::size_t count) {
 
 bool write(const File& file, std::uint64_t offset, const ByteList& bytes) {
     return file.writeAt(offset, bytes.data(), bytes.size());
-}
-
-std::ptrdiff_t openDescriptors() {
-    const std::filesystem::directory_iterator all("/proc/self/fd");
-    return std::distance(begin(all), end(all));
 }
 
 // What opening for reading, for rewriting and loading refuse alike.
@@ -157,36 +153,36 @@ TEST(File, ThatIsNotOpenHoldsNothing) {
 TEST(File, MovesToOneOwnerThatClosesIt) {
     const TempDir dir;
     const std::string path = dir.write("f", ByteList{1});
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     {
         std::optional<File> first(File::openForReading(path.c_str()));
         const File second(std::move(*first));
         EXPECT_FALSE(first->isOpen());
         first.reset();
         EXPECT_THAT(read(second, 0, 1), ElementsAre(1));
-        EXPECT_EQ(openDescriptors(), before + 1);
+        EXPECT_EQ(openFiles(), before + 1);
     }
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(openFiles(), before);
 }
 
 TEST(File, AssigningClosesTheFileThatWasHeld) {
     const TempDir dir;
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     File file = File::openForReading(dir.write("a", ByteList{1}).c_str());
     file = File::openForReading(dir.write("b", ByteList{2}).c_str());
     EXPECT_THAT(read(file, 0, 1), ElementsAre(2));
-    EXPECT_EQ(openDescriptors(), before + 1);
+    EXPECT_EQ(openFiles(), before + 1);
     file = File();
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(openFiles(), before);
 }
 
 TEST(File, RefusingLeavesNoDescriptorOpen) {
     const TempDir dir;
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     expectNotOpened(dir.path().c_str());
     expectNotOpened("/dev/zero");
     expectNotOpened(dir.path("missing").c_str());
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(openFiles(), before);
 }
 
 TEST(LoadFile, HoldsTheWholeFile) {
@@ -221,9 +217,9 @@ TEST(LoadFile, ASizeBeyondTheMemoryIsRefused) {
 TEST(LoadFile, ClosesTheFile) {
     const TempDir dir;
     const std::string path = dir.write("f", ByteList{1});
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     EXPECT_NE(loadFile(path.c_str()).data, nullptr);
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(openFiles(), before);
 }
 
 }  // namespace

@@ -11,6 +11,7 @@
 #include <vector>
 
 #include "files/CocoaFileBrowser.h"
+#include "support/Faults.h"
 #include "support/TempDir.h"
 
 namespace fs = std::filesystem;
@@ -168,14 +169,10 @@ TEST_F(OpenFileBrowser, AsksNothingWithoutATitle) {
 }
 
 TEST_F(OpenFileBrowser, LeavesNoProcessAndNoDescriptorBehind) {
-    const auto openDescriptors = [] {
-        const fs::directory_iterator all("/proc/self/fd");
-        return std::distance(begin(all), end(all));
-    };
     install("zenity", "printf '/maps/a.vws\\n'");
-    const auto before = openDescriptors();
+    const auto before = openFiles();
     EXPECT_EQ(choose(), "/maps/a.vws");
-    EXPECT_EQ(openDescriptors(), before);
+    EXPECT_EQ(openFiles(), before);
     EXPECT_EQ(::waitpid(-1, nullptr, WNOHANG), -1);
     EXPECT_EQ(errno, ECHILD);
 }

@@ -98,10 +98,4 @@ TEST(MarkLevels, AddsToTheSet) {
     EXPECT_TRUE(levels.test(0) && levels.test(32768) && levels.test(65535));
 }
 
-TEST(ExchangeSamples, ExchangesTwoOfThree) {
-    ByteList row = {1, 2, 3, 4, 5, 6};
-    exchangeSamples(row.data(), 2, 0, 2);
-    EXPECT_THAT(row, ElementsAre(3, 2, 1, 6, 5, 4));
-}
-
 }  // namespace

@@ -1,16 +1,14 @@
 // Files that are cut short, headers that lie, and disks that do not take the result.
 
 #include <gmock/gmock.h>
-#include <sys/resource.h>
 #include <sys/stat.h>
-#include <unistd.h>
 
-#include <csignal>
 #include <filesystem>
 #include <functional>
 
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
+#include "support/Faults.h"
 #include "support/PsdFile.h"
 
 namespace {
@@ -141,30 +139,16 @@ TEST(PsdDamage, DepthsAndChannelsBeyondSenseAreRefusedOrHarmless) {
     }
 }
 
-// As long as it lives, this process may not write files that forbid it, even if it is root.
-class NoPrivileges {
-public:
-    explicit NoPrivileges(const TempDir& dir) : user_(::geteuid()) {
-        EXPECT_EQ(::chmod(dir.path().c_str(), 0755), 0);
-        if (user_ == 0) {
-            EXPECT_EQ(::seteuid(65534), 0);
-        }
-    }
-    ~NoPrivileges() { EXPECT_EQ(::seteuid(user_), 0); }
-
-private:
-    uid_t user_;
-};
-
 TEST(PsdDamage, AFileThatMayNotBeWrittenStays) {
     const TempDir dir;
     const ByteList bytes = PsdFile(100, 100).filled(30000, 9);
     const std::string map = dir.write("map", bytes);
     const std::string other = dir.write("other", bytes);
+    ASSERT_EQ(::chmod(dir.path().c_str(), 0755), 0);
     ASSERT_EQ(::chmod(map.c_str(), 0444), 0);
     ASSERT_EQ(::chmod(other.c_str(), 0444), 0);
     {
-        const NoPrivileges unprivileged(dir);
+        const WithoutRoot unprivileged;
         EXPECT_EQ(mergePSD(other.c_str(), map.c_str()), -5.0f);
         EXPECT_EQ(mergeSeamlessPSD(map.c_str(), other.c_str(), true), -5.0f);
         EXPECT_EQ(swapChannelsPSD(map.c_str(), 1), -5.0f);
@@ -177,28 +161,6 @@ TEST(PsdDamage, AFileThatMayNotBeWrittenStays) {
     EXPECT_THAT(dir.names(), ElementsAre("map", "other"));
 }
 
-// As long as it lives, files end at 100 bytes, as on a full disk.
-class FullDisk {
-public:
-    FullDisk() : whenExceeded_(std::signal(SIGXFSZ, SIG_IGN)) {
-        EXPECT_EQ(::getrlimit(RLIMIT_FSIZE, &before_), 0);
-        const rlimit hundred = {100, before_.rlim_max};
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &hundred), 0);
-    }
-    ~FullDisk() {
-        EXPECT_EQ(::setrlimit(RLIMIT_FSIZE, &before_), 0);
-        std::signal(SIGXFSZ, whenExceeded_);
-    }
-
-private:
-    void (*whenExceeded_)(int);
-    rlimit before_{};
-};
-
-std::ptrdiff_t openHandles() {
-    return std::distance(std::filesystem::directory_iterator("/dev/fd"), {});
-}
-
 TEST(PsdDamage, AFullDiskIsNotReportedAndLeavesNoHandleOpen) {
     const TempDir dir;
     const ByteList bytes = PsdFile(100, 100).filled(30000, 9);
@@ -207,16 +169,16 @@ TEST(PsdDamage, AFullDiskIsNotReportedAndLeavesNoHandleOpen) {
     operations.push_back(
         {"seams", [](auto path, auto good) { return mergeSeamlessPSD(path, good, true); }});
     operations.erase(operations.begin() + 1);  // it writes to the other file
-    const std::ptrdiff_t handles = openHandles();
+    const std::ptrdiff_t handles = openFiles();
     for (const Operation& operation : operations) {
         const std::string map = dir.write("map", bytes);
         {
-            const FullDisk full;
+            const FullDisk full(100);
             EXPECT_EQ(operation.run(map.c_str(), other.c_str()), 0.0f) << operation.name;
         }
         EXPECT_LE(readBytes(map).size(), 100u) << operation.name;
     }
-    EXPECT_EQ(openHandles(), handles);
+    EXPECT_EQ(openFiles(), handles);
 }
 
 TEST(PsdDamage, FoldersAndPipesAreNotMaps) {

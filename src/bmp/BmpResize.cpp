@@ -1,0 +1,131 @@
+// The operations that make another image of one: the crop and the thumbnail.
+
+#include <algorithm>
+
+#include "bmp/BmpHeader.h"
+#include "bmp/BmpOps.h"
+#include "bmp/BmpWriter.h"
+#include "bytes/Numbers.h"
+
+namespace {
+
+constexpr std::int32_t kCroppedRows = 3;  // the bottom row and the two top rows
+
+// Appends bytes of bmpV from `start` on, black for those that lie before its start or past its end.
+void appendClipped(BmpWriter& writer, std::int64_t start, std::int64_t count) {
+    const auto size = static_cast<std::int64_t>(bmpV.size);
+    const std::int64_t first = std::clamp<std::int64_t>(start, 0, size);
+    const std::int64_t last = std::clamp<std::int64_t>(start + count, first, size);
+    const std::int64_t before = std::min(first - start, count);
+    writer.appendBlack(static_cast<std::uint64_t>(before));
+    writer.append(bmpV.data.get() + first, static_cast<std::size_t>(last - first));
+    writer.appendBlack(static_cast<std::uint64_t>(count - before - (last - first)));
+}
+
+void appendBand(BmpWriter& writer, const NewImage& image, std::int32_t xOffset) {
+    const auto bandBytes = static_cast<std::int64_t>(kBmpPixelBytes * image.pixelsPerRow);
+    const auto size = static_cast<std::int64_t>(bmpV.size);
+    const std::uint64_t rows = bmpHdr.width > 0 && bandBytes > 0 ? image.rows : 0;
+
+    std::int64_t start = std::int64_t{bmpHdr.pixelOffset} + bmpHdr.rowStride + xOffset;
+    std::uint64_t row = 0;
+    for (; row < rows && start < size; ++row) {
+        appendClipped(writer, start, bandBytes);
+        writer.appendBlack(image.padding);
+        start += bmpHdr.rowStride;
+    }
+    if (image.rows > row) writer.appendBlack(image.pixelBytes / image.rows * (image.rows - row));
+}
+
+struct Thumbnail {
+    NewImage image;
+    float step;  // source pixels from one pixel of the thumbnail to the next
+};
+
+Thumbnail thumbnailOf(const BmpHeader& header, std::int32_t size) {
+    const auto width = static_cast<float>(header.width);
+    const auto height = static_cast<float>(header.height);
+    const auto side = static_cast<float>(size);
+    if (header.height <= header.width)
+        return {newImage(size, saturatedInt(height / width * side)), width / side};
+    return {newImage(saturatedInt(width / height * side), size), height / side};
+}
+
+// A sample that starts here or further on is black: the file has no byte beyond it.
+std::uint64_t firstBlackByte() {
+    return bmpV.size - kBmpPixelBytes;
+}
+
+std::uint64_t wholePart(float sum) {
+    return static_cast<std::uint64_t>(sum);
+}
+
+void appendSampledRow(BmpWriter& writer, const Thumbnail& thumb, std::uint64_t rowStart) {
+    std::uint64_t pixelsLeft = thumb.image.pixelsPerRow;
+    float column = 0.0f;
+    for (; pixelsLeft > 0; --pixelsLeft) {
+        const std::uint64_t sample = rowStart + kBmpPixelBytes * wholePart(column);
+        if (sample >= firstBlackByte()) break;  // and so are all further right
+        writer.append(bmpV.data.get() + sample, kBmpPixelBytes);
+        column += thumb.step;
+    }
+    writer.appendBlack(kBmpPixelBytes * pixelsLeft + thumb.image.padding);
+}
+
+void appendSamples(BmpWriter& writer, const Thumbnail& thumb) {
+    if (thumb.image.pixelBytes == 0) return;
+    const auto stride = static_cast<std::uint64_t>(bmpHdr.rowStride);
+
+    float sourceRow = 0.0f;
+    std::uint64_t row = 0;
+    for (; row < thumb.image.rows; ++row) {
+        const std::uint64_t rowStart = bmpHdr.pixelOffset + stride * wholePart(sourceRow);
+        if (rowStart >= firstBlackByte()) break;  // and so are all further up
+        appendSampledRow(writer, thumb, rowStart);
+        sourceRow += thumb.step;
+    }
+    writer.appendBlack(thumb.image.pixelBytes / thumb.image.rows * (thumb.image.rows - row));
+}
+
+float loadForThumbnail(const char* path) {
+    const float status = loadWholeBMP(path, bmp_status::kThumbNotOpened);
+    const bool hasSignature = bmpHdr.firstByte == 'B' && bmpHdr.secondByte == 'M';
+    return status == bmp_status::kNotABmp && !hasSignature ? bmp_status::kThumbNotABmp : status;
+}
+
+}  // namespace
+
+float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::int32_t newWidth) {
+    const EmptyBmpVAtEnd emptied;
+    const float status = loadWholeBMP(input, bmp_status::kNotOpened);
+    if (status != bmp_status::kOk) return status;
+    if (!hasHeaders()) return bmp_status::kNotABmp;
+
+    const std::int64_t height = std::int64_t{bmpHdr.height} - kCroppedRows;
+    const NewImage image = newImage(newWidth, saturatedInt(static_cast<double>(height)));
+    if (!canBeWritten(image)) return bmp_status::kSizeRefused;
+
+    BmpWriter writer(output);
+    if (!writer.isOpen()) return bmp_status::kOutputNotWritten;
+    appendBand(writer, image, xOffset);
+    return writer.finish(image) ? bmp_status::kOk : bmp_status::kOutputNotWritten;
+}
+
+float createBMPthumb(const char* path, std::int32_t size) {
+    if (size <= 0) return bmp_status::kSizeRefused;
+    const EmptyBmpVAtEnd emptied;
+    const float status = loadForThumbnail(path);
+    if (status != bmp_status::kOk) return status;
+    if (bmpHdr.width < size && bmpHdr.height < size) return bmp_status::kOk;
+    if (!hasHeaders()) return bmp_status::kNotABmp;
+
+    const Thumbnail thumb = thumbnailOf(bmpHdr, size);
+    if (!canBeWritten(thumb.image)) return bmp_status::kSizeRefused;
+
+    // An image that cannot be written stays whole; the host's scripts take that as done.
+    BmpWriter writer(path);
+    if (!writer.isOpen()) return bmp_status::kOk;
+    appendSamples(writer, thumb);
+    writer.finish(thumb.image);
+    return bmp_status::kOk;
+}

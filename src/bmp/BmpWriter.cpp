@@ -1,0 +1,80 @@
+#include "bmp/BmpWriter.h"
+
+#include <algorithm>
+#include <cstring>
+
+#include "bmp/BmpHeader.h"
+
+namespace {
+
+void patchSizes(const NewImage& image) {
+    const auto pixelBytes = static_cast<std::uint32_t>(image.pixelBytes);
+    writeSignedInt(2, bmpHdr.pixelOffset + pixelBytes);
+    writeSignedInt(18, static_cast<std::uint32_t>(image.width));
+    writeSignedInt(22, static_cast<std::uint32_t>(image.height));
+    writeSignedInt(34, pixelBytes);
+}
+
+}  // namespace
+
+NewImage newImage(std::int32_t width, std::int32_t height) {
+    NewImage image{width, height};
+    image.rows = static_cast<std::uint64_t>(std::max(height, 0));
+    image.pixelsPerRow = static_cast<std::uint64_t>(std::max(width, 0));
+    image.padding = getPadding(width);
+    image.pixelBytes = image.rows * (kBmpPixelBytes * image.pixelsPerRow + image.padding);
+    return image;
+}
+
+bool hasHeaders() {
+    return bmpHdr.pixelOffset <= bmpV.size;
+}
+
+bool canBeWritten(const NewImage& image) {
+    return image.pixelBytes <= UINT32_MAX - bmpHdr.pixelOffset;
+}
+
+BmpWriter::BmpWriter(const char* path)
+    : piece_(std::make_unique<std::uint8_t[]>(kPieceBytes)),
+      file_(File::create(path)),
+      offset_(bmpHdr.pixelOffset),
+      written_(bmpHdr.pixelOffset) {}
+
+void BmpWriter::append(const std::uint8_t* bytes, std::size_t count) {
+    while (count > 0) {
+        const std::size_t taken = std::min(count, kPieceBytes - used_);
+        std::memcpy(piece_.get() + used_, bytes, taken);
+        used_ += taken;
+        bytes += taken;
+        count -= taken;
+        if (used_ == kPieceBytes) flush();
+    }
+}
+
+void BmpWriter::appendBlack(std::uint64_t bytes) {
+    if (bytes < kPieceBytes - used_) {
+        std::memset(piece_.get() + used_, 0, static_cast<std::size_t>(bytes));
+        used_ += static_cast<std::size_t>(bytes);
+        return;
+    }
+    flush();
+    offset_ += bytes;
+}
+
+bool BmpWriter::finish(const NewImage& image) {
+    flush();
+    const std::uint8_t black = 0;
+    if (written_ < offset_ && !file_.writeAt(offset_ - 1, &black, 1)) failed_ = true;
+    patchSizes(image);
+    return file_.writeAt(0, bmpV.data.get(), bmpHdr.pixelOffset) && !failed_;
+}
+
+void BmpWriter::flush() {
+    // After a failure the rest is only counted: a full disk takes nothing more.
+    if (used_ > 0 && !failed_) {
+        failed_ = !file_.writeAt(offset_, piece_.get(), used_);
+        written_ = offset_ + used_;
+    }
+    offset_ += used_;
+    used_ = 0;
+}

@@ -1,0 +1,56 @@
+#pragma once
+// BmpWriter: a new image made from the one in bmpV: its headers with other sizes, then new rows.
+
+#include <cstddef>
+#include <cstdint>
+#include <memory>
+
+#include "files/File.h"
+
+// The sizes of an image that is to be written. A width or height of 0 or below has no pixels.
+struct NewImage {
+    std::int32_t width = 0;
+    std::int32_t height = 0;
+    std::uint64_t rows = 0;
+    std::uint64_t pixelsPerRow = 0;
+    std::uint64_t padding = 0;     // bytes after each row
+    std::uint64_t pixelBytes = 0;  // of all rows, padding included
+};
+
+NewImage newImage(std::int32_t width, std::int32_t height);
+
+// Whether bmpV has all bytes before its pixels.
+bool hasHeaders();
+
+// Whether the file's size fits into its 32-bit field.
+bool canBeWritten(const NewImage& image);
+
+// Writes a file's rows in large pieces, then what stands before them: until then an interrupted
+// output is no BMP. Black that does not fit into the piece at hand is skipped rather than written:
+// a file's unwritten bytes are zero, so a damaged file that promises rows of black costs neither
+// time nor disk.
+class BmpWriter {
+public:
+    // Empties the file at `path` and starts where bmpV has its pixels.
+    explicit BmpWriter(const char* path);
+
+    bool isOpen() const { return file_.isOpen(); }
+
+    void append(const std::uint8_t* bytes, std::size_t count);
+    void appendBlack(std::uint64_t bytes);
+
+    // Gives bmpV's headers the sizes of `image` and writes all that bmpV has before its pixels.
+    // False when the disk did not take every byte.
+    bool finish(const NewImage& image);
+
+private:
+    void flush();
+
+    // In this order: the memory is there before the file is emptied.
+    std::unique_ptr<std::uint8_t[]> piece_;
+    File file_;
+    std::size_t used_ = 0;   // bytes of the piece
+    std::uint64_t offset_;   // of the piece in the file
+    std::uint64_t written_;  // where the last piece in the file ends
+    bool failed_ = false;
+};

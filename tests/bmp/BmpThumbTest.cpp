@@ -1,0 +1,235 @@
+#include <gmock/gmock.h>
+#include <gtest/gtest.h>
+
+#include <filesystem>
+
+#include "bmp/BmpHeader.h"
+#include "bmp/BmpOps.h"
+#include "support/BmpFile.h"
+#include "support/Faults.h"
+
+namespace {
+
+using std::filesystem::perms;
+using testing::ElementsAre;
+
+constexpr std::int32_t kLargest = 2147483647;
+
+class BmpThumb : public testing::Test {
+protected:
+    float shrink(const ByteList& image, std::int32_t size) {
+        dir_.write("map.bmp", image);
+        return createBMPthumb(map().c_str(), size);
+    }
+    std::string map() const { return dir_.path("map.bmp"); }
+
+    const TempDir dir_;
+};
+
+TEST_F(BmpThumb, AWideImageIsSizePixelsWide) {
+    EXPECT_EQ(shrink(BmpFile(4, 2).padding(0xEE), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(2, 1).pixels({1, 2, 3, 7, 8, 9})));
+}
+
+TEST_F(BmpThumb, ATallImageIsSizePixelsHigh) {
+    EXPECT_EQ(shrink(BmpFile(2, 4).padding(0xEE), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(1, 2).pixels({1, 2, 3, 13, 14, 15})));
+}
+
+TEST_F(BmpThumb, ASquareImageGivesASquare) {
+    EXPECT_EQ(shrink(BmpFile(4, 4), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()),
+              ByteList(BmpFile(2, 2).pixels({1, 2, 3, 7, 8, 9, 25, 26, 27, 31, 32, 33})));
+}
+
+TEST_F(BmpThumb, TakesEveryEighthPixelOfALargeMap) {
+    BmpFile large(2048, 1024);
+    BmpFile small(256, 128);
+    for (std::int32_t row = 0; row < 128; ++row) {
+        for (std::int32_t column = 0; column < 256; ++column) {
+            const auto blue = static_cast<std::uint8_t>(column);
+            const auto green = static_cast<std::uint8_t>(row);
+            large.pixel(8 * column, 8 * row, blue, green, 200);
+            small.pixel(column, row, blue, green, 200);
+        }
+    }
+    EXPECT_EQ(shrink(large, 256), 0.0f);
+    EXPECT_TRUE(readBytes(map()) == ByteList(small));
+}
+
+TEST_F(BmpThumb, AFractionalStepTakesThePixelsBelow) {
+    BmpFile image(5, 5);
+    for (std::int32_t row = 0; row < 5; ++row) {
+        for (std::int32_t column = 0; column < 5; ++column)
+            image.pixel(column, row, static_cast<std::uint8_t>(column),
+                        static_cast<std::uint8_t>(row), 200);
+    }
+    EXPECT_EQ(shrink(image, 3), 0.0f);  // 0, 1.67 and 3.33
+    EXPECT_THAT(bmpPixelsOf(map()), ElementsAre(0, 0, 200, 1, 0, 200, 3, 0, 200, 0, 1, 200, 1, 1,
+                                                200, 3, 1, 200, 0, 3, 200, 1, 3, 200, 3, 3, 200));
+}
+
+// Nine times 4/3 is 12; the float sum of nine steps stays just below.
+TEST_F(BmpThumb, StepsAreSummedUpAsFloats) {
+    BmpFile image(16, 2);
+    for (std::int32_t column = 0; column < 16; ++column)
+        image.pixel(column, 0, static_cast<std::uint8_t>(column), 0, 0);
+    EXPECT_EQ(shrink(image, 12), 0.0f);
+    EXPECT_THAT(bmpPixelsOf(map()),
+                ElementsAre(0, 0, 0, 1, 0, 0, 2, 0, 0, 4, 0, 0, 5, 0, 0, 6, 0, 0, 8, 0, 0, 9, 0, 0,
+                            10, 0, 0, 11, 0, 0, 13, 0, 0, 14, 0, 0));
+}
+
+TEST_F(BmpThumb, AnImageWithBothSidesBelowTheSizeStaysAsItIs) {
+    const ByteList before = BmpFile(100, 100);
+    for (const std::int32_t size : {101, 256, kLargest}) {
+        EXPECT_EQ(shrink(before, size), 0.0f);
+        EXPECT_EQ(readBytes(map()), before) << size;
+    }
+}
+
+TEST_F(BmpThumb, OneSideOfTheSizeIsEnoughToRewrite) {
+    EXPECT_EQ(shrink(BmpFile(3, 2).padding(0xEE), 3), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(3, 2)));
+}
+
+// A pixel counts as there only when the file goes on behind it; in rows without padding the top
+// right one is the file's end.
+TEST_F(BmpThumb, TheFilesLastPixelIsBlack) {
+    EXPECT_EQ(shrink(BmpFile(4, 4), 4), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 4).pixel(3, 3, 0, 0, 0)));
+}
+
+TEST_F(BmpThumb, MissingPixelsAreBlack) {
+    EXPECT_EQ(shrink(BmpFile(4, 4).cut(54 + 24 + 5), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()),
+              ByteList(BmpFile(2, 2).pixels({1, 2, 3, 7, 8, 9, 25, 26, 27, 0, 0, 0})));
+    EXPECT_EQ(shrink(BmpFile(4, 4).cut(54 + 2), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(2, 2).plain(0, 0, 0)));
+    EXPECT_EQ(shrink(BmpFile(4, 4).cut(54), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(2, 2).plain(0, 0, 0)));
+}
+
+TEST_F(BmpThumb, KeepsTheOtherHeaderBytesAndTheGapBeforeThePixels) {
+    ByteList before = BmpFile(2, 2).pixelOffset(60, 0xAB);
+    for (const std::size_t at : {6u, 14u, 26u, 28u, 30u, 38u, 50u})
+        before[at] = static_cast<std::uint8_t>(at);
+    EXPECT_EQ(shrink(before, 1), 0.0f);
+
+    ByteList expected = BmpFile(1, 1).pixels({1, 2, 3}).pixelOffset(60, 0xAB);
+    expected[2] = 64;  // the file size, which the builder gives for pixels at 54
+    for (const std::size_t at : {6u, 14u, 26u, 28u, 30u, 38u, 50u})
+        expected[at] = static_cast<std::uint8_t>(at);
+    EXPECT_EQ(readBytes(map()), expected);
+}
+
+TEST_F(BmpThumb, AThinImageLosesItsRows) {
+    EXPECT_EQ(shrink(BmpFile(8, 1), 4), 0.0f);  // half a row
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 0)));
+    EXPECT_EQ(shrink(BmpFile(1, 8), 4), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(0, 4)));
+}
+
+TEST_F(BmpThumb, ATopDownImageHasNoRows) {
+    EXPECT_EQ(shrink(BmpFile(8, 8).claimSize(8, -8), 4), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 0).claimSize(4, -4)));
+    const ByteList before = BmpFile(8, 8).claimSize(8, -8);
+    EXPECT_EQ(shrink(before, 9), 0.0f);
+    EXPECT_EQ(readBytes(map()), before);
+}
+
+TEST_F(BmpThumb, AnImageWithoutColumnsKeepsItsHeadersAlone) {
+    EXPECT_EQ(shrink(BmpFile(4, 4).claimSize(-8, 8), 4), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(-4, 4)));
+    EXPECT_EQ(shrink(BmpFile(4, 4).claimSize(0, 8), 4), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(0, 4)));
+    EXPECT_EQ(shrink(BmpFile(4, 4).claimSize(0, kLargest), kLargest), 0.0f);
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(0, kLargest)));
+}
+
+TEST_F(BmpThumb, RefusesASizeOfZeroOrBelow) {
+    const ByteList before = BmpFile(4, 4);
+    for (const std::int32_t size : {0, -1, -kLargest - 1}) {
+        EXPECT_EQ(shrink(before, size), -9.0f);
+        EXPECT_EQ(readBytes(map()), before) << size;
+        EXPECT_EQ(createBMPthumb(dir_.path("none.bmp").c_str(), size), -9.0f);
+    }
+}
+
+TEST_F(BmpThumb, RefusesAResultOfMoreThanFourGigabytes) {
+    const struct {
+        std::int32_t width, height, size;
+    } rows[] = {{kLargest, kLargest, kLargest},
+                {kLargest, 1, kLargest},
+                {1, kLargest, kLargest},
+                {40000, 40000, 40000}};
+    for (const auto& row : rows) {
+        const ByteList before = BmpFile(4, 4).claimSize(row.width, row.height);
+        EXPECT_EQ(shrink(before, row.size), -9.0f);
+        EXPECT_EQ(readBytes(map()), before) << row.width << " x " << row.height;
+    }
+}
+
+// Rows of black that the file only promises are not written one by one.
+TEST_F(BmpThumb, PromisedRowsTakeNoMemory) {
+    EXPECT_EQ(shrink(BmpFile(4, 1).claimSize(10000, 10000), 10000), 0.0f);
+    EXPECT_EQ(std::filesystem::file_size(map()), 300000054u);
+}
+
+TEST_F(BmpThumb, TellsWhatIsWrongAndLeavesTheFileAsItIs) {
+    const struct {
+        const char* what;
+        ByteList file;
+        float status;
+    } rows[] = {
+        {"no BMP", BmpFile(4, 4).signature('B', 'A'), -2.0f},
+        {"empty", {}, -2.0f},
+        {"half a signature", {'B'}, -2.0f},
+        {"shorter than its headers", BmpFile(4, 4).cut(53), -7.0f},
+        {"pixels start past the end", BmpFile(4, 4).claimPixelOffset(103), -7.0f},
+        {"pixels start far past the end", BmpFile(4, 4).claimPixelOffset(0xFFFFFFFF), -7.0f},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(shrink(row.file, 2), row.status) << row.what;
+        EXPECT_EQ(readBytes(map()), row.file) << row.what;
+    }
+}
+
+TEST_F(BmpThumb, TellsThatTheFileCannotBeOpened) {
+    EXPECT_EQ(createBMPthumb(dir_.path("none.bmp").c_str(), 4), -1.0f);
+    EXPECT_EQ(createBMPthumb(nullptr, 4), -1.0f);
+    EXPECT_EQ(createBMPthumb(dir_.path().c_str(), 4), -1.0f);
+    EXPECT_FALSE(dir_.has("none.bmp"));
+}
+
+TEST_F(BmpThumb, AFileThatCannotBeWrittenStaysAsItIsWithoutAStatus) {
+    const ByteList before = BmpFile(4, 4);
+    dir_.write("map.bmp", before);
+    std::filesystem::permissions(dir_.path(), static_cast<perms>(0755));
+    std::filesystem::permissions(map(), static_cast<perms>(0444));
+    {
+        const WithoutRoot user;
+        EXPECT_EQ(createBMPthumb(map().c_str(), 2), 0.0f);
+    }
+    EXPECT_EQ(readBytes(map()), before);
+}
+
+TEST_F(BmpThumb, AFullDiskIsNoFailure) {
+    dir_.write("map.bmp", BmpFile(4, 4));
+    const FullDisk disk(60);
+    EXPECT_EQ(createBMPthumb(map().c_str(), 2), 0.0f);
+    EXPECT_EQ(std::filesystem::file_size(map()), 60u);
+}
+
+TEST_F(BmpThumb, HoldsNothingAfterwards) {
+    const std::ptrdiff_t before = openFiles();
+    for (const std::int32_t size : {2, 40, 41}) {
+        EXPECT_EQ(shrink(BmpFile(40, 40), size), 0.0f);
+        EXPECT_EQ(bmpV.data, nullptr) << size;
+    }
+    EXPECT_EQ(shrink(BmpFile(40, 40).signature('B', 'A'), 2), -2.0f);
+    EXPECT_EQ(bmpV.data, nullptr);
+    EXPECT_EQ(openFiles(), before);
+}
+
+}  // namespace
