@@ -21,8 +21,8 @@
  * One thread calls one export at a time.
  *
  * Statuses. The boundary's own are below; any other comes from the operation and stands in its
- * module's header (VemoOps.h, TiffOps.h, PsdOps.h, BmpOps.h, TargaOps.h). Nothing is thrown, with
- * one exception: convertTIFF16. */
+ * module's header (VemoOps.h, TiffOps.h, PsdOps.h, BmpOps.h, TargaOps.h, JpegOps.h). Nothing is
+ * thrown, with one exception: convertTIFF16. */
 
 #ifdef __cplusplus
 #define QUILLON_API extern "C" __attribute__((visibility("default")))
