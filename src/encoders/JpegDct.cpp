@@ -53,8 +53,8 @@ inline void transformColumns(Samples& samples) {
     }
 }
 
-template <typename Value>
-inline Samples transposed(const std::array<Value, kSide * kSide>& block) {
+template <typename Block>
+inline Samples transposed(const Block& block) {
     Samples turned;
     for (std::size_t row = 0; row < kSide; ++row) {
         for (std::size_t column = 0; column < kSide; ++column)
