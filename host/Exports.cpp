@@ -42,7 +42,7 @@ constexpr Export kExports[] = {
     {"convertTIFFSingle", "map", nullptr, kPath, "target", false},
     {"getScale", "map", "channels 1 or 3", kNone, nullptr, false},
     {"saveAsTarga", "map", nullptr, kPath, "target", false},
-    {"saveAsJpeg", "image", "quality 0 to 100, else 50", kPath, "target", true},
+    {"saveAsJpeg", "image", "0 (finest) to 100, else 50", kPath, "target", false},
     {"CreateThumbnailBMP", "image", "pixels a side", kNone, nullptr, true},
     {"OpenEXR", "image", nullptr, kNone, nullptr, true},
 };

@@ -4,6 +4,7 @@
 #include <charconv>
 #include <iterator>
 
+#include "encoders/JpegOps.h"
 #include "encoders/TargaOps.h"
 #include "export/Quillon.h"
 #include "mesh/VemoOps.h"
@@ -94,6 +95,13 @@ constexpr Row kRows[] = {
     {"saveAsTarga", targa_status::kNoSize, false, "the map names no height or no channels"},
     {"saveAsTarga", targa_status::kPixelsMissing, false,
      "the map claims far more rows than the file holds"},
+    {"saveAsJpeg", jpeg_status::kOk, true, "the JPEG file was written"},
+    {"saveAsJpeg", jpeg_status::kNotOpened, false, "the image cannot be opened"},
+    {"saveAsJpeg", jpeg_status::kTooShort, false, "the image is shorter than its headers"},
+    {"saveAsJpeg", jpeg_status::kNot24BitBmp, false, "the image is not a BMP of 24 bits per pixel"},
+    {"saveAsJpeg", jpeg_status::kNoMemory, false, "there is too little memory for the image"},
+    {"saveAsJpeg", jpeg_status::kTargetNotCreated, false,
+     "the target cannot be created, or a path has 512 bytes and more"},
 
     // What every reader of a TIFF map answers alike.
     {kTiffMaps, tiff_status::kNotOpened, false, "the map cannot be opened"},
@@ -160,6 +168,8 @@ Meaning refusal(const Export& entry, const CallArguments& arguments) {
     if (entry.notYet) return {false, "this version of the library does not have the operation yet"};
     if (std::ranges::find(kValueCheckers, entry.name) != std::end(kValueCheckers))
         return {false, std::string("refused: --value is to be ") + entry.value};
+    if (entry.name == "saveAsJpeg")
+        return {false, "refused: a side of the image is 0 or longer than 65528 pixels"};
     return {false, "refused: there is too little memory for the file"};
 }
 

@@ -14,6 +14,7 @@
 #include "bytes/Numbers.h"
 #include "bytes/Text.h"
 #include "encoders/ExrRange.h"
+#include "encoders/JpegOps.h"
 #include "encoders/TargaOps.h"
 #include "files/CocoaFileBrowser.h"
 #include "files/FileOps.h"
@@ -60,6 +61,10 @@ bool isTargetLayout(double value) {
 
 bool isChannelCount(double value) {
     return value == 1.0 || value == 3.0;
+}
+
+int jpegQuality(double value) {
+    return value >= 0.0 && value <= 100.0 ? saturatedInt(value) : 50;
 }
 
 // Whether a map is wanted as PSD. Throws std::out_of_range for a path without a dot.
@@ -247,9 +252,9 @@ float saveAsTarga(const char* text, double, char* buffer1, int, char*, int, char
     return guarded(kRefused, [&] { return convertToTarga(text, buffer1); });
 }
 
-float saveAsJpeg(const char* text, double, char* buffer1, int, char*, int, char**) {
+float saveAsJpeg(const char* text, double value, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return convertToJPEG(text, buffer1, jpegQuality(value)); });
 }
 
 float CreateThumbnailBMP(const char* text, double value, char*, int, char*, int, char**) {

@@ -21,8 +21,8 @@
  * One thread calls one export at a time.
  *
  * Statuses. The boundary's own are below; any other comes from the operation and stands in its
- * module's header (VemoOps.h, TiffOps.h, PsdOps.h, BmpOps.h, TargaOps.h). Nothing is thrown, with
- * one exception: convertTIFF16. */
+ * module's header (VemoOps.h, TiffOps.h, PsdOps.h, BmpOps.h, TargaOps.h, JpegOps.h). Nothing is
+ * thrown, with one exception: convertTIFF16. */
 
 #ifdef __cplusplus
 #define QUILLON_API extern "C" __attribute__((visibility("default")))
@@ -116,8 +116,8 @@ QUILLON_API ExportFunction convertTIFFSingle;
 QUILLON_API ExportFunction getScale;
 /* Writes the TIFF map `text` as the Targa file `buffer1`. */
 QUILLON_API ExportFunction saveAsTarga;
-/* Writes the BMP image `text` as the JPEG file `buffer1` at quality n; 50 when `value` is not 0 to
- * 100. */
+/* Writes the BMP image `text` as the JPEG file `buffer1`. n is how much is left out: 0 gives the
+ * finest picture and the largest file, 100 the smallest file; 50 when `value` is not 0 to 100. */
 QUILLON_API ExportFunction saveAsJpeg;
 /* Shrinks the BMP image `text` to n pixels along its longer side. */
 QUILLON_API ExportFunction CreateThumbnailBMP;

@@ -56,7 +56,9 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"getUVs", dir.path("none")}, "-9", "--buffer is missing"},
         {{"getUVGroups"}, "-9", "TEXT is missing"},
         {{"mergeMapsTIF", dir.path("none"), "--buffer", dir.path("none")}, "-10", "the source"},
-        {{"saveAsJpeg", "a", "--buffer", "b"}, "-9", "does not have the operation yet"},
+        {{"saveAsJpeg", dir.path("none"), "--buffer", "b"}, "3", "image cannot be opened"},
+        {{"saveAsJpeg", dir.path("none")}, "-9", "--buffer is missing"},
+        {{"OpenEXR", "a"}, "-9", "does not have the operation yet"},
         {{"convertTIFFSingle"}, "-1", "is missing"},
     };
     for (const auto& row : kCases) {

@@ -1,0 +1,100 @@
+#include "encoders/JpegBitmap.h"
+
+#include <algorithm>
+#include <array>
+#include <new>
+
+#include "bytes/Bytes.h"
+#include "encoders/JpegOps.h"
+
+using namespace jpeg_status;
+
+namespace {
+
+constexpr std::size_t kHeaderBytes = 54;
+constexpr std::size_t kPixelBytes = 3;
+
+// Beyond this a side brought up to a multiple of 8 no longer fits into 16 bits.
+constexpr std::uint16_t kLongestSide = 65528;
+
+bool isCoded(std::uint16_t side) {
+    return side > 0 && side <= kLongestSide;
+}
+
+}  // namespace
+
+float JpegBitmap::load_bitmap(const char* path) {
+    file_ = File::openForReading(path);
+    if (!file_.isOpen()) return kNotOpened;
+    std::array<std::uint8_t, kHeaderBytes> header{};
+    if (file_.readAt(0, header.data(), header.size()) < header.size()) return kTooShort;
+    if (header[0] != 'B' || header[1] != 'M' || loadLe16(&header[28]) != 24) return kNot24BitBmp;
+
+    size_ = {.height = loadLe16(&header[22]), .width = loadLe16(&header[18])};
+    if (!isCoded(size_.width) || !isCoded(size_.height)) return kSizeRefused;
+    const std::uint64_t claimed = std::uint64_t{size_.height} * stagedRowBytes();
+    pixelBytes_ = std::min(claimed, file_.size() - kHeaderBytes);
+    return kOk;
+}
+
+bool JpegBitmap::keepFrom(const char* path) {
+    if (!file_.isSameAs(path)) return true;
+    if (pixelBytes_ > PTRDIFF_MAX) return false;
+    const auto count = static_cast<std::size_t>(pixelBytes_);
+    kept_.reset(new (std::nothrow) std::uint8_t[count]);
+    if (kept_ == nullptr) return false;
+    pixelBytes_ = file_.readAt(kHeaderBytes, kept_.get(), count);
+    return true;
+}
+
+std::uint64_t JpegBitmap::rowsInFile() const {
+    return (pixelBytes_ + stagedRowBytes() - 1) / stagedRowBytes();
+}
+
+bool JpegBitmap::hasRows(std::size_t first, std::size_t end) const {
+    const std::size_t lowest = size_.height - std::min<std::size_t>(end, size_.height);
+    return lowest < rowsInFile() || (!isTurnedWhole() && first < rowsInFile());
+}
+
+// Reads rows as they lie in the file.
+void JpegBitmap::readRows(std::size_t firstInFile, std::size_t count, std::uint8_t* to) const {
+    const std::uint64_t start = std::uint64_t{firstInFile} * stagedRowBytes();
+    const std::size_t wanted = count * stagedRowBytes();
+    const std::uint64_t left = pixelBytes_ - std::min(start, pixelBytes_);
+    std::size_t got = static_cast<std::size_t>(std::min<std::uint64_t>(wanted, left));
+    if (kept_ != nullptr)
+        std::copy_n(kept_.get() + start, got, to);
+    else
+        got = file_.readAt(kHeaderBytes + start, to, got);
+    std::fill_n(to + got, wanted - got, std::uint8_t{0});
+}
+
+// The rows that a picture has in common with its file, padded at the end.
+void JpegBitmap::loadRows(std::size_t first, std::size_t end, std::uint8_t* stage,
+                          std::uint8_t* to) const {
+    const std::size_t realEnd = std::min<std::size_t>(end, size_.height);
+    const std::size_t count = realEnd - first;
+    readRows(size_.height - realEnd, count, stage);
+    for (std::size_t i = 0; i < count; ++i) {
+        std::copy_n(stage + (count - 1 - i) * stagedRowBytes(), realRowBytes(),
+                    to + i * rowBytes());
+    }
+    // Only the low 16 bits of a row's length are turned upside down: of a wide picture just the
+    // left end. What is to the right of it stays as it lies in the file, and the host's maps of
+    // that width have always come out so.
+    if (!isTurnedWhole()) {
+        readRows(first, count, stage);
+        for (std::size_t i = 0; i < count; ++i) {
+            std::copy_n(stage + i * stagedRowBytes() + turnedBytes(),
+                        realRowBytes() - turnedBytes(), to + i * rowBytes() + turnedBytes());
+        }
+    }
+
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint8_t* const row = to + i * rowBytes();
+        for (std::size_t at = realRowBytes(); at < rowBytes(); at += kPixelBytes)
+            std::copy_n(row + realRowBytes() - kPixelBytes, kPixelBytes, row + at);
+    }
+    for (std::size_t row = realEnd; row < end; ++row)
+        std::copy_n(to + (count - 1) * rowBytes(), rowBytes(), to + (row - first) * rowBytes());
+}

@@ -1,0 +1,66 @@
+#include "encoders/JpegTables.h"
+
+#include <gmock/gmock.h>
+
+namespace {
+
+TEST(JpegTables, CodesOfKnownSymbols) {
+    const auto code = [](int length, int value) {
+        return bitstring{static_cast<std::uint8_t>(length), static_cast<std::uint16_t>(value)};
+    };
+    EXPECT_EQ(YDC_HT[0], code(2, 0b00));
+    EXPECT_EQ(YDC_HT[5], code(3, 0b110));
+    EXPECT_EQ(YDC_HT[11], code(9, 0b111111110));
+    EXPECT_EQ(CbDC_HT[0], code(2, 0b00));
+    EXPECT_EQ(CbDC_HT[11], code(11, 0b11111111110));
+    EXPECT_EQ(YAC_HT[0x00], code(4, 0b1010));
+    EXPECT_EQ(YAC_HT[0x01], code(2, 0b00));
+    EXPECT_EQ(YAC_HT[0xF0], code(11, 0b11111111001));
+    EXPECT_EQ(YAC_HT[0xFA], code(16, 0xFFFE));
+    EXPECT_EQ(CbAC_HT[0x00], code(2, 0b00));
+    EXPECT_EQ(CbAC_HT[0xF0], code(10, 0b1111111010));
+    EXPECT_EQ(CbAC_HT[0xFA], code(16, 0xFFFE));
+}
+
+TEST(JpegTables, SymbolsWithoutACodeHaveNone) {
+    EXPECT_EQ(YDC_HT[12].length, 0);
+    EXPECT_EQ(YAC_HT[0x10].length, 0);
+    EXPECT_EQ(YAC_HT[0x0B].length, 0);
+    EXPECT_EQ(CbAC_HT[0xFB].length, 0);
+}
+
+TEST(JpegTables, CategoryAndBitsOfAValue) {
+    const struct {
+        int value;
+        int length;
+        int bits;
+    } kCases[] = {
+        {0, 0, 0},          {1, 1, 1},          {-1, 1, 0},      {2, 2, 2},
+        {3, 2, 3},          {-2, 2, 1},         {-3, 2, 0},      {4, 3, 4},
+        {-4, 3, 3},         {-7, 3, 0},         {255, 8, 255},   {256, 9, 256},
+        {-256, 9, 255},     {32767, 15, 32767}, {-32767, 15, 0}, {-16384, 15, 16383},
+        {16384, 15, 16384}, {-16383, 14, 0},
+    };
+    for (const auto& row : kCases) {
+        EXPECT_EQ(category(row.value), row.length) << row.value;
+        EXPECT_EQ(bitcode(row.value).length, row.length) << row.value;
+        EXPECT_EQ(bitcode(row.value).value, row.bits) << row.value;
+    }
+}
+
+// Walks the diagonals of a block from one border to the other and back.
+TEST(JpegTables, TheZigzagRunsAlongTheDiagonals) {
+    int place = 0;
+    for (int diagonal = 0; diagonal < 15; ++diagonal) {
+        for (int step = 0; step <= diagonal; ++step) {
+            const int row = diagonal % 2 == 0 ? diagonal - step : step;
+            const int column = diagonal - row;
+            if (row > 7 || column > 7) continue;
+            EXPECT_EQ(zigzag[static_cast<std::size_t>(8 * row + column)], place);
+            ++place;
+        }
+    }
+    EXPECT_EQ(place, 64);
+}
+
+}  // namespace

@@ -1,0 +1,11 @@
+#pragma once
+// Pictures for encoders, made from arithmetic alone, so that they are the same everywhere. Pixels
+// lie as BmpFile takes them: bottom row first, each blue, green, red.
+
+#include <cstdint>
+
+#include "support/TempDir.h"
+
+ByteList gradientPicture(std::uint32_t width, std::uint32_t height);  // smooth in all channels
+ByteList noisePicture(std::uint32_t width, std::uint32_t height);     // every byte at random
+ByteList textPicture(std::uint32_t width, std::uint32_t height);      // black strokes on white
