@@ -55,7 +55,7 @@ static_assert(kNotExr == TINYEXR_ERROR_INVALID_MAGIC_NUMBER &&
 namespace {
 
 // Damaged chunks make the loader read on behind them: there are zeros there.
-constexpr std::size_t kZeroTail = 1024 * 1024;
+constexpr std::size_t kZeroTail = 64 * 1024;
 
 // Half floats become floats on request; whole numbers keep their type.
 void requestFloats(EXRHeader& header) {
