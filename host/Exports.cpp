@@ -31,7 +31,7 @@ constexpr Export kExports[] = {
     {"clearUVString", nullptr, nullptr, kNone, nullptr, false},
     {"getUVs", "mesh", kNamingMode, kPath, "output path", false},
     {"getUVsMask", "mesh", kNamingMode, kPath, "output path", false},
-    {"mergeCrease", "mesh", nullptr, kPath, "mesh", true},
+    {"mergeCrease", "mesh to append", nullptr, kPath, "mesh to append to", false},
     {"mergeMapsTIF", "source", nullptr, kPath, "target", false},
     {"mergeMapsPSD", "source", nullptr, kPath, "target", true},
     {"mergeMapsBMP", "source", nullptr, kPath, "target", true},

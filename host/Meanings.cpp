@@ -74,6 +74,13 @@ constexpr Row kRows[] = {
      "the mesh file holds no vertices or no face UVs, or they are cut short"},
     {"getUVsMask", vemo_status::kFaceChunkMissing, false,
      "the mesh file holds no faces, or one of them names a vertex that does not exist"},
+    {"mergeCrease", vemo_status::kOk, true, "the mesh was appended"},
+    {"mergeCrease", vemo_status::kMergedNotOpened, false, kMeshNotOpened},
+    {"mergeCrease", vemo_status::kMergeTargetNotOpened, false,
+     "the mesh file to append to cannot be opened or read"},
+    {"mergeCrease", vemo_status::kMergeTargetNotCreated, false, "the target cannot be written"},
+    {"mergeCrease", vemo_status::kChunkMissing, false,
+     "one of the files is too short to be a mesh file"},
 
     {"mergeMapsTIF", tiff_status::kOk, true, "the map was folded into the target"},
     {"mergeMapsTIF", tiff_status::kNotOpened, false, "the source cannot be opened"},

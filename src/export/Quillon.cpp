@@ -192,7 +192,7 @@ float getUVsMask(const char* text, double value, char* buffer1, int, char*, int,
 
 float mergeCrease(const char* text, double, char* buffer1, int, char*, int, char**) {
     if (text == nullptr || buffer1 == nullptr) return kRefused;
-    return kNotYet;
+    return guarded(kRefused, [&] { return mergeFiles(text, buffer1); });
 }
 
 float mergeMapsTIF(const char* text, double, char* buffer1, int, char*, int, char**) {

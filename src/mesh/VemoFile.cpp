@@ -49,10 +49,10 @@ std::optional<std::uint32_t> findChunk(const Bytes& bytes, std::uint32_t id, std
     return {};
 }
 
-std::optional<ChunkElements> chunkElements(Bytes bytes, std::uint32_t chunk,
+std::optional<ChunkElements> chunkElements(Bytes bytes, std::uint64_t chunk,
                                            std::size_t elementBytes) {
-    const std::uint32_t count = bytes.le32(std::uint64_t{chunk} + 8);
-    const std::uint64_t first = std::uint64_t{chunk} + kChunkHeaderBytes;
+    const std::uint32_t count = bytes.le32(chunk + 8);
+    const std::uint64_t first = chunk + kChunkHeaderBytes;
     if (bytes.overran || !bytes.holds(first, count, elementBytes)) return {};
     return ChunkElements{first, count};
 }

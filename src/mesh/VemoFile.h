@@ -12,6 +12,7 @@ inline constexpr std::uint32_t kVertexChunk = 10001;
 inline constexpr std::uint32_t kFaceChunk = 20001;
 inline constexpr std::uint32_t kFaceUvChunk = 25001;
 inline constexpr std::uint32_t kMaskChunk = 30001;
+inline constexpr std::uint32_t kVertexColourChunk = 35001;
 inline constexpr std::uint32_t kFaceGroupChunk = 40001;
 
 inline constexpr std::size_t kFirstChunk = 32;
@@ -19,6 +20,7 @@ inline constexpr std::size_t kChunkHeaderBytes = 16;
 inline constexpr std::size_t kVertexBytes = 12;
 inline constexpr std::size_t kFaceBytes = 16;
 inline constexpr std::size_t kFaceUvBytes = 32;
+inline constexpr std::size_t kColourBytes = 4;
 inline constexpr std::size_t kFaceGroupBytes = 2;
 
 // Values from single bytes, little-endian. `readShort` is signed, `readanInt` 0 to 255.
@@ -54,7 +56,7 @@ struct ChunkElements {
 };
 
 // Nothing when the header or the elements are cut short.
-std::optional<ChunkElements> chunkElements(Bytes bytes, std::uint32_t chunk,
+std::optional<ChunkElements> chunkElements(Bytes bytes, std::uint64_t chunk,
                                            std::size_t elementBytes);
 
 // Both steps: the elements of the first such chunk at or after `start`. Nothing when the chunk is

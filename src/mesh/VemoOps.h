@@ -30,15 +30,30 @@
 //   mode 3  u0v0     u2v1
 //
 // Tiles of the same name are one tile, with the place of the one that came first in the file.
+//
+// Colour block. Painted colours stand in OBJ text as comments, which every other reader skips: 32
+// colours a line, each "RRGGBB" in lower-case hexadecimal digits after a space, all between two
+// lines of explanation. An empty line stands before the second one when the last row is full, or
+// when there is no colour at all:
+//
+//   # The following RGB block contains ... up to 32 entries per RGB line.
+//   #RGB  302010 ffffff 00ff00
+//   # End of RGB block
 
-// The host's scripts test these numbers. A count of tiles, of groups or of files is 0 or more.
+// The host's scripts test these numbers. A count of tiles, of groups, of files or of faces is 0 or
+// more.
 namespace vemo_status {
 inline constexpr float kOk = 0.0f;
 inline constexpr float kFilterNotOpened = -1.0f;
+inline constexpr float kTextNotCreated = -2.0f;            // colour block or OBJ
 inline constexpr float kMeshNotOpened = -17.0f;            // tile and group search
 inline constexpr float kChunkMissing = -18.0f;             // not in the file, or cut short
 inline constexpr float kFaceChunkMissing = -19.0f;         // mask export: missing or without sense
 inline constexpr float kUvExportMeshNotOpened = -1760.0f;  // UV and mask export
+inline constexpr float kObjMeshNotOpened = -1760.0f;       // vertex colours, OBJ and face ids
+inline constexpr float kMergedNotOpened = -1760.0f;        // crease merge: the first mesh
+inline constexpr float kMergeTargetNotOpened = -2760.0f;   // crease merge: the second mesh
+inline constexpr float kMergeTargetNotCreated = -3760.0f;  // crease merge: no longer writable
 inline constexpr float kFirstTileNotWritten = 1501.0f;     // plus the tile's position from 0
 }
 
@@ -95,3 +110,48 @@ void getUVTileString(int position, char* out);
 
 // Forgets the names of the last export's tiles.
 void clearUVTileString();
+
+// Writes a mesh's vertex colours as a text file that holds one colour block.
+//
+//   in_path   mesh file whose first chunk is the vertex colour chunk; its id is not looked at
+//   out_path  text file, replaced. That the disk could not take it all is not reported.
+//   returns   kOk, kObjMeshNotOpened, kChunkMissing when the file ends before its colours do, before
+//             anything is written, or kTextNotCreated
+float ReadVertColorVemo(const char* in_path, char* out_path);
+
+// Writes a painted mesh as a Wavefront OBJ file: the numbers of vertices and faces, the vertices,
+// the colour block, then the faces in the groups that the last GetFaceIDsVemo counted, each after a
+// line "#FaceID " and the number of its base face from 1. Without such counts no face is written;
+// counts that add up to more faces than there are end with the last face.
+//
+// Vertex, vertex colour and face chunk must be the first three, in this order and without a gap.
+// Coordinates have six significant digits at most, as "%g" writes them under the C locale, whatever
+// the locale; a value that is no number is "nan", whatever its sign.
+//
+//   out_path  OBJ file, replaced. That the disk could not take it all is not reported.
+//   returns   kOk, which uses the counts up; kObjMeshNotOpened; kChunkMissing when the file ends
+//             before these chunks do, before anything is written; kTextNotCreated; or, as a float,
+//             the id of another chunk that stands in the place of one of the three: of the first
+//             before anything is written, of the second or third after all that comes before it
+float writeOBJfromVemo(const char* in_path, char* out_path);
+
+// Counts, for each face of a base mesh, the faces that it becomes at a subdivision level: at level 1
+// one for each of its corners, and with every further level each of these becomes four. The counts
+// replace those of the call before and wait for writeOBJfromVemo.
+//
+//   in_path  mesh file whose first chunk is the face chunk; its id is not looked at
+//   level    4^(level - 1) is cut down to a whole number, 0 for NaN; a count beyond 32 bits is the
+//            highest there is
+//   returns  the number of base faces; kObjMeshNotOpened or kChunkMissing, when the file ends before
+//            its faces do, both of which leave no counts
+float GetFaceIDsVemo(const char* in_path, double level);
+
+// Appends one mesh file to another, so that the chunks of both lie in one file. Each is written
+// without its last 14 bytes, so that of a closing header the first two bytes stay.
+//
+//   first_path   mesh file to append, only read unless it is the second
+//   second_path  mesh file that comes first in the result, which replaces it. That the disk could
+//                not take it all is not reported.
+//   returns      kOk, kMergeTargetNotOpened, kMergedNotOpened, kChunkMissing for a file of less
+//                than 14 bytes; each before anything is written; or kMergeTargetNotCreated
+float mergeFiles(const char* first_path, char* second_path);

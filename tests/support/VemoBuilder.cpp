@@ -57,6 +57,13 @@ VemoBuilder& VemoBuilder::flatFaceUvs(const std::vector<std::array<float, 2>>& u
     return faceUvs(faces);
 }
 
+VemoBuilder& VemoBuilder::vertexColours(const std::vector<Colour>& colours) {
+    ByteList elements;
+    for (const Colour& colour : colours)
+        append(elements, ByteList(colour.begin(), colour.end()));
+    return chunk(35001, 16 + size32(elements.size()), size32(colours.size()), elements);
+}
+
 VemoBuilder& VemoBuilder::groups(const std::vector<std::int16_t>& groups) {
     ByteList elements;
     for (const std::int16_t group : groups)

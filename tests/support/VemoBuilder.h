@@ -12,6 +12,7 @@ public:
     using Vertex = std::array<float, 3>;
     using Face = std::array<std::int32_t, 4>;
     using FaceUvs = std::array<float, 8>;  // u, v of the four corners
+    using Colour = std::array<std::uint8_t, 4>;
 
     VemoBuilder();
 
@@ -20,6 +21,8 @@ public:
     VemoBuilder& faceUvs(const std::vector<FaceUvs>& faces);
     // Faces all of whose corners have the same UVs.
     VemoBuilder& flatFaceUvs(const std::vector<std::array<float, 2>>& uvs);
+    // Four bytes a vertex: blue, green, red, unused.
+    VemoBuilder& vertexColours(const std::vector<Colour>& colours);
     VemoBuilder& groups(const std::vector<std::int16_t>& groups);
     VemoBuilder& closing();
 

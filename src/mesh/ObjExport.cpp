@@ -1,0 +1,158 @@
+// A painted, subdivided mesh as OBJ text, its faces grouped by the base face that they come from.
+
+#include <algorithm>
+#include <cmath>
+#include <limits>
+#include <optional>
+#include <vector>
+
+#include "bytes/Bytes.h"
+#include "mesh/ObjText.h"
+#include "mesh/VemoFile.h"
+#include "mesh/VemoOps.h"
+
+namespace {
+
+// How many faces each base face became, in the order of the base mesh. Replaced by GetFaceIDsVemo,
+// emptied by the writeOBJfromVemo that used it; lives as long as the library is loaded.
+std::vector<std::uint32_t> faceID;
+
+constexpr std::uint32_t kMostFaces = std::numeric_limits<std::uint32_t>::max();
+
+bool isQuad(const std::uint8_t* face) {
+    return static_cast<std::int32_t>(loadLe32(face + 12)) >= 0;
+}
+
+std::uint32_t facesPerCorner(double level) {
+    const double faces = std::exp2((level - 1.0) + (level - 1.0));
+    if (!(faces >= 1.0)) return 0;
+    return faces < kMostFaces ? static_cast<std::uint32_t>(faces) : kMostFaces;
+}
+
+std::uint32_t saturatedProduct(std::uint32_t a, std::uint32_t b) {
+    return static_cast<std::uint32_t>(std::min(std::uint64_t{a} * b, std::uint64_t{kMostFaces}));
+}
+
+// The chunks of an OBJ as they follow one another, whatever lengths their headers give.
+struct ObjChunks {
+    std::optional<ChunkElements> vertices;
+    std::optional<ChunkElements> colours;
+    std::optional<ChunkElements> faces;
+    std::uint32_t lastId = 0;  // of the chunk where the search ended, expected or not
+    bool cutShort = false;     // the file ended first
+};
+
+ObjChunks findObjChunks(const Bytes& bytes) {
+    ObjChunks found;
+    std::uint64_t position = kFirstChunk;
+    const auto take = [&](std::uint32_t id, std::size_t elementBytes,
+                          std::optional<ChunkElements>& elements) {
+        Bytes reader = bytes;
+        found.lastId = reader.le32(position);
+        found.cutShort = reader.overran;
+        if (found.cutShort || found.lastId != id) return false;
+        elements = chunkElements(bytes, position, elementBytes);
+        found.cutShort = !elements;
+        if (elements) position = elements->offset + elements->count * elementBytes;
+        return elements.has_value();
+    };
+    if (!take(kVertexChunk, kVertexBytes, found.vertices)) return found;
+    if (!take(kVertexColourChunk, kColourBytes, found.colours)) return found;
+    take(kFaceChunk, kFaceBytes, found.faces);
+    return found;
+}
+
+// The count in the header of the third chunk, found by the lengths of the first two; 0 when the file
+// has no third.
+std::uint32_t thirdChunkCount(Bytes bytes) {
+    const std::uint64_t second = kFirstChunk + std::uint64_t{bytes.le32(kFirstChunk + 4)};
+    const std::uint64_t third = second + bytes.le32(second + 4);
+    const std::uint32_t count = bytes.le32(third + 8);
+    return bytes.overran ? 0 : count;
+}
+
+void addCounts(ObjText& obj, std::uint32_t vertices, std::uint32_t faces) {
+    obj.add("# File exported by Morvane plugin\n#Vertex count ");
+    obj.addInteger(vertices);
+    obj.add("\n#Face count ");
+    obj.addInteger(faces);
+    obj.add("\n");
+}
+
+void addVertices(ObjText& obj, const std::uint8_t* vertex, std::uint32_t count) {
+    for (std::uint32_t i = 0; i < count; ++i, vertex += kVertexBytes) {
+        obj.add("v ");
+        obj.addFloat(loadLeFloat(vertex));
+        obj.add(" ");
+        obj.addFloat(loadLeFloat(vertex + 4));
+        obj.add(" ");
+        obj.addFloat(loadLeFloat(vertex + 8));
+        obj.add("\n");
+    }
+}
+
+void addFace(ObjText& obj, const std::uint8_t* face) {
+    const std::size_t bytes = isQuad(face) ? 16 : 12;
+    obj.add("f");
+    for (std::size_t corner = 0; corner < bytes; corner += 4) {
+        obj.add(" ");
+        obj.addInteger(std::int64_t{static_cast<std::int32_t>(loadLe32(face + corner))} + 1);
+    }
+    obj.add("\n");
+}
+
+void addFaceGroups(ObjText& obj, const std::uint8_t* face, std::uint32_t count) {
+    std::int64_t baseFace = 0;
+    for (const std::uint32_t groupFaces : faceID) {
+        if (count == 0) return;
+        obj.add("#FaceID ");
+        obj.addInteger(++baseFace);
+        obj.add("\n");
+        const std::uint32_t written = std::min(groupFaces, count);
+        for (std::uint32_t i = 0; i < written; ++i, face += kFaceBytes)
+            addFace(obj, face);
+        count -= written;
+    }
+}
+
+}  // namespace
+
+float GetFaceIDsVemo(const char* in_path, double level) {
+    faceID.clear();
+    const VemoFile vemo = loadVemo(in_path);
+    if (!vemo.isOpen()) return vemo_status::kObjMeshNotOpened;
+    const auto faces = chunkElements(vemo.loaded(), kFirstChunk, kFaceBytes);
+    if (!faces) return vemo_status::kChunkMissing;
+
+    const std::uint32_t perCorner = facesPerCorner(level);
+    const std::uint32_t fromQuad = saturatedProduct(4, perCorner);
+    const std::uint32_t fromTriangle = saturatedProduct(3, perCorner);
+    const std::uint8_t* face = vemo.file.data.get() + faces->offset;
+    faceID.resize(faces->count);
+    for (std::uint32_t& count : faceID) {
+        count = isQuad(face) ? fromQuad : fromTriangle;
+        face += kFaceBytes;
+    }
+    return static_cast<float>(faceID.size());
+}
+
+float writeOBJfromVemo(const char* in_path, char* out_path) {
+    const VemoFile vemo = loadVemo(in_path);
+    if (!vemo.isOpen()) return vemo_status::kObjMeshNotOpened;
+    const ObjChunks mesh = findObjChunks(vemo.loaded());
+    if (mesh.cutShort) return vemo_status::kChunkMissing;
+    const auto unexpectedChunk = static_cast<float>(mesh.lastId);
+    if (!mesh.vertices) return unexpectedChunk;
+
+    ObjText obj(out_path);
+    if (!obj.isOpen()) return vemo_status::kTextNotCreated;
+    const std::uint8_t* bytes = vemo.file.data.get();
+    addCounts(obj, mesh.vertices->count, thirdChunkCount(vemo.loaded()));
+    addVertices(obj, bytes + mesh.vertices->offset, mesh.vertices->count);
+    if (!mesh.colours) return unexpectedChunk;
+    obj.addColourBlock(bytes + mesh.colours->offset, mesh.colours->count);
+    if (!mesh.faces) return unexpectedChunk;
+    addFaceGroups(obj, bytes + mesh.faces->offset, mesh.faces->count);
+    faceID.clear();
+    return vemo_status::kOk;
+}

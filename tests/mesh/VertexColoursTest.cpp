@@ -1,0 +1,89 @@
+#include <gmock/gmock.h>
+
+#include <filesystem>
+#include <string>
+
+#include "mesh/VemoOps.h"
+#include "support/ColourBlock.h"
+#include "support/TempDir.h"
+#include "support/VemoBuilder.h"
+
+namespace {
+
+using testing::ElementsAre;
+
+class VertexColours : public testing::Test {
+protected:
+    float writeTo(std::string path, const ByteList& mesh) const {
+        return ReadVertColorVemo(dir.write("mesh.in", mesh).c_str(), path.data());
+    }
+    float write(const ByteList& mesh) const { return writeTo(dir.path("out.txt"), mesh); }
+
+    std::string text() const {
+        const ByteList bytes = readBytes(dir.path("out.txt"));
+        return {bytes.begin(), bytes.end()};
+    }
+
+    const TempDir dir;
+};
+
+TEST_F(VertexColours, AreTheColoursOfTheFirstChunk) {
+    EXPECT_EQ(
+        write(VemoBuilder()
+                  .vertexColours({{0x10, 0x20, 0x30, 0x40}, {0xFF, 0xFF, 0xFF, 0}, {0, 0xFF, 0, 9}})
+                  .closing()
+                  .bytes()),
+        0.0f);
+    EXPECT_EQ(text(), kColourBlockStart + "#RGB  302010 ffffff 00ff00\n# End of RGB block\n");
+}
+
+TEST_F(VertexColours, TheIdOfTheFirstChunkIsNotLookedAt) {
+    EXPECT_EQ(write(VemoBuilder().chunk(7, 0, 1, {1, 2, 3, 4}).bytes()), 0.0f);
+    EXPECT_EQ(text(), kColourBlockStart + "#RGB  030201\n# End of RGB block\n");
+}
+
+TEST_F(VertexColours, ReplaceTheTextBefore) {
+    dir.write("out.txt", std::string_view("a text from before, longer than the one that follows"));
+    EXPECT_EQ(write(VemoBuilder().vertexColours({}).bytes()), 0.0f);
+    EXPECT_EQ(text(), kColourBlockStart + "\n# End of RGB block\n");
+}
+
+TEST_F(VertexColours, AMissingMeshWritesNothing) {
+    EXPECT_EQ(ReadVertColorVemo(dir.path("none").c_str(), dir.path("out.txt").data()), -1760.0f);
+    EXPECT_EQ(ReadVertColorVemo(nullptr, dir.path("out.txt").data()), -1760.0f);
+    EXPECT_THAT(dir.names(), ElementsAre());
+}
+
+TEST_F(VertexColours, ATextThatCannotBeCreatedIsReported) {
+    EXPECT_EQ(writeTo(dir.path("no/out.txt"), VemoBuilder().vertexColours({}).bytes()), -2.0f);
+}
+
+TEST_F(VertexColours, ADiskThatIsFullIsNotReported) {
+    std::filesystem::create_symlink("/dev/full", dir.path("out.txt"));
+    EXPECT_EQ(write(VemoBuilder().vertexColours({{1, 2, 3, 4}}).bytes()), 0.0f);
+}
+
+TEST_F(VertexColours, TheMeshItselfMayBeReplaced) {
+    const std::string mesh =
+        dir.write("out.txt", VemoBuilder().vertexColours({{3, 2, 1, 0}}).bytes());
+    EXPECT_EQ(ReadVertColorVemo(mesh.c_str(), std::string(mesh).data()), 0.0f);
+    EXPECT_EQ(text(), kColourBlockStart + "#RGB  010203\n# End of RGB block\n");
+}
+
+TEST_F(VertexColours, ACountBeyondTheFileIsRefused) {
+    EXPECT_EQ(write(VemoBuilder().chunk(35001, 20, 0xFFFFFFFF, {1, 2, 3, 4}).bytes()), -18.0f);
+    EXPECT_THAT(dir.names(), ElementsAre("mesh.in"));
+}
+
+// The colours end at byte 56; one byte less is made good by the repeated one.
+TEST_F(VertexColours, AMeshCutShortIsRefusedBeforeAnythingIsWritten) {
+    const ByteList whole = VemoBuilder().vertexColours({{1, 2, 3, 4}, {5, 6, 7, 8}}).bytes();
+    for (std::size_t length = 0; length <= whole.size(); ++length) {
+        const ByteList mesh(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        EXPECT_EQ(write(mesh), length < 55 ? -18.0f : 0.0f) << length;
+        ASSERT_EQ(dir.has("out.txt"), length >= 55) << length;
+        ASSERT_EQ(readBytes(dir.path("mesh.in")), mesh) << length;
+    }
+}
+
+}  // namespace
