@@ -8,6 +8,7 @@ using enum BufferUse;
 
 constexpr const char* kNamingMode = "naming mode 0 to 3";
 constexpr const char* kSwap = "the exchange, 1 to 3";
+constexpr const char* kPlaneOrder = "the order of the planes, 1 to 3";
 
 constexpr Export kExports[] = {
     {"Version", nullptr, nullptr, kNone, nullptr, false},
@@ -33,17 +34,17 @@ constexpr Export kExports[] = {
     {"getUVsMask", "mesh", kNamingMode, kPath, "output path", false},
     {"mergeCrease", "mesh", nullptr, kPath, "mesh", true},
     {"mergeMapsTIF", "source", nullptr, kPath, "target", false},
-    {"mergeMapsPSD", "source", nullptr, kPath, "target", true},
-    {"mergeMapsBMP", "source", nullptr, kPath, "target", true},
+    {"mergeMapsPSD", "source", nullptr, kPath, "target", false},
+    {"mergeMapsBMP", "source", nullptr, kPath, "target", false},
     {"swapRGBTIF", "map", kSwap, kNone, nullptr, false},
-    {"swapRGBPSD", "map", kSwap, kNone, nullptr, true},
-    {"swapRGBBMP", "map", kSwap, kNone, nullptr, true},
+    {"swapRGBPSD", "map", kPlaneOrder, kNone, nullptr, false},
+    {"swapRGBBMP", "map", kSwap, kNone, nullptr, false},
     {"convertTIFF16", "map", "target layout 1, 3 or 4", kPath, "target", false},
     {"convertTIFFSingle", "map", nullptr, kPath, "target", false},
     {"getScale", "map", "channels 1 or 3", kNone, nullptr, false},
     {"saveAsTarga", "map", nullptr, kPath, "target", false},
     {"saveAsJpeg", "image", "quality 0 to 100, else 50", kPath, "target", true},
-    {"CreateThumbnailBMP", "image", "pixels a side", kNone, nullptr, true},
+    {"CreateThumbnailBMP", "image", "pixels of the longer side", kNone, nullptr, false},
     {"OpenEXR", "image", nullptr, kNone, nullptr, true},
 };
 

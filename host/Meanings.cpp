@@ -3,23 +3,28 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <span>
 
+#include "bmp/BmpOps.h"
 #include "encoders/TargaOps.h"
 #include "export/Quillon.h"
 #include "mesh/VemoOps.h"
+#include "psd/PsdOps.h"
 #include "tiff/TiffOps.h"
 
 namespace {
 
 struct Row {
-    std::string_view name;  // of the export, or kTiffMaps
+    std::string_view name;  // of the export, or of a family below
     float status;
     bool success;
     const char* sentence;
 };
 
-// Stands for all of kTiffReaders.
+// Each stands for all exports of a family, which answer alike where they have no row of their own.
 constexpr std::string_view kTiffMaps = "TIFF maps";
+constexpr std::string_view kPsdMaps = "PSD maps";
+constexpr std::string_view kBmpMaps = "BMP maps";
 
 constexpr const char* kMeshNotOpened = "the mesh file cannot be opened or read";
 constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
@@ -95,6 +100,33 @@ constexpr Row kRows[] = {
     {"saveAsTarga", targa_status::kPixelsMissing, false,
      "the map claims far more rows than the file holds"},
 
+    {"mergeMapsPSD", psd_status::kOk, true, "the map was laid over the target"},
+    {"mergeMapsPSD", psd_status::kNotOpened, false,
+     "a map cannot be opened, is no PSD, or is cut short"},
+    {"mergeMapsPSD", psd_status::kSizesDiffer, false, "the maps differ in size"},
+    {"mergeMapsPSD", psd_status::kUnknownKind, false,
+     "the source is neither 8-bit RGB nor 16-bit grey"},
+    {"mergeMapsPSD", psd_status::kNotWritten, false, "the target cannot be written"},
+    {"swapRGBPSD", psd_status::kOk, true, "the colour planes were reordered"},
+    {"swapRGBPSD", psd_status::kNotThreeBytes, false,
+     "the map does not have three channels of 8 bits"},
+
+    {"mergeMapsBMP", bmp_status::kOk, true, "the map was folded into the target"},
+    {"mergeMapsBMP", bmp_status::kNotOpened, false, "the target cannot be opened"},
+    {"mergeMapsBMP", bmp_status::kSourceNotOpened, false, "the source cannot be opened"},
+    {"mergeMapsBMP", bmp_status::kSizesDiffer, false, "the maps differ in size"},
+    {"mergeMapsBMP", bmp_status::kLayoutsDiffer, false,
+     "the maps differ in bits per pixel, or in where their pixels start"},
+    {"mergeMapsBMP", bmp_status::kNotReopened, false, "the source may not be written to"},
+    {"mergeMapsBMP", bmp_status::kTargetNotReopened, false, "the target may not be written to"},
+    {"swapRGBBMP", bmp_status::kOk, true, "the colour channels were exchanged"},
+    {"CreateThumbnailBMP", bmp_status::kOk, true,
+     "the image was shrunk, unless it is that small already or may not be written to"},
+    {"CreateThumbnailBMP", bmp_status::kThumbNotOpened, false, "the image cannot be opened"},
+    {"CreateThumbnailBMP", bmp_status::kThumbNotABmp, false, "the file is no BMP"},
+    {"CreateThumbnailBMP", bmp_status::kSizeRefused, false,
+     "the size is below 1, or beyond what a BMP or the memory can hold"},
+
     // What every reader of a TIFF map answers alike.
     {kTiffMaps, tiff_status::kNotOpened, false, "the map cannot be opened"},
     {kTiffMaps, tiff_status::kNotReopened, false, "the map may not be written to"},
@@ -109,11 +141,30 @@ constexpr Row kRows[] = {
     {kTiffMaps, tiff_status::kPixelsMissing, false, "the map ends before its last row"},
     {kTiffMaps, tiff_status::kBadSampleFormatCount, false,
      "a map names sample formats for neither 1 nor 3 channels"},
+
+    {kPsdMaps, psd_status::kNotOpened, false,
+     "the map cannot be opened, is no PSD, or is cut short"},
+    {kPsdMaps, psd_status::kBadVersion, false, "a map is a PSD of another version than 1"},
+    {kPsdMaps, psd_status::kHasColourTable, false, "a map has a colour table"},
+    {kPsdMaps, psd_status::kCompressed, false, "a map is compressed"},
+    {kPsdMaps, psd_status::kNotWritten, false, "the map cannot be written"},
+
+    {kBmpMaps, bmp_status::kNotOpened, false, "the map cannot be opened"},
+    {kBmpMaps, bmp_status::kNotABmp, false, "a file is no BMP, or shorter than its own headers"},
+    {kBmpMaps, bmp_status::kNotReopened, false, "the map may not be written to"},
 };
 
-// The exports that read TIFF maps.
 constexpr std::string_view kTiffReaders[] = {"mergeMapsTIF",      "swapRGBTIF", "convertTIFF16",
                                              "convertTIFFSingle", "getScale",   "saveAsTarga"};
+constexpr std::string_view kPsdReaders[] = {"mergeMapsPSD", "swapRGBPSD"};
+constexpr std::string_view kBmpReaders[] = {"mergeMapsBMP", "swapRGBBMP", "CreateThumbnailBMP"};
+
+struct Family {
+    std::string_view name;
+    std::span<const std::string_view> exports;
+};
+constexpr Family kFamilies[] = {
+    {kTiffMaps, kTiffReaders}, {kPsdMaps, kPsdReaders}, {kBmpMaps, kBmpReaders}};
 
 // The exports that refuse a number which is not one of theirs.
 constexpr std::string_view kValueCheckers[] = {"swapRGBTIF", "swapRGBPSD", "swapRGBBMP",
@@ -145,8 +196,11 @@ const Row* rowOf(std::string_view name, float status) {
     for (const Row& row : kRows) {
         if (row.name == name && row.status == status) return &row;
     }
-    const bool readsTiff = std::ranges::find(kTiffReaders, name) != std::end(kTiffReaders);
-    return readsTiff ? rowOf(kTiffMaps, status) : nullptr;
+    for (const Family& family : kFamilies) {
+        if (std::ranges::find(family.exports, name) != family.exports.end())
+            return rowOf(family.name, status);
+    }
+    return nullptr;
 }
 
 bool writesTiles(std::string_view name) {

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "host/Quillon.h"
+#include "support/BmpFile.h"
 
 namespace {
 
@@ -43,6 +44,9 @@ TEST(Call, HoldsTextsBeyondAHostsUsualBlock) {
 // Each row: an export that fails, its status, a part of what that means.
 TEST(Call, FailureStatusesEndWithOne) {
     const TempDir dir;
+    const std::string bmp = dir.write("map.bmp", BmpFile(2, 2));
+    const std::string wideBmp = dir.write("wide.bmp", BmpFile(3, 2));
+    const std::string noBmp = dir.write("no.bmp", "too short");
     const struct {
         std::vector<std::string> arguments;
         const char* status;
@@ -58,6 +62,19 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"mergeMapsTIF", dir.path("none"), "--buffer", dir.path("none")}, "-10", "the source"},
         {{"saveAsJpeg", "a", "--buffer", "b"}, "-9", "does not have the operation yet"},
         {{"convertTIFFSingle"}, "-1", "is missing"},
+        {{"mergeMapsPSD", dir.path("none"), "--buffer", dir.path("none")}, "-1", "a map cannot"},
+        {{"mergeMapsPSD", dir.path("none")}, "-9", "--buffer is missing"},
+        {{"swapRGBPSD", dir.path("none"), "--value", "1"}, "-1", "the map cannot be opened"},
+        {{"swapRGBPSD", dir.path("none"), "--value", "4"}, "-9", "the order of the planes, 1 to 3"},
+        {{"mergeMapsBMP", noBmp, "--buffer", dir.path("none")}, "-1760", "the target cannot"},
+        {{"mergeMapsBMP", dir.path("none"), "--buffer", bmp}, "-1770", "the source cannot"},
+        {{"mergeMapsBMP", wideBmp, "--buffer", bmp}, "-30", "differ in size"},
+        {{"mergeMapsBMP", noBmp, "--buffer", noBmp}, "-7", "is no BMP"},
+        {{"swapRGBBMP", noBmp, "--value", "1"}, "-7", "is no BMP"},
+        {{"swapRGBBMP", dir.path("none"), "--value", "1"}, "-1760", "the map cannot be opened"},
+        {{"CreateThumbnailBMP", dir.path("none"), "--value", "8"}, "-1", "cannot be opened"},
+        {{"CreateThumbnailBMP", noBmp, "--value", "8"}, "-2", "is no BMP"},
+        {{"CreateThumbnailBMP", bmp}, "-9", "the size is below 1"},
     };
     for (const auto& row : kCases) {
         std::vector<std::string> arguments = row.arguments;
