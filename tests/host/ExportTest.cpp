@@ -135,7 +135,7 @@ TEST_F(Export, CallsTheExportsInTheHostsOrder) {
 }
 
 TEST_F(Export, EndsWithThePathAndSizeOfTheMap) {
-    EXPECT_THAT(succeed().out, EndsWith("\n\n" + out + "/two_normal.tif  544 bytes\n"));
+    EXPECT_THAT(succeed().out, EndsWith("\n\n" + out + "/two_normal.tif  608 bytes\n"));
 }
 
 TEST_F(Export, LeavesOnlyTheMap) {
