@@ -136,6 +136,12 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
         {"export", "mesh.Vemo", "--out", "o", "--naming", "4"},
         {"export", "mesh.Vemo", "--out", "o", "--map", "colour"},
         {"export", "mesh.Vemo", "--out", "o", "--naming", "0", "--tiles", "f.txt"},
+        {"export", "mesh.Vemo", "--out", "o", "--format", "png"},
+        {"export", "mesh.Vemo", "--out", "o", "--order", "rgb"},
+        {"export", "mesh.Vemo", "--out", "o", "--bits", "8", "--map", "height"},
+        {"export", "mesh.Vemo", "--out", "o", "--format", "bmp", "--thumbnail", "15"},
+        {"merge"},
+        {"merge", "all.tif"},
     };
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
@@ -145,9 +151,41 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
     }
 }
 
+// Each row: options that make no sense together, and what the sentence says of them.
+TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
+    const struct {
+        std::vector<std::string> options;
+        const char* sentence;
+    } kCases[] = {
+        {{"--naming", "0", "--tiles", "f.txt"}, "--tiles counts with --naming 2 only"},
+        {{"--map", "height", "--format", "bmp"}, "a BMP has 8 bits a sample, too few for heights"},
+        {{"--map", "height", "--order", "bgr"}, "--order counts with --map normal only"},
+        {{"--map", "height", "--targa"}, "--targa counts with --map normal only"},
+        {{"--format", "psd", "--targa"}, "--targa counts with --format tiff only"},
+        {{"--format", "bmp", "--targa"}, "--targa counts with --format tiff only"},
+        {{"--bits", "16"}, "--bits 16 counts with --map height only"},
+        {{"--bits", "16", "--map", "height", "--format", "psd"}, "a PSD height map has 16 bits as"},
+        {{"--thumbnail", "64"}, "--thumbnail counts with --format bmp only"},
+        {{"--thumbnail", "64", "--format", "psd"}, "--thumbnail counts with --format bmp only"},
+    };
+    const TempDir dir;
+    const std::string mesh = dir.write("two.Vemo", twoQuads());
+    for (const auto& row : kCases) {
+        std::vector<std::string> arguments = {"export", mesh, "--out", dir.path("maps")};
+        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        const Ended ended = quillon(arguments);
+        EXPECT_EQ(ended.exitStatus, 2) << row.sentence;
+        EXPECT_THAT(ended.err, StartsWith(std::string("quillon: ") + row.sentence));
+        EXPECT_FALSE(dir.has("maps"));
+    }
+}
+
 TEST(CommandLine, EveryLevelOfHelpHasExamples) {
-    const std::vector<std::vector<std::string>> kCases = {
-        {"--help"}, {"call", "--help"}, {"import", "--help"}, {"export", "--help"}};
+    const std::vector<std::vector<std::string>> kCases = {{"--help"},
+                                                          {"call", "--help"},
+                                                          {"import", "--help"},
+                                                          {"export", "--help"},
+                                                          {"merge", "--help"}};
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
         EXPECT_EQ(ended.exitStatus, 0);
