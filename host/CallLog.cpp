@@ -1,11 +1,38 @@
 #include "CallLog.h"
 
+#include <algorithm>
 #include <cstdio>
+#include <iterator>
+#include <utility>
 
 #include "Failure.h"
 #include "Meanings.h"
 
 namespace {
+
+// What the number of an export is, where the exports that take one differ.
+constexpr std::pair<std::string_view, const char*> kNumbers[] = {
+    {"getUVString", "position"},   {"swapRGBTIF", "mode"},   {"swapRGBPSD", "mode"},
+    {"swapRGBBMP", "mode"},        {"getScale", "channels"}, {"convertTIFF16", "layout"},
+    {"CreateThumbnailBMP", "size"}};
+
+const char* numberOf(const Export& entry) {
+    const auto* found =
+        std::ranges::find(kNumbers, entry.name, [](const auto& n) { return n.first; });
+    return found == std::end(kNumbers) ? "naming" : found->second;
+}
+
+constexpr std::size_t kNameWidth = 18;  // the columns of a line
+constexpr std::size_t kStatusWidth = 6;
+
+std::string padded(std::string text, std::size_t width) {
+    text.resize(std::max(text.size(), width), ' ');
+    return text;
+}
+
+std::string leftPadded(const std::string& text, std::size_t width) {
+    return std::string(width - std::min(text.size(), width), ' ') + text;
+}
 
 // What a call worked on, such as "tile.tif to map.tif" or "3 gives 1004".
 std::string detailOf(const Export& entry, const CallArguments& arguments,
@@ -14,8 +41,8 @@ std::string detailOf(const Export& entry, const CallArguments& arguments,
     if (arguments.buffer) detail += " to " + *arguments.buffer;
     if (entry.value != nullptr) {
         detail += detail.empty() ? "" : ", ";
-        detail += std::string(entry.name == "getUVString" ? "position " : "naming ") +
-                  statusText(static_cast<float>(arguments.value));
+        detail += numberOf(entry);
+        detail += ' ' + statusText(static_cast<float>(arguments.value));
     }
     if (result.text) detail += " gives " + *result.text;
     return detail;
@@ -46,9 +73,27 @@ void CallLog::quietly(std::string_view name, const CallArguments& arguments) con
 }
 
 void CallLog::print(const std::string& name, const std::string& status, const std::string& detail) {
+    const std::string start = padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
+    const std::string line = start + (detail.empty() ? "" : "  " + detail) + '\n';
+    if (verbose_ || start != row_) {
+        finishRow();
+        row_ = start;
+        std::fputs(line.c_str(), stdout);
+        return;
+    }
+    if (!heldBack_.empty()) ++leftOut_;
+    heldBack_ = line;
+}
+
+void CallLog::finishRow() {
     progress_.clear();
-    std::printf("%-18s %6s%s%s\n", name.c_str(), status.c_str(), detail.empty() ? "" : "  ",
-                detail.c_str());
+    if (leftOut_ > 0)
+        std::printf("%s  %zu more\n", padded("...", kNameWidth + 1 + kStatusWidth).c_str(),
+                    leftOut_);
+    std::fputs(heldBack_.c_str(), stdout);
+    row_.clear();
+    heldBack_.clear();
+    leftOut_ = 0;
 }
 
 std::string failureSentence(std::string_view name, const CallArguments& arguments, float status) {

@@ -1,6 +1,7 @@
 #pragma once
 // A run of calls to the library, each printed as one line: the export, its status, what it worked
-// on.
+// on. Of several calls of one export with one status in a row only the first and the last have
+// their line, unless every one is wanted.
 
 #include <string>
 #include <string_view>
@@ -10,7 +11,11 @@
 
 class CallLog {
 public:
-    CallLog(const Library& library, Progress& progress) : library_(library), progress_(progress) {}
+    CallLog(const Library& library, Progress& progress, bool verbose)
+        : library_(library), progress_(progress), verbose_(verbose) {}
+    CallLog(const CallLog&) = delete;
+    CallLog& operator=(const CallLog&) = delete;
+    ~CallLog() { finishRow(); }
 
     // Calls and prints, whatever the status is.
     CallResult call(std::string_view name, const CallArguments& arguments = {});
@@ -24,9 +29,16 @@ public:
     // A line for work that no export does.
     void print(const std::string& name, const std::string& status, const std::string& detail);
 
+    // Prints what is still held back of the last row of calls.
+    void finishRow();
+
 private:
     const Library& library_;
     Progress& progress_;
+    bool verbose_;
+    std::string row_;          // export and status of the calls under way
+    std::string heldBack_;     // the line of the latest of them, unless it is printed already
+    std::size_t leftOut_ = 0;  // how many calls between the first and that one have no line
 };
 
 // The sentence for a call that failed.

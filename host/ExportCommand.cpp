@@ -1,13 +1,20 @@
 #include "ExportCommand.h"
 
+#include <algorithm>
+#include <cmath>
 #include <cstdio>
 #include <filesystem>
+#include <optional>
+#include <string_view>
 #include <vector>
 
 #include "CallLog.h"
 #include "Failure.h"
+#include "Interrupt.h"
 #include "Leftovers.h"
+#include "Meanings.h"
 #include "Progress.h"
+#include "SheetWriter.h"
 #include "TiffWriter.h"
 
 namespace fs = std::filesystem;
@@ -30,7 +37,12 @@ public:
     MapExport(const Library& library, const ExportOptions& options)
         : options_(options),
           stem_(fs::path(options.mesh).stem().string()),
-          log_(library, progress_),
+          format_(infoOf(options.format)),
+          map_(outputPath("", format_.extension)),
+          sixteenBitMap_(outputPath("_16bit", ".tif")),
+          targa_(outputPath("", ".tga")),
+          thumbnail_(outputPath("_thumbnail", ".bmp")),
+          log_(library, progress_, options.verbose),
           unfinished_(log_),
           working_(log_) {}
 
@@ -38,8 +50,9 @@ public:
 
 private:
     double naming() const { return options_.naming; }
-    std::string mapPath() const;
-    void requireFreeMapPath() const;
+    std::string outputPath(std::string_view suffix, std::string_view extension) const;
+    std::vector<std::string> outputs() const;
+    void requireFreeOutputs() const;
     std::size_t findTiles();
     void makeOutFolder();
     void makeWorkingFolder();
@@ -47,22 +60,37 @@ private:
     void nameTiles(std::size_t count);
     TileSheet layOutSheet(const VemoMesh& mesh);
     void requireMergeable(const TileSheet& sheet) const;
+    void requireVisibleThumbnail(const TileSheet& sheet) const;
     void renderTiles(const TileSheet& sheet);
     void mergeTiles();
+    void reorderChannels();
+    void requireWholeMap() const;
+    void makeExtras();
+    void measureScale();
+    void convertTo16Bits();
+    void saveTarga();
+    void makeThumbnail();
     void finish();
+    void printOutputs() const;
 
     const ExportOptions& options_;
     const std::string stem_;  // the mesh's name, after which everything is named
+    const MapFormatInfo& format_;
+    const std::string map_;  // the outputs
+    const std::string sixteenBitMap_;
+    const std::string targa_;
+    const std::string thumbnail_;
+    std::optional<float> scale_;  // of a displacement
     std::string workingFolder_;
     std::vector<Tile> tiles_;
     Progress progress_;
     CallLog log_;
-    Leftovers unfinished_;  // the map, and its folder if it was made for it
+    Leftovers unfinished_;  // the outputs, and their folder if it was made for them
     Leftovers working_;
 };
 
 void MapExport::run() {
-    requireFreeMapPath();
+    requireFreeOutputs();
     const std::size_t count = findTiles();
     const VemoMesh mesh = readVemo(options_.mesh);
     makeOutFolder();
@@ -71,20 +99,35 @@ void MapExport::run() {
     const TileSheet sheet = layOutSheet(mesh);
     renderTiles(sheet);
     mergeTiles();
+    if (!options_.order.empty()) reorderChannels();
+    requireWholeMap();
+    makeExtras();
     finish();
 }
 
-std::string MapExport::mapPath() const {
-    const char* kind = options_.map == MapKind::kNormal ? "normal" : "height";
-    return (fs::path(options_.out) / (stem_ + '_' + kind + ".tif")).string();
+std::string MapExport::outputPath(std::string_view suffix, std::string_view extension) const {
+    std::string name = stem_ + (options_.map == MapKind::kNormal ? "_normal" : "_height");
+    name += suffix;
+    name += extension;
+    return (fs::path(options_.out) / name).string();
 }
 
-// An earlier map is replaced; a folder of that name must not be.
-void MapExport::requireFreeMapPath() const {
-    std::error_code ignored;
-    const fs::file_status status = fs::status(mapPath(), ignored);
-    if (fs::exists(status) && !fs::is_regular_file(status))
-        throw Failure(mapPath() + " is in the way: it is not a file");
+std::vector<std::string> MapExport::outputs() const {
+    std::vector<std::string> paths{map_};
+    if (options_.sixteenBits) paths.push_back(sixteenBitMap_);
+    if (options_.targa) paths.push_back(targa_);
+    if (options_.thumbnail > 0) paths.push_back(thumbnail_);
+    return paths;
+}
+
+// An earlier output is replaced; a folder of that name must not be.
+void MapExport::requireFreeOutputs() const {
+    for (const std::string& path : outputs()) {
+        std::error_code ignored;
+        const fs::file_status status = fs::status(path, ignored);
+        if (fs::exists(status) && !fs::is_regular_file(status))
+            throw Failure(path + " is in the way: it is not a file");
+    }
 }
 
 std::size_t MapExport::findTiles() {
@@ -138,7 +181,8 @@ void MapExport::nameTiles(std::size_t count) {
         const CallResult named = log_.require("getUVString", {.value = value});
         if (!named.text) return;
         const fs::path base = fs::path(workingFolder_) / (stem_ + *named.text);
-        tiles_.push_back({*named.text, base.string() + ".Vemo", base.string() + ".tif"});
+        tiles_.push_back(
+            {*named.text, base.string() + ".Vemo", base.string() + std::string(format_.extension)});
         working_.add(tiles_.back().meshFile);
     }
 }
@@ -151,11 +195,12 @@ TileSheet MapExport::layOutSheet(const VemoMesh& mesh) {
         places.push_back(tile.place);
     }
     TileSheet sheet(places, options_.size);
-    requireMergeable(sheet);
+    if (options_.format == MapFormat::kTiff) requireMergeable(sheet);
+    if (options_.thumbnail > 0) requireVisibleThumbnail(sheet);
     return sheet;
 }
 
-// A map is merged only where its pixels take more bytes than what precedes them.
+// A TIFF is merged only where its pixels take more bytes than what precedes them.
 void MapExport::requireMergeable(const TileSheet& sheet) const {
     const std::uint64_t pixels = std::uint64_t{sheet.width()} * sheet.height();
     if (pixels * pixelBytesOf(options_.map) <= kTiffPixelOffset)
@@ -164,13 +209,24 @@ void MapExport::requireMergeable(const TileSheet& sheet) const {
                       " pixels is too small to merge; raise --size");
 }
 
+// The shorter side of a thumbnail is rounded down, to nothing for a long thin sheet.
+void MapExport::requireVisibleThumbnail(const TileSheet& sheet) const {
+    const std::uint64_t shorter = std::min(sheet.width(), sheet.height());
+    const std::uint32_t longer = std::max(sheet.width(), sheet.height());
+    if (options_.thumbnail <= longer && options_.thumbnail * shorter <= longer)
+        throw Failure("a sheet of " + std::to_string(sheet.width()) + " x " +
+                      std::to_string(sheet.height()) +
+                      " pixels is too thin for that thumbnail; raise --thumbnail");
+}
+
 void MapExport::renderTiles(const TileSheet& sheet) {
     std::size_t done = 0;
     for (const Tile& tile : tiles_) {
+        stopIfInterrupted();
         progress_.show("rendering", done++, tiles_.size(), tile.name);
         const TileMap map = renderTile(readVemo(tile.meshFile), options_.map, sheet.cellSize());
         working_.add(tile.mapFile);
-        writeSheet(tile.mapFile, sheet, sheet.cellOf(tile.place), map);
+        writeSheet(tile.mapFile, options_.format, sheet, sheet.cellOf(tile.place), map);
     }
     log_.print("(rendered)", std::to_string(tiles_.size()),
                "maps of " + std::to_string(sheet.width()) + " x " + std::to_string(sheet.height()) +
@@ -178,12 +234,55 @@ void MapExport::renderTiles(const TileSheet& sheet) {
 }
 
 void MapExport::mergeTiles() {
-    unfinished_.add(mapPath());
-    log_.require("FileCopyTo", {.text = tiles_.front().mapFile, .buffer = mapPath()});
+    unfinished_.add(map_);
+    log_.require("FileCopyTo", {.text = tiles_.front().mapFile, .buffer = map_});
     for (std::size_t i = 1; i < tiles_.size(); ++i) {
+        stopIfInterrupted();
         progress_.show("merging", i, tiles_.size(), tiles_[i].name);
-        log_.require("mergeMapsTIF", {.text = tiles_[i].mapFile, .buffer = mapPath()});
+        log_.require(format_.merge, {.text = tiles_[i].mapFile, .buffer = map_});
     }
+}
+
+void MapExport::reorderChannels() {
+    for (const int mode : swapsFor(options_.format, options_.order))
+        log_.require(format_.swap, {.text = map_, .value = static_cast<double>(mode)});
+}
+
+// The library does not report every full disk. A map is as long as each of the tiles' own.
+void MapExport::requireWholeMap() const {
+    if (fs::file_size(map_) != fs::file_size(tiles_.front().mapFile))
+        throw Failure("cannot write " + map_ + ": the disk took only a part of it");
+}
+
+void MapExport::makeExtras() {
+    stopIfInterrupted();
+    if (options_.map == MapKind::kHeight && options_.format == MapFormat::kTiff) measureScale();
+    if (options_.sixteenBits) convertTo16Bits();
+    if (options_.targa) saveTarga();
+    if (options_.thumbnail > 0) makeThumbnail();
+    stopIfInterrupted();
+}
+
+void MapExport::measureScale() {
+    scale_ = log_.require("getScale", {.text = map_, .value = 1.0}).status;
+}
+
+void MapExport::convertTo16Bits() {
+    unfinished_.add(sixteenBitMap_);
+    constexpr double kGreyToGrey = 1.0;
+    log_.require("convertTIFF16", {.text = map_, .value = kGreyToGrey, .buffer = sixteenBitMap_});
+}
+
+void MapExport::saveTarga() {
+    unfinished_.add(targa_);
+    log_.require("saveAsTarga", {.text = map_, .buffer = targa_});
+}
+
+void MapExport::makeThumbnail() {
+    unfinished_.add(thumbnail_);
+    log_.require("FileCopyTo", {.text = map_, .buffer = thumbnail_});
+    const auto size = static_cast<double>(options_.thumbnail);
+    log_.require("CreateThumbnailBMP", {.text = thumbnail_, .value = size});
 }
 
 void MapExport::finish() {
@@ -192,19 +291,30 @@ void MapExport::finish() {
         working_.keep();
     else
         working_.deleteAll();
-    progress_.clear();
+    log_.finishRow();
     std::puts("");
+    printOutputs();
+}
+
+void MapExport::printOutputs() const {
     if (options_.keepTiles) {
         for (const Tile& tile : tiles_) {
             printSize(tile.meshFile);
             printSize(tile.mapFile);
         }
     }
-    printSize(mapPath());
+    if (scale_) {
+        std::printf("displacement scale %s\n", std::isinf(*scale_)
+                                                   ? "infinite: the map has too few levels to tell"
+                                                   : statusText(*scale_).c_str());
+    }
+    for (const std::string& path : outputs())
+        printSize(path);
 }
 
 }  // namespace
 
 void exportMap(const Library& library, const ExportOptions& options) {
+    noteInterrupts();
     MapExport(library, options).run();
 }

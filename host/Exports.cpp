@@ -8,43 +8,43 @@ using enum BufferUse;
 
 constexpr const char* kNamingMode = "naming mode 0 to 3";
 constexpr const char* kSwap = "the exchange, 1 to 3";
+constexpr const char* kPlaneOrder = "the order of the planes, 1 to 3";
 
 constexpr Export kExports[] = {
-    {"Version", nullptr, nullptr, kNone, nullptr, false},
-    {"CreateFolder", "folder", nullptr, kNone, nullptr, false},
-    {"GetPublicFolder", nullptr, nullptr, kOutput, "the users' folder", false},
-    {"CheckFolder", "folder", nullptr, kNone, nullptr, false},
-    {"OpenFolder", "folder", nullptr, kNone, nullptr, false},
-    {"GetFile", nullptr, nullptr, kOutput, "an entry's name", false},
-    {"CloseFolder", nullptr, nullptr, kNone, nullptr, false},
-    {"EmptyFolder", "folder", nullptr, kNone, nullptr, false},
-    {"FileDelete", "file", nullptr, kNone, nullptr, false},
-    {"FileCopyTo", "source", nullptr, kPath, "target", false},
-    {"FileRename", "old path", nullptr, kPath, "new path", false},
-    {"GetString", "any text", "first byte, 0 to 10, else 5", kOutput, "the rest of the text",
-     false},
-    {"clearUVtilesOutput", nullptr, nullptr, kNone, nullptr, false},
-    {"setUVtilesOutput", "tile filter", nullptr, kNone, nullptr, false},
-    {"getUVTile", "mesh", kNamingMode, kOutput, "the last face's tile", false},
-    {"getUVGroups", "mesh", nullptr, kNone, nullptr, false},
-    {"getUVString", nullptr, "tile position from 0", kOutput, "the tile's name", false},
-    {"clearUVString", nullptr, nullptr, kNone, nullptr, false},
-    {"getUVs", "mesh", kNamingMode, kPath, "output path", false},
-    {"getUVsMask", "mesh", kNamingMode, kPath, "output path", false},
-    {"mergeCrease", "mesh to append", nullptr, kPath, "mesh to append to", false},
-    {"mergeMapsTIF", "source", nullptr, kPath, "target", false},
-    {"mergeMapsPSD", "source", nullptr, kPath, "target", true},
-    {"mergeMapsBMP", "source", nullptr, kPath, "target", true},
-    {"swapRGBTIF", "map", kSwap, kNone, nullptr, false},
-    {"swapRGBPSD", "map", kSwap, kNone, nullptr, true},
-    {"swapRGBBMP", "map", kSwap, kNone, nullptr, true},
-    {"convertTIFF16", "map", "target layout 1, 3 or 4", kPath, "target", false},
-    {"convertTIFFSingle", "map", nullptr, kPath, "target", false},
-    {"getScale", "map", "channels 1 or 3", kNone, nullptr, false},
-    {"saveAsTarga", "map", nullptr, kPath, "target", false},
-    {"saveAsJpeg", "image", "0 (finest) to 100, else 50", kPath, "target", false},
-    {"CreateThumbnailBMP", "image", "pixels a side", kNone, nullptr, true},
-    {"OpenEXR", "image", nullptr, kNone, nullptr, true},
+    {"Version", nullptr, nullptr, kNone, nullptr},
+    {"CreateFolder", "folder", nullptr, kNone, nullptr},
+    {"GetPublicFolder", nullptr, nullptr, kOutput, "the users' folder"},
+    {"CheckFolder", "folder", nullptr, kNone, nullptr},
+    {"OpenFolder", "folder", nullptr, kNone, nullptr},
+    {"GetFile", nullptr, nullptr, kOutput, "an entry's name"},
+    {"CloseFolder", nullptr, nullptr, kNone, nullptr},
+    {"EmptyFolder", "folder", nullptr, kNone, nullptr},
+    {"FileDelete", "file", nullptr, kNone, nullptr},
+    {"FileCopyTo", "source", nullptr, kPath, "target"},
+    {"FileRename", "old path", nullptr, kPath, "new path"},
+    {"GetString", "any text", "first byte, 0 to 10, else 5", kOutput, "the rest of the text"},
+    {"clearUVtilesOutput", nullptr, nullptr, kNone, nullptr},
+    {"setUVtilesOutput", "tile filter", nullptr, kNone, nullptr},
+    {"getUVTile", "mesh", kNamingMode, kOutput, "the last face's tile"},
+    {"getUVGroups", "mesh", nullptr, kNone, nullptr},
+    {"getUVString", nullptr, "tile position from 0", kOutput, "the tile's name"},
+    {"clearUVString", nullptr, nullptr, kNone, nullptr},
+    {"getUVs", "mesh", kNamingMode, kPath, "output path"},
+    {"getUVsMask", "mesh", kNamingMode, kPath, "output path"},
+    {"mergeCrease", "mesh to append", nullptr, kPath, "mesh to append to"},
+    {"mergeMapsTIF", "source", nullptr, kPath, "target"},
+    {"mergeMapsPSD", "source", nullptr, kPath, "target"},
+    {"mergeMapsBMP", "source", nullptr, kPath, "target"},
+    {"swapRGBTIF", "map", kSwap, kNone, nullptr},
+    {"swapRGBPSD", "map", kPlaneOrder, kNone, nullptr},
+    {"swapRGBBMP", "map", kSwap, kNone, nullptr},
+    {"convertTIFF16", "map", "target layout 1, 3 or 4", kPath, "target"},
+    {"convertTIFFSingle", "map", nullptr, kPath, "target"},
+    {"getScale", "map", "channels 1 or 3", kNone, nullptr},
+    {"saveAsTarga", "map", nullptr, kPath, "target"},
+    {"saveAsJpeg", "image", "0 (finest) to 100, else 50", kPath, "target"},
+    {"CreateThumbnailBMP", "image", "pixels of the longer side", kNone, nullptr},
+    {"OpenEXR", "image", nullptr, kNone, nullptr},
 };
 
 std::string argumentsOf(const Export& entry) {
@@ -58,7 +58,6 @@ std::string argumentsOf(const Export& entry) {
     add("TEXT ", entry.text);
     add("--value ", entry.value);
     add(entry.buffer == kOutput ? "writes " : "--buffer ", entry.bufferIs);
-    if (entry.notYet) line += " (not in this version yet)";
     return line;
 }
 

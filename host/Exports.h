@@ -17,7 +17,6 @@ struct Export {
     const char* value;  // what the number is and which ones are taken; null when it is not read
     BufferUse buffer;
     const char* bufferIs;  // what the block takes or names; null when it is not read
-    bool notYet;           // the arguments are checked, the operation itself is still to come
 };
 
 std::span<const Export> allExports();

@@ -7,8 +7,7 @@ Leftovers::~Leftovers() {
 
 void Leftovers::deleteAll() {
     while (!paths_.empty()) {
-        const std::string path = paths_.back();
+        log_.require("FileDelete", {.text = paths_.back()});
         paths_.pop_back();
-        log_.require("FileDelete", {.text = path});
     }
 }

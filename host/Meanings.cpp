@@ -3,24 +3,31 @@
 #include <algorithm>
 #include <charconv>
 #include <iterator>
+#include <span>
 
+#include "bmp/BmpOps.h"
+#include "encoders/ExrLoader.h"
+#include "encoders/ExrRange.h"
 #include "encoders/JpegOps.h"
 #include "encoders/TargaOps.h"
 #include "export/Quillon.h"
 #include "mesh/VemoOps.h"
+#include "psd/PsdOps.h"
 #include "tiff/TiffOps.h"
 
 namespace {
 
 struct Row {
-    std::string_view name;  // of the export, or kTiffMaps
+    std::string_view name;  // of the export, or of a family below
     float status;
     bool success;
     const char* sentence;
 };
 
-// Stands for all of kTiffReaders.
+// Each stands for all exports of a family, which answer alike where they have no row of their own.
 constexpr std::string_view kTiffMaps = "TIFF maps";
+constexpr std::string_view kPsdMaps = "PSD maps";
+constexpr std::string_view kBmpMaps = "BMP maps";
 
 constexpr const char* kMeshNotOpened = "the mesh file cannot be opened or read";
 constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
@@ -110,6 +117,49 @@ constexpr Row kRows[] = {
     {"saveAsJpeg", jpeg_status::kTargetNotCreated, false,
      "the target cannot be created, or a path has 512 bytes and more"},
 
+    {"mergeMapsPSD", psd_status::kOk, true, "the map was laid over the target"},
+    {"mergeMapsPSD", psd_status::kNotOpened, false,
+     "a map cannot be opened, is no PSD, or is cut short"},
+    {"mergeMapsPSD", psd_status::kSizesDiffer, false, "the maps differ in size"},
+    {"mergeMapsPSD", psd_status::kUnknownKind, false,
+     "the source is neither 8-bit RGB nor 16-bit grey"},
+    {"mergeMapsPSD", psd_status::kNotWritten, false, "the target cannot be written"},
+    {"swapRGBPSD", psd_status::kOk, true, "the colour planes were reordered"},
+    {"swapRGBPSD", psd_status::kNotThreeBytes, false,
+     "the map does not have three channels of 8 bits"},
+
+    {"mergeMapsBMP", bmp_status::kOk, true, "the map was folded into the target"},
+    {"mergeMapsBMP", bmp_status::kNotOpened, false, "the target cannot be opened"},
+    {"mergeMapsBMP", bmp_status::kSourceNotOpened, false, "the source cannot be opened"},
+    {"mergeMapsBMP", bmp_status::kSizesDiffer, false, "the maps differ in size"},
+    {"mergeMapsBMP", bmp_status::kLayoutsDiffer, false,
+     "the maps differ in bits per pixel, or in where their pixels start"},
+    {"mergeMapsBMP", bmp_status::kNotReopened, false, "the source may not be written to"},
+    {"mergeMapsBMP", bmp_status::kTargetNotReopened, false, "the target may not be written to"},
+    {"swapRGBBMP", bmp_status::kOk, true, "the colour channels were exchanged"},
+    {"CreateThumbnailBMP", bmp_status::kOk, true,
+     "the image was shrunk, unless it is that small already or may not be written to"},
+    {"CreateThumbnailBMP", bmp_status::kThumbNotOpened, false, "the image cannot be opened"},
+    {"CreateThumbnailBMP", bmp_status::kThumbNotABmp, false, "the file is no BMP"},
+    {"CreateThumbnailBMP", bmp_status::kSizeRefused, false,
+     "the size is below 1, or beyond what a BMP or the memory can hold"},
+
+    {"OpenEXR", static_cast<float>(exr_status::kNotExr), false, "the file is no OpenEXR file"},
+    {"OpenEXR", static_cast<float>(exr_status::kBadVersion), false,
+     "the file is of a version of OpenEXR that is not known"},
+    {"OpenEXR", static_cast<float>(exr_status::kNoPath), false, kTextMissing},
+    {"OpenEXR", static_cast<float>(exr_status::kBadData), false,
+     "the file is damaged, deep, of several parts, or claims more than it can hold"},
+    {"OpenEXR", static_cast<float>(exr_status::kNotOpened), false, "the file cannot be opened"},
+    {"OpenEXR", static_cast<float>(exr_status::kUnknownFormat), false,
+     "the file's compression is not known"},
+    {"OpenEXR", static_cast<float>(exr_status::kBadHeader), false,
+     "the file's header lacks what every OpenEXR file has"},
+    {"OpenEXR", static_cast<float>(exr_status::kUnknownFeature), false,
+     "the file's channels are subsampled"},
+    {"OpenEXR", exr_range::kNoPixels, false,
+     "the image has no pixels, or no number among its samples"},
+
     // What every reader of a TIFF map answers alike.
     {kTiffMaps, tiff_status::kNotOpened, false, "the map cannot be opened"},
     {kTiffMaps, tiff_status::kNotReopened, false, "the map may not be written to"},
@@ -124,11 +174,30 @@ constexpr Row kRows[] = {
     {kTiffMaps, tiff_status::kPixelsMissing, false, "the map ends before its last row"},
     {kTiffMaps, tiff_status::kBadSampleFormatCount, false,
      "a map names sample formats for neither 1 nor 3 channels"},
+
+    {kPsdMaps, psd_status::kNotOpened, false,
+     "the map cannot be opened, is no PSD, or is cut short"},
+    {kPsdMaps, psd_status::kBadVersion, false, "a map is a PSD of another version than 1"},
+    {kPsdMaps, psd_status::kHasColourTable, false, "a map has a colour table"},
+    {kPsdMaps, psd_status::kCompressed, false, "a map is compressed"},
+    {kPsdMaps, psd_status::kNotWritten, false, "the map cannot be written"},
+
+    {kBmpMaps, bmp_status::kNotOpened, false, "the map cannot be opened"},
+    {kBmpMaps, bmp_status::kNotABmp, false, "a file is no BMP, or shorter than its own headers"},
+    {kBmpMaps, bmp_status::kNotReopened, false, "the map may not be written to"},
 };
 
-// The exports that read TIFF maps.
 constexpr std::string_view kTiffReaders[] = {"mergeMapsTIF",      "swapRGBTIF", "convertTIFF16",
                                              "convertTIFFSingle", "getScale",   "saveAsTarga"};
+constexpr std::string_view kPsdReaders[] = {"mergeMapsPSD", "swapRGBPSD"};
+constexpr std::string_view kBmpReaders[] = {"mergeMapsBMP", "swapRGBBMP", "CreateThumbnailBMP"};
+
+struct Family {
+    std::string_view name;
+    std::span<const std::string_view> exports;
+};
+constexpr Family kFamilies[] = {
+    {kTiffMaps, kTiffReaders}, {kPsdMaps, kPsdReaders}, {kBmpMaps, kBmpReaders}};
 
 // The exports that refuse a number which is not one of theirs.
 constexpr std::string_view kValueCheckers[] = {"swapRGBTIF", "swapRGBPSD", "swapRGBBMP",
@@ -160,8 +229,11 @@ const Row* rowOf(std::string_view name, float status) {
     for (const Row& row : kRows) {
         if (row.name == name && row.status == status) return &row;
     }
-    const bool readsTiff = std::ranges::find(kTiffReaders, name) != std::end(kTiffReaders);
-    return readsTiff ? rowOf(kTiffMaps, status) : nullptr;
+    for (const Family& family : kFamilies) {
+        if (std::ranges::find(family.exports, name) != family.exports.end())
+            return rowOf(family.name, status);
+    }
+    return nullptr;
 }
 
 bool writesTiles(std::string_view name) {
@@ -172,7 +244,6 @@ Meaning refusal(const Export& entry, const CallArguments& arguments) {
     if (entry.text != nullptr && !arguments.text) return {false, "refused: TEXT is missing"};
     if (entry.buffer == BufferUse::kPath && !arguments.buffer)
         return {false, "refused: --buffer is missing"};
-    if (entry.notYet) return {false, "this version of the library does not have the operation yet"};
     if (std::ranges::find(kValueCheckers, entry.name) != std::end(kValueCheckers))
         return {false, std::string("refused: --value is to be ") + entry.value};
     if (entry.name == "saveAsJpeg")

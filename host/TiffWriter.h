@@ -19,7 +19,7 @@ struct TiffFormat {
 };
 
 // Where the pixels start. Maps are merged only where this lies below the number of their bytes.
-inline constexpr std::uint32_t kTiffPixelOffset = 160;
+inline constexpr std::uint32_t kTiffPixelOffset = 224;
 
 class TiffWriter {
 public:

@@ -106,14 +106,16 @@ Range pixelsBetween(double a, double b, double c, std::uint32_t size) {
     return {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
 }
 
-// Calls `paint(pixel, value)` for each pixel whose centre the triangle covers. Its sides count as
-// covered, and a side seen from the other triangle is the exact negative, so that triangles with a
-// common side leave no gap.
+// Calls `paint(pixel, value)` for each pixel whose centre the triangle covers, in whichever sense its
+// corners run. Its sides count as covered, and a side seen from the other triangle is the exact
+// negative, so that triangles with a common side leave no gap.
 template <typename Paint>
-void rasterize(const Corner& a, const Corner& b, const Corner& c, std::uint32_t size, Paint paint) {
-    const double area = Edge(a, b).at(c.x, c.y);
+void rasterize(const Corner& a, const Corner& second, const Corner& third, std::uint32_t size,
+               Paint paint) {
+    const double area = Edge(a, second).at(third.x, third.y);
     if (!std::isfinite(area) || area == 0.0) return;
-    if (area < 0.0) return rasterize(a, c, b, size, paint);
+    const Corner& b = area > 0.0 ? second : third;
+    const Corner& c = area > 0.0 ? third : second;
 
     const Edge towardA(b, c);
     const Edge towardB(c, a);
@@ -128,8 +130,11 @@ void rasterize(const Corner& a, const Corner& b, const Corner& c, std::uint32_t 
             const double shareB = towardB.at(x, y);
             const double shareC = towardC.at(x, y);
             if (shareA < 0.0 || shareB < 0.0 || shareC < 0.0) continue;
+            // The area, as this point sees it: in a sliver rounding makes the two differ.
+            const double shares = shareA + shareB + shareC;
+            if (!(shares > 0.0)) continue;
             const Vector sum = a.value * shareA + b.value * shareB + c.value * shareC;
-            paint(std::size_t{row} * size + column, sum * (1.0 / area));
+            paint(std::size_t{row} * size + column, sum * (1.0 / shares));
         }
     }
 }

@@ -4,7 +4,6 @@
 #include <string>
 
 #include "Failure.h"
-#include "TiffWriter.h"
 #include "bytes/Numbers.h"
 
 namespace {
@@ -12,11 +11,6 @@ namespace {
 // The tile in which a coordinate lies; below 0 it counts as 1 less, as everywhere in the library.
 std::int64_t tileOf(float coordinate) {
     return saturatedInt(coordinate < 0.0f ? coordinate - 1.0f : coordinate);
-}
-
-TiffFormat formatOf(const TileSheet& sheet, const TileMap& map) {
-    if (map.pixelBytes == 3) return {sheet.width(), sheet.height(), 3, 8};
-    return {sheet.width(), sheet.height(), 1, 32};
 }
 
 }  // namespace
@@ -49,21 +43,4 @@ TileSheet::TileSheet(std::span<const TilePlace> tiles, std::uint32_t size) {
 Cell TileSheet::cellOf(const TilePlace& tile) const {
     return {static_cast<std::uint32_t>(tile.column - firstColumn_) * cellSize_,
             static_cast<std::uint32_t>(highestRow_ - tile.row) * cellSize_};
-}
-
-void writeSheet(const std::string& path, const TileSheet& sheet, const Cell& cell,
-                const TileMap& map) {
-    TiffWriter file(path, formatOf(sheet, map));
-    const std::size_t cellBytes = std::size_t{map.size} * map.pixelBytes;
-    std::vector<std::uint8_t> row;
-    for (std::uint32_t y = 0; y < sheet.height(); ++y) {
-        row.assign(std::size_t{sheet.width()} * map.pixelBytes, 0);
-        if (y >= cell.top && y - cell.top < map.size) {
-            const std::uint8_t* painted = &map.pixels[(y - cell.top) * cellBytes];
-            std::copy_n(painted, cellBytes, &row[std::size_t{cell.left} * map.pixelBytes]);
-        }
-        if (y == 0) std::fill_n(row.begin(), map.pixelBytes, std::uint8_t{0});
-        file.append(row);
-    }
-    file.finish();
 }

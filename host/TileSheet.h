@@ -52,8 +52,3 @@ struct TileMap {
     std::uint32_t pixelBytes = 0;  // 3: RGB of 8 bits, 4: a 32-bit float
     std::vector<std::uint8_t> pixels;
 };
-
-// Writes the sheet as a TIFF with this one cell painted. The first pixel stays background, by which
-// a merge tells what is painted.
-void writeSheet(const std::string& path, const TileSheet& sheet, const Cell& cell,
-                const TileMap& map);

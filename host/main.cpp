@@ -13,21 +13,25 @@
 #include "Exports.h"
 #include "Failure.h"
 #include "ImportCommand.h"
+#include "Interrupt.h"
 #include "Library.h"
+#include "MergeCommand.h"
 
 namespace {
 
 constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kWrongUsage = 2;
+constexpr int kInterrupted = 130;  // as shells report it
 
 constexpr const char* kExamples = R"(Examples:
   quillon call Version
   quillon import model.obj model.Vemo --tile-per-group
   quillon export model.Vemo --out maps
+  quillon merge all.tif 1001.tif 1002.tif
   quillon --library build/release/libQuillon.so call Version
 
-Exit status: 0 success, 1 failure, 2 wrong usage.
+Exit status: 0 success, 1 failure, 2 wrong usage, 130 interrupted.
 quillon COMMAND --help explains a command.
 )";
 
@@ -58,14 +62,30 @@ to a row.
 
 constexpr const char* kExportExamples = R"(Examples:
   quillon export model.Vemo --out maps
-  quillon export model.Vemo --out maps --map height --size 4096
+  quillon export model.Vemo --out maps --map height --bits 16 --size 4096
+  quillon export model.Vemo --out maps --order bgr --targa
+  quillon export model.Vemo --out maps --format psd --map height
+  quillon export model.Vemo --out maps --format bmp --thumbnail 256
   quillon export model.Vemo --out maps --tiles wanted.txt     (such as: 1001-1003, 1011)
 
 Makes Morvane's calls in Morvane's order: finds the UV tiles, writes a mesh per tile,
 renders a map per tile, merges the maps into maps/model_normal.tif and deletes the
-working files.
+working files. Of a height map in 32 bits the displacement scale is told.
+
+--bits 16 leaves maps/model_height_16bit.tif besides, --targa maps/model_normal.tga,
+--thumbnail maps/model_normal_thumbnail.bmp.
 
 Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0.
+)";
+
+constexpr const char* kMergeExamples = R"(Examples:
+  quillon merge all.tif 1001.tif 1002.tif 1003.tif
+  quillon merge maps/all.psd maps/10*.psd
+
+All files are of one format, told by .tif, .tiff, .psd or .bmp. A tile's pixel counts where
+it is not background: the first pixel of the tile (TIFF), of the target (PSD), the tile's
+at the bottom left (BMP). Where several tiles have a pixel, the first one wins, in PSD the
+last. A tile that does not fit stops the work with what was merged before it.
 )";
 
 class CommandLine {
@@ -79,6 +99,9 @@ private:
     void addCall();
     void addImport();
     void addExport();
+    void addExportKinds();
+    void addExportExtras();
+    void addMerge();
 
     Library openLibrary() const {
         return Library(library_.empty() ? libraryBesideProgram() : library_);
@@ -101,6 +124,10 @@ private:
     CLI::App* export_ = nullptr;
     ExportOptions exportOptions_;
     std::string mapKind_ = "normal";
+    std::string formatName_ = "tiff";
+
+    CLI::App* merge_ = nullptr;
+    MergeOptions mergeOptions_;
 };
 
 CommandLine::CommandLine() {
@@ -113,6 +140,7 @@ CommandLine::CommandLine() {
     addCall();
     addImport();
     addExport();
+    addMerge();
 }
 
 void CommandLine::addCall() {
@@ -154,12 +182,53 @@ void CommandLine::addExport() {
         ->capture_default_str();
     export_->add_option("--tiles", options.tiles, "Text file of the tiles wanted")
         ->type_name("FILTER");
+    addExportKinds();
+    addExportExtras();
+    export_->footer(kExportExamples);
+}
+
+void CommandLine::addExportKinds() {
     export_->add_option("--map", mapKind_, "normal or height")
         ->check(CLI::IsMember({"normal", "height"}).description(""))
         ->type_name("KIND")
         ->capture_default_str();
+    export_->add_option("--format", formatName_, "tiff, psd or bmp")
+        ->check(CLI::IsMember({"tiff", "psd", "bmp"}).description(""))
+        ->type_name("FORMAT")
+        ->capture_default_str();
+    export_->add_option("--order", exportOptions_.order, "Colour channels as bgr, rbg or grb")
+        ->check(CLI::IsMember({"bgr", "rbg", "grb"}).description(""))
+        ->type_name("ORDER");
+}
+
+void CommandLine::addExportExtras() {
+    ExportOptions& options = exportOptions_;
+    export_
+        ->add_option_function<int>(
+            "--bits", [&options](int) { options.sixteenBits = true; },
+            "16: a height map in 16 bits besides")
+        ->check(CLI::IsMember({16}).description(""))
+        ->type_name("BITS");
+    export_->add_flag("--targa", options.targa, "A normal map as Targa besides");
+    export_
+        ->add_option("--thumbnail", options.thumbnail,
+                     "A thumbnail of a BMP besides, its longer side in pixels: 16 to 16384")
+        ->check(CLI::Range(16, 16384).description(""))
+        ->type_name("PIXELS");
     export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
-    export_->footer(kExportExamples);
+    export_->add_flag("--verbose", options.verbose, "Show every call, also of a long row");
+}
+
+void CommandLine::addMerge() {
+    merge_ = app_.add_subcommand("merge", "Fold maps of single tiles into one map");
+    merge_->add_option("TARGET", mergeOptions_.target, "The map that takes the others; it exists")
+        ->required()
+        ->type_name("");
+    merge_->add_option("SOURCE", mergeOptions_.sources, "Maps of single tiles")
+        ->required()
+        ->type_name("");
+    merge_->add_flag("--verbose", mergeOptions_.verbose, "Show every call");
+    merge_->footer(kMergeExamples);
 }
 
 CallArguments CommandLine::callArguments() const {
@@ -176,9 +245,13 @@ int CommandLine::carryOut() {
         importModel(importOptions_);
         return kSuccess;
     }
-    if (!exportOptions_.tiles.empty() && exportOptions_.naming != 2)
-        throw WrongUsage("--tiles counts with --naming 2 only");
+    if (merge_->parsed()) {
+        mergeMaps(openLibrary(), mergeOptions_);
+        return kSuccess;
+    }
     exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
+    exportOptions_.format = formatNamed(formatName_).value_or(MapFormat::kTiff);
+    requireConsistent(exportOptions_);
     exportMap(openLibrary(), exportOptions_);
     return kSuccess;
 }
@@ -212,6 +285,8 @@ int main(int argc, char** argv) {
         return status;
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);
+    } catch (const Interrupted&) {
+        return stopped("interrupted", kInterrupted);
     } catch (const std::bad_alloc&) {
         return stopped("there is too little memory", kFailure);
     } catch (const std::exception& failure) {

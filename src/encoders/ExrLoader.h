@@ -24,7 +24,6 @@ inline constexpr int kNotOpened = -7;
 inline constexpr int kUnknownFormat = -8;    // a compression that the loader does not know
 inline constexpr int kBadHeader = -9;        // an attribute is missing
 inline constexpr int kUnknownFeature = -10;  // subsampled channels
-inline constexpr int kNoMemory = -4;         // shares its number with damaged data
 }
 
 // Loads a file, half floats and whole numbers turned into floats, tiles laid out as one plane.

@@ -73,9 +73,6 @@ bool namesPsd(const char* path) {
     return extension.find("psd") != std::string::npos || extension.find("PSD") != std::string::npos;
 }
 
-// An operation that this version does not have yet.
-constexpr float kNotYet = kRefused;
-
 }  // namespace
 
 float Version(const char*, double, char*, int, char*, int, char**) {

@@ -3,6 +3,7 @@
 #include <fstream>
 
 #include "host/Quillon.h"
+#include "support/BmpFile.h"
 
 namespace {
 
@@ -43,6 +44,9 @@ TEST(Call, HoldsTextsBeyondAHostsUsualBlock) {
 // Each row: an export that fails, its status, a part of what that means.
 TEST(Call, FailureStatusesEndWithOne) {
     const TempDir dir;
+    const std::string bmp = dir.write("map.bmp", BmpFile(2, 2));
+    const std::string wideBmp = dir.write("wide.bmp", BmpFile(3, 2));
+    const std::string noBmp = dir.write("no.bmp", "too short");
     const struct {
         std::vector<std::string> arguments;
         const char* status;
@@ -58,8 +62,22 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"mergeMapsTIF", dir.path("none"), "--buffer", dir.path("none")}, "-10", "the source"},
         {{"saveAsJpeg", dir.path("none"), "--buffer", "b"}, "3", "image cannot be opened"},
         {{"saveAsJpeg", dir.path("none")}, "-9", "--buffer is missing"},
-        {{"OpenEXR", "a"}, "-9", "does not have the operation yet"},
+        {{"OpenEXR", dir.path("none")}, "-7", "the file cannot be opened"},
+        {{"OpenEXR"}, "-3", "is missing"},
         {{"convertTIFFSingle"}, "-1", "is missing"},
+        {{"mergeMapsPSD", dir.path("none"), "--buffer", dir.path("none")}, "-1", "a map cannot"},
+        {{"mergeMapsPSD", dir.path("none")}, "-9", "--buffer is missing"},
+        {{"swapRGBPSD", dir.path("none"), "--value", "1"}, "-1", "the map cannot be opened"},
+        {{"swapRGBPSD", dir.path("none"), "--value", "4"}, "-9", "the order of the planes, 1 to 3"},
+        {{"mergeMapsBMP", noBmp, "--buffer", dir.path("none")}, "-1760", "the target cannot"},
+        {{"mergeMapsBMP", dir.path("none"), "--buffer", bmp}, "-1770", "the source cannot"},
+        {{"mergeMapsBMP", wideBmp, "--buffer", bmp}, "-30", "differ in size"},
+        {{"mergeMapsBMP", noBmp, "--buffer", noBmp}, "-7", "is no BMP"},
+        {{"swapRGBBMP", noBmp, "--value", "1"}, "-7", "is no BMP"},
+        {{"swapRGBBMP", dir.path("none"), "--value", "1"}, "-1760", "the map cannot be opened"},
+        {{"CreateThumbnailBMP", dir.path("none"), "--value", "8"}, "-1", "cannot be opened"},
+        {{"CreateThumbnailBMP", noBmp, "--value", "8"}, "-2", "is no BMP"},
+        {{"CreateThumbnailBMP", bmp}, "-9", "the size is below 1"},
     };
     for (const auto& row : kCases) {
         std::vector<std::string> arguments = row.arguments;
@@ -121,6 +139,12 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
         {"export", "mesh.Vemo", "--out", "o", "--naming", "4"},
         {"export", "mesh.Vemo", "--out", "o", "--map", "colour"},
         {"export", "mesh.Vemo", "--out", "o", "--naming", "0", "--tiles", "f.txt"},
+        {"export", "mesh.Vemo", "--out", "o", "--format", "png"},
+        {"export", "mesh.Vemo", "--out", "o", "--order", "rgb"},
+        {"export", "mesh.Vemo", "--out", "o", "--bits", "8", "--map", "height"},
+        {"export", "mesh.Vemo", "--out", "o", "--format", "bmp", "--thumbnail", "15"},
+        {"merge"},
+        {"merge", "all.tif"},
     };
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
@@ -130,9 +154,41 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
     }
 }
 
+// Each row: options that make no sense together, and what the sentence says of them.
+TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
+    const struct {
+        std::vector<std::string> options;
+        const char* sentence;
+    } kCases[] = {
+        {{"--naming", "0", "--tiles", "f.txt"}, "--tiles counts with --naming 2 only"},
+        {{"--map", "height", "--format", "bmp"}, "a BMP has 8 bits a sample, too few for heights"},
+        {{"--map", "height", "--order", "bgr"}, "--order counts with --map normal only"},
+        {{"--map", "height", "--targa"}, "--targa counts with --map normal only"},
+        {{"--format", "psd", "--targa"}, "--targa counts with --format tiff only"},
+        {{"--format", "bmp", "--targa"}, "--targa counts with --format tiff only"},
+        {{"--bits", "16"}, "--bits 16 counts with --map height only"},
+        {{"--bits", "16", "--map", "height", "--format", "psd"}, "a PSD height map has 16 bits as"},
+        {{"--thumbnail", "64"}, "--thumbnail counts with --format bmp only"},
+        {{"--thumbnail", "64", "--format", "psd"}, "--thumbnail counts with --format bmp only"},
+    };
+    const TempDir dir;
+    const std::string mesh = dir.write("two.Vemo", twoQuads());
+    for (const auto& row : kCases) {
+        std::vector<std::string> arguments = {"export", mesh, "--out", dir.path("maps")};
+        arguments.insert(arguments.end(), row.options.begin(), row.options.end());
+        const Ended ended = quillon(arguments);
+        EXPECT_EQ(ended.exitStatus, 2) << row.sentence;
+        EXPECT_THAT(ended.err, StartsWith(std::string("quillon: ") + row.sentence));
+        EXPECT_FALSE(dir.has("maps"));
+    }
+}
+
 TEST(CommandLine, EveryLevelOfHelpHasExamples) {
-    const std::vector<std::vector<std::string>> kCases = {
-        {"--help"}, {"call", "--help"}, {"import", "--help"}, {"export", "--help"}};
+    const std::vector<std::vector<std::string>> kCases = {{"--help"},
+                                                          {"call", "--help"},
+                                                          {"import", "--help"},
+                                                          {"export", "--help"},
+                                                          {"merge", "--help"}};
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
         EXPECT_EQ(ended.exitStatus, 0);

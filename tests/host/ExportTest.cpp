@@ -1,11 +1,8 @@
 #include <gmock/gmock.h>
-#include <tiffio.h>
 
-#include <array>
-#include <cstring>
 #include <sstream>
 
-#include "host/Quillon.h"
+#include "host/ExportedQuads.h"
 
 namespace {
 
@@ -13,71 +10,16 @@ using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 
-// A map read by libtiff.
-class Map {
-public:
-    explicit Map(const std::string& path) : file_(TIFFOpen(path.c_str(), "r")) {
-        if (file_ == nullptr) throw std::runtime_error("no TIFF: " + path);
-        TIFFGetField(file_, TIFFTAG_IMAGEWIDTH, &width);
-        TIFFGetField(file_, TIFFTAG_IMAGELENGTH, &height);
-    }
-    Map(const Map&) = delete;
-    Map& operator=(const Map&) = delete;
-    ~Map() { TIFFClose(file_); }
+using Export = ExportedQuads;
 
-    std::array<int, 3> rgb(std::uint32_t x, std::uint32_t y) const {
-        const ByteList row = rowAt(y);
-        return {row.at(3 * x), row.at(3 * x + 1), row.at(3 * x + 2)};
-    }
-    float height32(std::uint32_t x, std::uint32_t y) const {
-        const ByteList row = rowAt(y);
-        float value = 0;
-        std::memcpy(&value, &row.at(4 * x), 4);
-        return value;
-    }
-
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
-
-private:
-    ByteList rowAt(std::uint32_t y) const {
-        ByteList row(static_cast<std::size_t>(TIFFScanlineSize(file_)));
-        if (TIFFReadScanline(file_, row.data(), y, 0) != 1) throw std::runtime_error("no row");
-        return row;
-    }
-    TIFF* file_;
-};
-
-struct Export : ::testing::Test {
-    Ended exportMesh(const std::vector<std::string>& options = {}) {
-        std::vector<std::string> arguments = {"export", mesh, "--out", out, "--size", "16"};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        return quillon(arguments);
-    }
-    Ended succeed(const std::vector<std::string>& options = {}) {
-        Ended ended = exportMesh(options);
-        EXPECT_EQ(ended.exitStatus, 0) << ended.err;
-        EXPECT_EQ(ended.err, "");
-        return ended;
-    }
-    // The sentence with which an export stops, leaving nothing behind.
-    std::string fail(const std::vector<std::string>& options = {}) {
-        const auto before = dir.names();
-        const Ended ended = exportMesh(options);
-        EXPECT_EQ(ended.exitStatus, 1);
-        EXPECT_EQ(dir.names(), before);
-        return ended.err;
-    }
-
-    TempDir dir;
-    std::string mesh = dir.write("two.Vemo", twoQuads());
-    std::string out = dir.path("maps");
-};
-
-using Rgb = std::array<int, 3>;
-constexpr Rgb kBackground{0, 0, 0};
-constexpr Rgb kFacesZ{128, 128, 255};
-constexpr Rgb kFacesX{255, 128, 128};
+// The first word of each line of the call log.
+std::vector<std::string> callsIn(const std::string& out) {
+    std::istringstream lines(out);
+    std::vector<std::string> names;
+    for (std::string line; std::getline(lines, line) && !line.empty();)
+        names.push_back(line.substr(0, line.find(' ')));
+    return names;
+}
 
 // Cells of 8 x 8 pixels; each quad covers the middle 4 x 4 of its cell.
 TEST_F(Export, MergesTheNormalsOfAllTilesIntoOneSheet) {
@@ -123,19 +65,32 @@ TEST_F(Export, RowsOfTilesGrowUpward) {
 }
 
 TEST_F(Export, CallsTheExportsInTheHostsOrder) {
-    std::istringstream lines(succeed().out);
-    std::vector<std::string> names;
-    for (std::string line; std::getline(lines, line) && !line.empty();)
-        names.push_back(line.substr(0, line.find(' ')));
-    EXPECT_THAT(names,
+    EXPECT_THAT(callsIn(succeed({"--verbose"}).out),
                 ElementsAre("clearUVtilesOutput", "getUVTile", "CheckFolder", "CreateFolder",
                             "CreateFolder", "getUVs", "getUVString", "getUVString", "clearUVString",
                             "(rendered)", "FileCopyTo", "mergeMapsTIF", "FileDelete", "FileDelete",
                             "FileDelete", "FileDelete", "FileDelete"));
 }
 
+TEST_F(Export, ShowsOfARowOfEqualCallsTheFirstAndTheLast) {
+    const std::string log = succeed().out;
+    EXPECT_THAT(log, HasSubstr("FileDelete              0  " + out + "/working/two1002.tif\n" +
+                               "...                        3 more\n" +
+                               "FileDelete              0  " + out + "/working\n"));
+    EXPECT_THAT(log, HasSubstr("getUVString             0  position 0 gives 1001\n"
+                               "getUVString             0  position 1 gives 1002\n"));
+}
+
+TEST_F(Export, ACallThatFailsIsNeverLeftOut) {
+    dir.makeFolder("maps/working");
+    dir.makeFolder("maps/working-2");
+    EXPECT_THAT(succeed().out, HasSubstr("CreateFolder           -1  " + out + "/working\n" +
+                                         "CreateFolder           -1  " + out + "/working-2\n" +
+                                         "CreateFolder            0  " + out + "/working-3\n"));
+}
+
 TEST_F(Export, EndsWithThePathAndSizeOfTheMap) {
-    EXPECT_THAT(succeed().out, EndsWith("\n\n" + out + "/two_normal.tif  544 bytes\n"));
+    EXPECT_THAT(succeed().out, EndsWith("\n\n" + out + "/two_normal.tif  608 bytes\n"));
 }
 
 TEST_F(Export, LeavesOnlyTheMap) {
@@ -190,7 +145,23 @@ TEST_F(Export, AFaceAcrossTheBorderIsNotDrawn) {
     EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
 }
 
-TEST_F(Export, TheFirstPixelStaysBackground) {
+// Three of its corners coincide. In cells of 41 pixels rounding gives its area one sign, whichever
+// way round the corners are taken.
+TEST_F(Export, AFaceWithoutAnAreaLeavesNothing) {
+    ByteList bytes = twoQuads();
+    const ByteList sliver =
+        Words().floats({0.668f, 0.389f, 0.808f, 0.215f, 0.808f, 0.215f, 0.808f, 0.215f}).bytes();
+    std::copy(sliver.begin(), sliver.end(), bytes.begin() + kFirstQuadUvs);
+    dir.write("two.Vemo", bytes);
+    size = "82";
+    succeed();
+    const Map map(out + "/two_normal.tif");
+    EXPECT_EQ(map.rgb(30, 28), kBackground);
+    EXPECT_EQ(map.rgb(61, 20), kFacesX);
+}
+
+// The first pixel of a file: of a TIFF or PSD at the top, of a BMP at the bottom.
+TEST_F(Export, TheLeftCornersStayBackground) {
     ByteList bytes = twoQuads();
     const ByteList full = Words().floats({0, 0, 0.999f, 0, 0.999f, 0.9999f, 0, 0.9999f}).bytes();
     std::copy(full.begin(), full.end(), bytes.begin() + kFirstQuadUvs);
@@ -200,6 +171,9 @@ TEST_F(Export, TheFirstPixelStaysBackground) {
     EXPECT_EQ(map.rgb(0, 0), kBackground);
     EXPECT_EQ(map.rgb(1, 0), kFacesZ);
     EXPECT_EQ(map.rgb(0, 1), kFacesZ);
+    EXPECT_EQ(map.rgb(0, 7), kBackground);
+    EXPECT_EQ(map.rgb(0, 6), kFacesZ);
+    EXPECT_EQ(map.rgb(7, 0), kFacesZ);
 }
 
 TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {

@@ -1,0 +1,27 @@
+#pragma once
+// What a map export is to make.
+
+#include <cstdint>
+#include <string>
+
+#include "MapFormat.h"
+#include "TileRenderer.h"
+
+struct ExportOptions {
+    std::string mesh;
+    std::string out;  // folder; created when it is missing
+    std::uint32_t size = 1024;
+    int naming = 2;
+    std::string tiles;  // tile filter; empty: all tiles
+    MapKind map = MapKind::kNormal;
+    MapFormat format = MapFormat::kTiff;
+    std::string order;            // of the colour channels: rbg, bgr or grb; empty: as rendered
+    bool sixteenBits = false;     // the map in 16 bits besides
+    bool targa = false;           // the map as Targa besides
+    std::uint32_t thumbnail = 0;  // pixels of a thumbnail's longer side; 0: no thumbnail
+    bool keepTiles = false;
+    bool verbose = false;
+};
+
+// Throws WrongUsage for options that make no sense together.
+void requireConsistent(const ExportOptions& options);

@@ -1,0 +1,94 @@
+#include "MergeCommand.h"
+
+#include <cstdio>
+#include <filesystem>
+
+#include "CallLog.h"
+#include "DiskFile.h"
+#include "Failure.h"
+#include "Interrupt.h"
+#include "MapFormat.h"
+#include "Meanings.h"
+#include "Progress.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+MapFormat requireFormat(const std::string& path) {
+    if (const auto format = formatOfPath(path)) return *format;
+    throw WrongUsage(path + " is no map by its name; maps end in .tif, .tiff, .psd or .bmp");
+}
+
+MapFormat requireOneFormat(const MergeOptions& options) {
+    const MapFormat format = requireFormat(options.target);
+    for (const std::string& source : options.sources) {
+        if (requireFormat(source) != format)
+            throw WrongUsage(source + " and " + options.target +
+                             " are files of two formats, which cannot be merged");
+    }
+    return format;
+}
+
+void requireFiles(const MergeOptions& options) {
+    requireFile(options.target, "map");
+    for (const std::string& source : options.sources)
+        requireFile(source, "map");
+}
+
+bool isTarget(const std::string& source, const MergeOptions& options) {
+    std::error_code ignored;
+    return fs::equivalent(source, options.target, ignored);
+}
+
+class Merge {
+public:
+    Merge(const Library& library, const MergeOptions& options, MapFormat format)
+        : options_(options),
+          export_(infoOf(format).merge),
+          log_(library, progress_, options.verbose) {}
+
+    void run();
+
+private:
+    void fold(const std::string& source);
+
+    const MergeOptions& options_;
+    const std::string_view export_;
+    Progress progress_;
+    CallLog log_;
+};
+
+void Merge::run() {
+    std::size_t done = 0;
+    for (const std::string& source : options_.sources) {
+        stopIfInterrupted();
+        progress_.show("merging", done++, options_.sources.size(), source);
+        if (isTarget(source, options_))
+            log_.print("(left out)", "", source + " is the target itself");
+        else
+            fold(source);
+    }
+    log_.finishRow();
+    std::printf("\n%s  %s bytes\n", options_.target.c_str(),
+                std::to_string(fs::file_size(options_.target)).c_str());
+}
+
+void Merge::fold(const std::string& source) {
+    const CallArguments arguments{.text = source, .buffer = options_.target};
+    const float status = log_.call(export_, arguments).status;
+    const Meaning meaning = meaningOf(*findExport(export_), arguments, status);
+    if (!meaning.success)
+        throw Failure(source + " cannot be merged into " + options_.target + ": " +
+                      meaning.sentence + " (" + std::string(export_) + " answered " +
+                      statusText(status) + ')');
+}
+
+}  // namespace
+
+void mergeMaps(const Library& library, const MergeOptions& options) {
+    const MapFormat format = requireOneFormat(options);
+    requireFiles(options);
+    noteInterrupts();
+    Merge(library, options, format).run();
+}

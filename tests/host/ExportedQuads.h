@@ -1,0 +1,85 @@
+#pragma once
+// Maps of two quads exported by the command-line host, and their pixels as libtiff reads them.
+
+#include <gtest/gtest.h>
+#include <tiffio.h>
+
+#include <array>
+#include <cstring>
+#include <stdexcept>
+
+#include "host/Quillon.h"
+
+using Rgb = std::array<int, 3>;
+inline constexpr Rgb kBackground{0, 0, 0};
+inline constexpr Rgb kFacesZ{128, 128, 255};
+inline constexpr Rgb kFacesX{255, 128, 128};
+
+// A map read by libtiff.
+class Map {
+public:
+    explicit Map(const std::string& path) : file_(TIFFOpen(path.c_str(), "r")) {
+        if (file_ == nullptr) throw std::runtime_error("no TIFF: " + path);
+        TIFFGetField(file_, TIFFTAG_IMAGEWIDTH, &width);
+        TIFFGetField(file_, TIFFTAG_IMAGELENGTH, &height);
+    }
+    Map(const Map&) = delete;
+    Map& operator=(const Map&) = delete;
+    ~Map() { TIFFClose(file_); }
+
+    std::array<int, 3> rgb(std::uint32_t x, std::uint32_t y) const {
+        const ByteList row = rowAt(y);
+        return {row.at(3 * x), row.at(3 * x + 1), row.at(3 * x + 2)};
+    }
+    int level16(std::uint32_t x, std::uint32_t y) const {
+        const ByteList row = rowAt(y);
+        std::uint16_t level = 0;
+        std::memcpy(&level, &row.at(2 * x), 2);
+        return level;
+    }
+    float height32(std::uint32_t x, std::uint32_t y) const {
+        const ByteList row = rowAt(y);
+        float value = 0;
+        std::memcpy(&value, &row.at(4 * x), 4);
+        return value;
+    }
+
+    std::uint32_t width = 0;
+    std::uint32_t height = 0;
+
+private:
+    ByteList rowAt(std::uint32_t y) const {
+        ByteList row(static_cast<std::size_t>(TIFFScanlineSize(file_)));
+        if (TIFFReadScanline(file_, row.data(), y, 0) != 1) throw std::runtime_error("no row");
+        return row;
+    }
+    TIFF* file_;
+};
+
+// Exports of a mesh of two quads, to sheets of two cells side by side.
+struct ExportedQuads : ::testing::Test {
+    Ended exportMesh(const std::vector<std::string>& options = {}) {
+        std::vector<std::string> arguments = {"export", mesh, "--out", out, "--size", size};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return quillon(arguments);
+    }
+    Ended succeed(const std::vector<std::string>& options = {}) {
+        Ended ended = exportMesh(options);
+        EXPECT_EQ(ended.exitStatus, 0) << ended.err;
+        EXPECT_EQ(ended.err, "");
+        return ended;
+    }
+    // The sentence with which an export stops, leaving nothing behind.
+    std::string fail(const std::vector<std::string>& options = {}) {
+        const auto before = dir.names();
+        const Ended ended = exportMesh(options);
+        EXPECT_EQ(ended.exitStatus, 1);
+        EXPECT_EQ(dir.names(), before);
+        return ended.err;
+    }
+
+    TempDir dir;
+    std::string mesh = dir.write("two.Vemo", twoQuads());
+    std::string out = dir.path("maps");
+    std::string size = "16";
+};

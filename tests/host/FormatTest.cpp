@@ -1,0 +1,218 @@
+// Maps in every format and with every extra, as libtiff and ImageMagick read them.
+
+#include <gmock/gmock.h>
+
+#include "host/ExportedQuads.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+
+using Format = ExportedQuads;
+
+// The samples of a picture, top row first, as ImageMagick reads them; `as` is one of its raw kinds.
+ByteList samplesOf(const TempDir& dir, const std::string& path, std::vector<std::string> as) {
+    const std::string raw = dir.path("samples.raw");
+    std::vector<std::string> arguments = {"/usr/bin/env", "convert", path + "[0]"};
+    as.back() += raw;
+    arguments.insert(arguments.end(), as.begin(), as.end());
+    const Ended ended = run(arguments);
+    EXPECT_EQ(ended.exitStatus, 0) << ended.err;
+    ByteList samples = readBytes(raw);
+    std::filesystem::remove(raw);
+    return samples;
+}
+
+// A picture of 8-bit RGB.
+struct Picture {
+    Picture(const TempDir& dir, const std::string& path, std::size_t pixelsInARow)
+        : width(pixelsInARow), samples(samplesOf(dir, path, {"-depth", "8", "rgb:"})) {}
+
+    Rgb at(std::size_t x, std::size_t y) const {
+        const std::size_t first = 3 * (y * width + x);
+        return {samples.at(first), samples.at(first + 1), samples.at(first + 2)};
+    }
+
+    std::size_t width;
+    ByteList samples;
+};
+
+std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::ranges::sort(names);
+    return names;
+}
+
+// Each row: a format, the file it leaves, the exports it calls and the file's size.
+TEST_F(Format, EachIsMergedByItsOwnExport) {
+    const struct {
+        const char* format;
+        const char* file;
+        const char* merge;
+        const char* size;
+    } kCases[] = {
+        {"tiff", "two_normal.tif", "mergeMapsTIF", "608"},
+        {"psd", "two_normal.psd", "mergeMapsPSD", "424"},
+        {"bmp", "two_normal.bmp", "mergeMapsBMP", "438"},
+    };
+    for (const auto& row : kCases) {
+        const Ended ended = succeed({"--format", row.format});
+        EXPECT_THAT(ended.out, HasSubstr(std::string("\n") + row.merge + "            0  "));
+        EXPECT_THAT(ended.out,
+                    EndsWith("\n\n" + out + '/' + row.file + "  " + row.size + " bytes\n"));
+        const Picture picture(dir, out + '/' + row.file, 16);
+        EXPECT_EQ(picture.samples.size(), 3u * 16 * 8);
+        EXPECT_EQ(picture.at(2, 2), kFacesZ) << row.format;
+        EXPECT_EQ(picture.at(5, 5), kFacesZ) << row.format;
+        EXPECT_EQ(picture.at(10, 2), kFacesX) << row.format;
+        EXPECT_EQ(picture.at(6, 5), kBackground) << row.format;
+        EXPECT_EQ(picture.at(2, 1), kBackground) << row.format;
+    }
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.bmp", "two_normal.psd", "two_normal.tif"));
+}
+
+// 19 tiles in a sheet of 410 columns, whose rows take padding in a BMP.
+TEST_F(Format, TheSameModelHasTheSamePixelsInEach) {
+    mesh = dir.path("spider.Vemo");
+    ASSERT_EQ(
+        quillon({"import", "/usr/share/assimp/models/OBJ/spider.obj", mesh, "--tile-per-group"})
+            .exitStatus,
+        0);
+    size = "410";
+    for (const char* format : {"tiff", "psd", "bmp"})
+        succeed({"--format", format});
+    const Picture tiff(dir, out + "/spider_normal.tif", 410);
+    const Picture psd(dir, out + "/spider_normal.psd", 410);
+    const Picture bmp(dir, out + "/spider_normal.bmp", 410);
+    ASSERT_EQ(tiff.samples.size(), 3u * 410 * 82);
+    EXPECT_TRUE(tiff.samples == psd.samples);
+    EXPECT_TRUE(tiff.samples == bmp.samples);
+    EXPECT_NE(std::ranges::count(tiff.samples, 0), std::ssize(tiff.samples));
+}
+
+// What becomes of (128, 128, 255) and (255, 128, 128).
+TEST_F(Format, AnOrderOfChannelsIsTheSameInEach) {
+    const struct {
+        const char* order;
+        Rgb z;
+        Rgb x;
+    } kCases[] = {
+        {"rbg", {128, 255, 128}, {255, 128, 128}},
+        {"bgr", {255, 128, 128}, {128, 128, 255}},
+        {"grb", {128, 128, 255}, {128, 255, 128}},
+    };
+    for (const char* format : {"tiff", "psd", "bmp"}) {
+        for (const auto& row : kCases) {
+            succeed({"--format", format, "--order", row.order});
+            const std::string extension = format == std::string("tiff") ? "tif" : format;
+            const Picture picture(dir, out + "/two_normal." + extension, 16);
+            EXPECT_EQ(picture.at(2, 2), row.z) << format << ' ' << row.order;
+            EXPECT_EQ(picture.at(13, 5), row.x) << format << ' ' << row.order;
+            EXPECT_EQ(picture.at(0, 0), kBackground) << format << ' ' << row.order;
+        }
+    }
+}
+
+TEST_F(Format, AnOrderThatPsdCannotGiveAtOnceTakesTwoCalls) {
+    const std::string log = succeed({"--format", "psd", "--order", "bgr"}).out;
+    EXPECT_THAT(log, HasSubstr("swapRGBPSD              0  " + out + "/two_normal.psd, mode 1\n" +
+                               "swapRGBPSD              0  " + out + "/two_normal.psd, mode 3\n"));
+}
+
+// Heights of 1/16, 9/16 and 15/16 of 65535, rounded.
+TEST_F(Format, APsdHasHeightsOf16Bits) {
+    succeed({"--map", "height", "--format", "psd"});
+    const ByteList samples =
+        samplesOf(dir, out + "/two_height.psd", {"-depth", "16", "-endian", "MSB", "gray:"});
+    const auto level = [&](std::size_t x, std::size_t y) {
+        const std::size_t first = 2 * (16 * y + x);
+        return samples.at(first) * 256 + samples.at(first + 1);
+    };
+    EXPECT_EQ(samples.size(), 2u * 16 * 8);
+    EXPECT_EQ(level(3, 5), 4096);
+    EXPECT_EQ(level(10, 3), 36863);
+    EXPECT_EQ(level(13, 3), 61439);
+    EXPECT_EQ(level(7, 3), 0);
+}
+
+TEST_F(Format, AHeightMapIsConvertedTo16BitsBesides) {
+    const Ended ended = succeed({"--map", "height", "--bits", "16"});
+    EXPECT_THAT(ended.out, HasSubstr("convertTIFF16           0  " + out + "/two_height.tif to " +
+                                     out + "/two_height_16bit.tif, layout 1\n"));
+    EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_height.tif  736 bytes\n" + out +
+                                    "/two_height_16bit.tif  454 bytes\n"));
+    const Map map(out + "/two_height_16bit.tif");
+    EXPECT_EQ(map.width, 16u);
+    EXPECT_EQ(map.height, 8u);
+    EXPECT_EQ(map.level16(3, 5), 4096);
+    EXPECT_EQ(map.level16(10, 3), 36863);
+    EXPECT_EQ(map.level16(13, 3), 61439);
+    EXPECT_EQ(map.level16(7, 3), 0);
+    EXPECT_FLOAT_EQ(Map(out + "/two_height.tif").height32(3, 5), 0.0625f);
+}
+
+// 256 rows and 256 columns of a height of their own, and the background: 513 levels. Python computes
+// 18.49 e^(1049 / 513 - 0.00007071 x 513) in single precision.
+TEST_F(Format, AFloatMapTellsItsDisplacementScale) {
+    size = "1024";
+    const Ended ended = succeed({"--map", "height"});
+    EXPECT_THAT(ended.out, HasSubstr("  " + out + "/two_height.tif, channels 1\n"));
+    EXPECT_THAT(ended.out, HasSubstr("\n\ndisplacement scale 137.79819\n" + out));
+}
+
+TEST_F(Format, AMapOfFewLevelsHasNoFiniteDisplacementScale) {
+    EXPECT_THAT(succeed({"--map", "height"}).out,
+                HasSubstr("\n\ndisplacement scale infinite: the map has too few levels"));
+}
+
+TEST_F(Format, ATargaFileHoldsTheReorderedMap) {
+    const Ended ended = succeed({"--targa", "--order", "bgr"});
+    EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_normal.tif  608 bytes\n" + out +
+                                    "/two_normal.tga  402 bytes\n"));
+    const Picture targa(dir, out + "/two_normal.tga", 16);
+    EXPECT_EQ(targa.at(2, 2), (Rgb{255, 128, 128}));
+    EXPECT_EQ(targa.at(13, 5), (Rgb{128, 128, 255}));
+    EXPECT_EQ(targa.at(6, 5), kBackground);
+}
+
+// Every fourth pixel of cells of 32, in whose middle half the quads lie.
+TEST_F(Format, ABmpLeavesAThumbnailBesides) {
+    size = "64";
+    const Ended ended = succeed({"--format", "bmp", "--thumbnail", "16"});
+    EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_normal.bmp  6198 bytes\n" + out +
+                                    "/two_normal_thumbnail.bmp  438 bytes\n"));
+    const Picture thumbnail(dir, out + "/two_normal_thumbnail.bmp", 16);
+    EXPECT_EQ(thumbnail.samples.size(), 3u * 16 * 8);
+    EXPECT_EQ(thumbnail.at(2, 2), kFacesZ);
+    EXPECT_EQ(thumbnail.at(5, 5), kFacesZ);
+    EXPECT_EQ(thumbnail.at(10, 2), kFacesX);
+    EXPECT_EQ(thumbnail.at(1, 2), kBackground);
+    EXPECT_EQ(thumbnail.at(6, 5), kBackground);
+    EXPECT_EQ(Picture(dir, out + "/two_normal.bmp", 64).at(8, 8), kFacesZ);
+}
+
+TEST_F(Format, ASheetTooThinForItsThumbnailIsASentence) {
+    ByteList bytes = twoQuads();
+    const ByteList far = Words().floats({40.25f}).bytes();
+    std::ranges::copy(far, bytes.begin() + kSecondQuadUvs);
+    dir.write("two.Vemo", bytes);
+    size = "64";
+    EXPECT_THAT(fail({"--format", "bmp", "--thumbnail", "16"}),
+                EndsWith("a sheet of 41 x 1 pixels is too thin for that thumbnail; raise "
+                         "--thumbnail\n"));
+}
+
+TEST_F(Format, AFolderInPlaceOfAnExtraStays) {
+    for (const char* file : {"two_height_16bit.tif", "two_normal.tga", "two_normal_thumbnail.bmp"})
+        dir.makeFolder(std::string("maps/") + file);
+    EXPECT_THAT(fail({"--targa"}), EndsWith("two_normal.tga is in the way: it is not a file\n"));
+    EXPECT_THAT(fail({"--map", "height", "--bits", "16"}), HasSubstr("16bit.tif is in the way"));
+    EXPECT_THAT(fail({"--format", "bmp", "--thumbnail", "16"}),
+                HasSubstr("two_normal_thumbnail.bmp is in the way"));
+}
+
+}  // namespace

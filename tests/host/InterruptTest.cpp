@@ -1,0 +1,91 @@
+// Ctrl-C during a command. So that it never comes too late, the command writes its log into a pipe
+// that is full until Ctrl-C was sent.
+
+#include <fcntl.h>
+#include <gmock/gmock.h>
+#include <spawn.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <csignal>
+#include <thread>
+
+#include "host/Quillon.h"
+
+extern char** environ;
+
+namespace {
+
+using ::testing::ElementsAre;
+
+class FullPipe {
+public:
+    FullPipe() {
+        if (::pipe2(ends_, O_CLOEXEC) != 0) throw std::runtime_error("no pipe");
+        ::fcntl(ends_[1], F_SETFL, O_NONBLOCK);
+        const ByteList page(4096);
+        while (::write(ends_[1], page.data(), page.size()) > 0) {
+        }
+        ::fcntl(ends_[1], F_SETFL, 0);
+    }
+    FullPipe(const FullPipe&) = delete;
+    FullPipe& operator=(const FullPipe&) = delete;
+    ~FullPipe() { ::close(ends_[0]); }
+
+    int end() const { return ends_[1]; }
+
+    // Takes all that is written until every writer has closed its end.
+    void drain() {
+        ::close(ends_[1]);
+        ByteList page(4096);
+        while (::read(ends_[0], page.data(), page.size()) > 0) {
+        }
+    }
+
+private:
+    int ends_[2]{};
+};
+
+// Runs quillon, sends Ctrl-C as soon as `sign` exists and returns the exit status.
+int interrupted(std::vector<std::string> arguments, const std::string& sign) {
+    arguments.insert(arguments.begin(), QUILLON_HOST);
+    std::vector<char*> argv;
+    for (std::string& text : arguments)
+        argv.push_back(text.data());
+    argv.push_back(nullptr);
+
+    FullPipe pipe;
+    posix_spawn_file_actions_t actions;
+    ::posix_spawn_file_actions_init(&actions);
+    ::posix_spawn_file_actions_adddup2(&actions, pipe.end(), STDOUT_FILENO);
+    ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
+    pid_t child = 0;
+    const int error = ::posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
+    ::posix_spawn_file_actions_destroy(&actions);
+    if (error != 0) throw std::runtime_error("cannot start quillon");
+
+    for (int i = 0; i < 10'000 && !std::filesystem::exists(sign); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+    ::kill(child, SIGINT);
+    pipe.drain();
+    int status = 0;
+    ::waitpid(child, &status, 0);
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+// Folders with long names make each line of the log long, so that the log fills the program's
+// buffer before the first tile is rendered.
+TEST(Interrupt, AnExportLeavesNothingAndEndsWith130) {
+    const TempDir dir;
+    const std::string mesh = dir.write("two.Vemo", twoQuads());
+    std::string folder;
+    for (int i = 0; i < 8; ++i)
+        folder += std::string(200, 'x') + '/';
+    std::filesystem::create_directories(dir.path(folder));
+    const std::string out = dir.path(folder + "maps");
+    EXPECT_EQ(interrupted({"export", mesh, "--out", out}, out + "/working"), 130);
+    EXPECT_TRUE(std::filesystem::is_empty(dir.path(folder)));
+    EXPECT_EQ(readBytes(mesh), twoQuads());
+}
+
+}  // namespace

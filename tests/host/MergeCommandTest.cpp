@@ -1,0 +1,172 @@
+#include <gmock/gmock.h>
+
+#include "host/Quillon.h"
+#include "support/BmpFile.h"
+#include "support/PsdFile.h"
+#include "support/TiffFile.h"
+
+namespace {
+
+using ::testing::ElementsAre;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::Not;
+
+const ByteList kPlain = {9, 9, 9, 9, 9, 9, 9, 9, 9};
+const ByteList kSecondPixel = {9, 9, 9, 1, 2, 3, 9, 9, 9};
+const ByteList kThirdPixel = {9, 9, 9, 9, 9, 9, 4, 5, 6};
+
+ByteList tiff(const ByteList& rgb) {
+    return TiffFile(static_cast<std::uint32_t>(rgb.size() / 3), 1).rgb8(rgb).bytes();
+}
+
+struct MergeCommand : ::testing::Test {
+    Ended merge(std::vector<std::string> arguments) {
+        arguments.insert(arguments.begin(), "merge");
+        return quillon(arguments);
+    }
+    ByteList tiffPixels(const std::string& path) {
+        return pixelsOf(path, TiffFile(3, 1).rgb8(kPlain));
+    }
+
+    TempDir dir;
+    std::string all = dir.write("all.tif", tiff(kPlain));
+    std::string second = dir.write("1002.tif", tiff(kSecondPixel));
+    std::string third = dir.write("1003.tif", tiff(kThirdPixel));
+};
+
+TEST_F(MergeCommand, FoldsTiffTilesIntoTheTarget) {
+    const Ended ended = merge({all, second, third});
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_EQ(ended.err, "");
+    EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 4, 5, 6));
+    EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF            0  " + second + " to " + all + '\n'));
+    EXPECT_THAT(ended.out,
+                EndsWith("\n\n" + all + "  " + std::to_string(tiff(kPlain).size()) + " bytes\n"));
+}
+
+TEST_F(MergeCommand, FoldsPsdTilesIntoTheTarget) {
+    const std::string map = dir.write("all.psd", PsdFile(3, 1).filled(9, 9));
+    const std::string a =
+        dir.write("a.psd", PsdFile(3, 1).pixels({{9, 9, 9}, {1, 2, 3}, {9, 9, 9}}));
+    const std::string b =
+        dir.write("b.psd", PsdFile(3, 1).pixels({{9, 9, 9}, {9, 9, 9}, {4, 5, 6}}));
+    EXPECT_EQ(merge({map, a, b}).exitStatus, 0);
+    EXPECT_THAT(imageData(map), ElementsAre(9, 1, 4, 9, 2, 5, 9, 3, 6));
+}
+
+TEST_F(MergeCommand, FoldsBmpTilesIntoTheTarget) {
+    const std::string map = dir.write("all.bmp", BmpFile(3, 1).pixels(kPlain));
+    const std::string a = dir.write("a.bmp", BmpFile(3, 1).pixels(kSecondPixel));
+    const std::string b = dir.write("b.bmp", BmpFile(3, 1).pixels(kThirdPixel));
+    EXPECT_EQ(merge({map, a, b}).exitStatus, 0);
+    EXPECT_THAT(bmpPixelsOf(map), ElementsAre(9, 9, 9, 1, 2, 3, 4, 5, 6));
+}
+
+TEST_F(MergeCommand, TellsFormatsByExtensionsOfAnyCase) {
+    const std::string tile = dir.write("tile.TIFF", tiff(kSecondPixel));
+    const std::string map = dir.write("map.Tif", tiff(kPlain));
+    EXPECT_EQ(merge({map, tile}).exitStatus, 0);
+    EXPECT_THAT(tiffPixels(map), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
+}
+
+TEST_F(MergeCommand, StopsAtTheFirstTileThatDoesNotFit) {
+    const std::string wide = dir.write("wide.tif", tiff(ByteList(12, 9)));
+    const Ended ended = merge({all, second, wide, third});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.err, "quillon: " + wide + " cannot be merged into " + all +
+                             ": the maps differ in size, or the target is no TIFF "
+                             "(mergeMapsTIF answered -30)\n");
+    EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF          -30  " + wide));
+    EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
+}
+
+// Each row: a target, a tile that does not fit it, and what differs.
+TEST_F(MergeCommand, SaysWhatDiffers) {
+    const std::string psd = dir.write("all.psd", PsdFile(3, 1).filled(9, 9));
+    const std::string bmp = dir.write("all.bmp", BmpFile(3, 1));
+    const struct {
+        std::string target;
+        std::string source;
+        const char* sentence;
+    } kCases[] = {
+        {all, dir.write("grey.tif", TiffFile(3, 1).grey8({9, 9, 9}).bytes()),
+         "the maps differ in channels or depth (mergeMapsTIF answered -40)"},
+        {all, dir.write("packed.tif", TiffFile(3, 1).rgb8(kPlain).entry(259, 1, 5).bytes()),
+         "a map is compressed (mergeMapsTIF answered -259)"},
+        {psd, dir.write("wide.psd", PsdFile(4, 1).filled(12, 9)),
+         "the maps differ in size (mergeMapsPSD answered -6)"},
+        {psd, dir.write("short.psd", PsdFile(3, 1).filled(8, 9)),
+         "a map cannot be opened, is no PSD, or is cut short (mergeMapsPSD answered -1)"},
+        {psd, dir.write("grey.psd", PsdFile(3, 1).channels(1).colourMode(1).filled(9, 9)),
+         "the source is neither 8-bit RGB nor 16-bit grey (mergeMapsPSD answered 36)"},
+        {bmp, dir.write("wide.bmp", BmpFile(4, 1)),
+         "the maps differ in size (mergeMapsBMP answered -30)"},
+        {bmp, dir.write("deep.bmp", BmpFile(3, 1).bitsPerPixel(32)),
+         "the maps differ in bits per pixel, or in where their pixels start "
+         "(mergeMapsBMP answered -40)"},
+    };
+    for (const auto& row : kCases) {
+        const ByteList before = readBytes(row.target);
+        const Ended ended = merge({row.target, row.source});
+        EXPECT_EQ(ended.exitStatus, 1);
+        EXPECT_EQ(ended.err, "quillon: " + row.source + " cannot be merged into " + row.target +
+                                 ": " + row.sentence + '\n');
+        EXPECT_EQ(readBytes(row.target), before);
+    }
+}
+
+TEST_F(MergeCommand, TouchesNothingButTheTarget) {
+    EXPECT_EQ(merge({all, second, third}).exitStatus, 0);
+    EXPECT_EQ(readBytes(second), tiff(kSecondPixel));
+    EXPECT_EQ(readBytes(third), tiff(kThirdPixel));
+    EXPECT_THAT(dir.names(), ElementsAre("1002.tif", "1003.tif", "all.tif"));
+}
+
+TEST_F(MergeCommand, LeavesOutTheTargetAmongTheTiles) {
+    const Ended ended = merge({all, second, dir.path("./all.tif"), third});
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_THAT(ended.out, HasSubstr(dir.path("./all.tif") + " is the target itself\n"));
+    EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 4, 5, 6));
+}
+
+TEST_F(MergeCommand, AMissingFileIsASentenceBeforeAnythingIsTouched) {
+    const std::string none = dir.path("none.tif");
+    EXPECT_EQ(merge({none, second}).err, "quillon: there is no map " + none + '\n');
+    const Ended ended = merge({all, second, none});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.err, "quillon: there is no map " + none + '\n');
+    EXPECT_EQ(readBytes(all), tiff(kPlain));
+    EXPECT_FALSE(dir.has("none.tif"));
+}
+
+TEST_F(MergeCommand, FilesOfSeveralFormatsOrNoneAreWrongUsage) {
+    const std::string psd = dir.write("tile.psd", PsdFile(3, 1));
+    const std::string png = dir.write("tile.png", "");
+    const Ended mixed = merge({all, second, psd});
+    EXPECT_EQ(mixed.exitStatus, 2);
+    EXPECT_EQ(mixed.err, "quillon: " + psd + " and " + all +
+                             " are files of two formats, which cannot be merged\n");
+    const Ended unknown = merge({all, png});
+    EXPECT_EQ(unknown.exitStatus, 2);
+    EXPECT_EQ(unknown.err, "quillon: " + png +
+                               " is no map by its name; maps end in .tif, .tiff, .psd or .bmp\n");
+    EXPECT_EQ(readBytes(all), tiff(kPlain));
+}
+
+TEST_F(MergeCommand, ShowsEveryCallWhenAsked) {
+    const std::string fourth = dir.write("1004.tif", tiff(kPlain));
+    EXPECT_THAT(merge({all, second, third, fourth}).out, Not(HasSubstr(third)));
+    EXPECT_THAT(merge({all, second, third, fourth, "--verbose"}).out, HasSubstr(third));
+}
+
+// The program script runs a command on a terminal of its own and passes on what it shows.
+TEST_F(MergeCommand, ShowsABarOnATerminal) {
+    const Ended ended = run(
+        {"/usr/bin/script", "--quiet", "--return", "--command",
+         "'" QUILLON_HOST "' merge '" + all + "' '" + second + "' '" + third + "'", "/dev/null"});
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_THAT(ended.out, HasSubstr("merging [############............] 1 of 2  " + third));
+}
+
+}  // namespace
