@@ -1,6 +1,7 @@
 #include "CallLog.h"
 
 #include <algorithm>
+#include <chrono>
 #include <cstdio>
 #include <iterator>
 #include <utility>
@@ -12,9 +13,9 @@ namespace {
 
 // What the number of an export is, where the exports that take one differ.
 constexpr std::pair<std::string_view, const char*> kNumbers[] = {
-    {"getUVString", "position"},   {"swapRGBTIF", "mode"},   {"swapRGBPSD", "mode"},
-    {"swapRGBBMP", "mode"},        {"getScale", "channels"}, {"convertTIFF16", "layout"},
-    {"CreateThumbnailBMP", "size"}};
+    {"getUVString", "position"},    {"swapRGBTIF", "mode"},   {"swapRGBPSD", "mode"},
+    {"swapRGBBMP", "mode"},         {"getScale", "channels"}, {"convertTIFF16", "layout"},
+    {"CreateThumbnailBMP", "size"}, {"saveAsJpeg", "quality"}};
 
 const char* numberOf(const Export& entry) {
     const auto* found =
@@ -51,9 +52,14 @@ std::string detailOf(const Export& entry, const CallArguments& arguments,
 }  // namespace
 
 CallResult CallLog::call(std::string_view name, const CallArguments& arguments) {
+    const auto start = std::chrono::steady_clock::now();
     const CallResult result = library_.call(name, arguments);
-    print(std::string(name), statusText(result.status),
-          detailOf(*findExport(name), arguments, result));
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+
+    const std::string status = statusText(result.status);
+    const std::string detail = detailOf(*findExport(name), arguments, result);
+    calls_.push_back({std::string(name), detail, status, time.count()});
+    print(std::string(name), status, detail);
     return result;
 }
 

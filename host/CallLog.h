@@ -5,8 +5,10 @@
 
 #include <string>
 #include <string_view>
+#include <vector>
 
 #include "Library.h"
+#include "Page.h"
 #include "Progress.h"
 
 class CallLog {
@@ -32,10 +34,14 @@ public:
     // Prints what is still held back of the last row of calls.
     void finishRow();
 
+    // The calls that were printed, in order, with the time that each took.
+    const std::vector<PageCall>& calls() const { return calls_; }
+
 private:
     const Library& library_;
     Progress& progress_;
     bool verbose_;
+    std::vector<PageCall> calls_;
     std::string row_;          // export and status of the calls under way
     std::string heldBack_;     // the line of the latest of them, unless it is printed already
     std::size_t leftOut_ = 0;  // how many calls between the first and that one have no line

@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "CallLog.h"
+#include "ExportPage.h"
 #include "Failure.h"
 #include "Interrupt.h"
 #include "Leftovers.h"
@@ -42,9 +43,12 @@ public:
           sixteenBitMap_(outputPath("_16bit", ".tif")),
           targa_(outputPath("", ".tga")),
           thumbnail_(outputPath("_thumbnail", ".bmp")),
+          jpeg_(outputPath("", ".jpg")),
+          pagePath_(outputPath("", ".html")),
           log_(library, progress_, options.verbose),
           unfinished_(log_),
-          working_(log_) {}
+          working_(log_),
+          page_(log_, working_) {}
 
     void run();
 
@@ -65,11 +69,13 @@ private:
     void mergeTiles();
     void reorderChannels();
     void requireWholeMap() const;
-    void makeExtras();
+    void makeExtras(const TileSheet& sheet);
     void measureScale();
     void convertTo16Bits();
     void saveTarga();
     void makeThumbnail();
+    void saveJpeg();
+    void writePage(const TileSheet& sheet);
     void finish();
     void printOutputs() const;
 
@@ -80,6 +86,8 @@ private:
     const std::string sixteenBitMap_;
     const std::string targa_;
     const std::string thumbnail_;
+    const std::string jpeg_;
+    const std::string pagePath_;
     std::optional<float> scale_;  // of a displacement
     std::string workingFolder_;
     std::vector<Tile> tiles_;
@@ -87,6 +95,7 @@ private:
     CallLog log_;
     Leftovers unfinished_;  // the outputs, and their folder if it was made for them
     Leftovers working_;
+    ExportPage page_;
 };
 
 void MapExport::run() {
@@ -101,7 +110,7 @@ void MapExport::run() {
     mergeTiles();
     if (!options_.order.empty()) reorderChannels();
     requireWholeMap();
-    makeExtras();
+    makeExtras(sheet);
     finish();
 }
 
@@ -117,6 +126,8 @@ std::vector<std::string> MapExport::outputs() const {
     if (options_.sixteenBits) paths.push_back(sixteenBitMap_);
     if (options_.targa) paths.push_back(targa_);
     if (options_.thumbnail > 0) paths.push_back(thumbnail_);
+    if (options_.jpeg) paths.push_back(jpeg_);
+    if (options_.page) paths.push_back(pagePath_);
     return paths;
 }
 
@@ -227,6 +238,9 @@ void MapExport::renderTiles(const TileSheet& sheet) {
         const TileMap map = renderTile(readVemo(tile.meshFile), options_.map, sheet.cellSize());
         working_.add(tile.mapFile);
         writeSheet(tile.mapFile, options_.format, sheet, sheet.cellOf(tile.place), map);
+        if (options_.page)
+            page_.addTile((fs::path(workingFolder_) / ("tile" + tile.name)).string(), tile.name,
+                          tile.place, map);
     }
     log_.print("(rendered)", std::to_string(tiles_.size()),
                "maps of " + std::to_string(sheet.width()) + " x " + std::to_string(sheet.height()) +
@@ -254,12 +268,14 @@ void MapExport::requireWholeMap() const {
         throw Failure("cannot write " + map_ + ": the disk took only a part of it");
 }
 
-void MapExport::makeExtras() {
+void MapExport::makeExtras(const TileSheet& sheet) {
     stopIfInterrupted();
     if (options_.map == MapKind::kHeight && options_.format == MapFormat::kTiff) measureScale();
     if (options_.sixteenBits) convertTo16Bits();
     if (options_.targa) saveTarga();
     if (options_.thumbnail > 0) makeThumbnail();
+    if (options_.jpeg) saveJpeg();
+    if (options_.page) writePage(sheet);
     stopIfInterrupted();
 }
 
@@ -283,6 +299,17 @@ void MapExport::makeThumbnail() {
     log_.require("FileCopyTo", {.text = map_, .buffer = thumbnail_});
     const auto size = static_cast<double>(options_.thumbnail);
     log_.require("CreateThumbnailBMP", {.text = thumbnail_, .value = size});
+}
+
+void MapExport::saveJpeg() {
+    unfinished_.add(jpeg_);
+    log_.require("saveAsJpeg", {.text = map_, .value = *options_.jpeg, .buffer = jpeg_});
+}
+
+void MapExport::writePage(const TileSheet& sheet) {
+    unfinished_.add(pagePath_);
+    page_.write(pagePath_, "The normals of " + stem_, map_,
+                (fs::path(workingFolder_) / "sheet").string(), sheet);
 }
 
 void MapExport::finish() {

@@ -6,6 +6,6 @@
 
 // Leaves in the folder <mesh>_normal or <mesh>_height with the format's extension, and beside it
 // what the options ask for: <mesh>_height_16bit.tif, <mesh>_normal.tga,
-// <mesh>_normal_thumbnail.bmp. Throws Failure as soon as a call fails, and Interrupted, with what
-// was made so far deleted.
+// <mesh>_normal_thumbnail.bmp, <mesh>_normal.jpg, <mesh>_normal.html. Throws Failure as soon as a
+// call fails, and Interrupted, with what was made so far deleted.
 void exportMap(const Library& library, const ExportOptions& options);

@@ -2,6 +2,7 @@
 // What a map export is to make.
 
 #include <cstdint>
+#include <optional>
 #include <string>
 
 #include "MapFormat.h"
@@ -19,6 +20,8 @@ struct ExportOptions {
     bool sixteenBits = false;     // the map in 16 bits besides
     bool targa = false;           // the map as Targa besides
     std::uint32_t thumbnail = 0;  // pixels of a thumbnail's longer side; 0: no thumbnail
+    std::optional<double> jpeg;   // the map as JPEG besides, of this quality
+    bool page = false;            // a page that shows the export besides
     bool keepTiles = false;
     bool verbose = false;
 };

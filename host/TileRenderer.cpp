@@ -106,8 +106,8 @@ Range pixelsBetween(double a, double b, double c, std::uint32_t size) {
     return {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
 }
 
-// Calls `paint(pixel, value)` for each pixel whose centre the triangle covers, in whichever sense its
-// corners run. Its sides count as covered, and a side seen from the other triangle is the exact
+// Calls `paint(pixel, value)` for each pixel whose centre the triangle covers, in whichever sense
+// its corners run. Its sides count as covered, and a side seen from the other triangle is the exact
 // negative, so that triangles with a common side leave no gap.
 template <typename Paint>
 void rasterize(const Corner& a, const Corner& second, const Corner& third, std::uint32_t size,

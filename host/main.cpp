@@ -65,7 +65,7 @@ constexpr const char* kExportExamples = R"(Examples:
   quillon export model.Vemo --out maps --map height --bits 16 --size 4096
   quillon export model.Vemo --out maps --order bgr --targa
   quillon export model.Vemo --out maps --format psd --map height
-  quillon export model.Vemo --out maps --format bmp --thumbnail 256
+  quillon export model.Vemo --out maps --format bmp --thumbnail 256 --jpeg 30 --page
   quillon export model.Vemo --out maps --tiles wanted.txt     (such as: 1001-1003, 1011)
 
 Makes Morvane's calls in Morvane's order: finds the UV tiles, writes a mesh per tile,
@@ -215,6 +215,15 @@ void CommandLine::addExportExtras() {
                      "A thumbnail of a BMP besides, its longer side in pixels: 16 to 16384")
         ->check(CLI::Range(16, 16384).description(""))
         ->type_name("PIXELS");
+    export_
+        ->add_option_function<double>(
+            "--jpeg", [&options](double quality) { options.jpeg = quality; },
+            "A BMP as JPEG besides; 0 is the finest, 100 the smallest, 50 when left out")
+        ->expected(0, 1)
+        ->default_str("50")
+        ->check(CLI::Range(0, 100).description(""))
+        ->type_name("QUALITY");
+    export_->add_flag("--page", options.page, "A page that shows a BMP export in pictures");
     export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
     export_->add_flag("--verbose", options.verbose, "Show every call, also of a long row");
 }

@@ -1,7 +1,7 @@
 #pragma once
-// ExrArena: the memory that tinyexr takes while it loads a file. The loader forgets some of it, frees
-// some of it twice and does not ask whether it got any; here it is counted, given back at the end and
-// an empty answer becomes an exception.
+// ExrArena: the memory that tinyexr takes while it loads a file. The loader forgets some of it,
+// frees some of it twice and does not ask whether it got any; here it is counted, given back at the
+// end and an empty answer becomes an exception.
 
 #include <cstddef>
 #include <cstdlib>

@@ -24,8 +24,8 @@ enum Compression : std::uint8_t { kNone, kRle, kZips, kZip, kPiz };
 constexpr std::int32_t kFurthestPixel = 1 << 21;
 constexpr std::uint32_t kLongestTile = 1 << 20;
 
-// The most that a byte of the file can stand for: deflating shrinks to a 1032nd, and a half float takes
-// twice its place in memory. Tiles reach beyond the picture's border, hence the constant.
+// The most that a byte of the file can stand for: deflating shrinks to a 1032nd, and a half float
+// takes twice its place in memory. Tiles reach beyond the picture's border, hence the constant.
 constexpr std::uint64_t kMostTimesTheFile = 2 * 1100;
 constexpr std::uint64_t kMostBytesBesides = 64 * 1024 * 1024;
 
@@ -180,8 +180,8 @@ std::vector<Level> levelsOf(const Header& header, std::uint32_t width, std::uint
     return levels;
 }
 
-// Whether `offset` leads to a chunk that starts with these numbers and whose data lies in the file and
-// takes at least `leastBytes`.
+// Whether `offset` leads to a chunk that starts with these numbers and whose data lies in the file
+// and takes at least `leastBytes`.
 bool isChunk(Bytes file, std::uint64_t offset, std::initializer_list<std::uint32_t> place,
              std::uint64_t leastBytes) {
     if (offset > file.size) return false;

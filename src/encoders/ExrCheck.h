@@ -1,12 +1,12 @@
 #pragma once
-// ExrCheck: whether tinyexr may be given a file. It trusts what a header says: a tile size of 0 or an
-// unknown level mode ends the process, chunks are read past the end of the file, and memory is taken
-// for whatever size is claimed. What it would stumble over is refused here.
+// ExrCheck: whether tinyexr may be given a file. It trusts what a header says: a tile size of 0 or
+// an unknown level mode ends the process, chunks are read past the end of the file, and memory is
+// taken for whatever size is claimed. What it would stumble over is refused here.
 //
 // An OpenEXR file, little-endian: magic 76 2F 31 01, version 2, flags (2: tiled, 8: deep, 16:
-// multipart), attributes (name, type, size, value) up to an empty name, a table of chunk offsets, the
-// chunks. A scanline chunk is its first row (4 bytes), its length (4), its data; a tile's starts with
-// column, row and level (4 x 4).
+// multipart), attributes (name, type, size, value) up to an empty name, a table of chunk offsets,
+// the chunks. A scanline chunk is its first row (4 bytes), its length (4), its data; a tile's
+// starts with column, row and level (4 x 4).
 
 #include "bytes/Bytes.h"
 

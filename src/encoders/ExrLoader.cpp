@@ -76,8 +76,8 @@ void copySamples(float* to, const unsigned char* from, std::size_t count, bool w
 }
 
 // Copies a tile to its place in the plane. In memory its rows are as far apart as the tile is wide,
-// also where it reaches beyond the picture, and they are turned upside down, from the tile's lower end
-// on, unless the file's row order is increasing.
+// also where it reaches beyond the picture, and they are turned upside down, from the tile's lower
+// end on, unless the file's row order is increasing.
 void placeTile(std::vector<float>& plane, const EXRTile& tile, const ExrLayout& layout) {
     const auto width = static_cast<std::size_t>(layout.width);
     const auto tileWidth = static_cast<std::size_t>(layout.tileWidth);

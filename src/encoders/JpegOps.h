@@ -41,6 +41,6 @@ inline constexpr float kSizeRefused = -9.0f;  // a side of 0 or of more than 655
 //                 No output is created with any but kOk.
 //
 // Rows that the BMP does not have are black. They take no memory and next to no time: whatever size
-// a header claims, no more than a band of rows is in memory, 2 MiB at most, and the file itself
+// a header claims, no more than a band of rows is in memory, 4 MiB at most, and the file itself
 // where it becomes its own output.
 float convertToJPEG(const char* in_path, const char* out_path, int scale_factor);

@@ -71,4 +71,4 @@ FileBytes loadFile(const char* path, std::size_t spare = 0);
 
 // The size of the pieces in which large files are moved: small enough to stay in the processor's
 // cache, large enough that the system calls do not show.
-inline constexpr std::size_t kPieceBytes = 256 * 1024;
+inline constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;

@@ -62,8 +62,8 @@ ObjChunks findObjChunks(const Bytes& bytes) {
     return found;
 }
 
-// The count in the header of the third chunk, found by the lengths of the first two; 0 when the file
-// has no third.
+// The count in the header of the third chunk, found by the lengths of the first two; 0 when the
+// file has no third.
 std::uint32_t thirdChunkCount(Bytes bytes) {
     const std::uint64_t second = kFirstChunk + std::uint64_t{bytes.le32(kFirstChunk + 4)};
     const std::uint64_t third = second + bytes.le32(second + 4);

@@ -7,8 +7,8 @@
 
 #include "files/File.h"
 
-// Collects text and writes it in large pieces, the last one when it goes out of scope. Once the disk
-// has refused a piece the rest is dropped.
+// Collects text and writes it in large pieces, the last one when it goes out of scope. Once the
+// disk has refused a piece the rest is dropped.
 class ObjText {
 public:
     explicit ObjText(const char* path);

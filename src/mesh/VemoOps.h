@@ -115,8 +115,8 @@ void clearUVTileString();
 //
 //   in_path   mesh file whose first chunk is the vertex colour chunk; its id is not looked at
 //   out_path  text file, replaced. That the disk could not take it all is not reported.
-//   returns   kOk, kObjMeshNotOpened, kChunkMissing when the file ends before its colours do, before
-//             anything is written, or kTextNotCreated
+//   returns   kOk, kObjMeshNotOpened, kChunkMissing when the file ends before its colours do,
+//             before anything is written, or kTextNotCreated
 float ReadVertColorVemo(const char* in_path, char* out_path);
 
 // Writes a painted mesh as a Wavefront OBJ file: the numbers of vertices and faces, the vertices,
@@ -135,15 +135,15 @@ float ReadVertColorVemo(const char* in_path, char* out_path);
 //             before anything is written, of the second or third after all that comes before it
 float writeOBJfromVemo(const char* in_path, char* out_path);
 
-// Counts, for each face of a base mesh, the faces that it becomes at a subdivision level: at level 1
-// one for each of its corners, and with every further level each of these becomes four. The counts
-// replace those of the call before and wait for writeOBJfromVemo.
+// Counts, for each face of a base mesh, the faces that it becomes at a subdivision level: at level
+// 1 one for each of its corners, and with every further level each of these becomes four. The
+// counts replace those of the call before and wait for writeOBJfromVemo.
 //
 //   in_path  mesh file whose first chunk is the face chunk; its id is not looked at
 //   level    4^(level - 1) is cut down to a whole number, 0 for NaN; a count beyond 32 bits is the
 //            highest there is
-//   returns  the number of base faces; kObjMeshNotOpened or kChunkMissing, when the file ends before
-//            its faces do, both of which leave no counts
+//   returns  the number of base faces; kObjMeshNotOpened or kChunkMissing, when the file ends
+//            before its faces do, both of which leave no counts
 float GetFaceIDsVemo(const char* in_path, double level);
 
 // Appends one mesh file to another, so that the chunks of both lie in one file. Each is written

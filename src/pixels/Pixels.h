@@ -16,7 +16,8 @@ inline constexpr std::size_t kLargestPixelBytes = 12;  // three 32-bit samples
 void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
                     std::size_t pixels, std::size_t pixelBytes);
 
-// Two of the three bytes of a pixel, counted from 0, that change places. The same one twice: none do.
+// Two of the three bytes of a pixel, counted from 0, that change places. The same one twice: none
+// do.
 struct Exchange {
     std::size_t first;
     std::size_t second;

@@ -347,8 +347,8 @@ TEST_F(ExrRange, ChunksThatLieElsewhereAreRefused) {
     }
 }
 
-// Every truncated length, and bytes changed at random: a range or a negative code, never a crash, and
-// the file itself stays.
+// Every truncated length, and bytes changed at random: a range or a negative code, never a crash,
+// and the file itself stays.
 TEST_F(ExrRange, DamagedFilesGiveACodeOrARange) {
     std::mt19937 random(1);
     const std::ptrdiff_t handles = openFiles();

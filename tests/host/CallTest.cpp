@@ -170,6 +170,8 @@ TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
         {{"--bits", "16", "--map", "height", "--format", "psd"}, "a PSD height map has 16 bits as"},
         {{"--thumbnail", "64"}, "--thumbnail counts with --format bmp only"},
         {{"--thumbnail", "64", "--format", "psd"}, "--thumbnail counts with --format bmp only"},
+        {{"--jpeg", "30"}, "--jpeg counts with --format bmp only"},
+        {{"--page", "--format", "psd"}, "--page counts with --format bmp only"},
     };
     const TempDir dir;
     const std::string mesh = dir.write("two.Vemo", twoQuads());

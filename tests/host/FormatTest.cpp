@@ -9,6 +9,7 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
+using ::testing::StartsWith;
 
 using Format = ExportedQuads;
 
@@ -155,8 +156,8 @@ TEST_F(Format, AHeightMapIsConvertedTo16BitsBesides) {
     EXPECT_FLOAT_EQ(Map(out + "/two_height.tif").height32(3, 5), 0.0625f);
 }
 
-// 256 rows and 256 columns of a height of their own, and the background: 513 levels. Python computes
-// 18.49 e^(1049 / 513 - 0.00007071 x 513) in single precision.
+// 256 rows and 256 columns of a height of their own, and the background: 513 levels. Python
+// computes 18.49 e^(1049 / 513 - 0.00007071 x 513) in single precision.
 TEST_F(Format, AFloatMapTellsItsDisplacementScale) {
     size = "1024";
     const Ended ended = succeed({"--map", "height"});
@@ -193,6 +194,43 @@ TEST_F(Format, ABmpLeavesAThumbnailBesides) {
     EXPECT_EQ(thumbnail.at(1, 2), kBackground);
     EXPECT_EQ(thumbnail.at(6, 5), kBackground);
     EXPECT_EQ(Picture(dir, out + "/two_normal.bmp", 64).at(8, 8), kFacesZ);
+}
+
+// The library's own JPEG, as another decoder sees it: flat cells come close to their colours.
+TEST_F(Format, ABmpIsSavedAsJpegBesides) {
+    size = "64";
+    const Ended ended = succeed({"--format", "bmp", "--jpeg", "0"});
+    EXPECT_THAT(ended.out, HasSubstr("saveAsJpeg              0  " + out + "/two_normal.bmp to " +
+                                     out + "/two_normal.jpg, quality 0\n"));
+    const Picture jpeg(dir, out + "/two_normal.jpg", 64);
+    ASSERT_EQ(jpeg.samples.size(), 3u * 64 * 32);
+    const Rgb pixel = jpeg.at(16, 16);
+    for (std::size_t channel = 0; channel < 3; ++channel)
+        EXPECT_NEAR(pixel[channel], kFacesZ[channel], 3) << channel;
+}
+
+TEST_F(Format, AJpegWithoutAQualityIsOfTheMiddleOne) {
+    EXPECT_THAT(succeed({"--format", "bmp", "--jpeg"}).out, HasSubstr("quality 50\n"));
+}
+
+TEST_F(Format, APageShowsTheTilesTheSheetAndTheCalls) {
+    succeed({"--format", "bmp", "--page"});
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.bmp", "two_normal.html"));
+    const ByteList bytes = readBytes(out + "/two_normal.html");
+    const std::string page(bytes.begin(), bytes.end());
+    EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n"));
+    EXPECT_THAT(page, EndsWith("</html>\n"));
+    EXPECT_THAT(page, HasSubstr("<h1>The normals of two</h1>"));
+    EXPECT_THAT(page, HasSubstr("<figcaption>1001</figcaption>"));
+    EXPECT_THAT(page, HasSubstr("<figcaption>1002</figcaption>"));
+    EXPECT_THAT(page, HasSubstr("<td class=\"name\">mergeMapsBMP</td>"));
+    // Three pictures, each a whole JPEG: FF D8 FF E0 is "/9j/4" in base64. Nothing is fetched.
+    std::size_t pictures = 0;
+    constexpr std::string_view kJpeg = "src=\"data:image/jpeg;base64,/9j/4";
+    for (std::size_t at = page.find(kJpeg); at != page.npos; at = page.find(kJpeg, at + 1))
+        ++pictures;
+    EXPECT_EQ(pictures, 3u);
+    EXPECT_EQ(page.find("http"), page.npos);
 }
 
 TEST_F(Format, ASheetTooThinForItsThumbnailIsASentence) {

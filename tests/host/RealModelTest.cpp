@@ -42,8 +42,8 @@ bool isOutside(const Uv& corner) {
 
 class RealModel : public testing::Test {
 protected:
-    // The corners of the tiles' meshes, each moved back to its tile, in the model's order; how often
-    // each corner was found.
+    // The corners of the tiles' meshes, each moved back to its tile, in the model's order; how
+    // often each corner was found.
     struct Restored {
         std::vector<Uv> corners;
         std::vector<int> found;
