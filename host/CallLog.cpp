@@ -53,7 +53,7 @@ std::string detailOf(const Export& entry, const CallArguments& arguments,
 
 CallResult CallLog::call(std::string_view name, const CallArguments& arguments) {
     const auto start = std::chrono::steady_clock::now();
-    const CallResult result = library_.call(name, arguments);
+    CallResult result = library_.call(name, arguments);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
 
     const std::string status = statusText(result.status);

@@ -73,7 +73,7 @@ void appendSampledRow(BmpWriter& writer, const Thumbnail& thumb, std::uint64_t r
 }
 
 void appendSamples(BmpWriter& writer, const Thumbnail& thumb) {
-    if (thumb.image.pixelBytes == 0) return;
+    if (thumb.image.rows == 0 || thumb.image.pixelBytes == 0) return;
     const auto stride = static_cast<std::uint64_t>(bmpHdr.rowStride);
 
     float sourceRow = 0.0f;

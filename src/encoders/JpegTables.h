@@ -98,9 +98,9 @@ constexpr HuffmanTable compute_Huffman_table(const CodeCounts& nrcodes,
     HuffmanTable table{};
     std::uint16_t code = 0;
     std::size_t used = 0;
-    for (std::uint8_t length = 1; length < nrcodes.size(); ++length) {
-        for (std::uint8_t i = 0; i < nrcodes[length]; ++i)
-            table[values[used++]] = {length, code++};
+    for (std::size_t length = 1; length < nrcodes.size(); ++length) {
+        for (std::size_t i = 0; i < nrcodes[length]; ++i)
+            table[values[used++]] = {static_cast<std::uint8_t>(length), code++};
         code = static_cast<std::uint16_t>(code << 1);
     }
     return table;

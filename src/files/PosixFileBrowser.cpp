@@ -50,6 +50,7 @@ struct SpawnActions {
 // its process number, or 0 when it could not be started.
 pid_t start(std::vector<std::string> arguments, int output) {
     std::vector<char*> argv;
+    argv.reserve(arguments.size() + 1);
     for (std::string& argument : arguments)
         argv.push_back(argument.data());
     argv.push_back(nullptr);

@@ -197,7 +197,7 @@ MaskInput readMaskInput(const VemoFile& vemo) {
 // A whole mask chunk and the closing header after it; the mask itself shows no vertex yet.
 std::vector<std::uint8_t> emptyMaskChunk(std::uint32_t vertices) {
     std::vector<std::uint8_t> chunk(kChunkHeaderBytes + vertices + kClosingHeader.size());
-    storeLe32(&chunk[0], kMaskChunk);
+    storeLe32(chunk.data(), kMaskChunk);
     storeLe32(&chunk[4], vertices + std::uint32_t{kChunkHeaderBytes});
     storeLe32(&chunk[8], vertices);
     return chunk;

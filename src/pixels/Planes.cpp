@@ -63,10 +63,11 @@ void layOverPlanes(std::uint8_t* planes, const std::uint8_t* source, const Rgb& 
 }
 
 void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, std::size_t samples) {
-    std::uint16_t background;
+    std::uint16_t background = 0;
     std::memcpy(&background, plane, sizeof background);
     for (std::size_t i = 0; i < samples; ++i) {
-        std::uint16_t below, above;
+        std::uint16_t below = 0;
+        std::uint16_t above = 0;
         std::memcpy(&below, plane + 2 * i, sizeof below);
         std::memcpy(&above, source + 2 * i, sizeof above);
         if (above != background) below = above;
