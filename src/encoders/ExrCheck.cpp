@@ -2,10 +2,12 @@
 
 #include <algorithm>
 #include <initializer_list>
+#include <optional>
 #include <string_view>
 #include <vector>
 
 #include "encoders/ExrLoader.h"
+#include "encoders/PizBlock.h"
 
 using namespace exr_status;
 
@@ -180,18 +182,19 @@ std::vector<Level> levelsOf(const Header& header, std::uint32_t width, std::uint
     return levels;
 }
 
-// Whether `offset` leads to a chunk that starts with these numbers and whose data lies in the file
-// and takes at least `leastBytes`.
-bool isChunk(Bytes file, std::uint64_t offset, std::initializer_list<std::uint32_t> place,
-             std::uint64_t leastBytes) {
-    if (offset > file.size) return false;
+// The data of the chunk that starts at `offset` with these numbers. Nothing when there is no such
+// chunk or it leaves the file.
+std::optional<Bytes> chunkAt(Bytes file, std::uint64_t offset,
+                             std::initializer_list<std::uint32_t> place) {
+    if (offset > file.size) return {};
     for (const std::uint32_t number : place) {
-        if (file.le32(offset) != number) return false;
+        if (file.le32(offset) != number) return {};
         offset += 4;
     }
     const std::uint64_t bytes = file.le32(offset);
-    return !file.overran && bytes <= INT32_MAX && bytes >= leastBytes &&
-           file.holds(offset + 4, bytes, 1);
+    offset += 4;
+    if (file.overran || bytes > INT32_MAX || !file.holds(offset, bytes, 1)) return {};
+    return Bytes{file.data + offset, static_cast<std::size_t>(bytes)};
 }
 
 std::uint64_t offsetAt(Bytes& file, std::uint64_t at) {
@@ -203,9 +206,13 @@ std::uint32_t rowsPerChunk(int compression) {
     return compression == kPiz ? 32 : 1;
 }
 
-// The least that a chunk's data takes: all of it where nothing is compressed.
-std::uint64_t leastChunkBytes(const Header& header, std::uint64_t pixels) {
-    return header.compression == kNone ? pixels * header.pixelBytes() : 2;
+// Whether a chunk of so many pixels can be decoded. One that compression would not shrink is stored
+// as it is.
+bool isSound(const std::optional<Bytes>& chunk, const Header& header, std::uint64_t pixels) {
+    const std::uint64_t raw = pixels * header.pixelBytes();
+    if (!chunk || chunk->size < 2) return false;
+    if (header.compression == kNone) return chunk->size >= raw;
+    return header.compression != kPiz || chunk->size == raw || isSoundPizBlock(*chunk);
 }
 
 bool checkRows(Bytes file, const Header& header, std::uint32_t width, std::uint32_t height) {
@@ -218,9 +225,8 @@ bool checkRows(Bytes file, const Header& header, std::uint32_t width, std::uint3
         const std::uint32_t first = chunk * step;
         const std::uint64_t rows = std::min(step, height - first);
         const auto row = static_cast<std::uint32_t>(header.top) + first;
-        if (!isChunk(file, offsetAt(file, header.end + 8 * std::uint64_t{chunk}), {row},
-                     leastChunkBytes(header, rows * width)))
-            return false;
+        const std::uint64_t offset = offsetAt(file, header.end + 8 * std::uint64_t{chunk});
+        if (!isSound(chunkAt(file, offset, {row}), header, rows * width)) return false;
     }
     return true;
 }
@@ -251,9 +257,9 @@ bool checkTiles(Bytes file, const Header& header, std::uint32_t width, std::uint
         for (std::uint32_t row = 0; row < level.rows; ++row) {
             for (std::uint32_t column = 0; column < level.columns; ++column, entry += 8) {
                 const std::uint64_t pixels = tilePixels(header, level, column, row, width, height);
-                if (!isChunk(file, offsetAt(file, entry), {column, row, level.x, level.y},
-                             leastChunkBytes(header, pixels)))
-                    return false;
+                const auto chunk =
+                    chunkAt(file, offsetAt(file, entry), {column, row, level.x, level.y});
+                if (!isSound(chunk, header, pixels)) return false;
             }
         }
     }
