@@ -153,12 +153,10 @@ PsdImage takeImg() {
 }
 
 float writePSD(const char* path, std::initializer_list<std::span<const std::uint8_t>> parts) {
-    const File file = File::create(path);
+    FileWriter file(File::create(path));
     if (!file.isOpen()) return kNotWritten;
-    std::uint64_t offset = 0;
     for (const std::span<const std::uint8_t> part : parts) {
-        if (!file.writeAt(offset, part.data(), part.size())) break;
-        offset += part.size();
+        if (!file.append(part.data(), part.size())) break;
     }
     return kOk;
 }
