@@ -5,7 +5,9 @@ include(CMakePackageConfigHelpers)
 set(quillon_package_dir ${CMAKE_INSTALL_LIBDIR}/cmake/Quillon)
 
 install(TARGETS Quillon EXPORT QuillonTargets LIBRARY DESTINATION ${CMAKE_INSTALL_LIBDIR})
-install(TARGETS quillon RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+if(TARGET quillon)
+  install(TARGETS quillon RUNTIME DESTINATION ${CMAKE_INSTALL_BINDIR})
+endif()
 install(FILES src/export/Quillon.h DESTINATION ${CMAKE_INSTALL_INCLUDEDIR}/quillon)
 install(EXPORT QuillonTargets NAMESPACE Quillon:: FILE QuillonConfig.cmake
   DESTINATION ${quillon_package_dir})
