@@ -22,6 +22,10 @@ constexpr const char* kUsersFolder = "/home";
 // A chooser's answer is one path and a line end; more than this is not a path.
 constexpr std::size_t kLongestAnswer = 64 * 1024;
 
+// The exit status of a program that could not be started: a shell's, and the one by which
+// posix_spawnp may tell it where it cannot do so at once.
+constexpr int kNotStarted = 127;
+
 struct Descriptor {
     explicit Descriptor(int value) : number(value) {}
     Descriptor(const Descriptor&) = delete;
@@ -74,12 +78,13 @@ std::string readToEnd(int descriptor) {
     }
 }
 
-bool endedWell(pid_t child) {
+// Waits for a child and returns its exit status, or -1 when a signal ended it.
+int exitStatus(pid_t child) {
     int status = 0;
     while (::waitpid(child, &status, 0) < 0) {
-        if (errno != EINTR) return false;
+        if (errno != EINTR) return -1;
     }
-    return WIFEXITED(status) && WEXITSTATUS(status) == 0;
+    return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
 }
 
 char* newText(const std::string& text) {
@@ -103,7 +108,8 @@ Answer askWith(std::vector<std::string> arguments) {
 
     writing.close();  // or the reading below would never see the end
     std::string path = readToEnd(reading.number);
-    if (!endedWell(child)) return {.shown = true};
+    const int status = exitStatus(child);
+    if (status != 0) return {.shown = status != kNotStarted};
     if (!path.empty() && path.back() == '\n') path.pop_back();
     if (path.empty() || path.size() >= kLongestAnswer) return {.shown = true};
     return {.shown = true, .path = newText(path)};

@@ -158,6 +158,13 @@ TEST_F(OpenFileBrowser, AsksTheOtherDesktopsDialogWhereTheFirstIsMissing) {
                 ElementsAre("--title=Choose a mesh", "--getopenfilename", ".", "*.vws *.VWS"));
 }
 
+// Shells end with 127 when the program they should become is not there.
+TEST_F(OpenFileBrowser, AsksTheOtherDesktopsDialogWhereTheFirstCannotStart) {
+    install("zenity", "exit 127");
+    install("kdialog", "printf '/maps/b.vws\\n'");
+    EXPECT_EQ(choose(), "/maps/b.vws");
+}
+
 TEST_F(OpenFileBrowser, GivesNothingWhereNoDialogIsInstalled) {
     EXPECT_EQ(choose(), std::nullopt);
 }

@@ -203,7 +203,7 @@ TEST(CommandLine, TheLibraryCanBeNamed) {
 }
 
 TEST(CommandLine, OutputThatNobodyTakesIsASentence) {
-    const Ended ended = run({"/bin/sh", "-c", "exec \"$0\" call Version >/dev/full", QUILLON_HOST});
+    const Ended ended = quillonInShell("exec \"$@\" >/dev/full", {"call", "Version"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: the output could not be written\n");
 }

@@ -238,8 +238,7 @@ TEST_F(Export, TilesTooFarApartForTheSheetAreASentence) {
 // A limit on the size of files stands in for a full disk.
 TEST_F(Export, ADiskThatTakesNoMoreIsASentenceAndLeavesNothing) {
     const Ended ended =
-        run({"/bin/sh", "-c", "ulimit -f 8; exec \"$0\" export \"$1\" --out \"$2\" --size 256",
-             QUILLON_HOST, mesh, out});
+        quillonInShell("ulimit -f 8; exec \"$@\"", {"export", mesh, "--out", out, "--size", "256"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: cannot write " + out + "/working/two1001.tif: File too large\n");
     EXPECT_FALSE(dir.has("maps"));

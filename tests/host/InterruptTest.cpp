@@ -47,10 +47,10 @@ private:
 };
 
 // Runs quillon, sends Ctrl-C as soon as `sign` exists and returns the exit status.
-int interrupted(std::vector<std::string> arguments, const std::string& sign) {
-    arguments.insert(arguments.begin(), QUILLON_HOST);
+int interrupted(const std::vector<std::string>& arguments, const std::string& sign) {
+    std::vector<std::string> line = commandLine(QUILLON_HOST, arguments);
     std::vector<char*> argv;
-    for (std::string& text : arguments)
+    for (std::string& text : line)
         argv.push_back(text.data());
     argv.push_back(nullptr);
 

@@ -162,9 +162,11 @@ TEST_F(MergeCommand, ShowsEveryCallWhenAsked) {
 
 // The program script runs a command on a terminal of its own and passes on what it shows.
 TEST_F(MergeCommand, ShowsABarOnATerminal) {
-    const Ended ended = run(
-        {"/usr/bin/script", "--quiet", "--return", "--command",
-         "'" QUILLON_HOST "' merge '" + all + "' '" + second + "' '" + third + "'", "/dev/null"});
+    std::string command;
+    for (const std::string& word : commandLine(QUILLON_HOST, {"merge", all, second, third}))
+        command += "'" + word + "' ";
+    const Ended ended =
+        run({"/usr/bin/script", "--quiet", "--return", "--command", command, "/dev/null"});
     EXPECT_EQ(ended.exitStatus, 0);
     EXPECT_THAT(ended.out, HasSubstr("merging [############............] 1 of 2  " + third));
 }

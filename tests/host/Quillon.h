@@ -8,9 +8,16 @@
 #include "support/Run.h"
 #include "support/TempDir.h"
 
-inline Ended quillon(std::vector<std::string> arguments) {
-    arguments.insert(arguments.begin(), QUILLON_HOST);
-    return run(arguments);
+inline Ended quillon(const std::vector<std::string>& arguments) {
+    return run(commandLine(QUILLON_HOST, arguments));
+}
+
+// quillon as a shell script runs it, in which "$@" is the command.
+inline Ended quillonInShell(const std::string& script, const std::vector<std::string>& arguments) {
+    std::vector<std::string> line{"/bin/sh", "-c", script, "sh"};
+    const std::vector<std::string> command = commandLine(QUILLON_HOST, arguments);
+    line.insert(line.end(), command.begin(), command.end());
+    return run(line);
 }
 
 // A file put together from little-endian words.

@@ -41,6 +41,14 @@ std::string textOf(const std::string& path) {
 
 }  // namespace
 
+std::vector<std::string> commandLine(const std::string& program,
+                                     const std::vector<std::string>& arguments) {
+    std::vector<std::string> line{program};
+    if (*QUILLON_EMULATOR != '\0') line.insert(line.begin(), QUILLON_EMULATOR);
+    line.insert(line.end(), arguments.begin(), arguments.end());
+    return line;
+}
+
 Ended run(const std::vector<std::string>& arguments) {
     std::vector<std::string> texts = arguments;
     std::vector<char*> argv;
