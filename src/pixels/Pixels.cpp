@@ -3,8 +3,6 @@
 #include <cstring>
 #include <utility>
 
-#include "bytes/Bytes.h"
-
 namespace {
 
 template <std::size_t kPixelBytes>
@@ -14,19 +12,6 @@ void fillPixels(std::uint8_t* row, const std::uint8_t* source, const std::uint8_
     for (; row != end; row += kPixelBytes, source += kPixelBytes) {
         if (std::memcmp(row, background, kPixelBytes) == 0) std::memcpy(row, source, kPixelBytes);
     }
-}
-
-// 0.5 to 65535.5, so that truncating it gives the level.
-float heldLevel(float sample) {
-    const float scaled = sample * 65535.0f;
-    const float notBelow = scaled >= 0.0f ? scaled : 0.0f;  // NaN compares false
-    return (notBelow <= 65535.0f ? notBelow : 65535.0f) + 0.5f;
-}
-
-template <void kStore(std::uint8_t*, std::uint16_t)>
-void quantise(std::uint8_t* to, const float* from, std::size_t count, std::size_t step) {
-    for (std::size_t i = 0; i < count; ++i)
-        kStore(to + 2 * i, levelOf(from[i * step]));
 }
 
 }  // namespace
@@ -68,26 +53,4 @@ void copyReversed(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels
 void greyToColour(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {
     for (std::size_t i = 0; i < pixels; ++i, to += 3)
         to[0] = to[1] = to[2] = from[i];
-}
-
-void takeFirstSamples(std::uint8_t* to, const float* from, std::size_t pixels) {
-    for (std::size_t i = 0; i < pixels; ++i)
-        storeLeFloat(to + 4 * i, from[3 * i]);
-}
-
-std::uint16_t levelOf(float sample) {
-    return static_cast<std::uint16_t>(static_cast<std::int32_t>(heldLevel(sample)));
-}
-
-void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
-                ByteOrder order) {
-    if (order == ByteOrder::kLittle)
-        quantise<storeLe16>(to, from, count, step);
-    else
-        quantise<storeBe16>(to, from, count, step);
-}
-
-void markLevels(LevelSet& levels, const float* samples, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        levels.set(levelOf(samples[i]));
 }
