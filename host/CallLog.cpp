@@ -1,7 +1,6 @@
 #include "CallLog.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
 #include <iterator>
 #include <utility>
@@ -52,15 +51,13 @@ std::string detailOf(const Export& entry, const CallArguments& arguments,
 }  // namespace
 
 CallResult CallLog::call(std::string_view name, const CallArguments& arguments) {
-    const auto start = std::chrono::steady_clock::now();
-    CallResult result = library_.call(name, arguments);
-    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-
-    const std::string status = statusText(result.status);
-    const std::string detail = detailOf(*findExport(name), arguments, result);
-    calls_.push_back({std::string(name), detail, status, time.count()});
-    print(std::string(name), status, detail);
-    return result;
+    CallRecord made = library_.call(name, arguments);
+    const std::string status = statusText(made.result.status);
+    const std::string detail = detailOf(*findExport(name), arguments, made.result);
+    report_.addCall(made);
+    calls_.push_back({made.name, detail, status, made.milliseconds});
+    print(made.name, status, detail);
+    return std::move(made.result);
 }
 
 CallResult CallLog::require(std::string_view name, const CallArguments& arguments) {
@@ -79,9 +76,10 @@ void CallLog::quietly(std::string_view name, const CallArguments& arguments) con
 }
 
 void CallLog::print(const std::string& name, const std::string& status, const std::string& detail) {
+    if (!printsLines(style_)) return;
     const std::string start = padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
     const std::string line = start + (detail.empty() ? "" : "  " + detail) + '\n';
-    if (verbose_ || start != row_) {
+    if (style_ == OutputStyle::kAllLines || start != row_) {
         finishRow();
         row_ = start;
         std::fputs(line.c_str(), stdout);

@@ -3,8 +3,10 @@
 #include <dlfcn.h>
 
 #include <algorithm>
+#include <chrono>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 #ifdef __APPLE__
@@ -81,10 +83,15 @@ CallResult Library::call(const Export& entry, const CallArguments& arguments) co
     }
 }
 
-CallResult Library::call(std::string_view name, const CallArguments& arguments) const {
+CallRecord Library::call(std::string_view name, const CallArguments& arguments) const {
     const Export* entry = findExport(name);
-    if (entry == nullptr) throw WrongUsage("there is no export " + std::string(name));
-    return call(*entry, arguments);
+    if (entry == nullptr)
+        throw WrongUsage("there is no export " + std::string(name) +
+                         "; quillon call --help lists them all");
+    const auto start = std::chrono::steady_clock::now();
+    CallResult result = call(*entry, arguments);
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    return {std::string(name), arguments, std::move(result), time.count()};
 }
 
 std::string libraryBesideProgram() {

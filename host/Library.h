@@ -19,6 +19,14 @@ struct CallResult {
     std::optional<std::string> text;  // what the export wrote; nothing when it wrote nothing
 };
 
+// A call that was made.
+struct CallRecord {
+    std::string name;  // of the export
+    CallArguments arguments;
+    CallResult result;
+    double milliseconds;
+};
+
 class Library {
 public:
     // Loads the library at `path`; throws Failure when there is none that can be loaded.
@@ -28,8 +36,8 @@ public:
     // text. Throws Failure when the library lacks the export or the export throws.
     CallResult call(const Export& entry, const CallArguments& arguments) const;
 
-    // By name; the name must be one of allExports().
-    CallResult call(std::string_view name, const CallArguments& arguments) const;
+    // By name, and timed; throws WrongUsage for a name that is none of allExports().
+    CallRecord call(std::string_view name, const CallArguments& arguments) const;
 
 private:
     struct Close {

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "CallCommand.h"
+#include "Colour.h"
 #include "ExportCommand.h"
 #include "Exports.h"
 #include "Failure.h"
@@ -16,6 +17,7 @@
 #include "Interrupt.h"
 #include "Library.h"
 #include "MergeCommand.h"
+#include "Report.h"
 
 namespace {
 
@@ -23,6 +25,7 @@ constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kWrongUsage = 2;
 constexpr int kInterrupted = 130;  // as shells report it
+constexpr const char* kInterruptedSentence = "interrupted";
 
 constexpr const char* kExamples = R"(Examples:
   quillon call Version
@@ -102,15 +105,20 @@ private:
     void addExportKinds();
     void addExportExtras();
     void addMerge();
+    void addOutput(CLI::App& command, bool withVerbose);
 
     Library openLibrary() const {
         return Library(library_.empty() ? libraryBesideProgram() : library_);
     }
-    CallArguments callArguments() const;
-    int carryOut();
+    OutputStyle output() const;
+    CallOptions callOptions() const;
+    int carryOut(Report& report);
 
     CLI::App app_{"Calls the Quillon plug-in the way Morvane does."};
     std::string library_;
+    bool json_ = false;
+    bool quiet_ = false;
+    bool verbose_ = false;
 
     CLI::App* call_ = nullptr;
     std::string exportName_;
@@ -149,6 +157,7 @@ void CommandLine::addCall() {
     call_->add_option("TEXT", text_, "The first argument: a path or another text")->type_name("");
     call_->add_option("--value", value_, "The number; 0 when left out")->type_name("V");
     call_->add_option("--buffer", buffer_, "The second path")->type_name("TEXT");
+    addOutput(*call_, false);
     call_->footer(kCallExamples + exportList());
 }
 
@@ -160,6 +169,7 @@ void CommandLine::addImport() {
     import_->add_option("OUT", importOptions_.out, "Vemo file to write")->required()->type_name("");
     import_->add_flag("--tile-per-group", importOptions_.tilePerGroup,
                       "Give each group a UV tile of its own");
+    addOutput(*import_, false);
     import_->footer(kImportExamples);
 }
 
@@ -225,7 +235,7 @@ void CommandLine::addExportExtras() {
         ->type_name("QUALITY");
     export_->add_flag("--page", options.page, "A page that shows a BMP export in pictures");
     export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
-    export_->add_flag("--verbose", options.verbose, "Show every call, also of a long row");
+    addOutput(*export_, true);
 }
 
 void CommandLine::addMerge() {
@@ -236,32 +246,50 @@ void CommandLine::addMerge() {
     merge_->add_option("SOURCE", mergeOptions_.sources, "Maps of single tiles")
         ->required()
         ->type_name("");
-    merge_->add_flag("--verbose", mergeOptions_.verbose, "Show every call");
+    addOutput(*merge_, true);
     merge_->footer(kMergeExamples);
 }
 
-CallArguments CommandLine::callArguments() const {
-    CallArguments arguments{.value = value_};
-    if (call_->get_option("TEXT")->count() > 0) arguments.text = text_;
-    if (call_->get_option("--buffer")->count() > 0) arguments.buffer = buffer_;
-    return arguments;
+// The flags that say how a command tells what it did.
+void CommandLine::addOutput(CLI::App& command, bool withVerbose) {
+    CLI::Option* json = command.add_flag("--json", json_, "Print JSON, for scripts");
+    CLI::Option* quiet =
+        command.add_flag("--quiet", quiet_, "Print nothing; the exit status tells")->excludes(json);
+    if (!withVerbose) return;
+    command.add_flag("--verbose", verbose_, "Show every call, also of a long row")
+        ->excludes(json)
+        ->excludes(quiet);
 }
 
-int CommandLine::carryOut() {
-    if (call_->parsed())
-        return callExport(openLibrary(), exportName_, callArguments()) ? kSuccess : kFailure;
+OutputStyle CommandLine::output() const {
+    if (json_) return OutputStyle::kJson;
+    if (quiet_) return OutputStyle::kQuiet;
+    return verbose_ ? OutputStyle::kAllLines : OutputStyle::kLines;
+}
+
+CallOptions CommandLine::callOptions() const {
+    CallOptions options{.name = exportName_, .arguments = {.value = value_}, .output = output()};
+    if (call_->get_option("TEXT")->count() > 0) options.arguments.text = text_;
+    if (call_->get_option("--buffer")->count() > 0) options.arguments.buffer = buffer_;
+    return options;
+}
+
+int CommandLine::carryOut(Report& report) {
+    if (call_->parsed()) return callExport(openLibrary(), callOptions()) ? kSuccess : kFailure;
     if (import_->parsed()) {
-        importModel(importOptions_);
-        return kSuccess;
+        importOptions_.output = output();
+        importModel(importOptions_, report);
+    } else if (merge_->parsed()) {
+        mergeOptions_.output = output();
+        mergeMaps(openLibrary(), mergeOptions_, report);
+    } else {
+        exportOptions_.output = output();
+        exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
+        exportOptions_.format = formatNamed(formatName_).value_or(MapFormat::kTiff);
+        requireConsistent(exportOptions_);
+        exportMap(openLibrary(), exportOptions_, report);
     }
-    if (merge_->parsed()) {
-        mergeMaps(openLibrary(), mergeOptions_);
-        return kSuccess;
-    }
-    exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
-    exportOptions_.format = formatNamed(formatName_).value_or(MapFormat::kTiff);
-    requireConsistent(exportOptions_);
-    exportMap(openLibrary(), exportOptions_);
+    if (json_) report.printSuccess();
     return kSuccess;
 }
 
@@ -272,12 +300,21 @@ int CommandLine::run(int argc, char** argv) {
         if (error.get_exit_code() == 0) return app_.exit(error);
         throw WrongUsage(std::string(error.what()) + "; see quillon --help");
     }
-    return carryOut();
+    Report report;
+    try {
+        return carryOut(report);
+    } catch (const Interrupted&) {
+        if (json_) report.printFailure(kInterruptedSentence);
+        throw;
+    } catch (const std::exception& failure) {
+        if (json_) report.printFailure(failure.what());
+        throw;
+    }
 }
 
 int stopped(const char* sentence, int status) {
     std::fflush(stdout);
-    std::fprintf(stderr, "quillon: %s\n", sentence);
+    std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), sentence);
     return status;
 }
 
@@ -295,7 +332,7 @@ int main(int argc, char** argv) {
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);
     } catch (const Interrupted&) {
-        return stopped("interrupted", kInterrupted);
+        return stopped(kInterruptedSentence, kInterrupted);
     } catch (const std::bad_alloc&) {
         return stopped("there is too little memory", kFailure);
     } catch (const std::exception& failure) {
