@@ -19,7 +19,7 @@ void printLines(const CallResult& result, const Meaning& meaning) {
 
 bool callExport(const Library& library, const CallOptions& options) {
     const CallRecord call = library.call(options.name, options.arguments);
-    const Meaning meaning = meaningOf(*findExport(call.name), call.arguments, call.result.status);
+    const Meaning meaning = meaningOf(requireExport(call.name), call.arguments, call.result.status);
     if (options.output == OutputStyle::kJson) printJson(jsonOf(call));
     if (printsLines(options.output)) printLines(call.result, meaning);
     return meaning.success;

@@ -49,5 +49,8 @@ private:
     std::size_t leftOut_ = 0;  // how many calls between the first and that one have no line
 };
 
+// The line of a call, without a line end.
+std::string lineOf(const CallRecord& call);
+
 // The sentence for a call that failed.
 std::string failureSentence(std::string_view name, const CallArguments& arguments, float status);

@@ -2,6 +2,8 @@
 
 #include <algorithm>
 
+#include "Failure.h"
+
 namespace {
 
 using enum BufferUse;
@@ -70,6 +72,12 @@ std::span<const Export> allExports() {
 const Export* findExport(std::string_view name) {
     const auto* found = std::ranges::find(kExports, name, &Export::name);
     return found == std::end(kExports) ? nullptr : found;
+}
+
+const Export& requireExport(std::string_view name) {
+    if (const Export* entry = findExport(name)) return *entry;
+    throw WrongUsage("there is no export " + std::string(name) +
+                     "; quillon call --help lists them all");
 }
 
 std::string exportList() {

@@ -24,5 +24,8 @@ std::span<const Export> allExports();
 // Null when the library has no such export.
 const Export* findExport(std::string_view name);
 
+// Throws WrongUsage when the library has no such export.
+const Export& requireExport(std::string_view name);
+
 // One line an export: its name and what it reads.
 std::string exportList();

@@ -27,10 +27,13 @@ struct CallRecord {
     double milliseconds;
 };
 
+// What becomes of a line that the library itself prints, as some exports do when they fail.
+enum class LibraryPrints { kShown, kDropped };
+
 class Library {
 public:
     // Loads the library at `path`; throws Failure when there is none that can be loaded.
-    explicit Library(const std::string& path);
+    explicit Library(const std::string& path, LibraryPrints prints = LibraryPrints::kShown);
 
     // Calls one export. What is not given is passed as a null pointer, save the block that takes a
     // text. Throws Failure when the library lacks the export or the export throws.
@@ -44,6 +47,7 @@ private:
         void operator()(void* handle) const;
     };
     std::unique_ptr<void, Close> handle_;
+    LibraryPrints prints_;
 };
 
 // Where the library lies beside this program: in the build tree, in an installation, or in the same

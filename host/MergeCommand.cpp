@@ -82,7 +82,7 @@ void Merge::run() {
 void Merge::fold(const std::string& source) {
     const CallArguments arguments{.text = source, .buffer = options_.target};
     const float status = log_.call(export_, arguments).status;
-    const Meaning meaning = meaningOf(*findExport(export_), arguments, status);
+    const Meaning meaning = meaningOf(requireExport(export_), arguments, status);
     if (!meaning.success)
         throw Failure(source + " cannot be merged into " + options_.target + ": " +
                       meaning.sentence + " (" + std::string(export_) + " answered " +

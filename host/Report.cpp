@@ -13,7 +13,7 @@ Json jsonOf(float status) {
 
 Json jsonOf(const CallRecord& call) {
     const CallArguments& arguments = call.arguments;
-    const Meaning meaning = meaningOf(*findExport(call.name), arguments, call.result.status);
+    const Meaning meaning = meaningOf(requireExport(call.name), arguments, call.result.status);
     Json passed = Json::object();
     if (arguments.text) passed["text"] = *arguments.text;
     passed["value"] = arguments.value;

@@ -9,6 +9,7 @@
 #include <string>
 
 #include "CallCommand.h"
+#include "CallWords.h"
 #include "Colour.h"
 #include "ExportCommand.h"
 #include "Exports.h"
@@ -18,6 +19,7 @@
 #include "Library.h"
 #include "MergeCommand.h"
 #include "Report.h"
+#include "ScriptCommand.h"
 
 namespace {
 
@@ -29,6 +31,7 @@ constexpr const char* kInterruptedSentence = "interrupted";
 
 constexpr const char* kExamples = R"(Examples:
   quillon call Version
+  quillon script calls.txt
   quillon import model.obj model.Vemo --tile-per-group
   quillon export model.Vemo --out maps
   quillon merge all.tif 1001.tif 1002.tif
@@ -46,11 +49,28 @@ constexpr const char* kCallExamples = R"(Examples:
   quillon call mergeMapsTIF maps/1002.tif --buffer maps/all.tif
   quillon call FileDelete -- -name-with-a-dash.tif
 
-TEXT or --buffer left out is a null pointer. A block that takes a text is always there.
+VALUE and BUFFER may also stand behind TEXT: quillon call mergeMapsTIF 1002.tif 0 all.tif
+TEXT or BUFFER left out is a null pointer. A block that takes a text is always there.
 Each call is a process of its own: the open folder, the tile filter and the tile names
-do not outlive it.
+do not outlive it. In quillon script they do.
 
 Exports and what they read:
+)";
+
+constexpr const char* kScriptExamples = R"(Examples:
+  quillon script calls.txt
+  quillon script calls.txt --keep-going --json
+  printf 'OpenFolder maps\nGetFile\nCloseFolder\n' | quillon script -
+
+A line is what follows quillon call, quoted as in a shell; # starts a comment:
+  setUVtilesOutput filter.txt              # the tiles that are wanted
+  getUVs 'my model.Vemo' 2 maps/model.Vemo
+  getUVString --value 0
+
+The open folder, the tile filter and the tile names carry over from call to call. The first
+call that fails ends the script, unless --keep-going is given. A file is checked to its end
+before the first call; standard input is carried out line by line. --json prints an object
+a line for each call.
 )";
 
 constexpr const char* kImportExamples = R"(Examples:
@@ -100,6 +120,7 @@ public:
 
 private:
     void addCall();
+    void addScript();
     void addImport();
     void addExport();
     void addExportKinds();
@@ -108,10 +129,10 @@ private:
     void addOutput(CLI::App& command, bool withVerbose);
 
     Library openLibrary() const {
-        return Library(library_.empty() ? libraryBesideProgram() : library_);
+        return Library(library_.empty() ? libraryBesideProgram() : library_,
+                       printsLines(output()) ? LibraryPrints::kShown : LibraryPrints::kDropped);
     }
     OutputStyle output() const;
-    CallOptions callOptions() const;
     int carryOut(Report& report);
 
     CLI::App app_{"Calls the Quillon plug-in the way Morvane does."};
@@ -121,10 +142,10 @@ private:
     bool verbose_ = false;
 
     CLI::App* call_ = nullptr;
-    std::string exportName_;
-    std::string text_;
-    std::string buffer_;
-    double value_ = 0.0;
+    CallWords callWords_;
+
+    CLI::App* script_ = nullptr;
+    ScriptOptions scriptOptions_;
 
     CLI::App* import_ = nullptr;
     ImportOptions importOptions_;
@@ -146,6 +167,7 @@ CommandLine::CommandLine() {
     app_.add_option("--library", library_, "The built library; otherwise the one near this program")
         ->type_name("PATH");
     addCall();
+    addScript();
     addImport();
     addExport();
     addMerge();
@@ -153,12 +175,19 @@ CommandLine::CommandLine() {
 
 void CommandLine::addCall() {
     call_ = app_.add_subcommand("call", "Call one export and print its status and its meaning");
-    call_->add_option("EXPORT", exportName_, "Which export")->required()->type_name("");
-    call_->add_option("TEXT", text_, "The first argument: a path or another text")->type_name("");
-    call_->add_option("--value", value_, "The number; 0 when left out")->type_name("V");
-    call_->add_option("--buffer", buffer_, "The second path")->type_name("TEXT");
+    callWords_.addTo(*call_);
     addOutput(*call_, false);
     call_->footer(kCallExamples + exportList());
+}
+
+void CommandLine::addScript() {
+    script_ = app_.add_subcommand("script", "Make a list of calls in one process");
+    script_->add_option("FILE", scriptOptions_.file, "The calls, one a line; - is standard input")
+        ->required()
+        ->type_name("");
+    script_->add_flag("--keep-going", scriptOptions_.keepGoing, "Go on after a call that failed");
+    addOutput(*script_, false);
+    script_->footer(kScriptExamples);
 }
 
 void CommandLine::addImport() {
@@ -267,15 +296,15 @@ OutputStyle CommandLine::output() const {
     return verbose_ ? OutputStyle::kAllLines : OutputStyle::kLines;
 }
 
-CallOptions CommandLine::callOptions() const {
-    CallOptions options{.name = exportName_, .arguments = {.value = value_}, .output = output()};
-    if (call_->get_option("TEXT")->count() > 0) options.arguments.text = text_;
-    if (call_->get_option("--buffer")->count() > 0) options.arguments.buffer = buffer_;
-    return options;
-}
-
 int CommandLine::carryOut(Report& report) {
-    if (call_->parsed()) return callExport(openLibrary(), callOptions()) ? kSuccess : kFailure;
+    if (call_->parsed()) {
+        const CallOptions options{callWords_.name(), callWords_.arguments(), output()};
+        return callExport(openLibrary(), options) ? kSuccess : kFailure;
+    }
+    if (script_->parsed()) {
+        scriptOptions_.output = output();
+        return runScript(openLibrary(), scriptOptions_) ? kSuccess : kFailure;
+    }
     if (import_->parsed()) {
         importOptions_.output = output();
         importModel(importOptions_, report);
@@ -327,7 +356,8 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     try {
         const int status = CommandLine().run(argc, argv);
-        if (std::fflush(stdout) != 0) throw Failure("the output could not be written");
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+            throw Failure("the output could not be written");
         return status;
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);

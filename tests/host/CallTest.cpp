@@ -145,6 +145,7 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
         {"export", "mesh.Vemo", "--out", "o", "--format", "bmp", "--thumbnail", "15"},
         {"merge"},
         {"merge", "all.tif"},
+        {"script"},
     };
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
@@ -186,11 +187,9 @@ TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
 }
 
 TEST(CommandLine, EveryLevelOfHelpHasExamples) {
-    const std::vector<std::vector<std::string>> kCases = {{"--help"},
-                                                          {"call", "--help"},
-                                                          {"import", "--help"},
-                                                          {"export", "--help"},
-                                                          {"merge", "--help"}};
+    const std::vector<std::vector<std::string>> kCases = {
+        {"--help"},           {"call", "--help"},   {"script", "--help"},
+        {"import", "--help"}, {"export", "--help"}, {"merge", "--help"}};
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
         EXPECT_EQ(ended.exitStatus, 0);

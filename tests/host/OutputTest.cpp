@@ -77,6 +77,16 @@ TEST_F(Output, MeasuredStatusesStayReadable) {
     EXPECT_THAT(height.out, HasSubstr("\"scale\":137.79819,"));
 }
 
+// The library itself prints "-20" there.
+TEST_F(Output, WhatTheLibraryPrintsIsNotAmongTheJson) {
+    EXPECT_EQ(quillon({"call", "mergeMapsTIF", all, "--buffer", dir.path("none")}).out.substr(0, 4),
+              "-20\n");
+    EXPECT_EQ(jsonOf({"call", "mergeMapsTIF", all, "--buffer", dir.path("none")}, 1)["status"],
+              -20);
+    EXPECT_EQ(quillon({"call", "mergeMapsTIF", all, "--buffer", dir.path("none"), "--quiet"}).out,
+              "");
+}
+
 TEST_F(Output, BytesThatAreNoUtf8AreReplaced) {
     EXPECT_EQ(jsonOf({"call", "GetString", "a\xFF", "--value", "0"})["text"], "a\xEF\xBF\xBD");
 }
