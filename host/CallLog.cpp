@@ -2,25 +2,12 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <iterator>
 #include <utility>
 
 #include "Failure.h"
 #include "Meanings.h"
 
 namespace {
-
-// What the number of an export is, where the exports that take one differ.
-constexpr std::pair<std::string_view, const char*> kNumbers[] = {
-    {"getUVString", "position"}, {"swapRGBTIF", "mode"},         {"swapRGBPSD", "mode"},
-    {"swapRGBBMP", "mode"},      {"getScale", "channels"},       {"convertTIFF16", "layout"},
-    {"GetString", "start"},      {"CreateThumbnailBMP", "size"}, {"saveAsJpeg", "quality"}};
-
-const char* numberOf(const Export& entry) {
-    const auto* found =
-        std::ranges::find(kNumbers, entry.name, [](const auto& n) { return n.first; });
-    return found == std::end(kNumbers) ? "naming" : found->second;
-}
 
 constexpr std::size_t kNameWidth = 18;  // the columns of a line
 constexpr std::size_t kStatusWidth = 6;
@@ -43,7 +30,7 @@ std::string detailOf(const CallRecord& call) {
     if (arguments.buffer) detail += " to " + *arguments.buffer;
     if (entry.value != nullptr) {
         detail += detail.empty() ? "" : ", ";
-        detail += numberOf(entry);
+        detail += entry.valueName;
         detail += ' ' + statusText(static_cast<float>(arguments.value));
     }
     if (result.text) detail += (detail.empty() ? "gives " : " gives ") + *result.text;

@@ -39,7 +39,7 @@ public:
     // text. Throws Failure when the library lacks the export or the export throws.
     CallResult call(const Export& entry, const CallArguments& arguments) const;
 
-    // By name, and timed; throws WrongUsage for a name that is none of allExports().
+    // By name, and timed; throws WrongUsage for a name that is no export's.
     CallRecord call(std::string_view name, const CallArguments& arguments) const;
 
 private:

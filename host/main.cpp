@@ -18,6 +18,7 @@
 #include "Interrupt.h"
 #include "Library.h"
 #include "MergeCommand.h"
+#include "Reference.h"
 #include "Report.h"
 #include "ScriptCommand.h"
 
@@ -31,6 +32,7 @@ constexpr const char* kInterruptedSentence = "interrupted";
 
 constexpr const char* kExamples = R"(Examples:
   quillon call Version
+  quillon describe getUVTile
   quillon script calls.txt
   quillon import model.obj model.Vemo --tile-per-group
   quillon export model.Vemo --out maps
@@ -71,6 +73,19 @@ The open folder, the tile filter and the tile names carry over from call to call
 call that fails ends the script, unless --keep-going is given. A file is checked to its end
 before the first call; standard input is carried out line by line. --json prints an object
 a line for each call.
+)";
+
+constexpr const char* kDescribeExamples = R"(Examples:
+  quillon describe mergeMapsTIF
+
+Tells what the export reads, writes and answers, with an example and what to check when
+a call fails.
+
+Exports and what they read:
+)";
+
+constexpr const char* kReferenceExamples = R"(Examples:
+  quillon reference >exports.md
 )";
 
 constexpr const char* kImportExamples = R"(Examples:
@@ -121,6 +136,7 @@ public:
 private:
     void addCall();
     void addScript();
+    void addReference();
     void addImport();
     void addExport();
     void addExportKinds();
@@ -147,6 +163,10 @@ private:
     CLI::App* script_ = nullptr;
     ScriptOptions scriptOptions_;
 
+    CLI::App* describe_ = nullptr;
+    std::string described_;
+    CLI::App* reference_ = nullptr;
+
     CLI::App* import_ = nullptr;
     ImportOptions importOptions_;
 
@@ -168,6 +188,7 @@ CommandLine::CommandLine() {
         ->type_name("PATH");
     addCall();
     addScript();
+    addReference();
     addImport();
     addExport();
     addMerge();
@@ -188,6 +209,14 @@ void CommandLine::addScript() {
     script_->add_flag("--keep-going", scriptOptions_.keepGoing, "Go on after a call that failed");
     addOutput(*script_, false);
     script_->footer(kScriptExamples);
+}
+
+void CommandLine::addReference() {
+    describe_ = app_.add_subcommand("describe", "Tell all about one export");
+    describe_->add_option("EXPORT", described_, "Which export")->required()->type_name("");
+    describe_->footer(kDescribeExamples + exportList());
+    reference_ = app_.add_subcommand("reference", "Tell all about every export, as Markdown");
+    reference_->footer(kReferenceExamples);
 }
 
 void CommandLine::addImport() {
@@ -304,6 +333,12 @@ int CommandLine::carryOut(Report& report) {
     if (script_->parsed()) {
         scriptOptions_.output = output();
         return runScript(openLibrary(), scriptOptions_) ? kSuccess : kFailure;
+    }
+    if (describe_->parsed() || reference_->parsed()) {
+        const std::string page =
+            reference_->parsed() ? wholeReference() : referenceOf(requireExport(described_));
+        std::fputs(page.c_str(), stdout);
+        return kSuccess;
     }
     if (import_->parsed()) {
         importOptions_.output = output();
