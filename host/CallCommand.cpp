@@ -2,19 +2,25 @@
 
 #include <cstdio>
 
-#include "Failure.h"
+#include "Colour.h"
 #include "Meanings.h"
 
-bool callExport(const Library& library, const std::string& name, const CallArguments& arguments) {
-    const Export* entry = findExport(name);
-    if (entry == nullptr)
-        throw WrongUsage("there is no export " + name + "; quillon call --help lists them all");
+namespace {
 
-    const CallResult result = library.call(*entry, arguments);
-    const Meaning meaning = meaningOf(*entry, arguments, result.status);
+void printLines(const CallResult& result, const Meaning& meaning) {
     std::printf("status   %s\n", statusText(result.status).c_str());
-    std::printf("meaning  %s: %s\n", meaning.success ? "success" : "failure",
-                meaning.sentence.c_str());
+    const std::string verdict =
+        meaning.success ? inGreen(stdout, "success") : inRed(stdout, "failure");
+    std::printf("meaning  %s: %s\n", verdict.c_str(), meaning.sentence.c_str());
     if (result.text) std::printf("text     %s\n", result.text->c_str());
+}
+
+}  // namespace
+
+bool callExport(const Library& library, const CallOptions& options) {
+    const CallRecord call = library.call(options.name, options.arguments);
+    const Meaning meaning = meaningOf(requireExport(call.name), call.arguments, call.result.status);
+    if (options.output == OutputStyle::kJson) printJson(jsonOf(call));
+    if (printsLines(options.output)) printLines(call.result, meaning);
     return meaning.success;
 }

@@ -1,27 +1,13 @@
 #include "CallLog.h"
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
-#include <iterator>
 #include <utility>
 
 #include "Failure.h"
 #include "Meanings.h"
 
 namespace {
-
-// What the number of an export is, where the exports that take one differ.
-constexpr std::pair<std::string_view, const char*> kNumbers[] = {
-    {"getUVString", "position"},    {"swapRGBTIF", "mode"},   {"swapRGBPSD", "mode"},
-    {"swapRGBBMP", "mode"},         {"getScale", "channels"}, {"convertTIFF16", "layout"},
-    {"CreateThumbnailBMP", "size"}, {"saveAsJpeg", "quality"}};
-
-const char* numberOf(const Export& entry) {
-    const auto* found =
-        std::ranges::find(kNumbers, entry.name, [](const auto& n) { return n.first; });
-    return found == std::end(kNumbers) ? "naming" : found->second;
-}
 
 constexpr std::size_t kNameWidth = 18;  // the columns of a line
 constexpr std::size_t kStatusWidth = 6;
@@ -36,36 +22,47 @@ std::string leftPadded(const std::string& text, std::size_t width) {
 }
 
 // What a call worked on, such as "tile.tif to map.tif" or "3 gives 1004".
-std::string detailOf(const Export& entry, const CallArguments& arguments,
-                     const CallResult& result) {
+std::string detailOf(const CallRecord& call) {
+    const Export& entry = requireExport(call.name);
+    const CallArguments& arguments = call.arguments;
+    const CallResult& result = call.result;
     std::string detail = arguments.text.value_or("");
     if (arguments.buffer) detail += " to " + *arguments.buffer;
     if (entry.value != nullptr) {
         detail += detail.empty() ? "" : ", ";
-        detail += numberOf(entry);
+        detail += entry.valueName;
         detail += ' ' + statusText(static_cast<float>(arguments.value));
     }
-    if (result.text) detail += " gives " + *result.text;
+    if (result.text) detail += (detail.empty() ? "gives " : " gives ") + *result.text;
     return detail;
+}
+
+// What a line starts with; equal for calls that make a row.
+std::string startOf(const std::string& name, const std::string& status) {
+    return padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
 }
 
 }  // namespace
 
-CallResult CallLog::call(std::string_view name, const CallArguments& arguments) {
-    const auto start = std::chrono::steady_clock::now();
-    CallResult result = library_.call(name, arguments);
-    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+std::string lineOf(const CallRecord& call) {
+    const std::string start = startOf(call.name, statusText(call.result.status));
+    const std::string detail = detailOf(call);
+    return detail.empty() ? start : start + "  " + detail;
+}
 
-    const std::string status = statusText(result.status);
-    const std::string detail = detailOf(*findExport(name), arguments, result);
-    calls_.push_back({std::string(name), detail, status, time.count()});
-    print(std::string(name), status, detail);
-    return result;
+CallResult CallLog::call(std::string_view name, const CallArguments& arguments) {
+    CallRecord made = library_.call(name, arguments);
+    const std::string status = statusText(made.result.status);
+    const std::string detail = detailOf(made);
+    report_.addCall(made);
+    calls_.push_back({made.name, detail, status, made.milliseconds});
+    print(made.name, status, detail);
+    return std::move(made.result);
 }
 
 CallResult CallLog::require(std::string_view name, const CallArguments& arguments) {
     CallResult result = call(name, arguments);
-    if (!meaningOf(*findExport(name), arguments, result.status).success)
+    if (!meaningOf(requireExport(name), arguments, result.status).success)
         throw Failure(failureSentence(name, arguments, result.status));
     return result;
 }
@@ -79,9 +76,10 @@ void CallLog::quietly(std::string_view name, const CallArguments& arguments) con
 }
 
 void CallLog::print(const std::string& name, const std::string& status, const std::string& detail) {
-    const std::string start = padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
+    if (!printsLines(style_)) return;
+    const std::string start = startOf(name, status);
     const std::string line = start + (detail.empty() ? "" : "  " + detail) + '\n';
-    if (verbose_ || start != row_) {
+    if (style_ == OutputStyle::kAllLines || start != row_) {
         finishRow();
         row_ = start;
         std::fputs(line.c_str(), stdout);
@@ -107,5 +105,5 @@ std::string failureSentence(std::string_view name, const CallArguments& argument
     if (arguments.text) sentence += " of " + *arguments.text;
     if (arguments.buffer) sentence += " to " + *arguments.buffer;
     return sentence + " answered " + statusText(status) + ": " +
-           meaningOf(*findExport(name), arguments, status).sentence;
+           meaningOf(requireExport(name), arguments, status).sentence;
 }

@@ -1,7 +1,7 @@
 #pragma once
-// A run of calls to the library, each printed as one line: the export, its status, what it worked
-// on. Of several calls of one export with one status in a row only the first and the last have
-// their line, unless every one is wanted.
+// A run of calls to the library. Each goes into the report and, where lines are wanted, is printed
+// as one: the export, its status, what it worked on. Of several calls of one export with one status
+// in a row only the first and the last have their line, unless every one is wanted.
 
 #include <string>
 #include <string_view>
@@ -10,16 +10,17 @@
 #include "Library.h"
 #include "Page.h"
 #include "Progress.h"
+#include "Report.h"
 
 class CallLog {
 public:
-    CallLog(const Library& library, Progress& progress, bool verbose)
-        : library_(library), progress_(progress), verbose_(verbose) {}
+    CallLog(const Library& library, Progress& progress, Report& report, OutputStyle style)
+        : library_(library), progress_(progress), report_(report), style_(style) {}
     CallLog(const CallLog&) = delete;
     CallLog& operator=(const CallLog&) = delete;
     ~CallLog() { finishRow(); }
 
-    // Calls and prints, whatever the status is.
+    // Calls, notes and prints, whatever the status is.
     CallResult call(std::string_view name, const CallArguments& arguments = {});
 
     // The same; throws Failure with the export, the file and the meaning unless it succeeds.
@@ -34,18 +35,22 @@ public:
     // Prints what is still held back of the last row of calls.
     void finishRow();
 
-    // The calls that were printed, in order, with the time that each took.
+    // The calls, in order, with the time that each took.
     const std::vector<PageCall>& calls() const { return calls_; }
 
 private:
     const Library& library_;
     Progress& progress_;
-    bool verbose_;
+    Report& report_;
+    OutputStyle style_;
     std::vector<PageCall> calls_;
     std::string row_;          // export and status of the calls under way
     std::string heldBack_;     // the line of the latest of them, unless it is printed already
     std::size_t leftOut_ = 0;  // how many calls between the first and that one have no line
 };
+
+// The line of a call, without a line end.
+std::string lineOf(const CallRecord& call);
 
 // The sentence for a call that failed.
 std::string failureSentence(std::string_view name, const CallArguments& arguments, float status);

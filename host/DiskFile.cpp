@@ -1,11 +1,13 @@
 #include "DiskFile.h"
 
+#include <algorithm>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
 #include <utility>
 
 #include "Failure.h"
+#include "Interrupt.h"
 
 namespace fs = std::filesystem;
 
@@ -44,8 +46,9 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* wha
     return bytes;
 }
 
-OutputFile::OutputFile(std::string path)
-    : path_(std::move(path)), file_(std::fopen(path_.c_str(), "wb")) {
+OutputFile::OutputFile(std::string path) : path_(std::move(path)) {
+    stopIfInterrupted();  // before an earlier file is emptied
+    file_.reset(std::fopen(path_.c_str(), "wb"));
     if (file_ == nullptr) throw failure("write", path_, errno);
     std::setvbuf(file_.get(), nullptr, _IOFBF, kPieceBytes);
 }
@@ -58,8 +61,13 @@ OutputFile::~OutputFile() {
 }
 
 void OutputFile::write(std::span<const std::uint8_t> bytes) {
-    if (std::fwrite(bytes.data(), 1, bytes.size(), file_.get()) != bytes.size())
-        throw failure("write", path_, errno);
+    while (!bytes.empty()) {
+        stopIfInterrupted();
+        const auto piece = bytes.first(std::min(bytes.size(), kPieceBytes));
+        if (std::fwrite(piece.data(), 1, piece.size(), file_.get()) != piece.size())
+            throw failure("write", path_, errno);
+        bytes = bytes.subspan(piece.size());
+    }
 }
 
 void OutputFile::finish() {

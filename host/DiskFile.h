@@ -15,7 +15,8 @@ void requireFile(const std::string& path, const char* what);
 // A file's bytes, as many as it really has. `what` as above.
 std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what);
 
-// A file being written. Unless finish() was reached, what was written so far is removed again.
+// A file being written. Unless finish() was reached, what was written so far is removed again; that
+// goes for Ctrl-C, too, at which write() throws Interrupted.
 class OutputFile {
 public:
     explicit OutputFile(std::string path);

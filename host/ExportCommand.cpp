@@ -35,7 +35,7 @@ void printSize(const std::string& path) {
 
 class MapExport {
 public:
-    MapExport(const Library& library, const ExportOptions& options)
+    MapExport(const Library& library, const ExportOptions& options, Report& report)
         : options_(options),
           stem_(fs::path(options.mesh).stem().string()),
           format_(infoOf(options.format)),
@@ -45,7 +45,9 @@ public:
           thumbnail_(outputPath("_thumbnail", ".bmp")),
           jpeg_(outputPath("", ".jpg")),
           pagePath_(outputPath("", ".html")),
-          log_(library, progress_, options.verbose),
+          report_(report),
+          progress_(options.output != OutputStyle::kQuiet),
+          log_(library, progress_, report, options.output),
           unfinished_(log_),
           working_(log_),
           page_(log_, working_) {}
@@ -77,6 +79,8 @@ private:
     void saveJpeg();
     void writePage(const TileSheet& sheet);
     void finish();
+    void reportOutputs() const;
+    std::vector<std::string> remainingFiles() const;
     void printOutputs() const;
 
     const ExportOptions& options_;
@@ -91,6 +95,7 @@ private:
     std::optional<float> scale_;  // of a displacement
     std::string workingFolder_;
     std::vector<Tile> tiles_;
+    Report& report_;
     Progress progress_;
     CallLog log_;
     Leftovers unfinished_;  // the outputs, and their folder if it was made for them
@@ -319,29 +324,43 @@ void MapExport::finish() {
     else
         working_.deleteAll();
     log_.finishRow();
+    reportOutputs();
+    if (!printsLines(options_.output)) return;
     std::puts("");
     printOutputs();
 }
 
-void MapExport::printOutputs() const {
+void MapExport::reportOutputs() const {
+    if (scale_) report_.set("scale", jsonOf(*scale_));
+    for (const std::string& path : remainingFiles())
+        report_.addFile(path);
+}
+
+// The working files that stay come first.
+std::vector<std::string> MapExport::remainingFiles() const {
+    std::vector<std::string> paths;
     if (options_.keepTiles) {
-        for (const Tile& tile : tiles_) {
-            printSize(tile.meshFile);
-            printSize(tile.mapFile);
-        }
+        for (const Tile& tile : tiles_)
+            paths.insert(paths.end(), {tile.meshFile, tile.mapFile});
     }
+    const std::vector<std::string> made = outputs();
+    paths.insert(paths.end(), made.begin(), made.end());
+    return paths;
+}
+
+void MapExport::printOutputs() const {
     if (scale_) {
         std::printf("displacement scale %s\n", std::isinf(*scale_)
                                                    ? "infinite: the map has too few levels to tell"
                                                    : statusText(*scale_).c_str());
     }
-    for (const std::string& path : outputs())
+    for (const std::string& path : remainingFiles())
         printSize(path);
 }
 
 }  // namespace
 
-void exportMap(const Library& library, const ExportOptions& options) {
+void exportMap(const Library& library, const ExportOptions& options, Report& report) {
     noteInterrupts();
-    MapExport(library, options).run();
+    MapExport(library, options, report).run();
 }

@@ -8,4 +8,6 @@
 // what the options ask for: <mesh>_height_16bit.tif, <mesh>_normal.tga,
 // <mesh>_normal_thumbnail.bmp, <mesh>_normal.jpg, <mesh>_normal.html. Throws Failure as soon as a
 // call fails, and Interrupted, with what was made so far deleted.
-void exportMap(const Library& library, const ExportOptions& options);
+//
+//   report  gets the calls, the files that were made and, of a height map in floats, the scale
+void exportMap(const Library& library, const ExportOptions& options, Report& report);

@@ -6,6 +6,7 @@
 #include <string>
 
 #include "MapFormat.h"
+#include "Report.h"
 #include "TileRenderer.h"
 
 struct ExportOptions {
@@ -23,7 +24,7 @@ struct ExportOptions {
     std::optional<double> jpeg;   // the map as JPEG besides, of this quality
     bool page = false;            // a page that shows the export besides
     bool keepTiles = false;
-    bool verbose = false;
+    OutputStyle output = OutputStyle::kLines;
 };
 
 // Throws WrongUsage for options that make no sense together.

@@ -1,5 +1,6 @@
 #pragma once
-// The library's exports as the command line shows them: which of the three arguments each reads.
+// The one table of the library's exports: what each reads, answers and writes. quillon call, script
+// and describe tell from it what happened, and docs/exports.md is made of it.
 
 #include <span>
 #include <string>
@@ -11,18 +12,55 @@ enum class BufferUse {
     kOutput,  // a block that takes a text; always passed
 };
 
-struct Export {
-    std::string_view name;
-    const char* text;   // what the first argument is; null when it is not read
-    const char* value;  // what the number is and which ones are taken; null when it is not read
-    BufferUse buffer;
-    const char* bufferIs;  // what the block takes or names; null when it is not read
+// A status that an export can answer. Numbers come from the constants in the headers of src/.
+struct StatusMeaning {
+    float status;
+    bool success;
+    const char* sentence;  // the cause; without a capital and without a full stop
 };
 
-std::span<const Export> allExports();
+struct Export {
+    std::string_view name;
+    const char* purpose;         // one sentence, with its full stop
+    const char* text = nullptr;  // what the first argument is; null when it is not read
+
+    const char* value = nullptr;         // what the number is and which ones are taken; null when
+                                         // it is not read
+    const char* valueName = nullptr;     // the same in one word, for a line of a log
+    bool (*takes)(double) = nullptr;     // which numbers are not refused; null: none is
+    const char* valueDetails = nullptr;  // what each number does, where that takes sentences
+
+    BufferUse buffer = BufferUse::kNone;
+    const char* bufferIs = nullptr;  // what the block takes or names; null when it is not read
+
+    const char* writes;  // what is written where, in sentences
+
+    std::span<const StatusMeaning> statuses = {};
+    const char* countOne = nullptr;   // what a status from 0 on counts or measures; null when
+    const char* countMany = nullptr;  // there is no such status
+    bool refuses = false;             // kRefused for a missing argument or a number not taken
+    bool writesTiles = false;         // kFirstTileNotWritten + k for the file of tile k
+    const char* throws = nullptr;     // when an exception reaches the host
+
+    const char* example;  // typed in the folder that docs/examples/make fills
+    const char* output;   // what that prints
+    const char* next;     // what to check when a call fails, in sentences
+};
+
+struct ExportGroup {
+    const char* title;
+    const char* lead;  // what all of them have in common
+    std::span<const Export> exports;
+};
+
+// All exports, each in one group.
+std::span<const ExportGroup> exportGroups();
 
 // Null when the library has no such export.
 const Export* findExport(std::string_view name);
+
+// Throws WrongUsage when the library has no such export.
+const Export& requireExport(std::string_view name);
 
 // One line an export: its name and what it reads.
 std::string exportList();

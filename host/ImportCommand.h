@@ -3,10 +3,17 @@
 
 #include <string>
 
+#include "Report.h"
+
 struct ImportOptions {
     std::string model;
     std::string out;
     bool tilePerGroup = false;
+    OutputStyle output = OutputStyle::kLines;
 };
 
-void importModel(const ImportOptions& options);
+// Throws Failure for a model that cannot be turned into a mesh, and Interrupted, with what was
+// written so far deleted.
+//
+//   report  gets the file and the mesh's numbers
+void importModel(const ImportOptions& options, Report& report);

@@ -1,10 +1,15 @@
 #include "Library.h"
 
 #include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
 
 #include <algorithm>
+#include <chrono>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <utility>
 #include <vector>
 
 #ifdef __APPLE__
@@ -51,13 +56,38 @@ std::vector<char> blockFor(const CallArguments& arguments, const std::string& co
     return block;
 }
 
+// As long as it lives, standard output leads nowhere.
+class StandardOutputDropped {
+public:
+    StandardOutputDropped() {
+        std::fflush(stdout);
+        kept_ = ::dup(STDOUT_FILENO);
+        const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (nowhere < 0) return;
+        ::dup2(nowhere, STDOUT_FILENO);
+        ::close(nowhere);
+    }
+    StandardOutputDropped(const StandardOutputDropped&) = delete;
+    StandardOutputDropped& operator=(const StandardOutputDropped&) = delete;
+    ~StandardOutputDropped() {
+        std::fflush(stdout);
+        if (kept_ < 0) return;
+        ::dup2(kept_, STDOUT_FILENO);
+        ::close(kept_);
+    }
+
+private:
+    int kept_ = -1;
+};
+
 }  // namespace
 
 void Library::Close::operator()(void* handle) const {
     ::dlclose(handle);
 }
 
-Library::Library(const std::string& path) : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)) {
+Library::Library(const std::string& path, LibraryPrints prints)
+    : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)), prints_(prints) {
     if (handle_ == nullptr)
         throw Failure("the library " + path + " cannot be loaded (" + ::dlerror() + ")");
 }
@@ -70,6 +100,8 @@ CallResult Library::call(const Export& entry, const CallArguments& arguments) co
     const bool isOutput = entry.buffer == BufferUse::kOutput;
     std::vector<char> block = blockFor(arguments, arguments.buffer.value_or(kUntouched));
     const bool passBlock = isOutput || arguments.buffer.has_value();
+    std::optional<StandardOutputDropped> dropped;
+    if (prints_ == LibraryPrints::kDropped) dropped.emplace();
     const char* text = arguments.text ? arguments.text->c_str() : nullptr;
     try {
         const float status = function(text, arguments.value, passBlock ? block.data() : nullptr,
@@ -81,10 +113,12 @@ CallResult Library::call(const Export& entry, const CallArguments& arguments) co
     }
 }
 
-CallResult Library::call(std::string_view name, const CallArguments& arguments) const {
-    const Export* entry = findExport(name);
-    if (entry == nullptr) throw WrongUsage("there is no export " + std::string(name));
-    return call(*entry, arguments);
+CallRecord Library::call(std::string_view name, const CallArguments& arguments) const {
+    const Export& entry = requireExport(name);
+    const auto start = std::chrono::steady_clock::now();
+    CallResult result = call(entry, arguments);
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    return {std::string(name), arguments, std::move(result), time.count()};
 }
 
 std::string libraryBesideProgram() {

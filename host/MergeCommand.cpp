@@ -43,10 +43,12 @@ bool isTarget(const std::string& source, const MergeOptions& options) {
 
 class Merge {
 public:
-    Merge(const Library& library, const MergeOptions& options, MapFormat format)
+    Merge(const Library& library, const MergeOptions& options, MapFormat format, Report& report)
         : options_(options),
           export_(infoOf(format).merge),
-          log_(library, progress_, options.verbose) {}
+          report_(report),
+          progress_(options.output != OutputStyle::kQuiet),
+          log_(library, progress_, report, options.output) {}
 
     void run();
 
@@ -55,6 +57,7 @@ private:
 
     const MergeOptions& options_;
     const std::string_view export_;
+    Report& report_;
     Progress progress_;
     CallLog log_;
 };
@@ -70,6 +73,8 @@ void Merge::run() {
             fold(source);
     }
     log_.finishRow();
+    report_.addFile(options_.target);
+    if (!printsLines(options_.output)) return;
     std::printf("\n%s  %s bytes\n", options_.target.c_str(),
                 std::to_string(fs::file_size(options_.target)).c_str());
 }
@@ -77,7 +82,7 @@ void Merge::run() {
 void Merge::fold(const std::string& source) {
     const CallArguments arguments{.text = source, .buffer = options_.target};
     const float status = log_.call(export_, arguments).status;
-    const Meaning meaning = meaningOf(*findExport(export_), arguments, status);
+    const Meaning meaning = meaningOf(requireExport(export_), arguments, status);
     if (!meaning.success)
         throw Failure(source + " cannot be merged into " + options_.target + ": " +
                       meaning.sentence + " (" + std::string(export_) + " answered " +
@@ -86,9 +91,9 @@ void Merge::fold(const std::string& source) {
 
 }  // namespace
 
-void mergeMaps(const Library& library, const MergeOptions& options) {
+void mergeMaps(const Library& library, const MergeOptions& options, Report& report) {
     const MapFormat format = requireOneFormat(options);
     requireFiles(options);
     noteInterrupts();
-    Merge(library, options, format).run();
+    Merge(library, options, format, report).run();
 }

@@ -5,14 +5,17 @@
 #include <vector>
 
 #include "Library.h"
+#include "Report.h"
 
 struct MergeOptions {
     std::string target;
     std::vector<std::string> sources;
-    bool verbose = false;
+    OutputStyle output = OutputStyle::kLines;
 };
 
 // Folds the sources into the target, in their order. Throws WrongUsage for files of several formats
 // or of none that is known, Failure at the first source that does not fit the target and
 // Interrupted; the sources before it are in the target then.
-void mergeMaps(const Library& library, const MergeOptions& options);
+//
+//   report  gets the calls and the target
+void mergeMaps(const Library& library, const MergeOptions& options, Report& report);

@@ -11,11 +11,11 @@ constexpr const char* kBackAndErase = "\r\x1B[K";
 
 }  // namespace
 
-Progress::Progress() : onTerminal_(::isatty(STDERR_FILENO) == 1) {}
+Progress::Progress(bool wanted) : visible_(wanted && ::isatty(STDERR_FILENO) == 1) {}
 
 void Progress::show(const char* work, std::size_t done, std::size_t total,
                     const std::string& current) {
-    if (!onTerminal_) return;
+    if (!visible_) return;
     std::fflush(stdout);
     std::string bar(total == 0 ? 0 : kBarWidth * done / total, '#');
     bar.resize(kBarWidth, '.');

@@ -7,7 +7,7 @@
 
 class Progress {
 public:
-    Progress();
+    explicit Progress(bool wanted);
     Progress(const Progress&) = delete;
     Progress& operator=(const Progress&) = delete;
     ~Progress() { clear(); }
@@ -19,6 +19,6 @@ public:
     void clear();
 
 private:
-    bool onTerminal_;
+    bool visible_;
     bool shown_ = false;
 };

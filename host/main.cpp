@@ -9,6 +9,8 @@
 #include <string>
 
 #include "CallCommand.h"
+#include "CallWords.h"
+#include "Colour.h"
 #include "ExportCommand.h"
 #include "Exports.h"
 #include "Failure.h"
@@ -16,6 +18,9 @@
 #include "Interrupt.h"
 #include "Library.h"
 #include "MergeCommand.h"
+#include "Reference.h"
+#include "Report.h"
+#include "ScriptCommand.h"
 
 namespace {
 
@@ -23,9 +28,12 @@ constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kWrongUsage = 2;
 constexpr int kInterrupted = 130;  // as shells report it
+constexpr const char* kInterruptedSentence = "interrupted";
 
 constexpr const char* kExamples = R"(Examples:
   quillon call Version
+  quillon describe getUVTile
+  quillon script calls.txt
   quillon import model.obj model.Vemo --tile-per-group
   quillon export model.Vemo --out maps
   quillon merge all.tif 1001.tif 1002.tif
@@ -43,11 +51,41 @@ constexpr const char* kCallExamples = R"(Examples:
   quillon call mergeMapsTIF maps/1002.tif --buffer maps/all.tif
   quillon call FileDelete -- -name-with-a-dash.tif
 
-TEXT or --buffer left out is a null pointer. A block that takes a text is always there.
+VALUE and BUFFER may also stand behind TEXT: quillon call mergeMapsTIF 1002.tif 0 all.tif
+TEXT or BUFFER left out is a null pointer. A block that takes a text is always there.
 Each call is a process of its own: the open folder, the tile filter and the tile names
-do not outlive it.
+do not outlive it. In quillon script they do.
 
 Exports and what they read:
+)";
+
+constexpr const char* kScriptExamples = R"(Examples:
+  quillon script calls.txt
+  quillon script calls.txt --keep-going --json
+  printf 'OpenFolder maps\nGetFile\nCloseFolder\n' | quillon script -
+
+A line is what follows quillon call, quoted as in a shell; # starts a comment:
+  setUVtilesOutput filter.txt              # the tiles that are wanted
+  getUVs 'my model.Vemo' 2 maps/model.Vemo
+  getUVString --value 0
+
+The open folder, the tile filter and the tile names carry over from call to call. The first
+call that fails ends the script, unless --keep-going is given. A file is checked to its end
+before the first call; standard input is carried out line by line. --json prints an object
+a line for each call.
+)";
+
+constexpr const char* kDescribeExamples = R"(Examples:
+  quillon describe mergeMapsTIF
+
+Tells what the export reads, writes and answers, with an example and what to check when
+a call fails.
+
+Exports and what they read:
+)";
+
+constexpr const char* kReferenceExamples = R"(Examples:
+  quillon reference >exports.md
 )";
 
 constexpr const char* kImportExamples = R"(Examples:
@@ -97,26 +135,37 @@ public:
 
 private:
     void addCall();
+    void addScript();
+    void addReference();
     void addImport();
     void addExport();
     void addExportKinds();
     void addExportExtras();
     void addMerge();
+    void addOutput(CLI::App& command, bool withVerbose);
 
     Library openLibrary() const {
-        return Library(library_.empty() ? libraryBesideProgram() : library_);
+        return Library(library_.empty() ? libraryBesideProgram() : library_,
+                       printsLines(output()) ? LibraryPrints::kShown : LibraryPrints::kDropped);
     }
-    CallArguments callArguments() const;
-    int carryOut();
+    OutputStyle output() const;
+    int carryOut(Report& report);
 
     CLI::App app_{"Calls the Quillon plug-in the way Morvane does."};
     std::string library_;
+    bool json_ = false;
+    bool quiet_ = false;
+    bool verbose_ = false;
 
     CLI::App* call_ = nullptr;
-    std::string exportName_;
-    std::string text_;
-    std::string buffer_;
-    double value_ = 0.0;
+    CallWords callWords_;
+
+    CLI::App* script_ = nullptr;
+    ScriptOptions scriptOptions_;
+
+    CLI::App* describe_ = nullptr;
+    std::string described_;
+    CLI::App* reference_ = nullptr;
 
     CLI::App* import_ = nullptr;
     ImportOptions importOptions_;
@@ -138,6 +187,8 @@ CommandLine::CommandLine() {
     app_.add_option("--library", library_, "The built library; otherwise the one near this program")
         ->type_name("PATH");
     addCall();
+    addScript();
+    addReference();
     addImport();
     addExport();
     addMerge();
@@ -145,11 +196,27 @@ CommandLine::CommandLine() {
 
 void CommandLine::addCall() {
     call_ = app_.add_subcommand("call", "Call one export and print its status and its meaning");
-    call_->add_option("EXPORT", exportName_, "Which export")->required()->type_name("");
-    call_->add_option("TEXT", text_, "The first argument: a path or another text")->type_name("");
-    call_->add_option("--value", value_, "The number; 0 when left out")->type_name("V");
-    call_->add_option("--buffer", buffer_, "The second path")->type_name("TEXT");
+    callWords_.addTo(*call_);
+    addOutput(*call_, false);
     call_->footer(kCallExamples + exportList());
+}
+
+void CommandLine::addScript() {
+    script_ = app_.add_subcommand("script", "Make a list of calls in one process");
+    script_->add_option("FILE", scriptOptions_.file, "The calls, one a line; - is standard input")
+        ->required()
+        ->type_name("");
+    script_->add_flag("--keep-going", scriptOptions_.keepGoing, "Go on after a call that failed");
+    addOutput(*script_, false);
+    script_->footer(kScriptExamples);
+}
+
+void CommandLine::addReference() {
+    describe_ = app_.add_subcommand("describe", "Tell all about one export");
+    describe_->add_option("EXPORT", described_, "Which export")->required()->type_name("");
+    describe_->footer(kDescribeExamples + exportList());
+    reference_ = app_.add_subcommand("reference", "Tell all about every export, as Markdown");
+    reference_->footer(kReferenceExamples);
 }
 
 void CommandLine::addImport() {
@@ -160,6 +227,7 @@ void CommandLine::addImport() {
     import_->add_option("OUT", importOptions_.out, "Vemo file to write")->required()->type_name("");
     import_->add_flag("--tile-per-group", importOptions_.tilePerGroup,
                       "Give each group a UV tile of its own");
+    addOutput(*import_, false);
     import_->footer(kImportExamples);
 }
 
@@ -225,7 +293,7 @@ void CommandLine::addExportExtras() {
         ->type_name("QUALITY");
     export_->add_flag("--page", options.page, "A page that shows a BMP export in pictures");
     export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
-    export_->add_flag("--verbose", options.verbose, "Show every call, also of a long row");
+    addOutput(*export_, true);
 }
 
 void CommandLine::addMerge() {
@@ -236,32 +304,56 @@ void CommandLine::addMerge() {
     merge_->add_option("SOURCE", mergeOptions_.sources, "Maps of single tiles")
         ->required()
         ->type_name("");
-    merge_->add_flag("--verbose", mergeOptions_.verbose, "Show every call");
+    addOutput(*merge_, true);
     merge_->footer(kMergeExamples);
 }
 
-CallArguments CommandLine::callArguments() const {
-    CallArguments arguments{.value = value_};
-    if (call_->get_option("TEXT")->count() > 0) arguments.text = text_;
-    if (call_->get_option("--buffer")->count() > 0) arguments.buffer = buffer_;
-    return arguments;
+// The flags that say how a command tells what it did.
+void CommandLine::addOutput(CLI::App& command, bool withVerbose) {
+    CLI::Option* json = command.add_flag("--json", json_, "Print JSON, for scripts");
+    CLI::Option* quiet =
+        command.add_flag("--quiet", quiet_, "Print nothing; the exit status tells")->excludes(json);
+    if (!withVerbose) return;
+    command.add_flag("--verbose", verbose_, "Show every call, also of a long row")
+        ->excludes(json)
+        ->excludes(quiet);
 }
 
-int CommandLine::carryOut() {
-    if (call_->parsed())
-        return callExport(openLibrary(), exportName_, callArguments()) ? kSuccess : kFailure;
+OutputStyle CommandLine::output() const {
+    if (json_) return OutputStyle::kJson;
+    if (quiet_) return OutputStyle::kQuiet;
+    return verbose_ ? OutputStyle::kAllLines : OutputStyle::kLines;
+}
+
+int CommandLine::carryOut(Report& report) {
+    if (call_->parsed()) {
+        const CallOptions options{callWords_.name(), callWords_.arguments(), output()};
+        return callExport(openLibrary(), options) ? kSuccess : kFailure;
+    }
+    if (script_->parsed()) {
+        scriptOptions_.output = output();
+        return runScript(openLibrary(), scriptOptions_) ? kSuccess : kFailure;
+    }
+    if (describe_->parsed() || reference_->parsed()) {
+        const std::string page =
+            reference_->parsed() ? wholeReference() : referenceOf(requireExport(described_));
+        std::fputs(page.c_str(), stdout);
+        return kSuccess;
+    }
     if (import_->parsed()) {
-        importModel(importOptions_);
-        return kSuccess;
+        importOptions_.output = output();
+        importModel(importOptions_, report);
+    } else if (merge_->parsed()) {
+        mergeOptions_.output = output();
+        mergeMaps(openLibrary(), mergeOptions_, report);
+    } else {
+        exportOptions_.output = output();
+        exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
+        exportOptions_.format = formatNamed(formatName_).value_or(MapFormat::kTiff);
+        requireConsistent(exportOptions_);
+        exportMap(openLibrary(), exportOptions_, report);
     }
-    if (merge_->parsed()) {
-        mergeMaps(openLibrary(), mergeOptions_);
-        return kSuccess;
-    }
-    exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;
-    exportOptions_.format = formatNamed(formatName_).value_or(MapFormat::kTiff);
-    requireConsistent(exportOptions_);
-    exportMap(openLibrary(), exportOptions_);
+    if (json_) report.printSuccess();
     return kSuccess;
 }
 
@@ -272,12 +364,21 @@ int CommandLine::run(int argc, char** argv) {
         if (error.get_exit_code() == 0) return app_.exit(error);
         throw WrongUsage(std::string(error.what()) + "; see quillon --help");
     }
-    return carryOut();
+    Report report;
+    try {
+        return carryOut(report);
+    } catch (const Interrupted&) {
+        if (json_) report.printFailure(kInterruptedSentence);
+        throw;
+    } catch (const std::exception& failure) {
+        if (json_) report.printFailure(failure.what());
+        throw;
+    }
 }
 
 int stopped(const char* sentence, int status) {
     std::fflush(stdout);
-    std::fprintf(stderr, "quillon: %s\n", sentence);
+    std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), sentence);
     return status;
 }
 
@@ -290,12 +391,13 @@ int main(int argc, char** argv) {
     std::signal(SIGXFSZ, SIG_IGN);
     try {
         const int status = CommandLine().run(argc, argv);
-        if (std::fflush(stdout) != 0) throw Failure("the output could not be written");
+        if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
+            throw Failure("the output could not be written");
         return status;
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);
     } catch (const Interrupted&) {
-        return stopped("interrupted", kInterrupted);
+        return stopped(kInterruptedSentence, kInterrupted);
     } catch (const std::bad_alloc&) {
         return stopped("there is too little memory", kFailure);
     } catch (const std::exception& failure) {

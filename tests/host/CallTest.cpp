@@ -125,6 +125,32 @@ TEST(Call, EveryExportCanBeCalledAndItsStatusIsKnown) {
     EXPECT_EQ(exports, 34);
 }
 
+TEST(Describe, TellsAllAboutAnExport) {
+    const Ended ended = quillon({"describe", "getUVsMask"});
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_THAT(ended.out, StartsWith("### getUVsMask\n\nWrites a mesh once per tile"));
+    for (const char* part :
+         {"| `text` | mesh |\n", "| `value` | naming mode 0 to 3. ",
+          "| `buffer1` | output path |\n", "| *n* ≥ 0 | success | *n* tiles were written |\n",
+          "| -1760 | failure | ", "| -19 | failure | ", "| 1501 + *k* | failure | ",
+          "| -9 | failure | refused: `text` or `buffer1` is null, or there is too little memory "
+          "|\n",
+          "$ quillon call getUVsMask model.Vemo", "\nWhen it fails: "})
+        EXPECT_THAT(ended.out, HasSubstr(part));
+}
+
+TEST(Describe, TheReferenceHasASectionForEveryExport) {
+    const std::string page = quillon({"reference"}).out;
+    std::ifstream list(QUILLON_EXPORT_LIST);
+    int exports = 0;
+    for (std::string name; std::getline(list, name) && !name.starts_with("_Z"); ++exports)
+        EXPECT_THAT(page, HasSubstr("\n### " + name + "\n"));
+    EXPECT_EQ(exports, 34);
+    EXPECT_THAT(page,
+                HasSubstr("| -9 | failure | refused: `text` is null, `value` is not channels 1 "
+                          "or 3, or there is too little memory |\n"));
+}
+
 TEST(CommandLine, WrongUsageEndsWithTwo) {
     const std::vector<std::vector<std::string>> kCases = {
         {},
@@ -145,6 +171,9 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
         {"export", "mesh.Vemo", "--out", "o", "--format", "bmp", "--thumbnail", "15"},
         {"merge"},
         {"merge", "all.tif"},
+        {"script"},
+        {"describe"},
+        {"describe", "NoSuchExport"},
     };
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
@@ -186,11 +215,9 @@ TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
 }
 
 TEST(CommandLine, EveryLevelOfHelpHasExamples) {
-    const std::vector<std::vector<std::string>> kCases = {{"--help"},
-                                                          {"call", "--help"},
-                                                          {"import", "--help"},
-                                                          {"export", "--help"},
-                                                          {"merge", "--help"}};
+    const std::vector<std::vector<std::string>> kCases = {
+        {"--help"},           {"call", "--help"},   {"script", "--help"},
+        {"import", "--help"}, {"export", "--help"}, {"merge", "--help"}};
     for (const auto& arguments : kCases) {
         const Ended ended = quillon(arguments);
         EXPECT_EQ(ended.exitStatus, 0);

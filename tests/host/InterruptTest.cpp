@@ -8,6 +8,7 @@
 #include <unistd.h>
 
 #include <csignal>
+#include <fstream>
 #include <thread>
 
 #include "host/Quillon.h"
@@ -46,31 +47,45 @@ private:
     int ends_[2]{};
 };
 
-// Runs quillon, sends Ctrl-C as soon as `sign` exists and returns the exit status.
-int interrupted(const std::vector<std::string>& arguments, const std::string& sign) {
+// Starts quillon with its log going to `output` and its sentences nowhere.
+pid_t startQuillon(const std::vector<std::string>& arguments, int output) {
     std::vector<std::string> line = commandLine(QUILLON_HOST, arguments);
     std::vector<char*> argv;
     for (std::string& text : line)
         argv.push_back(text.data());
     argv.push_back(nullptr);
 
-    FullPipe pipe;
     posix_spawn_file_actions_t actions;
     ::posix_spawn_file_actions_init(&actions);
-    ::posix_spawn_file_actions_adddup2(&actions, pipe.end(), STDOUT_FILENO);
+    ::posix_spawn_file_actions_adddup2(&actions, output, STDOUT_FILENO);
     ::posix_spawn_file_actions_addopen(&actions, STDERR_FILENO, "/dev/null", O_WRONLY, 0);
     pid_t child = 0;
     const int error = ::posix_spawn(&child, argv[0], &actions, nullptr, argv.data(), environ);
     ::posix_spawn_file_actions_destroy(&actions);
     if (error != 0) throw std::runtime_error("cannot start quillon");
+    return child;
+}
 
-    for (int i = 0; i < 10'000 && !std::filesystem::exists(sign); ++i)
-        std::this_thread::sleep_for(std::chrono::milliseconds(1));
-    ::kill(child, SIGINT);
-    pipe.drain();
+int exitStatusOf(pid_t child) {
     int status = 0;
     ::waitpid(child, &status, 0);
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+template <typename Condition>
+void waitUntil(Condition holds) {
+    for (int i = 0; i < 10'000 && !holds(); ++i)
+        std::this_thread::sleep_for(std::chrono::milliseconds(1));
+}
+
+// Runs quillon, sends Ctrl-C as soon as `sign` exists and returns the exit status.
+int interrupted(const std::vector<std::string>& arguments, const std::string& sign) {
+    FullPipe pipe;
+    const pid_t child = startQuillon(arguments, pipe.end());
+    waitUntil([&] { return std::filesystem::exists(sign); });
+    ::kill(child, SIGINT);
+    pipe.drain();
+    return exitStatusOf(child);
 }
 
 // Folders with long names make each line of the log long, so that the log fills the program's
@@ -86,6 +101,36 @@ TEST(Interrupt, AnExportLeavesNothingAndEndsWith130) {
     EXPECT_EQ(interrupted({"export", mesh, "--out", out}, out + "/working"), 130);
     EXPECT_TRUE(std::filesystem::is_empty(dir.path(folder)));
     EXPECT_EQ(readBytes(mesh), twoQuads());
+}
+
+// Whether a process has set a handler for Ctrl-C, as the system tells it.
+bool notesInterrupts(pid_t process) {
+    std::ifstream status("/proc/" + std::to_string(process) + "/status");
+    for (std::string line; std::getline(status, line);) {
+        if (line.starts_with("SigCgt:"))
+            return (std::stoull(line.substr(8), nullptr, 16) >> (SIGINT - 1) & 1) != 0;
+    }
+    return false;
+}
+
+// The model is large enough that it is still being read when Ctrl-C comes.
+TEST(Interrupt, AnImportLeavesAnEarlierMeshAndNothingOfItsOwn) {
+    const TempDir dir;
+    std::string text = "vt 0 0\n";
+    for (int i = 0; i < 100'000; ++i)
+        text += "v 0 0 0\nv 1 0 0\nv 1 1 0\nf -1/1 -2/1 -3/1\n";
+    const std::string model = dir.write("model.obj", text);
+    const auto interruptedImport = [&] {
+        const pid_t child = startQuillon({"import", model, dir.path("model.Vemo")}, STDOUT_FILENO);
+        waitUntil([&] { return notesInterrupts(child); });
+        ::kill(child, SIGINT);
+        return exitStatusOf(child);
+    };
+    EXPECT_EQ(interruptedImport(), 130);
+    EXPECT_FALSE(dir.has("model.Vemo"));
+    dir.write("model.Vemo", "an earlier mesh");
+    EXPECT_EQ(interruptedImport(), 130);
+    EXPECT_EQ(readBytes(dir.path("model.Vemo")).size(), 15u);
 }
 
 }  // namespace

@@ -1,0 +1,193 @@
+#include "export/Quillon.h"
+#include "exports/Groups.h"
+#include "tiff/TiffOps.h"
+
+using namespace tiff_status;
+
+namespace {
+
+constexpr StatusMeaning kMapNotOpened{kNotOpened, false, "the map cannot be opened"};
+constexpr StatusMeaning kMapNotReopened{kNotReopened, false, "the map may not be written to"};
+constexpr StatusMeaning kTargetUnwritten{kTargetNotWritten, false,
+                                         "the target cannot be written, or is the map itself"};
+
+// A refused directory. Readers of any depth and those of float maps answer a wrong number of
+// channels differently.
+constexpr StatusMeaning kChannelCount{kBadSampleCount, false, "a map has neither 1 nor 3 channels"};
+constexpr StatusMeaning kFloatChannelCount{kFloatBadSampleCount, false,
+                                           "the map has neither 1 nor 3 channels"};
+constexpr StatusMeaning kNoFloats{kNotFloat, false, "the map's samples are not 32-bit floats"};
+constexpr StatusMeaning kPacked{kCompressed, false, "a map is compressed"};
+constexpr StatusMeaning kPalette{kBadPhotometric, false, "a map is neither grey nor RGB"};
+constexpr StatusMeaning kStrips{kSeveralStrips, false, "a map has more than one strip"};
+constexpr StatusMeaning kSampleFormats{kBadSampleFormatCount, false,
+                                       "a map names sample formats for neither 1 nor 3 channels"};
+
+constexpr StatusMeaning kEmptyMap{kNoPixels, false, "the map has no pixels"};
+constexpr StatusMeaning kShortMap{
+    kPixelsMissing, false,
+    "the map ends before its last row, or has fewer channels than asked for"};
+
+constexpr StatusMeaning kMerge[] = {
+    {kOk, true, "the map was folded into the target"},
+    {kNotOpened, false, "the source cannot be opened"},
+    {kTargetNotOpened, false, "the target cannot be opened"},
+    {kSizesDiffer, false, "the maps differ in size, or the target is no TIFF"},
+    {kSamplesDiffer, false, "the maps differ in channels or depth"},
+    {kNotReopened, false, "the source cannot be opened again"},
+    {kTargetNotWritten, false, "the target cannot be written"},
+    kChannelCount,
+    kPacked,
+    kPalette,
+    kStrips,
+    kSampleFormats};
+
+constexpr StatusMeaning kSwap[] = {
+    {kOk, true, "the channels of an 8-bit colour map were exchanged"},
+    kMapNotOpened,
+    kMapNotReopened,
+    kChannelCount,
+    kPacked,
+    kPalette,
+    kStrips,
+    kSampleFormats};
+
+constexpr StatusMeaning kConvert[] = {
+    {kOk, true, "the 16-bit map was written"},
+    kMapNotOpened,
+    {kNotReopened, false, "the map cannot be opened again"},
+    kTargetUnwritten,
+    kEmptyMap,
+    kShortMap,
+    kNoFloats,
+    kFloatChannelCount,
+    kPacked,
+    kPalette,
+    kStrips,
+    kSampleFormats,
+    {kSizeNotPlaced, false,
+     "the map's directory does not come first in the file, so its sizes cannot be taken over"}};
+
+constexpr StatusMeaning kSingle[] = {
+    {kOk, true, "the first channel was written"},
+    {kNoPixels, false, "a text or path is missing, or the map has no pixels"},
+    kMapNotOpened,
+    kMapNotReopened,
+    kTargetUnwritten,
+    {kPixelsMissing, false, "the map ends before its last row, or has fewer than 3 channels"},
+    kNoFloats,
+    kFloatChannelCount,
+    kPacked,
+    kPalette,
+    kStrips,
+    kSampleFormats};
+
+constexpr StatusMeaning kScale[] = {kMapNotOpened, kMapNotReopened,    kEmptyMap, kShortMap,
+                                    kNoFloats,     kFloatChannelCount, kPacked,   kPalette,
+                                    kStrips,       kSampleFormats};
+
+bool takesLayout(double value) {
+    return value == 1.0 || value == 3.0 || value == 4.0;
+}
+bool takesChannels(double value) {
+    return value == 1.0 || value == 3.0;
+}
+
+constexpr Export kExports[] = {
+    {.name = "mergeMapsTIF",
+     .purpose = "Folds one tile's TIFF map into the map that collects all tiles.",
+     .text = "source",
+     .buffer = BufferUse::kPath,
+     .bufferIs = "target",
+     .writes = "The target, in place: its pixels that equal the source's first pixel take the "
+               "source's; any other stays. The source is only read. `-20` is also printed.",
+     .statuses = kMerge,
+     .refuses = true,
+     .example = "quillon call mergeMapsTIF 1002.tif --buffer all.tif",
+     .output = "status   0\n"
+               "meaning  success: the map was folded into the target\n",
+     .next = "quillon inspect on both files: width, height, channels and depth must be equal, and "
+             "so must the place of the pixels. 0 with nothing merged: the pixels do not start "
+             "below their own length, as in a tiny map."},
+    {.name = "swapRGBTIF",
+     .purpose = "Exchanges two colour channels of an 8-bit TIFF map.",
+     .text = "map",
+     .value = "the exchange, 1 to 3",
+     .valueName = "mode",
+     .takes = takesSwap,
+     .valueDetails = "1 exchanges green and blue, 2 red and blue, 3 red and green. A fraction is "
+                     "cut off; between 0 and 1 nothing is exchanged.",
+     .writes = "The map, in place. A grey map and one of 16 or 32 bits stay as they are, with the "
+               "same status 0. `-10` and `-101` are also printed.",
+     .statuses = kSwap,
+     .refuses = true,
+     .example = "quillon call swapRGBTIF all.tif --value 2",
+     .output = "status   0\n"
+               "meaning  success: the channels of an 8-bit colour map were exchanged\n",
+     .next = "quillon inspect tells which tag is refused: the status is its number, negated save "
+             "for 258. The same call again undoes an exchange."},
+    {.name = "convertTIFF16",
+     .purpose = "Turns a map of 32-bit floats into one of 16 bits, a TIFF or a PSD.",
+     .text = "map",
+     .value = "target layout 1, 3 or 4",
+     .valueName = "layout",
+     .takes = takesLayout,
+     .valueDetails = "1 grey to grey, 3 colour to colour, 4 colour to grey, from the first "
+                     "channel.",
+     .buffer = BufferUse::kPath,
+     .bufferIs = "target",
+     .writes = "The target, created anew: a PSD where its extension holds `psd` or `PSD`, save in "
+               "layout 3, else a TIFF. 0 to 1 becomes 0 to 65535. In a PSD width and height have "
+               "changed places, which square maps do not show.",
+     .statuses = kConvert,
+     .refuses = true,
+     .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
+               "reaches a host.",
+     .example = "quillon call convertTIFF16 height.tif --value 1 --buffer height16.tif",
+     .output = "status   0\n"
+               "meaning  success: the 16-bit map was written\n",
+     .next = "quillon inspect tells depth, channels and where the directory lies. -257: have the "
+             "map written with its directory first, or convert to a PSD. -279: the layout asks "
+             "for three channels and the map has one."},
+    {.name = "convertTIFFSingle",
+     .purpose = "Writes the first channel of a three-channel float map.",
+     .text = "map",
+     .buffer = BufferUse::kPath,
+     .bufferIs = "target",
+     .writes = "The target, created anew: a TIFF of one channel of 32-bit floats. The map is only "
+               "read, yet it must be writable.",
+     .statuses = kSingle,
+     .example = "quillon call convertTIFFSingle colour.tif --buffer first.tif",
+     .output = "status   0\n"
+               "meaning  success: the first channel was written\n",
+     .next = "quillon inspect tells depth and channels. A missing argument is -1 here, where other "
+             "exports answer -9."},
+    {.name = "getScale",
+     .purpose = "Measures the scale of a displacement map by how many levels it has.",
+     .text = "map",
+     .value = "channels 1 or 3",
+     .valueName = "channels",
+     .takes = takesChannels,
+     .valueDetails = "As many channels as the map has.",
+     .writes = "Nothing, yet the map must be writable.",
+     .statuses = kScale,
+     .countOne = "is the scale",
+     .countMany = "is the scale",
+     .refuses = true,
+     .example = "quillon call getScale height.tif --value 1",
+     .output = "status   233.48125\n"
+               "meaning  success: 233.48125 is the scale\n",
+     .next = "quillon inspect tells depth and channels. A scale that is infinite comes from a map "
+             "of 12 levels or fewer, such as a flat one."},
+};
+
+}  // namespace
+
+const ExportGroup& tiffExports() {
+    static constexpr ExportGroup kGroup{
+        "TIFF maps",
+        "One strip, uncompressed, little-endian, 1 or 3 channels. A directory that is refused is "
+        "answered with the number of the tag.",
+        kExports};
+    return kGroup;
+}

@@ -1,0 +1,206 @@
+// --json and --quiet of the commands, and what is shown on a terminal only.
+
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "host/ExportedQuads.h"
+#include "host/Terminal.h"
+#include "support/TiffFile.h"
+
+namespace {
+
+using nlohmann::json;
+using ::testing::ElementsAre;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+struct Output : ExportedQuads {
+    // What a command says with --json; the whole of standard output is one object.
+    json jsonOf(std::vector<std::string> arguments, int exitStatus = 0) {
+        arguments.emplace_back("--json");
+        const Ended ended = quillon(arguments);
+        EXPECT_EQ(ended.exitStatus, exitStatus) << ended.err;
+        return json::parse(ended.out);
+    }
+    std::vector<std::string> exportArguments(const std::vector<std::string>& options = {}) {
+        std::vector<std::string> arguments = {"export", mesh, "--out", out, "--size", size};
+        arguments.insert(arguments.end(), options.begin(), options.end());
+        return arguments;
+    }
+    static std::vector<std::string> exportsIn(const json& calls) {
+        std::vector<std::string> names;
+        for (const json& call : calls)
+            names.push_back(call["export"]);
+        return names;
+    }
+
+    std::string all = dir.write("all.tif", TiffFile(3, 1).rgb8(ByteList(9, 9)).bytes());
+    std::string tile =
+        dir.write("tile.tif", TiffFile(3, 1).rgb8({9, 9, 9, 1, 2, 3, 9, 9, 9}).bytes());
+    std::string wide = dir.write("wide.tif", TiffFile(4, 1).rgb8(ByteList(12, 9)).bytes());
+};
+
+TEST_F(Output, ACallIsAnObject) {
+    const json call = jsonOf({"call", "getUVTile", mesh, "--value", "2"});
+    EXPECT_EQ(call["export"], "getUVTile");
+    EXPECT_EQ(call["arguments"]["text"], mesh);
+    EXPECT_EQ(call["arguments"]["value"], 2);
+    EXPECT_FALSE(call["arguments"].contains("buffer1"));
+    EXPECT_EQ(call["status"], 2);
+    EXPECT_EQ(call["success"], true);
+    EXPECT_EQ(call["meaning"], "2 UV tiles");
+    EXPECT_EQ(call["text"], "1002");
+    EXPECT_GE(call["milliseconds"].get<double>(), 0.0);
+}
+
+TEST_F(Output, ACallThatFailsIsAnObject) {
+    const json call = jsonOf({"call", "mergeMapsTIF", wide, "--buffer", all}, 1);
+    EXPECT_EQ(call["status"], -30);
+    EXPECT_EQ(call["success"], false);
+    EXPECT_EQ(call["arguments"]["buffer1"], all);
+    EXPECT_FALSE(call.contains("text"));
+}
+
+TEST_F(Output, ACallThatThrowsIsAnObject) {
+    const json call = jsonOf({"call", "convertTIFF16", all, "--value", "3", "--buffer", "b"}, 1);
+    EXPECT_EQ(call["success"], false);
+    EXPECT_THAT(call["error"].get<std::string>(), HasSubstr("needs a dot in its second path"));
+}
+
+// A fraction as short as it is exact; a flat map's scale has no number in JSON.
+TEST_F(Output, MeasuredStatusesStayReadable) {
+    const std::string flat = dir.write("flat.tif", TiffFile(1, 1).grey32({0.5f}).bytes());
+    EXPECT_EQ(jsonOf({"call", "getScale", flat, "--value", "1"})["status"], "inf");
+    size = "1024";  // 513 levels
+    const Ended height = quillon(exportArguments({"--map", "height", "--json"}));
+    EXPECT_THAT(height.out, HasSubstr("\"scale\":137.79819,"));
+}
+
+// The library itself prints "-20" there.
+TEST_F(Output, WhatTheLibraryPrintsIsNotAmongTheJson) {
+    EXPECT_EQ(quillon({"call", "mergeMapsTIF", all, "--buffer", dir.path("none")}).out.substr(0, 4),
+              "-20\n");
+    EXPECT_EQ(jsonOf({"call", "mergeMapsTIF", all, "--buffer", dir.path("none")}, 1)["status"],
+              -20);
+    EXPECT_EQ(quillon({"call", "mergeMapsTIF", all, "--buffer", dir.path("none"), "--quiet"}).out,
+              "");
+}
+
+TEST_F(Output, BytesThatAreNoUtf8AreReplaced) {
+    EXPECT_EQ(jsonOf({"call", "GetString", "a\xFF", "--value", "0"})["text"], "a\xEF\xBF\xBD");
+}
+
+TEST_F(Output, AnExportTellsItsCallsAndFiles) {
+    const json report = jsonOf(exportArguments());
+    EXPECT_EQ(report["success"], true);
+    EXPECT_EQ(report["files"],
+              json::parse(R"([{"path":")" + out + R"(/two_normal.tif","bytes":608}])"));
+    EXPECT_EQ(exportsIn(report["calls"]).front(), "clearUVtilesOutput");
+    EXPECT_EQ(report["calls"].size(), 16u);
+    EXPECT_FALSE(report.contains("scale"));
+}
+
+TEST_F(Output, AnExportTellsTheScaleOfAHeightMap) {
+    EXPECT_TRUE(jsonOf(exportArguments({"--map", "height"})).contains("scale"));
+}
+
+TEST_F(Output, AnExportThatFailsTellsTheCallsUpToThere) {
+    mesh = dir.write("empty.Vemo", "");
+    const json report = jsonOf(exportArguments(), 1);
+    EXPECT_EQ(report["success"], false);
+    EXPECT_THAT(report["error"].get<std::string>(), HasSubstr("getUVTile of " + mesh));
+    EXPECT_THAT(exportsIn(report["calls"]), ElementsAre("clearUVtilesOutput", "getUVTile"));
+    EXPECT_FALSE(report.contains("files"));
+}
+
+TEST_F(Output, AMergeTellsItsCallsAndTheTarget) {
+    const json report = jsonOf({"merge", all, tile});
+    EXPECT_EQ(exportsIn(report["calls"]), std::vector<std::string>{"mergeMapsTIF"});
+    EXPECT_EQ(report["files"][0]["path"], all);
+}
+
+TEST_F(Output, AMergeThatFailsIsAnObject) {
+    const json report = jsonOf({"merge", all, tile, wide}, 1);
+    EXPECT_EQ(report["success"], false);
+    EXPECT_EQ(report["calls"].size(), 2u);
+    EXPECT_EQ(report["calls"][1]["status"], -30);
+    EXPECT_THAT(jsonOf({"merge", all, dir.path("none.tif")}, 1)["error"].get<std::string>(),
+                HasSubstr("there is no map"));
+}
+
+TEST_F(Output, AnImportTellsItsNumbers) {
+    const std::string obj =
+        dir.write("m.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nf 1/1 2/1 3/1\n");
+    const json report = jsonOf({"import", obj, dir.path("m.Vemo")});
+    EXPECT_EQ(report["vertices"], 3);
+    EXPECT_EQ(report["triangles"], 1);
+    EXPECT_EQ(report["quads"], 0);
+    EXPECT_EQ(report["files"][0]["path"], dir.path("m.Vemo"));
+}
+
+TEST_F(Output, QuietPrintsNothingAndKeepsTheExitStatus) {
+    const std::string obj =
+        dir.write("m.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nf 1/1 2/1 3/1\n");
+    const struct {
+        std::vector<std::string> arguments;
+        int exitStatus;
+    } kCases[] = {
+        {{"call", "Version"}, 0},
+        {{"call", "FileDelete", dir.path("none")}, 1},
+        {exportArguments(), 0},
+        {{"merge", all, tile}, 0},
+        {{"import", obj, dir.path("m.Vemo")}, 0},
+    };
+    for (const auto& row : kCases) {
+        std::vector<std::string> arguments = row.arguments;
+        arguments.emplace_back("--quiet");
+        const Ended ended = quillon(arguments);
+        EXPECT_EQ(ended.exitStatus, row.exitStatus);
+        EXPECT_EQ(ended.out, "");
+        EXPECT_EQ(ended.err, "");
+    }
+}
+
+TEST_F(Output, OneWayOfTellingAtATime) {
+    EXPECT_EQ(quillon({"call", "Version", "--json", "--quiet"}).exitStatus, 2);
+    EXPECT_EQ(quillon({"merge", all, tile, "--json", "--verbose"}).exitStatus, 2);
+    EXPECT_EQ(quillon({"merge", all, tile, "--quiet", "--verbose"}).exitStatus, 2);
+}
+
+TEST_F(Output, ATerminalGetsColours) {
+    EXPECT_EQ(quillonOnTerminal({"call", "Version"}).shown,
+              "status   48\r\n"
+              "meaning  \x1B[32msuccess\x1B[0m: the version of the interface\r\n");
+    EXPECT_THAT(quillonOnTerminal({"call", "GetFile"}).shown,
+                HasSubstr("\x1B[31mfailure\x1B[0m: "));
+    EXPECT_THAT(quillonOnTerminal({"call", "None"}).shown, StartsWith("\x1B[31mquillon:\x1B[0m "));
+}
+
+TEST_F(Output, ATerminalWithoutColoursAndAPersonWhoWantsNoneGetNone) {
+    const std::vector<std::vector<std::string>> kEnvironments = {
+        {}, {"TERM=dumb"}, {"TERM=xterm", "NO_COLOR=1"}};
+    for (const auto& environment : kEnvironments) {
+        EXPECT_EQ(quillonOnTerminal({"call", "Version"}, environment).shown,
+                  "status   48\r\nmeaning  success: the version of the interface\r\n");
+    }
+    EXPECT_THAT(quillonOnTerminal({"call", "Version"}, {"TERM=xterm", "NO_COLOR="}).shown,
+                HasSubstr("\x1B[32m"));
+}
+
+// The bar is drawn over and over in one line and taken away before anything else is printed.
+TEST_F(Output, ATerminalGetsProgressBars) {
+    const OnTerminal merged = quillonOnTerminal({"merge", all, tile});
+    EXPECT_EQ(merged.exitStatus, 0);
+    EXPECT_THAT(merged.shown, StartsWith("\r\x1B[Kmerging [........................] 0 of 1  " +
+                                         tile + "\r\x1B[KmergeMapsTIF"));
+    const std::string shown = quillonOnTerminal(exportArguments()).shown;
+    EXPECT_THAT(shown, HasSubstr("\r\x1B[Krendering [############............] 1 of 2  1002"));
+    EXPECT_THAT(shown, HasSubstr("\r\x1B[Kplacing ["));
+}
+
+TEST_F(Output, QuietShowsNothingOnATerminalEither) {
+    EXPECT_EQ(quillonOnTerminal({"merge", all, tile, "--quiet"}).shown, "");
+}
+
+}  // namespace

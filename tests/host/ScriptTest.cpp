@@ -1,0 +1,186 @@
+#include <gmock/gmock.h>
+
+#include <nlohmann/json.hpp>
+
+#include "host/Quillon.h"
+
+namespace {
+
+using nlohmann::json;
+using ::testing::EndsWith;
+using ::testing::HasSubstr;
+using ::testing::StartsWith;
+
+struct Script : ::testing::Test {
+    Ended script(std::string_view text, std::vector<std::string> options = {}) {
+        options.insert(options.begin(), {"script", dir.write("calls.txt", text)});
+        return quillon(options);
+    }
+    // The texts that GetString passed on, which show how a script's words were read.
+    std::vector<std::string> textsOf(const std::string& lines) {
+        std::vector<std::string> texts;
+        for (const json& call : objects(script(lines, {"--json"}).out))
+            texts.push_back(call["text"]);
+        return texts;
+    }
+    static std::vector<json> objects(const std::string& out) {
+        std::vector<json> found;
+        std::istringstream lines(out);
+        for (std::string line; std::getline(lines, line);)
+            found.push_back(json::parse(line));
+        return found;
+    }
+
+    TempDir dir;
+};
+
+TEST_F(Script, CallsCarryStateOver) {
+    const std::string mesh = dir.write("two.Vemo", twoQuads());
+    const std::string filter = dir.write("filter.txt", "1002");
+    const std::string lines = "setUVtilesOutput " + filter + "\ngetUVs " + mesh + " 2 " +
+                              dir.path("t.Vemo") + "\ngetUVString --value 0\nclearUVtilesOutput\n" +
+                              "getUVTile " + mesh + " 2\n";
+    const Ended ended = script(lines);
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_EQ(ended.err, "");
+    EXPECT_THAT(ended.out, StartsWith("setUVtilesOutput        0  " + filter + "\n"));
+    EXPECT_THAT(ended.out, HasSubstr("\ngetUVString             0  position 0 gives 1002\n"));
+    EXPECT_THAT(ended.out,
+                EndsWith("\ngetUVTile               2  " + mesh + ", naming 2 gives 1002\n"));
+}
+
+TEST_F(Script, TheOpenFolderIsListed) {
+    dir.makeFolder("empty");
+    const Ended ended =
+        script("OpenFolder " + dir.path("empty") + "\nGetFile\nGetFile\nCloseFolder\n");
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_THAT(ended.out, HasSubstr("GetFile                 0  gives .."));
+}
+
+// Each row of words and how they are read.
+TEST_F(Script, WordsAreQuotedAsInAShell) {
+    const std::vector<std::pair<const char*, const char*>> kCases = {
+        {"GetString plain 0", "plain"},
+        {"  GetString\t'two words'  0  ", "two words"},
+        {"GetString 'back\\slash' 0", "back\\slash"},
+        {"GetString \"it's\" 0", "it's"},
+        {R"(GetString "a \" \\ \$ \n" 0)", "a \" \\ $ \\n"},
+        {R"(GetString a\ b\#\' 0)", "a b#'"},
+        {"GetString a'b c'\"d e\"f 0", "ab cd ef"},
+        {"GetString '' 0", ""},
+        {"GetString a#b 0 # a comment", "a#b"},
+        {"GetString $HOME*~ 0", "$HOME*~"},
+        {"GetString abcdefgh --value 2\r", "cdefgh"},
+        {"GetString abcdefgh 2", "cdefgh"},
+        {"GetString --value 0 -- -1", "-1"},
+    };
+    for (const auto& [line, text] : kCases)
+        EXPECT_EQ(textsOf(line), std::vector<std::string>{text}) << line;
+}
+
+TEST_F(Script, EmptyLinesAndCommentsAreNoCalls) {
+    EXPECT_EQ(script("\n  \t\n# Version\n   # Version\n\r\n").out, "");
+    EXPECT_EQ(script("").exitStatus, 0);
+    EXPECT_EQ(script("\n\nVersion").out, "Version                48\n");
+}
+
+TEST_F(Script, StopsAtTheFirstCallThatFails) {
+    const Ended ended = script("Version\nCloseFolder\nVersion\n");
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.out, "Version                48\nCloseFolder            -1\n");
+    EXPECT_EQ(ended.err, "quillon: " + dir.path("calls.txt") +
+                             ":2: CloseFolder answered -1: no folder is open\n");
+}
+
+TEST_F(Script, KeepGoingGoesOnAndStillFails) {
+    const Ended ended = script("CloseFolder\nVersion\nGetFile\n", {"--keep-going"});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.out,
+              "CloseFolder            -1\nVersion                48\nGetFile                -1\n");
+    EXPECT_THAT(ended.err, HasSubstr("calls.txt:1: CloseFolder"));
+    EXPECT_THAT(ended.err, HasSubstr("calls.txt:3: GetFile"));
+    EXPECT_EQ(script("Version\nVersion\n", {"--keep-going"}).exitStatus, 0);
+}
+
+// The library throws for a path without a dot; there is no status then.
+TEST_F(Script, ACallThatThrowsIsACallThatFails) {
+    const Ended ended = script("convertTIFF16 a 1 b\nVersion\n", {"--keep-going", "--json"});
+    EXPECT_EQ(ended.exitStatus, 1);
+    const std::vector<json> calls = objects(ended.out);
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0]["success"], false);
+    EXPECT_FALSE(calls[0].contains("status"));
+    EXPECT_EQ(calls[1]["status"], 48);
+}
+
+TEST_F(Script, JsonIsAnObjectALine) {
+    const Ended ended = script("# two calls\nVersion\nGetString abcdefgh 2\n", {"--json"});
+    const std::vector<json> calls = objects(ended.out);
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0]["line"], 2);
+    EXPECT_EQ(calls[0]["export"], "Version");
+    EXPECT_EQ(calls[0]["status"], 48);
+    EXPECT_EQ(calls[0]["meaning"], "the version of the interface");
+    EXPECT_EQ(calls[1]["line"], 3);
+    EXPECT_EQ(calls[1]["text"], "cdefgh");
+    EXPECT_TRUE(calls[1]["milliseconds"].is_number());
+}
+
+TEST_F(Script, QuietTellsByTheExitStatusAlone) {
+    const Ended ended = script("CloseFolder\n", {"--quiet"});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.out + ended.err, "");
+}
+
+// Each row: a line that is no call, and what is wrong with it.
+TEST_F(Script, AFileIsCheckedBeforeItsFirstCall) {
+    const std::vector<std::pair<const char*, const char*>> kCases = {
+        {"GetString 'open", "a quote is not closed"},
+        {"GetString \"open", "a quote is not closed"},
+        {"GetString open\\", "nothing follows the backslash"},
+        {"NoSuchExport", "there is no export NoSuchExport"},
+        {"GetString a x", "--value = x"},
+        {"GetString a 0 b c", "was not expected"},
+        {"GetString a --size", "was not expected"},
+        {"GetString --help", "was not expected"},
+    };
+    for (const auto& [line, sentence] : kCases) {
+        const Ended ended =
+            script("CreateFolder " + dir.path("made") + "\n\n" + line + "\n", {"--keep-going"});
+        EXPECT_EQ(ended.exitStatus, 2) << line;
+        EXPECT_EQ(ended.out, "");
+        EXPECT_THAT(ended.err, StartsWith("quillon: " + dir.path("calls.txt") + ":3: "));
+        EXPECT_THAT(ended.err, HasSubstr(sentence));
+        EXPECT_FALSE(dir.has("made"));
+    }
+}
+
+TEST_F(Script, StandardInputIsCarriedOutLineByLine) {
+    const std::string shell = "printf 'Version\\nGetString abcdefgh 2\\nNone\\n' | \"$0\" script -";
+    const Ended ended = run({"/bin/sh", "-c", shell, QUILLON_HOST});
+    EXPECT_EQ(ended.exitStatus, 2);
+    EXPECT_EQ(ended.out,
+              "Version                48\n"
+              "GetString               0  abcdefgh, start 2 gives cdefgh\n");
+    EXPECT_THAT(ended.err, StartsWith("quillon: standard input:3: there is no export None"));
+}
+
+// The second line is written only once the first one's answer is there.
+TEST_F(Script, AnAnswerIsThereBeforeTheNextCall) {
+    const std::string shell =
+        "mkfifo \"$1/in\"; \"$0\" script - <\"$1/in\" >\"$1/out\" & exec 3>\"$1/in\"; "
+        "echo Version >&3; until grep -q 48 \"$1/out\"; do sleep 0.01; done; "
+        "echo CloseFolder >&3; exec 3>&-; wait $!";
+    dir.write("out", "");
+    const Ended ended = run({"/bin/sh", "-c", shell, QUILLON_HOST, dir.path()});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(readBytes(dir.path("out")).size(), 52u);
+}
+
+TEST_F(Script, AMissingFileIsASentence) {
+    const Ended ended = quillon({"script", dir.path("none")});
+    EXPECT_EQ(ended.exitStatus, 1);
+    EXPECT_EQ(ended.err, "quillon: there is no script " + dir.path("none") + "\n");
+}
+
+}  // namespace
