@@ -44,7 +44,8 @@ Piece pieceAfter(const StoredRows& rows, std::uint64_t done) {
     const std::uint64_t wanted =
         rows.stride <= kPieceBytes
             ? kPieceBytes / rows.stride * rows.stride
-            : std::min(kPieceBytes / kBmpPixelBytes * kBmpPixelBytes, rows.stride - column);
+            : std::min<std::uint64_t>(kPieceBytes / kBmpPixelBytes * kBmpPixelBytes,
+                                      rows.stride - column);
     const std::uint64_t bytes = std::min(wanted, rows.bytes - done);
     return {rows.offset + done, static_cast<std::size_t>(bytes), column};
 }

@@ -51,7 +51,7 @@ ObjChunks findObjChunks(const Bytes& bytes) {
         found.lastId = reader.le32(position);
         found.cutShort = reader.overran;
         if (found.cutShort || found.lastId != id) return false;
-        elements = chunkElements(bytes, position, elementBytes);
+        elements = chunkElements(reader, position, elementBytes);
         found.cutShort = !elements;
         if (elements) position = elements->offset + elements->count * elementBytes;
         return elements.has_value();

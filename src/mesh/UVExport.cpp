@@ -13,6 +13,7 @@
 #include "bytes/Text.h"
 #include "files/File.h"
 #include "files/FileOps.h"
+#include "mesh/CornerPiece.h"
 #include "mesh/UVTiles.h"
 #include "mesh/VemoFile.h"
 #include "mesh/VemoOps.h"
@@ -31,20 +32,8 @@ constexpr std::uint8_t kInsideTile = 0;
 // Tile files that are open at the same time; a host has some 200 descriptors to spare.
 constexpr std::size_t kMostOpenTiles = 32;
 
-constexpr std::size_t kCornerBytes = 8;
 constexpr std::size_t kFaceCorners = 4;
-constexpr std::size_t kPieceFaces = kPieceBytes / 4 / kFaceUvBytes;
-constexpr std::size_t kPieceCorners = kPieceFaces * kFaceCorners;
-
-// The UVs of a corner that lies in another tile: -1 and -1.
-constexpr std::array<std::uint8_t, kCornerBytes> kOutsideCorner = {0, 0, 0x80, 0xBF,
-                                                                   0, 0, 0x80, 0xBF};
-
-struct TileAt {
-    std::int32_t u;
-    std::int32_t v;
-    bool operator==(const TileAt&) const = default;
-};
+constexpr std::size_t kPieceFaces = kPieceCorners / kFaceCorners;
 
 TileAt tileAt(const UV_tile& tile) {
     return {tile.u, tile.v};
@@ -54,32 +43,11 @@ TileAt tileAt(const std::uint8_t* corner) {
     return {placeOf(loadLeFloat(corner)).tile, placeOf(loadLeFloat(corner + 4)).tile};
 }
 
-// A run of faces, worked out once for all tiles.
-struct CornerPiece {
-    std::array<TileAt, kPieceCorners> tiles;
-    std::array<std::uint8_t, kPieceCorners * kCornerBytes> locals;  // as they are written
-    std::array<std::uint8_t, kPieceCorners * kCornerBytes> written;
-
-    void split(const std::uint8_t* corners, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i, corners += kCornerBytes) {
-            const TilePlace u = placeOf(loadLeFloat(corners));
-            const TilePlace v = placeOf(loadLeFloat(corners + 4));
-            tiles[i] = {u.tile, v.tile};
-            storeLeFloat(&locals[i * kCornerBytes], u.local);
-            storeLeFloat(&locals[i * kCornerBytes + 4], v.local);
-        }
-    }
-
-    // The corners as the file of one tile shows them.
-    const std::uint8_t* seenFrom(TileAt tile, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i) {
-            const std::uint8_t* uv =
-                tiles[i] == tile ? &locals[i * kCornerBytes] : kOutsideCorner.data();
-            std::memcpy(&written[i * kCornerBytes], uv, kCornerBytes);
-        }
-        return written.data();
-    }
-};
+TileSet findTiles(const VemoFile& vemo, const ChunkElements& faceUvs, int mode) {
+    TileFinder finder(mode, currentTileFilter());
+    finder.add(vemo.file.data.get() + faceUvs.offset, faceUvs.count);
+    return std::move(finder).found().tiles;
+}
 
 FileWriter createTileFile(const char* outPath, const UV_tile& tile) {
     const std::string path = FileNameExtract(outPath, 3) + tile.name + ".Vemo";
@@ -109,8 +77,8 @@ std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::co
     return files;
 }
 
-// Fills the files of some tiles. Each piece of the UVs is worked out once and written to all of
-// them. Returns how many files, from the first on, are whole.
+// Fills the files of some tiles. What goes to all of them is read and worked out once, piece by
+// piece. Returns how many files, from the first on, are whole.
 std::size_t fillTileFiles(std::vector<TileFile>& files, const VemoFile& vemo,
                           const ChunkElements& faceUvs, CornerPiece& piece) {
     std::size_t whole = files.size();
@@ -119,14 +87,17 @@ std::size_t fillTileFiles(std::vector<TileFile>& files, const VemoFile& vemo,
             if (!files[i].file.append(bytesFor(files[i].tile), count)) whole = i;
         }
     };
-    const std::uint8_t* bytes = vemo.file.data.get();
-    appendToEach([&](TileAt) { return bytes; }, static_cast<std::size_t>(faceUvs.offset));
+    const std::uint8_t* mesh = vemo.file.data.get();
+    for (std::uint64_t at = 0; at < faceUvs.offset; at += kPieceBytes) {
+        appendToEach(
+            [&](TileAt) { return mesh + at; },
+            static_cast<std::size_t>(std::min<std::uint64_t>(kPieceBytes, faceUvs.offset - at)));
+    }
     for (std::size_t face = 0; face < faceUvs.count; face += kPieceFaces) {
         const std::size_t corners =
             kFaceCorners * std::min(kPieceFaces, std::size_t{faceUvs.count} - face);
-        piece.split(bytes + faceUvs.offset + face * kFaceUvBytes, corners);
-        appendToEach([&](TileAt tile) { return piece.seenFrom(tile, corners); },
-                     corners * kCornerBytes);
+        piece.split(mesh + faceUvs.offset + face * kFaceUvBytes, corners);
+        appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
     }
     appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
     return whole;
@@ -248,11 +219,10 @@ float GetUVsFromVemo(const char* path, const char* outPath, int mode) {
     const VemoFile vemo = loadVemo(path);
     if (!vemo.isOpen()) return vemo_status::kUvExportMeshNotOpened;
     const auto faceUvs =
-        findElements(vemo, kFaceUvChunk, kFirstChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+        findElements(vemo.loaded(), kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
     if (!faceUvs) return vemo_status::kChunkMissing;
 
-    const TilesFound found = findTiles(vemo, *faceUvs, mode, currentTileFilter());
-    return writeTilesWithLocalUvs(found.tiles, outPath, vemo, *faceUvs);
+    return writeTilesWithLocalUvs(findTiles(vemo, *faceUvs, mode), outPath, vemo, *faceUvs);
 }
 
 float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
@@ -262,8 +232,7 @@ float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
     const MaskInput input = readMaskInput(vemo);
     if (input.refused != vemo_status::kOk) return input.refused;
 
-    const TilesFound found = findTiles(vemo, input.faceUvs, mode, currentTileFilter());
-    return writeTilesWithMask(found.tiles, outPath, vemo, input);
+    return writeTilesWithMask(findTiles(vemo, input.faceUvs, mode), outPath, vemo, input);
 }
 
 void getUVTileString(int position, char* out) {

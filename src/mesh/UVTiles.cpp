@@ -2,8 +2,6 @@
 
 #include <bitset>
 #include <cmath>
-#include <optional>
-#include <unordered_set>
 #include <utility>
 
 #include "bytes/Numbers.h"
@@ -14,11 +12,34 @@ namespace {
 
 constexpr int kNumberedNames = 2;  // the naming mode of tile numbers
 
+constexpr std::int32_t kFirstWholeFloat = 1 << 23;  // from here on a float has no fraction
+
 // Filled by setUVtilesOut, emptied by clearUVtilesOut; lives as long as the library is loaded.
 TileFilter UVtilesOut;
 
-std::uint64_t placeKey(std::int32_t u, std::int32_t v) {
-    return std::uint64_t{static_cast<std::uint32_t>(u)} << 32 | static_cast<std::uint32_t>(v);
+// The coordinates that surely lie in a tile: from `low` to below `high`. None for tiles below 0,
+// where rounding moves the borders, and for those too far out for each float to have a fraction.
+struct TileBorders {
+    explicit TileBorders(std::int32_t tile) {
+        if (tile < 0 || tile >= kFirstWholeFloat) return;
+        low = static_cast<float>(tile);
+        high = low + 1.0f;
+    }
+    bool hold(float coordinate) const { return coordinate >= low && coordinate < high; }
+
+    float low = 0.0f;
+    float high = 0.0f;
+};
+
+// How many faces, from the first on, have their first corner within the borders. Meshes keep the
+// faces of a tile together, so that long runs of faces need no more than this comparison.
+std::size_t facesWithin(const TileBorders& u, const TileBorders& v, const std::uint8_t* faces,
+                        std::size_t count) {
+    std::size_t i = 0;
+    while (i < count && u.hold(loadLeFloat(faces + i * kFaceUvBytes)) &&
+           v.hold(loadLeFloat(faces + i * kFaceUvBytes + 4)))
+        ++i;
+    return i;
 }
 
 std::string placeName(const char* beforeU, std::int64_t u, const char* beforeV, std::int64_t v) {
@@ -36,8 +57,8 @@ TilePlace placeOf(float coordinate) {
     if (std::isnan(moved)) return {0, coordinate};
 
     const std::int32_t tile = saturatedInt(moved);
-    // From 2^23 on a float has no fraction; an infinity has none either.
-    const float whole = std::abs(moved) < 8388608.0f ? static_cast<float>(tile) : moved;
+    const bool hasFraction = std::abs(moved) < static_cast<float>(kFirstWholeFloat);
+    const float whole = hasFraction ? static_cast<float>(tile) : moved;
     const float fraction = std::isinf(moved) ? 0.0f : moved - whole;
     return {tile, fraction < 0.0f ? fraction + 1.0f : std::copysign(fraction, moved)};
 }
@@ -57,24 +78,39 @@ std::string tileName(std::int32_t u, std::int32_t v, int mode) {
     }
 }
 
-TilesFound findTiles(const VemoFile& vemo, const ChunkElements& faceUvs, int mode,
-                     const TileFilter& filter) {
-    const bool filtered = mode == kNumberedNames && !filter.isEmpty();
-    const std::uint8_t* face = vemo.file.data.get() + faceUvs.offset;
-    TilesFound found;
-    std::unordered_set<std::uint64_t> seen;
-    std::int32_t u = 0;
-    std::int32_t v = 0;
-    for (std::uint32_t i = 0; i < faceUvs.count; ++i, face += kFaceUvBytes) {
-        const std::int32_t previousU = std::exchange(u, placeOf(loadLeFloat(face)).tile);
-        const std::int32_t previousV = std::exchange(v, placeOf(loadLeFloat(face + 4)).tile);
-        const bool sameAsBefore = i > 0 && u == previousU && v == previousV;
-        if (sameAsBefore || !seen.insert(placeKey(u, v)).second) continue;
-        std::string name = tileName(u, v, mode);
-        if (!filtered || filter.contains(name)) found.tiles.insert({std::move(name), u, v});
+TileFinder::TileFinder(int mode, const TileFilter& filter)
+    : mode_(mode), filter_(mode == kNumberedNames && !filter.isEmpty() ? &filter : nullptr) {}
+
+void TileFinder::add(const std::uint8_t* faces, std::size_t count) {
+    for (std::size_t i = 0; i < count;) {
+        const std::uint8_t* face = faces + i * kFaceUvBytes;
+        addTile(placeOf(loadLeFloat(face)).tile, placeOf(loadLeFloat(face + 4)).tile);
+        ++i;
+        i += facesWithin(TileBorders(u_), TileBorders(v_), face + kFaceUvBytes, count - i);
     }
-    if (faceUvs.count > 0) found.lastName = tileName(u, v, mode);
-    return found;
+}
+
+void TileFinder::addTile(std::int32_t u, std::int32_t v) {
+    any_ = true;
+    u_ = u;
+    v_ = v;
+    if (!isNew(u, v)) return;
+    std::string name = tileName(u, v, mode_);
+    if (filter_ == nullptr || filter_->contains(name)) tiles_.insert({std::move(name), u, v});
+}
+
+bool TileFinder::isNew(std::int32_t u, std::int32_t v) {
+    const std::uint64_t column = static_cast<std::uint32_t>(u);
+    const std::uint64_t row = static_cast<std::uint32_t>(v);
+    if (column >= 64 || row >= near_.size()) return far_.insert(row << 32 | column).second;
+    const std::uint64_t before = near_[row];
+    near_[row] |= std::uint64_t{1} << column;
+    return near_[row] != before;
+}
+
+TilesFound TileFinder::found() && {
+    std::string last = any_ ? tileName(u_, v_, mode_) : std::string();
+    return {std::move(tiles_), std::move(last)};
 }
 
 const TileFilter& currentTileFilter() {
@@ -82,28 +118,35 @@ const TileFilter& currentTileFilter() {
 }
 
 float GetUVTile(const char* path, char* out, int mode) {
-    const VemoFile vemo = loadVemo(path);
+    VemoPieces vemo(path);
     if (!vemo.isOpen()) return vemo_status::kMeshNotOpened;
-    const auto faceUvs =
-        findElements(vemo, kFaceUvChunk, kFirstChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+    const auto faceUvs = findElements(vemo, kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
     if (!faceUvs) return vemo_status::kChunkMissing;
 
-    const TilesFound found = findTiles(vemo, *faceUvs, mode, UVtilesOut);
+    TileFinder finder(mode, UVtilesOut);
+    const auto add = [&](const std::uint8_t* faces, std::size_t count) {
+        finder.add(faces, count);
+    };
+    if (!vemo.forEachPiece(*faceUvs, kFaceUvBytes, add)) return vemo_status::kMeshNotOpened;
+
+    const TilesFound found = std::move(finder).found();
     copyText(out, found.lastName);
     return static_cast<float>(found.tiles.size());
 }
 
 float GetUVGroup(const char* path) {
-    const VemoFile vemo = loadVemo(path);
+    VemoPieces vemo(path);
     if (!vemo.isOpen()) return vemo_status::kMeshNotOpened;
     const auto groups =
-        findElements(vemo, kFaceGroupChunk, kFirstChunk, ZeroLength::kCountsAs16, kFaceGroupBytes);
+        findElements(vemo, kFaceGroupChunk, ZeroLength::kCountsAs16, kFaceGroupBytes);
     if (!groups) return vemo_status::kChunkMissing;
 
-    const std::uint8_t* group = vemo.file.data.get() + groups->offset;
     std::bitset<65536> ids;
-    for (std::uint32_t i = 0; i < groups->count; ++i, group += kFaceGroupBytes)
-        ids.set(loadLe16(group));
+    const auto add = [&](const std::uint8_t* group, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i, group += kFaceGroupBytes)
+            ids.set(loadLe16(group));
+    };
+    if (!vemo.forEachPiece(*groups, kFaceGroupBytes, add)) return vemo_status::kMeshNotOpened;
     return static_cast<float>(ids.count());
 }
 

@@ -1,9 +1,12 @@
 #pragma once
 // UVTiles: the UV tiles that the faces of a mesh occupy. The rules stand in VemoOps.h.
 
+#include <array>
+#include <cstddef>
 #include <cstdint>
 #include <set>
 #include <string>
+#include <unordered_set>
 
 #include "mesh/TileFilter.h"
 #include "mesh/VemoFile.h"
@@ -38,10 +41,31 @@ struct TilesFound {
     std::string lastName;  // of the last face's tile, also one that the filter keeps out
 };
 
-// The tiles of the first corners of all faces. `filter` counts in naming mode 2 only, and only when
-// it is not empty.
-TilesFound findTiles(const VemoFile& vemo, const ChunkElements& faceUvs, int mode,
-                     const TileFilter& filter);
+// Finds the tiles of the first corners of faces, which may come in pieces.
+class TileFinder {
+public:
+    // `filter` counts in naming mode 2 only, and only when it is not empty.
+    TileFinder(int mode, const TileFilter& filter);
+
+    // The next `count` elements of the face UV chunk.
+    void add(const std::uint8_t* faces, std::size_t count);
+
+    TilesFound found() &&;
+
+private:
+    bool isNew(std::int32_t u, std::int32_t v);
+    void addTile(std::int32_t u, std::int32_t v);
+
+    int mode_;
+    const TileFilter* filter_;  // null when every tile counts
+    bool any_ = false;
+    std::int32_t u_ = 0;  // the tile of the last face
+    std::int32_t v_ = 0;
+    // The tiles met: most meshes stay within the first tiles, which have a bit each, a word a row.
+    std::array<std::uint64_t, 64> near_{};
+    std::unordered_set<std::uint64_t> far_;
+    TileSet tiles_;
+};
 
 // The filter that setUVtilesOut set.
 const TileFilter& currentTileFilter();

@@ -1,6 +1,12 @@
 #include "mesh/VemoFile.h"
 
+#include <new>
+
 namespace {
+
+// Chunks are long, so little more than a header is read at each; but a damaged file may have a
+// header at every byte.
+constexpr std::size_t kHeaderPieceBytes = 4096;
 
 std::uint8_t unsignedByte(char b) {
     return static_cast<std::uint8_t>(b);
@@ -33,34 +39,26 @@ VemoFile loadVemo(const char* path) {
     return vemo;
 }
 
-std::optional<std::uint32_t> findChunk(const Bytes& bytes, std::uint32_t id, std::uint32_t start,
-                                       ZeroLength zeroLength) {
-    Bytes reader = bytes;
-    std::uint64_t position = start;
-    while (position < reader.size && position <= UINT32_MAX) {
-        if (reader.le32(position) == id) return static_cast<std::uint32_t>(position);
-        std::uint32_t length = reader.le32(position + 4);
-        if (length == 0) {
-            if (zeroLength == ZeroLength::kEndsSearch) return {};
-            length = kChunkHeaderBytes;
-        }
-        position += length;
+VemoPieces::VemoPieces(const char* path) : file_(File::openForReading(path)) {
+    if (!file_.isOpen()) return;
+    piece_.reset(new (std::nothrow) std::uint8_t[kPieceBytes]);
+    const std::uint64_t bytes = file_.size();
+    if (bytes > 0) file_.readAt(bytes - 1, &last_, 1);
+    size = static_cast<std::size_t>(bytes) + 1;
+}
+
+std::uint32_t VemoPieces::le32(std::uint64_t at) {
+    const bool held = at >= pieceStart_ && at - pieceStart_ + 4 <= pieceBytes_;
+    if (!held) {
+        const auto left = static_cast<std::size_t>(at < size ? size - at : 0);
+        read(at, std::min(kHeaderPieceBytes, left));
     }
-    return {};
+    return Bytes{piece_.get(), pieceBytes_}.le32(at - pieceStart_);
 }
 
-std::optional<ChunkElements> chunkElements(Bytes bytes, std::uint64_t chunk,
-                                           std::size_t elementBytes) {
-    const std::uint32_t count = bytes.le32(chunk + 8);
-    const std::uint64_t first = chunk + kChunkHeaderBytes;
-    if (bytes.overran || !bytes.holds(first, count, elementBytes)) return {};
-    return ChunkElements{first, count};
-}
-
-std::optional<ChunkElements> findElements(const VemoFile& vemo, std::uint32_t id,
-                                          std::uint32_t start, ZeroLength zeroLength,
-                                          std::size_t elementBytes) {
-    const auto chunk = findChunk(vemo.loaded(), id, start, zeroLength);
-    if (!chunk) return {};
-    return chunkElements(vemo.loaded(), *chunk, elementBytes);
+bool VemoPieces::read(std::uint64_t at, std::size_t count) {
+    pieceStart_ = at;
+    pieceBytes_ = file_.readAt(at, piece_.get(), count);
+    if (pieceBytes_ < count && at + pieceBytes_ + 1 == size) piece_[pieceBytes_++] = last_;
+    return pieceBytes_ == count;
 }

@@ -1,8 +1,10 @@
 #pragma once
 // VemoFile: a mesh file in memory, its chunks and their elements. The layout stands in VemoOps.h.
 
+#include <algorithm>
 #include <cstddef>
 #include <cstdint>
+#include <memory>
 #include <optional>
 
 #include "bytes/Bytes.h"
@@ -44,23 +46,91 @@ VemoFile loadVemo(const char* path);
 // damaged header is stepped over, or it ends the search.
 enum class ZeroLength { kCountsAs16, kEndsSearch };
 
-// The offset of the first chunk with this id at or after the chunk at `start`. Nothing when there
-// is none: the walk goes forward only and ends with the file.
-std::optional<std::uint32_t> findChunk(const Bytes& bytes, std::uint32_t id, std::uint32_t start,
-                                       ZeroLength zeroLength);
-
 // A chunk whose elements all lie within the file.
 struct ChunkElements {
     std::uint64_t offset = 0;  // of the first element, from the start of the file
     std::uint32_t count = 0;
 };
 
-// Nothing when the header or the elements are cut short.
-std::optional<ChunkElements> chunkElements(Bytes bytes, std::uint64_t chunk,
-                                           std::size_t elementBytes);
+// The offset of the first chunk with this id at or after the chunk at `start`. Nothing when there
+// is none: the walk goes forward only and ends with the file. `mesh` is a loaded file's Bytes or
+// VemoPieces.
+template <typename Mesh>
+std::optional<std::uint32_t> findChunk(Mesh&& mesh, std::uint32_t id, std::uint32_t start,
+                                       ZeroLength zeroLength) {
+    std::uint64_t position = start;
+    while (position < mesh.size && position <= UINT32_MAX) {
+        if (mesh.le32(position) == id) return static_cast<std::uint32_t>(position);
+        std::uint32_t length = mesh.le32(position + 4);
+        if (length == 0) {
+            if (zeroLength == ZeroLength::kEndsSearch) return {};
+            length = kChunkHeaderBytes;
+        }
+        position += length;
+    }
+    return {};
+}
 
-// Both steps: the elements of the first such chunk at or after `start`. Nothing when the chunk is
-// missing or cut short.
-std::optional<ChunkElements> findElements(const VemoFile& vemo, std::uint32_t id,
-                                          std::uint32_t start, ZeroLength zeroLength,
-                                          std::size_t elementBytes);
+// Nothing when the header or the elements are cut short.
+template <typename Mesh>
+std::optional<ChunkElements> chunkElements(Mesh&& mesh, std::uint64_t chunk,
+                                           std::size_t elementBytes) {
+    constexpr std::uint64_t kCount = 8;  // where the header has it
+    if (chunk + kCount + 4 > mesh.size) return {};
+    const std::uint32_t count = mesh.le32(chunk + kCount);
+    const std::uint64_t first = chunk + kChunkHeaderBytes;
+    if (!mesh.holds(first, count, elementBytes)) return {};
+    return ChunkElements{first, count};
+}
+
+// Both steps: the elements of the first such chunk. Nothing when the chunk is missing or cut short.
+template <typename Mesh>
+std::optional<ChunkElements> findElements(Mesh&& mesh, std::uint32_t id, ZeroLength zeroLength,
+                                          std::size_t elementBytes) {
+    const auto chunk = findChunk(mesh, id, kFirstChunk, zeroLength);
+    if (!chunk) return {};
+    return chunkElements(mesh, *chunk, elementBytes);
+}
+
+// A mesh file read in pieces, for operations that go through it once: however large the mesh, its
+// bytes pass through a block that stays in the processor's cache. Reads as a loaded file does, the
+// repeated byte included.
+class VemoPieces {
+public:
+    explicit VemoPieces(const char* path);
+
+    bool isOpen() const { return file_.isOpen() && piece_ != nullptr; }
+
+    // A value of the chunk headers; bytes past the end read as 0.
+    std::uint32_t le32(std::uint64_t at);
+
+    bool holds(std::uint64_t at, std::uint64_t count, std::uint64_t elementBytes) const {
+        return Bytes{nullptr, size}.holds(at, count, elementBytes);
+    }
+
+    // Hands all elements in file order to `use(bytes, count)`, some thousands a call. False when
+    // the file could not be read to their end.
+    template <typename Use>
+    bool forEachPiece(const ChunkElements& elements, std::size_t elementBytes, Use use) {
+        const std::size_t most = kPieceBytes / elementBytes;
+        for (std::uint64_t done = 0; done < elements.count;) {
+            const auto count =
+                static_cast<std::size_t>(std::min<std::uint64_t>(most, elements.count - done));
+            if (!read(elements.offset + done * elementBytes, count * elementBytes)) return false;
+            use(piece_.get(), count);
+            done += count;
+        }
+        return true;
+    }
+
+    std::size_t size = 0;  // the repeated byte included
+
+private:
+    bool read(std::uint64_t at, std::size_t count);
+
+    File file_;
+    std::unique_ptr<std::uint8_t[]> piece_;
+    std::uint64_t pieceStart_ = 0;
+    std::size_t pieceBytes_ = 0;  // of the file, from pieceStart_ on
+    std::uint8_t last_ = 0;       // the file's last byte, which is repeated behind it
+};

@@ -1,93 +1,83 @@
 #include "pixels/Pixels.h"
 
+#include <algorithm>
 #include <cstring>
 #include <utility>
 
-#include "bytes/Bytes.h"
+#include "pixels/Lanes.h"
 
 namespace {
 
-template <std::size_t kPixelBytes>
-void fillPixels(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
-                std::size_t pixels) {
-    const std::uint8_t* const end = row + pixels * kPixelBytes;
-    for (; row != end; row += kPixelBytes, source += kPixelBytes) {
-        if (std::memcmp(row, background, kPixelBytes) == 0) std::memcpy(row, source, kPixelBytes);
+// Copies blocks of pixels of three bytes with two bytes of each exchanged. `to` may be `from`.
+class Exchanger {
+public:
+    explicit Exchanger(const Exchange& exchange)
+        : firsts_(maskOf(std::min(exchange.first, exchange.second))),
+          seconds_(maskOf(std::max(exchange.first, exchange.second))),
+          distance_(std::max(exchange.first, exchange.second) -
+                    std::min(exchange.first, exchange.second)) {}
+
+    // Reads two bytes behind the block, too.
+    void copyBlock(std::uint8_t* to, const std::uint8_t* from) const {
+        Block<std::uint8_t> block;
+        for (std::size_t i = 0; i < 3; ++i) {
+            const std::size_t at = i * kLanesBytes;
+            const Lanes<std::uint8_t> firsts = firsts_.at(at);
+            const Lanes<std::uint8_t> seconds = seconds_.at(at);
+            block.lanes[i] = (firsts & loadLanes<std::uint8_t>(from + at + distance_)) |
+                             (seconds & before(from, at)) |
+                             (~(firsts | seconds) & loadLanes<std::uint8_t>(from + at));
+        }
+        for (std::size_t i = 0; i < 3; ++i)
+            storeLanes<std::uint8_t>(to + i * kLanesBytes, block.lanes[i]);
     }
-}
 
-// 0.5 to 65535.5, so that truncating it gives the level.
-float heldLevel(float sample) {
-    const float scaled = sample * 65535.0f;
-    const float notBelow = scaled >= 0.0f ? scaled : 0.0f;  // NaN compares false
-    return (notBelow <= 65535.0f ? notBelow : 65535.0f) + 0.5f;
-}
+private:
+    static Triplets<std::uint8_t> maskOf(std::size_t channel) {
+        const auto mask = [&](std::size_t other) -> std::uint8_t {
+            return channel == other ? 255 : 0;
+        };
+        return {mask(0), mask(1), mask(2)};
+    }
 
-template <void kStore(std::uint8_t*, std::uint16_t)>
-void quantise(std::uint8_t* to, const float* from, std::size_t count, std::size_t step) {
-    for (std::size_t i = 0; i < count; ++i)
-        kStore(to + 2 * i, levelOf(from[i * step]));
+    // The bytes that lie `distance_` before those at `at`.
+    Lanes<std::uint8_t> before(const std::uint8_t* from, std::size_t at) const {
+        if (at > 0) return loadLanes<std::uint8_t>(from + at - distance_);
+        const Lanes<std::uint8_t> oneBefore = movedUp<std::uint8_t>(loadLanes<std::uint8_t>(from));
+        return distance_ == 1 ? oneBefore : movedUp<std::uint8_t>(oneBefore);
+    }
+
+    Triplets<std::uint8_t> firsts_;
+    Triplets<std::uint8_t> seconds_;
+    std::size_t distance_;  // 1 or 2
+};
+
+void copyExchanged(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels,
+                   const Exchange& exchange) {
+    constexpr std::size_t kBlockPixels = kBlockBytes / 3;
+    const Exchanger exchanger(exchange);
+    std::size_t done = 0;
+    for (; pixels - done > kBlockPixels; done += kBlockPixels)
+        exchanger.copyBlock(to + 3 * done, from + 3 * done);
+    for (; done < pixels; ++done) {
+        std::uint8_t pixel[3];
+        std::memcpy(pixel, from + 3 * done, sizeof pixel);
+        std::swap(pixel[exchange.first], pixel[exchange.second]);
+        std::memcpy(to + 3 * done, pixel, sizeof pixel);
+    }
 }
 
 }  // namespace
 
-void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
-                    std::size_t pixels, std::size_t pixelBytes) {
-    // The width of a pixel is known to the compiler in each case, which makes the loops tight.
-    switch (pixelBytes) {
-        case 1:
-            return fillPixels<1>(row, source, background, pixels);
-        case 2:
-            return fillPixels<2>(row, source, background, pixels);
-        case 3:
-            return fillPixels<3>(row, source, background, pixels);
-        case 4:
-            return fillPixels<4>(row, source, background, pixels);
-        case 6:
-            return fillPixels<6>(row, source, background, pixels);
-        case 12:
-            return fillPixels<12>(row, source, background, pixels);
-        default:
-            return;
-    }
-}
-
 void exchangeSamples(std::uint8_t* row, std::size_t pixels, const Exchange& exchange) {
-    for (std::size_t i = 0; i < pixels; ++i)
-        std::swap(row[3 * i + exchange.first], row[3 * i + exchange.second]);
+    if (exchange.first != exchange.second) copyExchanged(row, row, pixels, exchange);
 }
 
 void copyReversed(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {
-    for (std::size_t i = 0; i < pixels; ++i, to += 3, from += 3) {
-        to[0] = from[2];
-        to[1] = from[1];
-        to[2] = from[0];
-    }
+    copyExchanged(to, from, pixels, {0, 2});
 }
 
 void greyToColour(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {
     for (std::size_t i = 0; i < pixels; ++i, to += 3)
         to[0] = to[1] = to[2] = from[i];
-}
-
-void takeFirstSamples(std::uint8_t* to, const float* from, std::size_t pixels) {
-    for (std::size_t i = 0; i < pixels; ++i)
-        storeLeFloat(to + 4 * i, from[3 * i]);
-}
-
-std::uint16_t levelOf(float sample) {
-    return static_cast<std::uint16_t>(static_cast<std::int32_t>(heldLevel(sample)));
-}
-
-void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
-                ByteOrder order) {
-    if (order == ByteOrder::kLittle)
-        quantise<storeLe16>(to, from, count, step);
-    else
-        quantise<storeBe16>(to, from, count, step);
-}
-
-void markLevels(LevelSet& levels, const float* samples, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        levels.set(levelOf(samples[i]));
 }

@@ -1,7 +1,6 @@
 #pragma once
 // Pixels: what operations do to pixels in memory, unknown to any file format.
 
-#include <bitset>
 #include <cstddef>
 #include <cstdint>
 
@@ -31,20 +30,3 @@ void copyReversed(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels
 
 // Writes each grey sample three times.
 void greyToColour(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels);
-
-// Copies the first of each pixel's three float samples, little-endian.
-void takeFirstSamples(std::uint8_t* to, const float* from, std::size_t pixels);
-
-// The 16-bit level of a sample, where 0 to 1 becomes 0 to 65535: times 65535, held in that range
-// (NaN is 0), plus 0.5, truncated; all in single precision.
-std::uint16_t levelOf(float sample);
-
-enum class ByteOrder { kLittle, kBig };
-
-// Writes the levels of `count` samples, each `step` floats after the one before.
-void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
-                ByteOrder order);
-
-// Adds the levels of samples to a set of levels.
-using LevelSet = std::bitset<65536>;
-void markLevels(LevelSet& levels, const float* samples, std::size_t count);

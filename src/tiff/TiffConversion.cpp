@@ -4,7 +4,7 @@
 
 #include "bytes/Bytes.h"
 #include "files/File.h"
-#include "pixels/Pixels.h"
+#include "pixels/Samples.h"
 #include "tiff/FloatMap.h"
 #include "tiff/TiffOps.h"
 #include "tiff/TiffTags.h"

@@ -4,7 +4,7 @@
 #include <limits>
 #include <vector>
 
-#include "pixels/Pixels.h"
+#include "pixels/Samples.h"
 #include "tiff/FloatMap.h"
 #include "tiff/TiffOps.h"
 

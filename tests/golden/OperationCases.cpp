@@ -4,9 +4,11 @@
 #include <array>
 #include <bit>
 #include <cstdio>
+#include <memory>
 #include <optional>
 #include <stdexcept>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "bmp/BmpHeader.h"
@@ -27,6 +29,7 @@
 #include "files/FileOps.h"
 #include "golden/Inputs.h"
 #include "golden/Record.h"
+#include "mesh/CornerPiece.h"
 #include "mesh/ObjText.h"
 #include "mesh/TileFilter.h"
 #include "mesh/UVTiles.h"
@@ -34,6 +37,7 @@
 #include "mesh/VemoOps.h"
 #include "pixels/Pixels.h"
 #include "pixels/Planes.h"
+#include "pixels/Samples.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
 #include "support/CaptureStdout.h"
@@ -663,12 +667,30 @@ void filteringTiles(Case& test) {
 void findingTiles(Case& test) {
     const VemoFile vemo = loadVemo(test.write("mesh.Vemo", vemoMesh(test.random)).c_str());
     const auto uvs =
-        findElements(vemo, kFaceUvChunk, kFirstChunk, ZeroLength::kCountsAs16, kFaceUvBytes);
+        findElements(vemo.loaded(), kFaceUvChunk, ZeroLength::kCountsAs16, kFaceUvBytes);
     if (!uvs) return;
-    const TilesFound found = findTiles(vemo, *uvs, test.random.between(0, 3), TileFilter());
+    const TileFilter all;
+    TileFinder finder(test.random.between(0, 3), all);
+    finder.add(vemo.file.data.get() + uvs->offset, uvs->count);
+    const TilesFound found = std::move(finder).found();
     for (const UV_tile& tile : found.tiles)
         test.result.add(tile.name).add(tile.u).add(tile.v);
     test.result.add(found.lastName);
+}
+
+void seeingCorners(Case& test) {
+    const std::size_t corners = test.random.below(60);
+    ByteList bytes(corners * kCornerBytes);
+    for (std::size_t at = 0; at < bytes.size(); at += 4) {
+        const bool near = !test.random.oneIn(6);
+        storeLeFloat(&bytes[at], near ? test.random.unit() * 3.0f - 1.0f : test.random.number());
+    }
+    const auto piece = std::make_unique<CornerPiece>();
+    piece->split(bytes.data(), corners);
+    for (std::int32_t u = -2; u <= 2; ++u) {
+        const std::uint8_t* seen = piece->seenFrom({u, test.random.between(-2, 2)});
+        test.result.add(ByteList(seen, seen + bytes.size()));
+    }
 }
 
 void walkingChunks(Case& test) {
@@ -835,7 +857,8 @@ constexpr Operation kOperations[] = {
     {"placeOf", placing},
     {"tileName", namingTiles},
     {"TileFilter", filteringTiles},
-    {"findTiles", findingTiles},
+    {"TileFinder", findingTiles},
+    {"CornerPiece", seeingCorners},
     {"findChunk", walkingChunks},
     {"readUnInt", readingVemoValues},
     {"ObjText", writingNumbers},

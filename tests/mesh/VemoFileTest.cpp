@@ -45,6 +45,50 @@ TEST(LoadVemo, AnEmptyFileIsOneZeroByte) {
     EXPECT_EQ(vemo.loaded().data[0], 0);
 }
 
+TEST(VemoPieces, ReadTheLastByteOnceMoreAndZeroBehindIt) {
+    const TempDir dir;
+    VemoPieces mesh(dir.write("m.Vemo", ByteList{1, 2, 3, 4, 7}).c_str());
+    ASSERT_TRUE(mesh.isOpen());
+    EXPECT_EQ(mesh.size, 6u);
+    EXPECT_EQ(mesh.le32(0), 0x04030201u);
+    EXPECT_EQ(mesh.le32(2), 0x07070403u);
+    EXPECT_EQ(mesh.le32(4), 0x00000707u);
+    EXPECT_EQ(mesh.le32(6), 0u);
+    EXPECT_EQ(mesh.le32(1), 0x07040302u);
+}
+
+TEST(VemoPieces, AnEmptyFileIsOneZeroByte) {
+    const TempDir dir;
+    VemoPieces mesh(dir.write("m.Vemo", ByteList{}).c_str());
+    ASSERT_TRUE(mesh.isOpen());
+    EXPECT_EQ(mesh.size, 1u);
+    EXPECT_EQ(mesh.le32(0), 0u);
+}
+
+// 200,000 elements of 2 bytes are more than one piece; the last one shares the repeated byte.
+TEST(VemoPieces, HandOutAllElementsInOrder) {
+    const TempDir dir;
+    ByteList bytes;
+    for (std::uint32_t i = 0; i < 200000; ++i) {
+        bytes.push_back(static_cast<std::uint8_t>(i));
+        bytes.push_back(static_cast<std::uint8_t>(i >> 8));
+    }
+    bytes.pop_back();
+    VemoPieces mesh(dir.write("m.Vemo", bytes).c_str());
+    std::uint32_t next = 0;
+    const auto check = [&](const std::uint8_t* element, std::size_t count) {
+        for (std::size_t i = 0; i + 1 < count; ++i, ++next, element += 2)
+            ASSERT_EQ(loadLe16(element), next % 65536);
+        if (next == 199999) {
+            EXPECT_EQ(loadLe16(element), 0x3F3F);
+        }
+        ++next;
+    };
+    EXPECT_TRUE(mesh.forEachPiece({0, 200000}, 2, check));
+    EXPECT_EQ(next, 200000u);
+    EXPECT_FALSE(mesh.forEachPiece({2, 200000}, 2, [](const std::uint8_t*, std::size_t) {}));
+}
+
 TEST(FindChunk, AFirstChunkIsFoundWithoutItsLength) {
     const ByteList mesh = VemoBuilder().chunk(25001, 0, 0).bytes();
     EXPECT_EQ(findChunk(view(mesh), 25001, 32, kPlain), 32u);

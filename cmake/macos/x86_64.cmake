@@ -1,0 +1,2 @@
+set(QUILLON_MACOS_PROCESSOR x86_64)
+include(${CMAKE_CURRENT_LIST_DIR}/toolchain.cmake)

@@ -1,0 +1,43 @@
+#pragma once
+// CornerPiece: a run of UV corners, taken apart once and then shown as each tile sees them. A corner
+// is a pair of 32-bit floats, u and v; where it lies is told by placeOf (UVTiles.h).
+
+#include <array>
+#include <cstddef>
+#include <cstdint>
+
+inline constexpr std::size_t kCornerBytes = 8;
+inline constexpr std::size_t kPieceCorners = 8192;
+
+// A tile's column and row.
+struct TileAt {
+    std::int32_t u;
+    std::int32_t v;
+    bool operator==(const TileAt&) const = default;
+};
+
+class CornerPiece {
+public:
+    CornerPiece();
+
+    // Takes the first `count` corners, up to kPieceCorners, from a mesh file's bytes.
+    void split(const std::uint8_t* corners, std::size_t count);
+
+    // The corners of the last split as the file of one tile shows them: those inside with their
+    // place within the tile, the others -1 and -1. Lives until the next call.
+    const std::uint8_t* seenFrom(TileAt tile);
+
+private:
+    using Tiles = std::array<std::int32_t, 2 * kPieceCorners>;
+    using Coordinates = std::array<std::uint32_t, 2 * kPieceCorners>;  // floats, as their bits
+
+    static const std::uint8_t* bytesOf(const Coordinates& coordinates);
+
+    std::size_t count_ = 0;
+    TileAt lowest_{};  // of the tiles in the piece, column and row for themselves
+    TileAt highest_{};
+    Tiles tiles_;          // the column and the row of each corner
+    Coordinates locals_;   // the places within the tiles
+    Coordinates outside_;  // corners that all lie in other tiles
+    Coordinates seen_;
+};

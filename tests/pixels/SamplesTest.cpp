@@ -1,0 +1,69 @@
+#include "pixels/Samples.h"
+
+#include <gmock/gmock.h>
+
+#include <array>
+#include <cmath>
+#include <limits>
+
+namespace {
+
+using testing::ElementsAre;
+
+TEST(LevelOf, HoldsSamplesInTheRangeOfSixteenBits) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    EXPECT_EQ(levelOf(0.0f), 0);
+    EXPECT_EQ(levelOf(-0.0f), 0);
+    EXPECT_EQ(levelOf(-0.2f), 0);
+    EXPECT_EQ(levelOf(-infinity), 0);
+    EXPECT_EQ(levelOf(nan), 0);
+    EXPECT_EQ(levelOf(-nan), 0);
+    EXPECT_EQ(levelOf(1.0f), 65535);
+    EXPECT_EQ(levelOf(1.5f), 65535);
+    EXPECT_EQ(levelOf(3e38f), 65535);
+    EXPECT_EQ(levelOf(infinity), 65535);
+    EXPECT_EQ(levelOf(0.5f), 32768);
+    EXPECT_EQ(levelOf(0.25f), 16384);
+    EXPECT_EQ(levelOf(1e-45f), 0);
+}
+
+TEST(LevelOf, EveryLevelIsItsOwn) {
+    for (int level = 0; level <= 65535; ++level)
+        ASSERT_EQ(levelOf(static_cast<float>(level) / 65535.0f), level);
+}
+
+// Each border between two levels, and the eight floats on both sides of it. The product is rounded
+// to single precision; adding the half is exact in double precision.
+TEST(LevelOf, RoundsHalfUpAtEveryBorder) {
+    for (int level = 1; level <= 65535; ++level) {
+        float sample = static_cast<float>((level - 0.5) / 65535.0);
+        for (int i = 0; i < 8; ++i)
+            sample = std::nextafter(sample, 0.0f);
+        for (int i = 0; i < 17; ++i, sample = std::nextafter(sample, 2.0f)) {
+            const double scaled = static_cast<float>(static_cast<double>(sample) * 65535.0);
+            ASSERT_EQ(levelOf(sample), std::floor(scaled + 0.5)) << level << ' ' << sample;
+        }
+    }
+}
+
+TEST(Quantise16, TakesEachStepsSampleInTheOrderOfBytesWanted) {
+    const float samples[] = {0.5f, 9.0f, 0.25f, 9.0f};
+    std::array<std::uint8_t, 4> out{};
+    quantise16(out.data(), samples, 2, 2, ByteOrder::kLittle);
+    EXPECT_THAT(out, ElementsAre(0x00, 0x80, 0x00, 0x40));
+    quantise16(out.data(), samples, 2, 2, ByteOrder::kBig);
+    EXPECT_THAT(out, ElementsAre(0x80, 0x00, 0x40, 0x00));
+}
+
+TEST(MarkLevels, AddsToTheSet) {
+    LevelSet levels;
+    const float samples[] = {0.0f, 0.5f, 0.5f, 7.0f};
+    markLevels(levels, samples, 2);
+    EXPECT_EQ(levels.count(), 2u);
+    markLevels(levels, samples + 2, 2);
+    EXPECT_EQ(levels.count(), 3u);
+    EXPECT_TRUE(levels.test(0) && levels.test(32768) && levels.test(65535));
+}
+
+}  // namespace
