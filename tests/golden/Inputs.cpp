@@ -1,0 +1,570 @@
+#include "golden/Inputs.h"
+
+#include <algorithm>
+#include <array>
+#include <vector>
+
+#include "support/Append.h"
+#include "support/BmpFile.h"
+#include "support/PsdFile.h"
+#include "support/VemoBuilder.h"
+
+namespace {
+
+std::uint32_t side(Random& random) {
+    return random.oneIn(8) ? random.below(70) : 1 + random.below(12);
+}
+
+// A number that a damaged field may hold.
+std::uint32_t field(Random& random) {
+    if (random.oneIn(2)) return random.below(300);
+    return random.pick<std::uint32_t>({0, 1, 2, 3, 4, 8, 16, 32, 64, 0xFFFF, 0x10000, 0x7FFFFFFF,
+                                       0x80000000, 0xFFFFFFF0, 0xFFFFFFFF});
+}
+
+std::vector<float> samples(Random& random, std::size_t count) {
+    const std::uint32_t style = random.below(4);
+    const float background = random.number();
+    std::vector<float> made(count);
+    for (float& sample : made) {
+        if (style == 0) sample = background;
+        if (style == 1) sample = random.unit();
+        if (style == 2) sample = random.oneIn(2) ? background : random.unit();
+        if (style == 3) sample = random.number();
+    }
+    return made;
+}
+
+std::vector<std::uint16_t> words(Random& random, std::size_t count) {
+    const ByteList bytes = paintedBytes(random, 2 * count);
+    std::vector<std::uint16_t> made(count);
+    for (std::size_t i = 0; i < count; ++i)
+        made[i] = static_cast<std::uint16_t>(bytes[2 * i] | bytes[2 * i + 1] << 8);
+    return made;
+}
+
+void bend(Random& random, TiffFile& file) {
+    const auto tag = random.pick<std::uint16_t>(
+        {254, 256, 257, 258, 259, 262, 273, 277, 278, 279, 282, 339, 40000});
+    if (random.oneIn(4)) {
+        file.without(tag);
+        return;
+    }
+    if (random.oneIn(6)) {
+        file.claimEntries(static_cast<std::uint16_t>(field(random)));
+        return;
+    }
+    const std::uint32_t count = random.below(5);
+    file.entry(tag, count, field(random));
+}
+
+void bend(Random& random, PsdFile& file) {
+    const auto number = static_cast<std::uint16_t>(random.below(5));
+    switch (random.below(9)) {
+        case 0:
+            file.signature("8BPT");
+            break;
+        case 1:
+            file.version(number);
+            break;
+        case 2:
+            file.channels(number);
+            break;
+        case 3:
+            file.depth(static_cast<std::uint16_t>(8 * number));
+            break;
+        case 4:
+            file.colourMode(number);
+            break;
+        case 5:
+            file.compression(number);
+            break;
+        case 6:
+            file.colourTable(number);
+            break;
+        case 7:
+            file.announceResources(field(random));
+            break;
+        default:
+            file.announceLayers(field(random));
+            break;
+    }
+}
+
+void bend(Random& random, BmpFile& file) {
+    switch (random.below(4)) {
+        case 0:
+            file.signature('B', 'N');
+            break;
+        case 1:
+            file.bitsPerPixel(static_cast<std::uint16_t>(8 * random.below(5)));
+            break;
+        case 2:
+            file.claimPixelOffset(field(random));
+            break;
+        default: {
+            const std::int32_t width = random.between(-5, 40);
+            file.claimSize(width, random.between(-5, 40));
+        }
+    }
+}
+
+std::array<float, 3> vertex(Random& random) {
+    std::array<float, 3> made;
+    for (float& coordinate : made)
+        coordinate = random.number();
+    return made;
+}
+
+// Corners near one place, so that faces share tiles, or anywhere.
+VemoBuilder::FaceUvs faceUvs(Random& random) {
+    VemoBuilder::FaceUvs made;
+    const auto u = static_cast<float>(random.between(-2, 4));
+    const auto v = static_cast<float>(random.between(-2, 4));
+    const bool anywhere = random.oneIn(8);
+    for (std::size_t i = 0; i < made.size(); ++i)
+        made[i] = anywhere ? random.number() : (i % 2 == 0 ? u : v) + random.unit();
+    return made;
+}
+
+class MeshParts {
+public:
+    explicit MeshParts(Random& random)
+        : random_(random), vertexCount_(random.below(20)), faceCount_(random.below(16)) {}
+
+    void addTo(VemoBuilder& mesh, std::uint32_t chunk) {
+        switch (chunk) {
+            case 10001:
+                mesh.vertices(list<VemoBuilder::Vertex>(vertexCount_, vertex));
+                break;
+            case 20001:
+                addFaces(mesh);
+                break;
+            case 25001:
+                mesh.faceUvs(list<VemoBuilder::FaceUvs>(faceCount_, faceUvs));
+                break;
+            case 35001:
+                addColours(mesh);
+                break;
+            case 40001:
+                addGroups(mesh);
+                break;
+            default:
+                addStranger(mesh);
+                break;
+        }
+    }
+
+private:
+    template <typename Element>
+    std::vector<Element> list(std::uint32_t count, Element (*make)(Random&)) {
+        std::vector<Element> made;
+        for (std::uint32_t i = 0; i < count; ++i)
+            made.push_back(make(random_));
+        return made;
+    }
+
+    void addFaces(VemoBuilder& mesh) {
+        std::vector<VemoBuilder::Face> faces(faceCount_);
+        for (VemoBuilder::Face& face : faces) {
+            for (std::int32_t& index : face)
+                index = static_cast<std::int32_t>(random_.below(std::max(vertexCount_, 1u)));
+            if (random_.oneIn(3)) face[3] = -1;
+            if (random_.oneIn(60))
+                face[random_.below(4)] = static_cast<std::int32_t>(field(random_));
+        }
+        mesh.faces(faces);
+    }
+
+    void addColours(VemoBuilder& mesh) {
+        std::vector<VemoBuilder::Colour> colours(random_.oneIn(6) ? random_.below(100)
+                                                                  : vertexCount_);
+        for (VemoBuilder::Colour& colour : colours) {
+            for (std::uint8_t& part : colour)
+                part = random_.byte();
+        }
+        mesh.vertexColours(colours);
+    }
+
+    void addGroups(VemoBuilder& mesh) {
+        std::vector<std::int16_t> groups(faceCount_);
+        for (std::int16_t& group : groups)
+            group = static_cast<std::int16_t>(random_.between(-3, 3));
+        mesh.groups(groups);
+    }
+
+    // A chunk of another kind, or one whose header is wrong.
+    void addStranger(VemoBuilder& mesh) {
+        const auto id = random_.pick<std::uint32_t>({10001, 20001, 25001, 35001, 40001, 50001, 0});
+        const std::uint32_t size = random_.below(40);
+        const ByteList elements = randomBytes(random_, size);
+        const std::uint32_t length = random_.oneIn(2) ? 16 + size : field(random_);
+        mesh.chunk(id, length, field(random_), elements);
+    }
+
+    Random& random_;
+    std::uint32_t vertexCount_;
+    std::uint32_t faceCount_;
+};
+
+ByteList mesh(Random& random, std::vector<std::uint32_t> chunks) {
+    VemoBuilder built;
+    MeshParts parts(random);
+    if (random.oneIn(8))
+        chunks.insert(chunks.begin() + random.below(static_cast<std::uint32_t>(chunks.size())), 1u);
+    for (const std::uint32_t chunk : chunks) {
+        if (!random.oneIn(25)) parts.addTo(built, chunk);
+    }
+    if (!random.oneIn(10)) built.closing();
+    return built.bytes();
+}
+
+// OpenEXR, little-endian.
+struct ExrShape {
+    std::uint32_t width;
+    std::uint32_t height;
+    std::vector<std::uint32_t> types;  // of each channel: 0 whole numbers, 1 half, 2 float
+    std::uint32_t compression;         // 0 none, 1 run lengths, 2 and 3 deflated
+    std::uint32_t tileWidth;           // 0: scanlines
+    std::uint32_t tileHeight;
+    std::int32_t left;
+    std::int32_t top;
+    bool wild;  // samples at the edge of what floats are
+};
+
+void appendText(ByteList& bytes, std::string_view text) {
+    bytes.insert(bytes.end(), text.begin(), text.end());
+    bytes.push_back(0);
+}
+
+void appendAttribute(ByteList& bytes, std::string_view name, std::string_view type,
+                     const ByteList& value) {
+    appendText(bytes, name);
+    appendText(bytes, type);
+    appendLe32(bytes, static_cast<std::uint32_t>(value.size()));
+    append(bytes, value);
+}
+
+ByteList le32s(std::initializer_list<std::uint32_t> values) {
+    ByteList bytes;
+    for (const std::uint32_t value : values)
+        appendLe32(bytes, value);
+    return bytes;
+}
+
+ByteList exrHeader(Random& random, const ExrShape& shape) {
+    ByteList bytes = {
+        0x76, 0x2F, 0x31, 0x01, 2, static_cast<std::uint8_t>(shape.tileWidth > 0 ? 2 : 0), 0, 0};
+    ByteList channels;
+    for (std::size_t i = 0; i < shape.types.size(); ++i) {
+        appendText(channels, std::string(1, static_cast<char>('A' + i)));
+        append(channels, le32s({shape.types[i], 0, 1, 1}));
+    }
+    channels.push_back(0);
+    const auto left = static_cast<std::uint32_t>(shape.left);
+    const auto top = static_cast<std::uint32_t>(shape.top);
+    const ByteList window = le32s({left, top, left + shape.width - 1, top + shape.height - 1});
+    const auto order = static_cast<std::uint8_t>(random.oneIn(5) ? 1 : 0);
+    appendAttribute(bytes, "channels", "chlist", channels);
+    appendAttribute(bytes, "compression", "compression",
+                    {static_cast<std::uint8_t>(shape.compression)});
+    appendAttribute(bytes, "dataWindow", "box2i", window);
+    appendAttribute(bytes, "displayWindow", "box2i", window);
+    appendAttribute(bytes, "lineOrder", "lineOrder", {order});
+    appendAttribute(bytes, "pixelAspectRatio", "float", le32s({0x3F800000}));
+    appendAttribute(bytes, "screenWindowCenter", "v2f", le32s({0, 0}));
+    appendAttribute(bytes, "screenWindowWidth", "float", le32s({0x3F800000}));
+    if (shape.tileWidth > 0) {
+        ByteList tiles = le32s({shape.tileWidth, shape.tileHeight});
+        tiles.push_back(0);
+        appendAttribute(bytes, "tiles", "tiledesc", tiles);
+    }
+    bytes.push_back(0);
+    return bytes;
+}
+
+// The bytes of every second place, then the others, each as its distance from the one before.
+ByteList predicted(const ByteList& raw) {
+    ByteList apart;
+    for (std::size_t first = 0; first < 2; ++first) {
+        for (std::size_t i = first; i < raw.size(); i += 2)
+            apart.push_back(raw[i]);
+    }
+    for (std::size_t i = apart.size(); i-- > 1;)
+        apart[i] = static_cast<std::uint8_t>(apart[i] - apart[i - 1] + 128);
+    return apart;
+}
+
+// A run of equal bytes is its length less 1 and the byte, any other run its length negated and itself.
+ByteList runLengths(const ByteList& bytes) {
+    ByteList packed;
+    for (std::size_t at = 0; at < bytes.size();) {
+        std::size_t equal = 1;
+        while (at + equal < bytes.size() && equal < 127 && bytes[at + equal] == bytes[at])
+            ++equal;
+        if (equal >= 3) {
+            append(packed, {static_cast<std::uint8_t>(equal - 1), bytes[at]});
+            at += equal;
+            continue;
+        }
+        packed.push_back(0xFF);
+        packed.push_back(bytes[at++]);
+    }
+    return packed;
+}
+
+// A deflated stream of one stored block, as every deflater could have made it.
+ByteList stored(const ByteList& bytes) {
+    const auto length = static_cast<std::uint32_t>(bytes.size());
+    ByteList packed = {0x78, 0x01, 0x01};
+    appendLe16(packed, length);
+    appendLe16(packed, ~length);
+    append(packed, bytes);
+    std::uint32_t low = 1;
+    std::uint32_t high = 0;
+    for (const std::uint8_t byte : bytes) {
+        low = (low + byte) % 65521;
+        high = (high + low) % 65521;
+    }
+    for (const std::uint32_t part : {high >> 8, high, low >> 8, low})
+        packed.push_back(static_cast<std::uint8_t>(part));
+    return packed;
+}
+
+void addSample(Random& random, ByteList& raw, std::uint32_t type, bool wild) {
+    if (type == 0) appendLe32(raw, wild ? field(random) : random.below(70000));
+    if (type == 1) appendLe16(raw, wild ? random.word() : 0x3000 + random.below(0x1800));
+    if (type == 2)
+        appendLeFloat(
+            raw, wild ? random.number() : static_cast<float>(random.between(-9999, 9999)) / 64.0f);
+}
+
+// The rows of a chunk: in each row one channel behind the other.
+ByteList exrPixels(Random& random, const ExrShape& shape, std::uint32_t width, std::uint32_t rows) {
+    ByteList raw;
+    for (std::uint32_t row = 0; row < rows; ++row) {
+        for (const std::uint32_t type : shape.types) {
+            for (std::uint32_t column = 0; column < width; ++column) {
+                addSample(random, raw, type, shape.wild);
+            }
+        }
+    }
+    if (shape.compression == 0) return raw;
+    const ByteList packed =
+        shape.compression == 1 ? runLengths(predicted(raw)) : stored(predicted(raw));
+    return shape.compression == 1 && packed.size() >= raw.size() ? raw : packed;
+}
+
+ByteList exrChunk(const ByteList& place, const ByteList& pixels) {
+    ByteList chunk = place;
+    appendLe32(chunk, static_cast<std::uint32_t>(pixels.size()));
+    append(chunk, pixels);
+    return chunk;
+}
+
+std::vector<ByteList> exrRows(Random& random, const ExrShape& shape) {
+    const std::uint32_t step = shape.compression == 3 ? 16 : 1;
+    std::vector<ByteList> chunks;
+    for (std::uint32_t row = 0; row < shape.height; row += step) {
+        const std::uint32_t rows = std::min(step, shape.height - row);
+        chunks.push_back(exrChunk(le32s({static_cast<std::uint32_t>(shape.top) + row}),
+                                  exrPixels(random, shape, shape.width, rows)));
+    }
+    return chunks;
+}
+
+std::vector<ByteList> exrTiles(Random& random, const ExrShape& shape) {
+    std::vector<ByteList> chunks;
+    for (std::uint32_t y = 0; y < shape.height; y += shape.tileHeight) {
+        for (std::uint32_t x = 0; x < shape.width; x += shape.tileWidth) {
+            const std::uint32_t width = std::min(shape.tileWidth, shape.width - x);
+            const std::uint32_t rows = std::min(shape.tileHeight, shape.height - y);
+            chunks.push_back(exrChunk(le32s({x / shape.tileWidth, y / shape.tileHeight, 0, 0}),
+                                      exrPixels(random, shape, width, rows)));
+        }
+    }
+    return chunks;
+}
+
+ExrShape exrShape(Random& random) {
+    ExrShape shape{};
+    shape.width = 1 + random.below(20);
+    shape.height = 1 + random.below(20);
+    const std::uint32_t channels = 1 + random.below(3);
+    for (std::uint32_t i = 0; i < channels; ++i)
+        shape.types.push_back(random.below(3));
+    shape.compression = random.below(4);
+    if (random.oneIn(3)) {
+        shape.tileWidth = 1 + random.below(16);
+        shape.tileHeight = 1 + random.below(16);
+    }
+    shape.left = random.between(-3, 3);
+    shape.top = random.between(-3, 3);
+    shape.wild = random.oneIn(3);
+    return shape;
+}
+
+}  // namespace
+
+ByteList randomBytes(Random& random, std::size_t count) {
+    ByteList bytes(count);
+    for (std::uint8_t& byte : bytes)
+        byte = random.byte();
+    return bytes;
+}
+
+ByteList paintedBytes(Random& random, std::size_t count) {
+    const std::uint32_t style = random.below(4);
+    const std::uint8_t ground = random.byte();
+    ByteList bytes(count, ground);
+    if (style == 0) return bytes;
+    for (std::uint8_t& byte : bytes) {
+        if (style == 1) byte = random.byte();
+        if (style == 2 && random.oneIn(4)) byte = random.byte();
+        if (style == 3 && random.oneIn(3))
+            byte = static_cast<std::uint8_t>(ground + random.below(3));
+    }
+    return bytes;
+}
+
+ByteList perhapsDamaged(Random& random, ByteList bytes) {
+    if (!random.oneIn(6) || bytes.empty()) return bytes;
+    const auto size = static_cast<std::uint32_t>(bytes.size());
+    switch (random.below(4)) {
+        case 0:
+            bytes.resize(random.below(size));
+            break;
+        case 1:
+            bytes.resize(size + random.below(100), 0xA5);
+            break;
+        case 2:
+            bytes.clear();
+            break;
+        default: {
+            // Most of what can go wrong stands in the first bytes.
+            const std::uint32_t reach = random.oneIn(2) ? std::min(size, 60u) : size;
+            const std::uint32_t patches = 1 + random.below(4);
+            for (std::uint32_t i = 0; i < patches; ++i)
+                bytes[random.below(reach)] = random.byte();
+        }
+    }
+    return bytes;
+}
+
+TiffShape tiffShape(Random& random) {
+    TiffShape shape{};
+    shape.width = side(random);
+    shape.length = side(random);
+    shape.bits = random.pick({8u, 8u, 16u, 32u});
+    shape.grey = random.oneIn(3);
+    shape.order = random.pick({TiffFile::Order::kPixelsFirst, TiffFile::Order::kDirectoryFirst});
+    return shape;
+}
+
+TiffShape floatTiffShape(Random& random) {
+    TiffShape shape = tiffShape(random);
+    if (!random.oneIn(12)) shape.bits = 32;
+    // Only a directory that comes first can be turned into the one of another file.
+    if (!random.oneIn(6)) shape.order = TiffFile::Order::kDirectoryFirst;
+    return shape;
+}
+
+ByteList tiffMap(Random& random, const TiffShape& shape) {
+    TiffFile file(shape.width, shape.length, shape.order);
+    const std::size_t count = std::size_t{shape.width} * shape.length * (shape.grey ? 1 : 3);
+    if (shape.bits == 8) {
+        const ByteList made = paintedBytes(random, count);
+        shape.grey ? file.grey8(made) : file.rgb8(made);
+    } else if (shape.bits == 16) {
+        const auto made = words(random, count);
+        shape.grey ? file.grey16(made) : file.rgb16(made);
+    } else {
+        const auto made = samples(random, count);
+        shape.grey ? file.grey32(made) : file.rgb32(made);
+    }
+    if (random.oneIn(8)) bend(random, file);
+    return perhapsDamaged(random, file.bytes());
+}
+
+PsdShape psdShape(Random& random) {
+    PsdShape shape{};
+    const bool large = random.oneIn(12);
+    shape.width = large ? 95 + random.below(20) : side(random);
+    shape.height = large ? 95 + random.below(20) : side(random);
+    shape.grey16 = random.oneIn(4);
+    if (random.oneIn(3)) shape.resourceBytes = random.below(30);
+    if (random.oneIn(4)) shape.layerBytes = random.below(30);
+    return shape;
+}
+
+ByteList psdMap(Random& random, const PsdShape& shape) {
+    PsdFile file(shape.width, shape.height);
+    file.resources(shape.resourceBytes).layers(shape.layerBytes);
+    const std::size_t pixels = std::size_t{shape.width} * shape.height;
+    if (shape.grey16)
+        file.grey16().planes(paintedBytes(random, 2 * pixels));
+    else
+        file.planes(paintedBytes(random, 3 * pixels));
+    if (random.oneIn(6)) bend(random, file);
+    return perhapsDamaged(random, file);
+}
+
+BmpShape bmpShape(Random& random) {
+    BmpShape shape{};
+    shape.width = static_cast<std::int32_t>(side(random));
+    shape.height = static_cast<std::int32_t>(side(random));
+    if (random.oneIn(6)) shape.gap = random.below(80);
+    return shape;
+}
+
+ByteList bmpMap(Random& random, const BmpShape& shape) {
+    BmpFile file(shape.width, shape.height);
+    const auto pixels =
+        static_cast<std::size_t>(shape.width) * static_cast<std::size_t>(shape.height);
+    file.pixels(paintedBytes(random, 3 * pixels)).padding(random.byte());
+    if (shape.gap > 0) file.pixelOffset(54 + shape.gap, random.byte());
+    if (random.oneIn(6)) bend(random, file);
+    return perhapsDamaged(random, file);
+}
+
+ByteList vemoMesh(Random& random) {
+    std::vector<std::uint32_t> chunks = {10001, 20001, 25001, 40001};
+    if (random.oneIn(3)) chunks.push_back(35001);
+    for (std::uint32_t i = 0; random.oneIn(2) && i < chunks.size(); ++i)
+        std::swap(chunks[i], chunks[random.below(static_cast<std::uint32_t>(chunks.size()))]);
+    return perhapsDamaged(random, mesh(random, chunks));
+}
+
+ByteList vemoMeshStartingWith(Random& random, std::uint32_t firstChunk) {
+    if (firstChunk == 10001) return perhapsDamaged(random, mesh(random, {10001, 35001, 20001}));
+    return perhapsDamaged(random, mesh(random, {firstChunk, 10001, 20001}));
+}
+
+ByteList filterText(Random& random) {
+    std::string text;
+    const std::uint32_t pieces = random.below(12);
+    for (std::uint32_t i = 0; i < pieces; ++i) {
+        const std::int32_t first = random.between(995, 1050);
+        text += std::to_string(first);
+        if (random.oneIn(3))
+            text.append(1, '-').append(std::to_string(first + random.between(-2, 12)));
+        text += random.pick<const char*>(
+            {",", ", ", "\n", "\r\n", ",,", " ", "-", "x", "\t,", "2147483648,"});
+    }
+    return perhapsDamaged(random, ByteList(text.begin(), text.end()));
+}
+
+ByteList exrPicture(Random& random) {
+    const ExrShape shape = exrShape(random);
+    ByteList file = exrHeader(random, shape);
+    const std::vector<ByteList> chunks =
+        shape.tileWidth > 0 ? exrTiles(random, shape) : exrRows(random, shape);
+    std::size_t offset = file.size() + 8 * chunks.size();
+    for (const ByteList& chunk : chunks) {
+        append(file, le32s({static_cast<std::uint32_t>(offset), 0}));
+        offset += chunk.size();
+    }
+    for (const ByteList& chunk : chunks)
+        append(file, chunk);
+    return perhapsDamaged(random, file);
+}

@@ -1,0 +1,61 @@
+#pragma once
+// Files at random, as Morvane writes them: small, mostly right, now and then bent or damaged.
+
+#include "golden/Random.h"
+#include "support/TempDir.h"
+#include "support/TiffFile.h"
+
+ByteList randomBytes(Random& random, std::size_t count);
+
+// Samples of a picture: of one colour, of a few, or of any.
+ByteList paintedBytes(Random& random, std::size_t count);
+
+// The same bytes, or in one case of six cut short, patched, prolonged or gone.
+ByteList perhapsDamaged(Random& random, ByteList bytes);
+
+// Maps that are merged share their shape, mostly.
+struct TiffShape {
+    std::uint32_t width;
+    std::uint32_t length;
+    std::uint32_t bits;
+    bool grey;
+    TiffFile::Order order;
+};
+TiffShape tiffShape(Random& random);
+TiffShape floatTiffShape(Random& random);
+ByteList tiffMap(Random& random, const TiffShape& shape);
+
+struct PsdShape {
+    std::uint32_t width;
+    std::uint32_t height;
+    bool grey16;
+    std::size_t resourceBytes;
+    std::size_t layerBytes;
+};
+PsdShape psdShape(Random& random);
+ByteList psdMap(Random& random, const PsdShape& shape);
+
+struct BmpShape {
+    std::int32_t width;
+    std::int32_t height;
+    std::uint32_t gap;  // between headers and pixels
+};
+BmpShape bmpShape(Random& random);
+ByteList bmpMap(Random& random, const BmpShape& shape);
+
+// A mesh with the chunks of vertices, faces, face UVs, groups and colours, not always all of them, in
+// any order, or first those that it must start with.
+ByteList vemoMesh(Random& random);
+ByteList vemoMeshStartingWith(Random& random, std::uint32_t firstChunk);
+
+// The text of a tile filter.
+ByteList filterText(Random& random);
+
+// A picture in OpenEXR, of one to three channels in scanlines or tiles.
+ByteList exrPicture(Random& random);
+
+// The shape of a second map: that of the first, mostly.
+template <typename Shape>
+Shape perhapsAnother(Random& random, const Shape& first, Shape (*another)(Random&)) {
+    return random.oneIn(6) ? another(random) : first;
+}

@@ -1,0 +1,20 @@
+#pragma once
+// A transcript: a text of one line for each case, which starts with the name of what the case calls
+// and the case's number.
+
+#include <ostream>
+#include <string>
+#include <vector>
+
+using Lines = std::vector<std::string>;
+
+// The lines of a file, without empty ones and without those that start with '#'. Throws when there is
+// no such file.
+Lines readLines(const std::string& path);
+
+// For each name in a transcript, in order, "NAME COUNT DIGEST": how many cases it has and the digest of
+// their lines.
+Lines digestsOf(const Lines& transcript);
+
+// Tells where two lists of lines differ; nothing where they do not. Returns how many lines differ.
+std::size_t reportDifferences(const Lines& have, const Lines& want, std::ostream& out);

@@ -1,0 +1,94 @@
+// transcript: calls a library's exports, or the operations behind them, with generated inputs and
+// writes down what came of it, so that two processors, compilers or builds can be compared.
+//
+//   transcript exports LIBRARY TRANSCRIPT [DIGESTS]   writes TRANSCRIPT; compares it with the digests
+//   transcript operations TRANSCRIPT [DIGESTS]
+//   transcript digests TRANSCRIPT                     prints a transcript's digests
+//   transcript compare TRANSCRIPT OTHER               compares two transcripts line by line
+//
+// Ends with 0 when nothing differs, else with 1.
+
+#include <dlfcn.h>
+
+#include <algorithm>
+#include <exception>
+#include <fstream>
+#include <iostream>
+#include <stdexcept>
+
+#include "golden/ExportCases.h"
+#include "golden/OperationCases.h"
+#include "golden/Transcript.h"
+
+namespace {
+
+using Arguments = std::vector<std::string>;
+
+FindSymbol loaded(const std::string& library) {
+    void* handle = ::dlopen(library.c_str(), RTLD_NOW | RTLD_LOCAL);
+    if (handle == nullptr) throw std::runtime_error(::dlerror());
+    return [handle](const std::string& name) { return ::dlsym(handle, name.c_str()); };
+}
+
+std::ofstream create(const std::string& path) {
+    std::ofstream file(path);
+    if (!file) throw std::runtime_error("cannot write " + path);
+    return file;
+}
+
+int compareDigests(const std::string& transcript, const std::string& digests) {
+    const Lines lines = readLines(transcript);
+    const std::size_t different =
+        reportDifferences(digestsOf(lines), readLines(digests), std::cout);
+    std::cout << lines.size() << " cases, " << different << " digests differ\n";
+    return different == 0 ? 0 : 1;
+}
+
+int compare(const std::string& transcript, const std::string& other) {
+    const Lines lines = readLines(transcript);
+    const Lines others = readLines(other);
+    const std::size_t different = reportDifferences(lines, others, std::cout);
+    std::cout << std::max(lines.size(), others.size()) << " comparisons, " << different
+              << " differ\n";
+    return different == 0 && !lines.empty() ? 0 : 1;
+}
+
+int run(const Arguments& words) {
+    const std::string& mode = words.at(0);
+    if (mode == "compare") return compare(words.at(1), words.at(2));
+    if (mode == "digests") {
+        for (const std::string& line : digestsOf(readLines(words.at(1))))
+            std::cout << line << '\n';
+        return 0;
+    }
+    if (mode != "exports" && mode != "operations") throw std::out_of_range(mode);
+
+    const bool exports = mode == "exports";
+    const std::size_t next = exports ? 2 : 1;
+    const std::string& transcript = words.at(next);
+    {
+        std::ofstream lines = create(transcript);
+        if (exports)
+            writeExportCases(loaded(words.at(1)), lines);
+        else
+            writeOperationCases(lines);
+        if (!lines.flush()) throw std::runtime_error("cannot write " + transcript);
+    }
+    return words.size() > next + 1 ? compareDigests(transcript, words.at(next + 1)) : 0;
+}
+
+}  // namespace
+
+int main(int count, char** words) {
+    try {
+        return run(Arguments(words + 1, words + count));
+    } catch (const std::out_of_range&) {
+        std::cerr << "transcript exports LIBRARY TRANSCRIPT [DIGESTS] | operations TRANSCRIPT "
+                     "[DIGESTS] | "
+                     "digests TRANSCRIPT | compare TRANSCRIPT OTHER\n";
+        return 2;
+    } catch (const std::exception& failure) {
+        std::cerr << "transcript: " << failure.what() << '\n';
+        return 2;
+    }
+}
