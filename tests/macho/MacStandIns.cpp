@@ -10,8 +10,8 @@
 
 #include <array>
 #include <cerrno>
-#include <cstddef>
 #include <cstdarg>
+#include <cstddef>
 #include <cstdint>
 #include <cstdio>
 #include <cstdlib>
@@ -181,16 +181,21 @@ unsigned threadNumber(void*) {
 // Classes of characters, of which the exports ask for none.
 std::array<std::uint8_t, 8192> runes{};
 
+// No other library is loaded; the C++ library looks for an older one of its kind.
+void* noLibrary(const char*, int) {
+    return nullptr;
+}
+
 // Symbols that the C++ library brings along for its locales, its messages before an abort and the
 // like. No export leads to them.
 constexpr const char* kNeverCalled[] = {
-    "____mb_cur_max_l", "___maskrune_l",      "___tolower",  "___toupper",    "_asprintf_l",
-    "_catclose",        "_catgets",           "_catopen",    "_dlopen",       "_dlsym",
-    "_freelocale",      "_mbrlen_l",          "_mbrtowc_l",  "_mbsnrtowcs_l", "_mbsrtowcs_l",
-    "_mbtowc_l",        "_pthread_cond_wait", "_snprintf",   "_snprintf_l",   "_sscanf",
-    "_sscanf_l",        "_strerror_r",        "_strftime_l", "_strtod_l",     "_strtof_l",
-    "_strtold_l",       "_strtoll_l",         "_strtoull_l", "_vfprintf",     "_wcrtomb_l",
-    "_wcsnrtombs_l",    "dyld_stub_binder",
+    "____mb_cur_max_l",   "___maskrune_l", "___tolower",    "___toupper",   "_asprintf_l",
+    "_catclose",          "_catgets",      "_catopen",      "_dlsym",       "_freelocale",
+    "_mbrlen_l",          "_mbrtowc_l",    "_mbsnrtowcs_l", "_mbsrtowcs_l", "_mbtowc_l",
+    "_pthread_cond_wait", "_snprintf",     "_snprintf_l",   "_sscanf",      "_sscanf_l",
+    "_strerror_r",        "_strftime_l",   "_strtod_l",     "_strtof_l",    "_strtold_l",
+    "_strtoll_l",         "_strtoull_l",   "_vfprintf",     "_wcrtomb_l",   "_wcsnrtombs_l",
+    "dyld_stub_binder",
 };
 
 template <std::size_t Index>
@@ -265,7 +270,8 @@ StandIns makeStandIns() {
         {"_printf", code(std::printf)},
 #endif
 
-        // One thread, one locale.
+        // One thread, one locale, one library.
+        {"_dlopen", code(noLibrary)},
         {"__tlv_bootstrap", code(macThreadVariable)},
         {"__DefaultRuneLocale", runes.data()},
         {"_pthread_cond_broadcast", code(alwaysFree)},

@@ -200,7 +200,8 @@ private:
         demand(memory.address >= around.address && memory.address - around.address <= around.size &&
                    memory.size <= around.size - (memory.address - around.address),
                "a section outside its segment");
-        if (fields.name(0) == "__eh_frame") file_.frames = memory;
+        if (fields.name(0) == "__unwind_info") file_.unwindWords = memory;
+        if (fields.name(0) == "__eh_frame") file_.unwindFrames = memory;
         switch (static_cast<std::uint8_t>(fields.u32(64))) {
             case kInitialiserPointers:
                 for (std::uint64_t i = 0; i < memory.size / kPointerBytes; ++i)

@@ -42,7 +42,8 @@ struct MachOFile {
     std::vector<std::uint64_t> initialisers;  // addresses of pointers to functions, in their order
     MachORange threadVariables;               // descriptors, three pointers each
     MachORange threadValues;                  // what each thread's variables start with
-    MachORange frames;                        // unwinding tables in the form of DWARF
+    MachORange unwindWords;                   // how to leave functions, a word for each
+    MachORange unwindFrames;                  // the same in DWARF where a word is not enough
 
     // The size of the library's memory.
     std::uint64_t memorySize() const;

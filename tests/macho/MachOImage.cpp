@@ -3,15 +3,19 @@
 #include <sys/mman.h>
 #include <unistd.h>
 
+#include <array>
 #include <cstring>
+#include <list>
 #include <stdexcept>
+#include <vector>
 
 #include "files/File.h"
 #include "macho/MacStandIns.h"
 #include "macho/MachOFile.h"
+#include "macho/UnwindTables.h"
 
-// How libgcc learns where to find the tables for unwinding code that no dynamic linker loaded.
-extern "C" void __register_frame(void* frames);
+// How libgcc learns where the tables for unwinding lie of code that no dynamic linker loaded.
+extern "C" void __register_frame_table(void* listEndedByNull);
 
 namespace {
 
@@ -84,8 +88,15 @@ public:
         }
     }
 
+    // The library's own tables and those made from its words go in as one list: of lists that overlap
+    // only one is searched. They must live as long as the library.
     void registerFrames() {
-        if (file_.frames.size > 0) __register_frame(memory_ + file_.frames.address);
+        static std::list<std::vector<std::uint8_t>> made;
+        static std::list<std::array<void*, 3>> lists;
+        made.push_back(dwarfTables(file_, memory_));
+        lists.push_back({made.back().data()});
+        if (file_.unwindFrames.size > 0) lists.back()[1] = memory_ + file_.unwindFrames.address;
+        __register_frame_table(lists.back().data());
     }
 
     void runInitialisers() {
