@@ -12,9 +12,9 @@ set(CMAKE_CXX_COMPILER ${zig} c++)
 string(REPLACE arm64 aarch64 target ${QUILLON_MACOS_PROCESSOR}-macos.11.0)
 set(CMAKE_C_COMPILER_TARGET ${target})
 set(CMAKE_CXX_COMPILER_TARGET ${target})
-find_program(CMAKE_AR llvm-ar-14 REQUIRED)
-find_program(CMAKE_RANLIB llvm-ranlib-14 REQUIRED)
-find_program(QUILLON_LD64 ld64.lld-14 REQUIRED)
+find_program(CMAKE_AR llvm-ar-19 REQUIRED)
+find_program(CMAKE_RANLIB llvm-ranlib-19 REQUIRED)
+find_program(QUILLON_LD64 ld64.lld-19 REQUIRED)
 
 # Checks of the compiler end before the linker, whose rule is made for the plug-in alone.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)

@@ -1,0 +1,298 @@
+#include "macho/MacStandIns.h"
+
+#include <dirent.h>
+#include <fcntl.h>
+#include <pthread.h>
+#include <sys/stat.h>
+#include <unistd.h>
+#include <unwind.h>
+#include <zlib.h>
+
+#include <array>
+#include <cerrno>
+#include <cstdarg>
+#include <cstddef>
+#include <cstdint>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <cwchar>
+#include <map>
+#include <utility>
+
+#include "macho/MacFoundation.h"
+
+extern "C" int __cxa_atexit(void (*)(void*), void*, void*);
+
+// Finds a thread's variable; called with its descriptor, and allowed to change nothing but the result.
+extern "C" void macThreadVariable();
+
+#ifdef __aarch64__
+// Variadic arguments lie on the stack there, on Linux they start in registers: these hand them on to
+// the functions of the same name below.
+extern "C" void macOpen();
+extern "C" void macPrintf();
+asm(R"(
+    .text
+    .globl macThreadVariable
+    .globl macOpen
+    .globl macPrintf
+macThreadVariable:
+    ldr x16, [x0, #8]
+    ldr x0, [x0, #16]
+    add x0, x0, x16
+    ret
+macOpen:
+    ldr w2, [sp]
+    b openMac
+macPrintf:
+    mov x1, sp
+    b printOnStack
+)");
+#else
+asm(R"(
+    .text
+    .globl macThreadVariable
+macThreadVariable:
+    movq 8(%rdi), %rax
+    addq 16(%rdi), %rax
+    ret
+)");
+#endif
+
+namespace {
+
+// Flags of open() as macOS counts them, and as Linux does.
+constexpr std::pair<int, int> kOpenFlags[] = {
+    {0x0001, O_WRONLY}, {0x0002, O_RDWR},  {0x0004, O_NONBLOCK}, {0x0008, O_APPEND},
+    {0x0200, O_CREAT},  {0x0400, O_TRUNC}, {0x0800, O_EXCL},     {0x0100'0000, O_CLOEXEC},
+};
+
+}  // namespace
+
+extern "C" int openMac(const char* path, int flags, int mode) {
+    int known = 0;
+    int translated = 0;
+    for (const auto& [mac, ours] : kOpenFlags) {
+        if ((flags & mac) == 0) continue;
+        known |= mac;
+        translated |= ours;
+    }
+    if (flags != known) {
+        std::fprintf(stderr, "no stand-in for the flags %#x of open\n",
+                     static_cast<unsigned>(flags));
+        std::abort();
+    }
+    return ::open(path, translated, mode);
+}
+
+#ifdef __aarch64__
+extern "C" int printOnStack(const char* format, void* arguments) {
+    // A list without arguments in registers takes all from the stack, eight bytes each as on macOS.
+    struct {
+        void* stack;
+        void* generalTop;
+        void* vectorTop;
+        int generalOffset;
+        int vectorOffset;
+    } fields{arguments, nullptr, nullptr, 0, 0};
+    std::va_list list;
+    static_assert(sizeof list == sizeof fields);
+    std::memcpy(&list, &fields, sizeof list);
+    return std::vprintf(format, list);
+}
+#endif
+
+namespace {
+
+struct MacStat {
+    std::int32_t device;
+    std::uint16_t mode;
+    std::uint16_t links;
+    std::uint64_t inode;
+    std::uint32_t user;
+    std::uint32_t group;
+    std::int32_t specialDevice;
+    std::int64_t times[8];  // of access, change, change of status, birth: seconds, nanoseconds
+    std::int64_t size;
+    std::int64_t blocks;
+    std::int32_t blockSize;
+    std::uint32_t flags;
+    std::uint32_t generation;
+    std::int32_t spare;
+    std::int64_t spares[2];
+};
+static_assert(sizeof(MacStat) == 144 && offsetof(MacStat, size) == 96);
+
+// What the library asks for; the rest is zero.
+int answer(int result, const struct stat& status, MacStat* mac) {
+    if (result != 0) return result;
+    *mac = {};
+    mac->device = static_cast<std::int32_t>(status.st_dev);
+    mac->mode = static_cast<std::uint16_t>(status.st_mode);
+    mac->inode = status.st_ino;
+    mac->size = status.st_size;
+    return 0;
+}
+
+int statMac(const char* path, MacStat* mac) {
+    struct stat status {};
+    return answer(::stat(path, &status), status, mac);
+}
+
+int fstatMac(int descriptor, MacStat* mac) {
+    struct stat status {};
+    return answer(::fstat(descriptor, &status), status, mac);
+}
+
+struct MacEntry {
+    std::uint64_t inode;
+    std::uint64_t seekOffset;
+    std::uint16_t recordLength;
+    std::uint16_t nameLength;
+    std::uint8_t type;
+    char name[1024];
+};
+static_assert(sizeof(MacEntry) == 1048 && offsetof(MacEntry, name) == 21);
+
+// Valid until the next call, as the system's own is at least.
+MacEntry* readdirMac(DIR* folder) {
+    static MacEntry mac;
+    const dirent* entry = ::readdir(folder);
+    if (entry == nullptr) return nullptr;
+    mac = {};
+    mac.inode = entry->d_ino;
+    mac.recordLength = sizeof mac;
+    mac.nameLength = static_cast<std::uint16_t>(std::strlen(entry->d_name));
+    mac.type = entry->d_type;
+    std::memcpy(mac.name, entry->d_name, mac.nameLength);
+    return &mac;
+}
+
+// A lock of macOS looks taken to Linux; with one thread it is always free.
+int alwaysFree(void*) {
+    return 0;
+}
+
+unsigned threadNumber(void*) {
+    return 1;
+}
+
+// Classes of characters, of which the exports ask for none.
+std::array<std::uint8_t, 8192> runes{};
+
+// No other library is loaded; the C++ library looks for an older one of its kind.
+void* noLibrary(const char*, int) {
+    return nullptr;
+}
+
+// Symbols that the C++ library brings along for its locales, its messages before an abort and the
+// like. No export leads to them.
+constexpr const char* kNeverCalled[] = {
+    "____mb_cur_max_l",   "___maskrune_l", "___tolower",    "___toupper",   "_asprintf_l",
+    "_catclose",          "_catgets",      "_catopen",      "_dlsym",       "_freelocale",
+    "_mbrlen_l",          "_mbrtowc_l",    "_mbsnrtowcs_l", "_mbsrtowcs_l", "_mbtowc_l",
+    "_pthread_cond_wait", "_snprintf",     "_snprintf_l",   "_sscanf",      "_sscanf_l",
+    "_strerror_r",        "_strftime_l",   "_strtod_l",     "_strtof_l",    "_strtold_l",
+    "_strtoll_l",         "_strtoull_l",   "_vfprintf",     "_wcrtomb_l",   "_wcsnrtombs_l",
+    "dyld_stub_binder",
+};
+
+template <std::size_t Index>
+[[noreturn]] void endProgram() {
+    std::fprintf(stderr, "the library called %s\n", kNeverCalled[Index]);
+    std::abort();
+}
+
+using StandIns = std::map<std::string, void*>;
+
+template <typename Function>
+void* code(Function* function) {
+    return reinterpret_cast<void*>(function);
+}
+
+template <std::size_t... Index>
+void addNeverCalled(StandIns& all, std::index_sequence<Index...>) {
+    (all.emplace(kNeverCalled[Index], code(endProgram<Index>)), ...);
+}
+
+StandIns makeStandIns() {
+    StandIns all = {
+        // The same on both systems.
+        {"_abort", code(std::abort)},
+        {"_aligned_alloc", code(std::aligned_alloc)},
+        {"_bzero", code(::bzero)},
+        {"___bzero", code(::bzero)},
+        {"_calloc", code(std::calloc)},
+        {"_close", code(::close)},
+        {"_closedir", code(::closedir)},
+        {"___cxa_atexit", code(__cxa_atexit)},
+        {"___error", code(::__errno_location)},
+        {"_fflush", code(std::fflush)},
+        {"_fputc", code(std::fputc)},
+        {"_free", code(std::free)},
+        {"_fwrite", code(std::fwrite)},
+        {"_malloc", code(std::malloc)},
+        {"_memchr", code<const void*(const void*, int, std::size_t)>(std::memchr)},
+        {"_opendir", code(::opendir)},
+        {"_pread", code(::pread)},
+        {"_puts", code(std::puts)},
+        {"_pwrite", code(::pwrite)},
+        {"_realloc", code(std::realloc)},
+        {"_remove", code<int(const char*)>(std::remove)},
+        {"_rename", code(std::rename)},
+        {"_strcmp", code(std::strcmp)},
+        {"_strncpy", code(std::strncpy)},
+        {"_strnlen", code(::strnlen)},
+        {"_uncompress", code(::uncompress)},
+        {"_wcslen", code(std::wcslen)},
+        {"_wmemchr", code<const wchar_t*(const wchar_t*, wchar_t, std::size_t)>(std::wmemchr)},
+        {"__Unwind_DeleteException", code(_Unwind_DeleteException)},
+        {"__Unwind_GetIP", code(_Unwind_GetIP)},
+        {"__Unwind_GetLanguageSpecificData", code(_Unwind_GetLanguageSpecificData)},
+        {"__Unwind_GetRegionStart", code(_Unwind_GetRegionStart)},
+        {"__Unwind_RaiseException", code(_Unwind_RaiseException)},
+        {"__Unwind_Resume", code(_Unwind_Resume)},
+        {"__Unwind_SetGR", code(_Unwind_SetGR)},
+        {"__Unwind_SetIP", code(_Unwind_SetIP)},
+        {"___stdoutp", &stdout},
+        {"___stderrp", &stderr},
+
+        // Other layouts, constants or ways to pass arguments.
+        {"_fstat", code(fstatMac)},
+        {"_readdir", code(readdirMac)},
+        {"_stat", code(statMac)},
+#ifdef __aarch64__
+        {"_open", code(macOpen)},
+        {"_printf", code(macPrintf)},
+#else
+        {"_open", code(openMac)},
+        {"_printf", code(std::printf)},
+#endif
+
+        // One thread, one locale, one library.
+        {"_dlopen", code(noLibrary)},
+        {"__tlv_bootstrap", code(macThreadVariable)},
+        {"__DefaultRuneLocale", runes.data()},
+        {"_pthread_cond_broadcast", code(alwaysFree)},
+        {"_pthread_mach_thread_np", code(threadNumber)},
+        {"_pthread_mutex_lock", code(alwaysFree)},
+        {"_pthread_mutex_unlock", code(alwaysFree)},
+        {"_pthread_self", code(::pthread_self)},
+
+        {"_NSSearchPathForDirectoriesInDomains", code(mac::searchPath)},
+        {"_objc_getClass", code(mac::classNamed)},
+        {"_objc_msgSend", code(mac::send)},
+        {"_sel_registerName", code(mac::selector)},
+    };
+    addNeverCalled(all, std::make_index_sequence<std::size(kNeverCalled)>());
+    return all;
+}
+
+}  // namespace
+
+void* macStandIn(const std::string& symbol) {
+    static const StandIns standIns = makeStandIns();
+    const auto found = standIns.find(symbol.substr(0, symbol.find('$')));
+    return found == standIns.end() ? nullptr : found->second;
+}
