@@ -2,7 +2,7 @@
 // Samples: what operations do to the 32-bit float samples of maps in memory, unknown to any file
 // format.
 
-#include <bitset>
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
@@ -19,6 +19,16 @@ enum class ByteOrder { kLittle, kBig };
 void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
                 ByteOrder order);
 
+// A set of levels. A byte for each: setting one is a single store.
+class LevelSet {
+public:
+    void add(std::uint16_t level) { seen_[level] = 1; }
+    bool test(std::uint16_t level) const { return seen_[level] != 0; }
+    std::size_t count() const;
+
+private:
+    std::array<std::uint8_t, 65536> seen_{};
+};
+
 // Adds the levels of samples to a set of levels.
-using LevelSet = std::bitset<65536>;
 void markLevels(LevelSet& levels, const float* samples, std::size_t count);

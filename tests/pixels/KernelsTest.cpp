@@ -1,14 +1,20 @@
-// Each operation that handles many bytes at a time, against a plain loop over bytes, at every length
+// Each operation that handles many bytes at a time, against a plain loop, at every length
 // from none to several times its step and at odd addresses. Buffers end with the last pixel, so the
 // address sanitizer sees a step beyond it.
 
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <cstring>
+#include <iterator>
+#include <limits>
+#include <memory>
 #include <random>
+#include <set>
 #include <vector>
 
 #include "pixels/Pixels.h"
+#include "pixels/Samples.h"
 
 namespace {
 
@@ -117,6 +123,79 @@ TEST(CopyReversedKernel, IsThePlainLoop) {
             copyReversed(reversed.data() + start, row.data(), pixels);
             ASSERT_EQ(reversed, behind(start, exchangedPlainly(row, {0, 2})))
                 << pixels << " pixels to " << start;
+        }
+    }
+}
+
+// Samples in and out of the range of levels, on the borders between two, and ones that are no
+// numbers; runs of equal pixels between them.
+std::vector<float> someSamples(std::mt19937& random, std::size_t count, std::size_t channels) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const float odd[] = {0.0f,     -0.0f,     1.0f, 1.5f, -0.2f,  3e38f,    -3e38f,
+                         infinity, -infinity, nan,  -nan, 1e-45f, 65536.0f, 32768.5f};
+    std::vector<float> samples(count);
+    for (std::size_t i = 0; i < count; ++i) {
+        const unsigned choice = random() % 64;
+        if (choice < 54 && i >= channels)
+            samples[i] = samples[i - channels];
+        else if (choice < 58)
+            samples[i] = odd[random() % std::size(odd)];
+        else if (choice < 60)
+            samples[i] = (static_cast<float>(random() % 65536) + 0.5f) / 65535.0f;
+        else
+            samples[i] = static_cast<float>(random() % 1000) / 999.0f;
+    }
+    return samples;
+}
+
+TEST(Quantise16Kernel, IsTheLevelOfEachSample) {
+    std::mt19937 random(1);
+    for (const std::size_t step : {1u, 3u}) {
+        for (std::size_t count = 0; count <= kMostPixels; ++count) {
+            for (const std::size_t start : kStarts) {
+                const std::vector<float> samples = someSamples(random, count * step, 1);
+                ByteList little(start + 2 * count, 0);
+                ByteList big = little;
+                quantise16(little.data() + start, samples.data(), count, step, ByteOrder::kLittle);
+                quantise16(big.data() + start, samples.data(), count, step, ByteOrder::kBig);
+                for (std::size_t i = 0; i < count; ++i) {
+                    const unsigned level = levelOf(samples[i * step]);
+                    const std::size_t at = start + 2 * i;
+                    ASSERT_EQ(little[at] | little[at + 1] << 8, level) << samples[i * step];
+                    ASSERT_EQ(big[at] << 8 | big[at + 1], level) << samples[i * step];
+                }
+            }
+        }
+    }
+}
+
+TEST(TakeFirstSamplesKernel, IsTheFirstOfEachThree) {
+    std::mt19937 random(1);
+    for (std::size_t pixels = 0; pixels <= kMostPixels; ++pixels) {
+        for (const std::size_t start : kStarts) {
+            const std::vector<float> samples = someSamples(random, 3 * pixels, 3);
+            ByteList taken(start + 4 * pixels, 0);
+            takeFirstSamples(taken.data() + start, samples.data(), pixels);
+            for (std::size_t i = 0; i < pixels; ++i)
+                ASSERT_EQ(std::memcmp(&taken[start + 4 * i], &samples[3 * i], 4), 0) << i;
+        }
+    }
+}
+
+TEST(MarkLevelsKernel, MarksTheLevelOfEachSampleAndNoOther) {
+    std::mt19937 random(1);
+    for (const std::size_t channels : {1u, 3u}) {
+        for (std::size_t count = 0; count <= 4 * kMostPixels; ++count) {
+            const std::vector<float> samples = someSamples(random, count, channels);
+            const auto levels = std::make_unique<LevelSet>();
+            markLevels(*levels, samples.data(), count);
+            std::set<std::uint16_t> expected;
+            for (const float sample : samples)
+                expected.insert(levelOf(sample));
+            ASSERT_EQ(levels->count(), expected.size());
+            for (const std::uint16_t level : expected)
+                ASSERT_TRUE(levels->test(level)) << level;
         }
     }
 }
