@@ -37,7 +37,7 @@ double megapixels(std::uint32_t side) {
 
 std::vector<Job> allJobs() {
     std::vector<Job> all;
-    for (const auto& family : {tiffJobs, psdJobs, bmpJobs}) {
+    for (const auto& family : {tiffJobs, psdJobs, bmpJobs, encoderJobs, meshJobs}) {
         for (Job& job : family())
             all.push_back(std::move(job));
     }

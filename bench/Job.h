@@ -56,7 +56,7 @@ struct Setup {
     const Library* before;     // null when there is none
     std::string folder;        // for the job's files; empty
     std::uint32_t side;        // of the maps, in pixels; a mesh has side * side / 16 faces
-    int tiles = 12;            // of a mesh
+    std::uint32_t tiles = 12;  // of a mesh
     bool quillonOnly = false;  // what only other contenders need is left out
 };
 
