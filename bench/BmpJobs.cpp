@@ -78,8 +78,8 @@ Race merge(const Setup& setup) {
     const std::string tile = setup.folder + "/tile.bmp";
     const std::string map = setup.folder + "/map.bmp";
     const std::string original = setup.folder + "/original.bmp";
-    writeBmp(tile, setup.side, Tile::kFirst);
-    writeBmp(original, setup.side, Tile::kSecond);
+    writeBmp(tile, specOf(setup), Tile::kFirst);
+    writeBmp(original, specOf(setup), Tile::kSecond);
 
     const std::uint64_t bytes = fileBytes(setup.side);
     const RowLayout layout = layoutOf(setup.side);
@@ -100,7 +100,7 @@ Race merge(const Setup& setup) {
 Race swap(const Setup& setup) {
     const std::string map = setup.folder + "/map.bmp";
     const std::string original = setup.folder + "/original.bmp";
-    writeBmp(original, setup.side, Tile::kFirst);
+    writeBmp(original, specOf(setup), Tile::kFirst);
 
     const std::uint64_t bytes = fileBytes(setup.side);
     const RowLayout layout = layoutOf(setup.side);
@@ -121,11 +121,12 @@ Race swap(const Setup& setup) {
 Race thumbnail(const Setup& setup) {
     const std::string map = setup.folder + "/map.bmp";
     const std::string original = setup.folder + "/original.bmp";
-    writeBmp(original, setup.side, Tile::kFirst);
+    writeBmp(original, specOf(setup), Tile::kFirst);
 
     const std::uint32_t side = setup.side;
     const RowLayout layout = layoutOf(side);
     Race race{.amount = megapixels(side),
+              .bytesHeld = static_cast<double>(fileBytes(side)),
               .rewritten = {{map, original}},
               .resultDigest = [map] { return digestOf(map); },
               .contenders = exportContenders(setup, {"CreateThumbnailBMP", map, kThumbSide})};
@@ -145,8 +146,8 @@ Race thumbnail(const Setup& setup) {
 
 std::vector<Job> bmpJobs() {
     return {
-        {"mergeMapsBMP", "MP", Loads::kPieces, merge},
-        {"swapRGBBMP", "MP", Loads::kPieces, swap},
-        {"CreateThumbnailBMP", "MP", Loads::kWholeFile, thumbnail},
+        {.name = "mergeMapsBMP", .unit = "MP", .prepare = merge, .diskPerPixel = 9},
+        {.name = "swapRGBBMP", .unit = "MP", .prepare = swap, .diskPerPixel = 6},
+        {.name = "CreateThumbnailBMP", .unit = "MP", .prepare = thumbnail, .diskPerPixel = 6},
     };
 }

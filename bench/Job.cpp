@@ -31,6 +31,10 @@ Contender limit(std::vector<Traffic> traffic, double target) {
         .role = Role::kLimit, .name = "limit", .work = move, .target = target, .sameResult = false};
 }
 
+MapSpec specOf(const Setup& setup) {
+    return {setup.side, setup.sparse};
+}
+
 double megapixels(std::uint32_t side) {
     return static_cast<double>(side) * side * 1e-6;
 }

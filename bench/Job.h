@@ -10,6 +10,7 @@
 
 #include "Files.h"
 #include "Library.h"
+#include "Pictures.h"
 
 enum class Role {
     kQuillon,
@@ -31,13 +32,15 @@ struct Contender {
     // round in another way give other bytes.
     bool sameResult = true;
 
-    pid_t helper = 0;  // a process that does the work for this one and whose time counts
+    // The process that does the work for this one, whose time counts; empty when there is none.
+    std::function<pid_t()> helper = {};
 };
 
 // A job with its files made. The folder it lies in belongs to it.
 struct Race {
     double amount = 0;        // of work, in the job's unit
     double bytesWritten = 0;  // by the export
+    double bytesHeld = 0;     // of its input, which the export may hold in memory
 
     // Files that the work changes: each becomes a copy of its original before each run.
     struct Rewritten {
@@ -54,22 +57,24 @@ struct Race {
 struct Setup {
     const Library& library;
     const Library* before;     // null when there is none
-    std::string folder;        // for the job's files; empty
+    std::string folder;        // for the job's files
     std::uint32_t side;        // of the maps, in pixels; a mesh has side * side / 16 faces
     std::uint32_t tiles = 12;  // of a mesh
-    bool quillonOnly = false;  // what only other contenders need is left out
+    bool sparse = false;       // maps are holes but for their heads, to be large on little memory
 };
-
-// Memory that an export may take beyond what the process had before: a part of its input that the
-// job loads whole, and 2 MiB.
-enum class Loads { kPieces, kWholeFile };
 
 struct Job {
     std::string name;
     const char* unit;  // of amounts: MP or Mfaces
-    Loads loads;
     std::function<Race(const Setup&)> prepare;
+
+    double diskPerPixel;                // bytes that all its files take, per pixel of its maps
+    bool growsWithTiles = false;        // writes one file a tile
+    bool canBeSparse = true;            // the export works on a map of holes, too
+    std::uint32_t largestSide = 16384;  // that the export takes
 };
+
+MapSpec specOf(const Setup& setup);
 
 std::vector<Job> allJobs();
 

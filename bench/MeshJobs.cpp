@@ -31,6 +31,7 @@ struct Mesh {
     }
     std::size_t firstUv() const { return static_cast<std::size_t>(size.firstUv()); }
     std::size_t endOfUvs() const { return static_cast<std::size_t>(size.endOfUvs()); }
+    double fileBytes() const { return static_cast<double>(OpenFile::forReading(path).size()); }
     std::size_t tileBytes() const { return endOfUvs() + kClosingBytes; }
 };
 
@@ -176,6 +177,7 @@ double millionFaces(const Mesh& mesh) {
 Race count(const Setup& setup) {
     const Mesh mesh = makeMesh(setup);
     Race race{.amount = millionFaces(mesh),
+              .bytesHeld = mesh.fileBytes(),
               .contenders = exportContenders(setup, {"getUVTile", mesh.path, kNumberedNames})};
     race.contenders.push_back(
         {Role::kPeer, "C++, mapped", [=] { return countMapped(mesh); }, 0.75});
@@ -201,6 +203,7 @@ Race split(const Setup& setup) {
     };
     Race race{.amount = millionFaces(mesh),
               .bytesWritten = static_cast<double>(mesh.tileBytes()) * mesh.size.tiles,
+              .bytesHeld = mesh.fileBytes(),
               .created = tiles,
               .resultDigest = digestOfTiles,
               .contenders = exportContenders(
@@ -216,7 +219,16 @@ Race split(const Setup& setup) {
 
 std::vector<Job> meshJobs() {
     return {
-        {"getUVTile", "Mfaces", Loads::kWholeFile, count},
-        {"getUVs", "Mfaces", Loads::kPieces, split},
+        {.name = "getUVTile",
+         .unit = "Mfaces",
+         .prepare = count,
+         .diskPerPixel = 4,
+         .canBeSparse = false},
+        {.name = "getUVs",
+         .unit = "Mfaces",
+         .prepare = split,
+         .diskPerPixel = 50,
+         .growsWithTiles = true,
+         .canBeSparse = false},
     };
 }

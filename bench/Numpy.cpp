@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <memory>
+#include <optional>
 #include <vector>
 
 #include "Failure.h"
@@ -77,17 +78,26 @@ private:
 
 Contender firstChannelByNumpy(const std::string& in, const std::string& out, std::uint32_t side,
                               const std::string& variant, double target) {
-    const auto helper = std::make_shared<Helper>(std::vector<std::string>{
-        QUILLON_PYTHON, QUILLON_NUMPY_PEER, variant, in, out, std::to_string(kTiffPixelOffset),
-        std::to_string(std::uint64_t{side} * side)});
+    const std::vector<std::string> command{QUILLON_PYTHON,
+                                           QUILLON_NUMPY_PEER,
+                                           variant,
+                                           in,
+                                           out,
+                                           std::to_string(kTiffPixelOffset),
+                                           std::to_string(std::uint64_t{side} * side)};
+    const auto helper = [command,
+                         started = std::make_shared<std::optional<Helper>>()]() -> Helper& {
+        if (!*started) started->emplace(command);
+        return **started;
+    };
     const auto work = [=] {
         TiffWriter(out, {side, side, 1, 32}).finish();
-        helper->work();
+        helper().work();
         return 0.0f;
     };
     return {.role = Role::kPeer,
             .name = "numpy, " + variant,
             .work = work,
             .target = target,
-            .helper = helper->process()};
+            .helper = [=] { return helper().process(); }};
 }

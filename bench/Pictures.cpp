@@ -13,6 +13,7 @@
 #include <vector>
 
 #include "BmpWriter.h"
+#include "Files.h"
 #include "PsdWriter.h"
 #include "TiffWriter.h"
 
@@ -91,44 +92,59 @@ std::span<const std::uint8_t> bytesOf(std::span<const Sample> samples) {
     return {reinterpret_cast<const std::uint8_t*>(samples.data()), samples.size_bytes()};
 }
 
-template <typename Sample>
-void writeTiff(const std::string& path, std::uint32_t side, Tile tile) {
-    TiffWriter file(path, {side, side, 3, 8 * sizeof(Sample)});
-    forEachRow<Sample>(side, tile, [&](std::span<const Sample> row) { file.append(bytesOf(row)); });
+// Ends a file that has its head: with rows, or with a hole as long as they would be.
+template <typename Writer, typename WriteRows>
+void finish(Writer& file, const std::string& path, const MapSpec& map, std::size_t pixelBytes,
+            WriteRows writeRows) {
+    if (!map.sparse) writeRows();
     file.finish();
+    if (!map.sparse) return;
+    const OpenFile written = OpenFile::forRewriting(path);
+    written.resize(written.size() + std::uint64_t{map.side} * map.side * pixelBytes);
+}
+
+template <typename Sample>
+void writeTiff(const std::string& path, const MapSpec& map, Tile tile) {
+    TiffWriter file(path, {map.side, map.side, 3, 8 * sizeof(Sample)});
+    finish(file, path, map, 3 * sizeof(Sample), [&] {
+        forEachRow<Sample>(map.side, tile,
+                           [&](std::span<const Sample> row) { file.append(bytesOf(row)); });
+    });
 }
 
 }  // namespace
 
-void writeTiff8(const std::string& path, std::uint32_t side, Tile tile) {
-    writeTiff<std::uint8_t>(path, side, tile);
+void writeTiff8(const std::string& path, const MapSpec& map, Tile tile) {
+    writeTiff<std::uint8_t>(path, map, tile);
 }
 
-void writeTiffFloat(const std::string& path, std::uint32_t side, Tile tile) {
-    writeTiff<float>(path, side, tile);
+void writeTiffFloat(const std::string& path, const MapSpec& map, Tile tile) {
+    writeTiff<float>(path, map, tile);
 }
 
-void writePsd8(const std::string& path, std::uint32_t side, Tile tile) {
-    PsdWriter file(path, {side, side, 3, 8});
-    std::vector<std::uint8_t> plane(side);
-    for (std::size_t channel = 0; channel < 3; ++channel) {
-        forEachRow<std::uint8_t>(side, tile, [&](std::span<const std::uint8_t> row) {
-            for (std::size_t x = 0; x < side; ++x)
+void writePsd8(const std::string& path, const MapSpec& map, Tile tile) {
+    PsdWriter file(path, {map.side, map.side, 3, 8});
+    std::vector<std::uint8_t> plane(map.side);
+    const auto writePlane = [&](std::size_t channel) {
+        forEachRow<std::uint8_t>(map.side, tile, [&](std::span<const std::uint8_t> row) {
+            for (std::size_t x = 0; x < plane.size(); ++x)
                 plane[x] = row[3 * x + channel];
             file.append(plane);
         });
-    }
-    file.finish();
+    };
+    finish(file, path, map, 3, [&] {
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            writePlane(channel);
+    });
 }
 
-void writeBmp(const std::string& path, std::uint32_t side, Tile tile) {
-    BmpWriter file(path, side, side);
-    std::vector<std::uint8_t> padded(bmpRowBytes(side));
-    forEachRow<std::uint8_t>(side, tile, [&](std::span<const std::uint8_t> row) {
-        std::copy(row.begin(), row.end(), padded.begin());
-        file.append(padded);
+// Sides are multiples of four: rows have no padding.
+void writeBmp(const std::string& path, const MapSpec& map, Tile tile) {
+    BmpWriter file(path, map.side, map.side);
+    finish(file, path, map, 3, [&] {
+        forEachRow<std::uint8_t>(map.side, tile,
+                                 [&](std::span<const std::uint8_t> row) { file.append(row); });
     });
-    file.finish();
 }
 
 void writeExr(const std::string& path, std::uint32_t side, ExrSamples samples) {

@@ -8,11 +8,16 @@
 // Islands of the one kind lie between those of the other, so that tiles do not overlap.
 enum class Tile { kFirst, kSecond };
 
-// Each writes a square map of `side` pixels. The first pixel is background.
-void writeTiff8(const std::string& path, std::uint32_t side, Tile tile);
-void writeTiffFloat(const std::string& path, std::uint32_t side, Tile tile);
-void writePsd8(const std::string& path, std::uint32_t side, Tile tile);
-void writeBmp(const std::string& path, std::uint32_t side, Tile tile);
+struct MapSpec {
+    std::uint32_t side;  // in pixels; maps are square
+    bool sparse;         // only the head is written, the pixels are a hole and read as 0
+};
+
+// Each writes a map. Unless it is sparse, its first pixel is background.
+void writeTiff8(const std::string& path, const MapSpec& map, Tile tile);
+void writeTiffFloat(const std::string& path, const MapSpec& map, Tile tile);
+void writePsd8(const std::string& path, const MapSpec& map, Tile tile);
+void writeBmp(const std::string& path, const MapSpec& map, Tile tile);
 
 enum class ExrSamples { kHalf, kFloat };
 void writeExr(const std::string& path, std::uint32_t side, ExrSamples samples);

@@ -47,13 +47,14 @@ Race merge(const Setup& setup) {
     const std::string tile = setup.folder + "/tile.psd";
     const std::string map = setup.folder + "/map.psd";
     const std::string original = setup.folder + "/original.psd";
-    writePsd8(tile, setup.side, Tile::kFirst);
-    writePsd8(original, setup.side, Tile::kSecond);
+    writePsd8(tile, specOf(setup), Tile::kFirst);
+    writePsd8(original, specOf(setup), Tile::kSecond);
 
     const std::size_t pixels = std::size_t{setup.side} * setup.side;
     const std::uint64_t bytes = kHeadBytes + 3 * pixels;
     Race race{.amount = megapixels(setup.side),
               .bytesWritten = static_cast<double>(bytes),
+              .bytesHeld = static_cast<double>(bytes),
               .rewritten = {{map, original}},
               .resultDigest = [map] { return digestOf(map); },
               .contenders = exportContenders(setup, {"mergeMapsPSD", tile, 0, map})};
@@ -68,12 +69,13 @@ Race merge(const Setup& setup) {
 Race rotate(const Setup& setup) {
     const std::string map = setup.folder + "/map.psd";
     const std::string original = setup.folder + "/original.psd";
-    writePsd8(original, setup.side, Tile::kFirst);
+    writePsd8(original, specOf(setup), Tile::kFirst);
 
     const std::size_t pixels = std::size_t{setup.side} * setup.side;
     const std::uint64_t bytes = kHeadBytes + 3 * pixels;
     Race race{.amount = megapixels(setup.side),
               .bytesWritten = static_cast<double>(bytes),
+              .bytesHeld = static_cast<double>(bytes),
               .rewritten = {{map, original}},
               .resultDigest = [map] { return digestOf(map); },
               .contenders = exportContenders(setup, {"swapRGBPSD", map, 2})};
@@ -89,7 +91,7 @@ Race rotate(const Setup& setup) {
 
 std::vector<Job> psdJobs() {
     return {
-        {"mergeMapsPSD", "MP", Loads::kWholeFile, merge},
-        {"swapRGBPSD", "MP", Loads::kWholeFile, rotate},
+        {.name = "mergeMapsPSD", .unit = "MP", .prepare = merge, .diskPerPixel = 9},
+        {.name = "swapRGBPSD", .unit = "MP", .prepare = rotate, .diskPerPixel = 6},
     };
 }

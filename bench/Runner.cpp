@@ -1,13 +1,12 @@
 #include "Runner.h"
 
 #include <time.h>
-#include <unistd.h>
 
 #include <algorithm>
 #include <cmath>
 
 #include "Failure.h"
-#include "Files.h"
+#include "PreparedRace.h"
 
 namespace {
 
@@ -31,9 +30,10 @@ Times now(pid_t helper) {
 }
 
 Times timeOf(const Contender& contender) {
-    const Times before = now(contender.helper);
+    const pid_t helper = contender.helper ? contender.helper() : 0;
+    const Times before = now(helper);
     contender.work();
-    const Times after = now(contender.helper);
+    const Times after = now(helper);
     return {after.cpu - before.cpu, after.wall - before.wall};
 }
 
@@ -63,13 +63,6 @@ void verify(const Race& race) {
 }
 
 }  // namespace
-
-void reset(const Race& race) {
-    for (const Race::Rewritten& file : race.rewritten)
-        copyInPlace(file.original, file.path);
-    for (const std::string& path : race.created)
-        ::unlink(path.c_str());
-}
 
 double medianOf(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);

@@ -18,7 +18,4 @@ struct Result {
 // export; then measures.
 std::vector<Result> run(const Race& race, int rounds);
 
-// Brings the race's files into the state in which the work finds them.
-void reset(const Race& race);
-
 double medianOf(std::vector<double> values);

@@ -1,22 +1,11 @@
 #include "Table.h"
 
 #include <algorithm>
-#include <array>
-#include <cstdarg>
-#include <cstdio>
-#include <string_view>
+#include <cmath>
+
+#include "Text.h"
 
 namespace {
-
-// printf into a string.
-[[gnu::format(printf, 1, 2)]] std::string text(const char* format, ...) {
-    std::array<char, 256> buffer{};
-    va_list arguments;
-    va_start(arguments, format);
-    std::vsnprintf(buffer.data(), buffer.size(), format, arguments);
-    va_end(arguments);
-    return buffer.data();
-}
 
 constexpr double kMiB = 1024.0 * 1024.0;
 
@@ -24,10 +13,25 @@ bool isMet(const Result& result) {
     return result.target == 0.0 || result.ratio <= result.target;
 }
 
-std::string ratioOf(const Result& result) {
+const Result* limitOf(const Line& line) {
+    const auto found =
+        std::find_if(line.results.begin(), line.results.end(),
+                     [](const Result& result) { return result.role == Role::kLimit; });
+    return found == line.results.end() ? nullptr : &*found;
+}
+
+// Whether a target asks for less time than the file traffic takes by itself.
+bool isBelowLimit(const Line& line, const Result& result) {
+    const Result* const limit = limitOf(line);
+    return limit != nullptr && result.role == Role::kPeer && result.target != 0.0 &&
+           result.target * limit->ratio < result.ratio;
+}
+
+std::string ratioOf(const Line& line, const Result& result) {
     const std::string ratio = text("%.2f", result.ratio);
     if (result.target == 0.0) return ratio;
-    return ratio + text(" (%s %g)", isMet(result) ? "≤" : "not ≤", result.target);
+    return ratio + text(" (%s %g%s)", isMet(result) ? "≤" : "not ≤", result.target,
+                        isBelowLimit(line, result) ? ", below the limit" : "");
 }
 
 // The ratios to all contenders of one role.
@@ -37,7 +41,7 @@ std::string ratiosTo(const Line& line, Role role) {
         if (result.role != role) continue;
         if (!cell.empty()) cell += "; ";
         if (role == Role::kPeer) cell += result.name + ' ';
-        cell += ratioOf(result);
+        cell += ratioOf(line, result);
     }
     return cell.empty() ? "-" : cell;
 }
@@ -45,13 +49,12 @@ std::string ratiosTo(const Line& line, Role role) {
 std::string memoryOf(const Line& line) {
     if (!line.peak) return "-";
     const bool met = line.peak->taken <= line.peak->allowed;
+    if (std::isinf(line.peak->allowed)) return text("%.1f", line.peak->taken / kMiB);
     return text("%.1f (%s %.0f)", line.peak->taken / kMiB, met ? "≤" : "not ≤",
                 line.peak->allowed / kMiB);
 }
 
-using Row = std::vector<std::string>;
-
-Row rowOf(const Line& line) {
+TableRow rowOf(const Line& line) {
     const Result& quillon = line.results.front();
     return {line.job,
             text("%.1f ms", quillon.cpu * 1e3),
@@ -59,34 +62,14 @@ Row rowOf(const Line& line) {
             ratiosTo(line, Role::kLimit),
             ratiosTo(line, Role::kPeer),
             ratiosTo(line, Role::kLiteral),
-            ratiosTo(line, Role::kBefore),
             memoryOf(line),
-            isMet(line) ? "met" : "not met"};
+            isMet(line) ? "met" : "not met",
+            ratiosTo(line, Role::kBefore)};
 }
 
-// Characters as a terminal shows them: bytes that continue a character do not count.
-std::size_t lengthOf(std::string_view cell) {
-    return static_cast<std::size_t>(
-        std::count_if(cell.begin(), cell.end(), [](char byte) { return (byte & 0xC0) != 0x80; }));
-}
-
-std::string aligned(const std::vector<Row>& rows) {
-    std::vector<std::size_t> widths(rows.front().size());
-    for (const Row& row : rows) {
-        for (std::size_t i = 0; i < row.size(); ++i)
-            widths[i] = std::max(widths[i], lengthOf(row[i]));
-    }
-    std::string out;
-    for (std::size_t line = 0; line < rows.size(); ++line) {
-        for (std::size_t i = 0; i < widths.size(); ++i)
-            out += "| " + rows[line][i] + std::string(widths[i] - lengthOf(rows[line][i]) + 1, ' ');
-        out += "|\n";
-        if (line > 0) continue;
-        for (const std::size_t width : widths)
-            out += '|' + std::string(width + 2, '-');
-        out += "|\n";
-    }
-    return out;
+bool hasBefore(const Line& line) {
+    return std::any_of(line.results.begin(), line.results.end(),
+                       [](const Result& result) { return result.role == Role::kBefore; });
 }
 
 std::string jsonOf(const Result& result) {
@@ -98,7 +81,7 @@ std::string jsonOf(const Line& line) {
     std::string out =
         text(R"(  {"job": "%s", "unit": "%s", "amount": %.6g, "met": %s, )", line.job.c_str(),
              line.unit, line.amount, isMet(line) ? "true" : "false");
-    if (line.peak)
+    if (line.peak && std::isfinite(line.peak->allowed))
         out += text(R"("memory": %.0f, "memoryAllowed": %.0f, )", line.peak->taken,
                     line.peak->allowed);
     out += "\"contenders\": [\n";
@@ -116,10 +99,14 @@ bool isMet(const Line& line) {
 }
 
 std::string tableOf(const std::vector<Line>& lines) {
-    std::vector<Row> rows{{"job", "CPU", "rate", "/ limit", "/ peer", "/ literal", "/ before",
-                           "memory, MiB", "targets"}};
+    std::vector<TableRow> rows{{"job", "CPU", "rate", "/ limit", "/ peer", "/ literal",
+                                "memory, MiB", "targets", "/ before"}};
     for (const Line& line : lines)
         rows.push_back(rowOf(line));
+    if (!hasBefore(lines.front())) {
+        for (TableRow& row : rows)
+            row.pop_back();
+    }
     return aligned(rows);
 }
 

@@ -20,7 +20,7 @@ std::uint64_t fileBytes(std::uint32_t side, std::size_t pixelBytes) {
     return kTiffPixelOffset + std::uint64_t{side} * side * pixelBytes;
 }
 
-using WriteMap = void (*)(const std::string&, std::uint32_t, Tile);
+using WriteMap = void (*)(const std::string&, const MapSpec&, Tile);
 
 struct MergeTargets {
     double limit;
@@ -32,8 +32,8 @@ Race mergeRace(const Setup& setup, WriteMap writeMap, std::size_t pixelBytes,
     const std::string tile = setup.folder + "/tile.tif";
     const std::string map = setup.folder + "/map.tif";
     const std::string original = setup.folder + "/original.tif";
-    writeMap(tile, setup.side, Tile::kFirst);
-    writeMap(original, setup.side, Tile::kSecond);
+    writeMap(tile, specOf(setup), Tile::kFirst);
+    writeMap(original, specOf(setup), Tile::kSecond);
 
     const std::uint64_t bytes = fileBytes(setup.side, pixelBytes);
     const RowLayout layout = layoutOf(setup.side, pixelBytes);
@@ -61,7 +61,7 @@ Race mergeFloat(const Setup& setup) {
 Race swap(const Setup& setup) {
     const std::string map = setup.folder + "/map.tif";
     const std::string original = setup.folder + "/original.tif";
-    writeTiff8(original, setup.side, Tile::kFirst);
+    writeTiff8(original, specOf(setup), Tile::kFirst);
 
     const std::uint64_t bytes = fileBytes(setup.side, 3);
     const RowLayout layout = layoutOf(setup.side, 3);
@@ -80,7 +80,7 @@ Race swap(const Setup& setup) {
 Race convert(const Setup& setup) {
     const std::string in = setup.folder + "/map.tif";
     const std::string out = setup.folder + "/converted.tif";
-    writeTiffFloat(in, setup.side, Tile::kFirst);
+    writeTiffFloat(in, specOf(setup), Tile::kFirst);
 
     const RowLayout layout = layoutOf(setup.side, 12);
     Race race{.amount = megapixels(setup.side),
@@ -100,7 +100,7 @@ Race convert(const Setup& setup) {
 Race firstChannel(const Setup& setup) {
     const std::string in = setup.folder + "/map.tif";
     const std::string out = setup.folder + "/single.tif";
-    writeTiffFloat(in, setup.side, Tile::kFirst);
+    writeTiffFloat(in, specOf(setup), Tile::kFirst);
 
     const RowLayout layout = layoutOf(setup.side, 12);
     Race race{.amount = megapixels(setup.side),
@@ -108,10 +108,8 @@ Race firstChannel(const Setup& setup) {
               .created = {out},
               .resultDigest = [out] { return digestOfPixels(out); },
               .contenders = exportContenders(setup, {"convertTIFFSingle", in, 0, out})};
-    if (!setup.quillonOnly) {
-        for (const char* variant : {"whole", "pieces"})
-            race.contenders.push_back(firstChannelByNumpy(in, out, setup.side, variant, 0.75));
-    }
+    for (const char* variant : {"whole", "pieces"})
+        race.contenders.push_back(firstChannelByNumpy(in, out, setup.side, variant, 0.75));
     race.contenders.push_back(limit(
         {{kRead, in, fileBytes(setup.side, 12)}, {kWrite, out, fileBytes(setup.side, 4)}}, 1.15));
     race.contenders.push_back(
@@ -121,7 +119,7 @@ Race firstChannel(const Setup& setup) {
 
 Race scale(const Setup& setup) {
     const std::string map = setup.folder + "/map.tif";
-    writeTiffFloat(map, setup.side, Tile::kFirst);
+    writeTiffFloat(map, specOf(setup), Tile::kFirst);
 
     const RowLayout layout = layoutOf(setup.side, 12);
     Race race{.amount = megapixels(setup.side),
@@ -136,7 +134,7 @@ Race scale(const Setup& setup) {
 Race targa(const Setup& setup) {
     const std::string in = setup.folder + "/map.tif";
     const std::string out = setup.folder + "/map.tga";
-    writeTiff8(in, setup.side, Tile::kFirst);
+    writeTiff8(in, specOf(setup), Tile::kFirst);
 
     const std::uint64_t bytes = fileBytes(setup.side, 3);
     const RowLayout layout = layoutOf(setup.side, 3);
@@ -156,13 +154,19 @@ Race targa(const Setup& setup) {
 }  // namespace
 
 std::vector<Job> tiffJobs() {
+    constexpr std::uint32_t kLargestStrip =
+        13312;  // the side of a strip below 2 GiB, 12 bytes a pixel
     return {
-        {"mergeMapsTIF 8-bit RGB", "MP", Loads::kPieces, merge8},
-        {"mergeMapsTIF float RGB", "MP", Loads::kPieces, mergeFloat},
-        {"swapRGBTIF", "MP", Loads::kPieces, swap},
-        {"convertTIFF16 mode 3", "MP", Loads::kPieces, convert},
-        {"convertTIFFSingle", "MP", Loads::kPieces, firstChannel},
-        {"getScale", "MP", Loads::kPieces, scale},
-        {"saveAsTarga", "MP", Loads::kPieces, targa},
+        {.name = "mergeMapsTIF 8-bit RGB", .unit = "MP", .prepare = merge8, .diskPerPixel = 9},
+        {.name = "mergeMapsTIF float RGB",
+         .unit = "MP",
+         .prepare = mergeFloat,
+         .diskPerPixel = 36,
+         .largestSide = kLargestStrip},
+        {.name = "swapRGBTIF", .unit = "MP", .prepare = swap, .diskPerPixel = 6},
+        {.name = "convertTIFF16 mode 3", .unit = "MP", .prepare = convert, .diskPerPixel = 18},
+        {.name = "convertTIFFSingle", .unit = "MP", .prepare = firstChannel, .diskPerPixel = 16},
+        {.name = "getScale", .unit = "MP", .prepare = scale, .diskPerPixel = 12},
+        {.name = "saveAsTarga", .unit = "MP", .prepare = targa, .diskPerPixel = 6},
     };
 }

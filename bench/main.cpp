@@ -1,21 +1,19 @@
 // quillon_bench: how fast the exports are, beside the best that other software does, the file
 // traffic alone and a plain implementation.
 
-#include <unistd.h>
-
 #include <CLI/CLI.hpp>
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <regex>
 
 #include "Failure.h"
+#include "Growth.h"
 #include "Job.h"
+#include "Memory.h"
+#include "PreparedRace.h"
 #include "Runner.h"
 #include "Table.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -27,6 +25,7 @@ constexpr int kQuickRounds = 3;
 struct Options {
     std::string filter = ".";
     bool quick = false;
+    bool growth = false;
     std::uint32_t side = 0;
     int rounds = 0;
     std::string json;
@@ -35,37 +34,49 @@ struct Options {
     std::string folder = "/dev/shm";
 };
 
-// A folder for one race's files, gone at its end.
-class RaceFolder {
-public:
-    explicit RaceFolder(const std::string& parent)
-        : path_(fs::path(parent) / ("quillon_bench." + std::to_string(::getpid()))) {
-        fs::remove_all(path_);
-        fs::create_directories(path_);
+// The jobs asked for by name.
+std::vector<Job> wantedJobs(const Options& options) {
+    const std::regex wanted(options.filter, std::regex::icase);
+    std::vector<Job> jobs;
+    for (Job& job : allJobs()) {
+        if (std::regex_search(job.name, wanted)) jobs.push_back(std::move(job));
     }
-    RaceFolder(const RaceFolder&) = delete;
-    RaceFolder& operator=(const RaceFolder&) = delete;
-    ~RaceFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-    std::string path() const { return path_.string(); }
-
-private:
-    fs::path path_;
-};
-
-void makeRewrittenFiles(const Race& race) {
-    for (const Race::Rewritten& file : race.rewritten)
-        std::ofstream(file.path).flush();
+    if (jobs.empty()) throw WrongUsage("no job has a name like " + options.filter);
+    return jobs;
 }
 
-Line measure(const Job& job, const Library& library, const Library* before,
-             const Options& options) {
-    const RaceFolder folder(options.folder);
-    const Race race = job.prepare({library, before, folder.path(), options.side});
-    makeRewrittenFiles(race);
-    return {job.name, job.unit, race.amount, run(race, options.rounds)};
+// Calls `work(job)`, tells which job it is and names it when the work fails.
+template <typename Work>
+void forEachJob(const Options& options, Work work) {
+    for (const Job& job : wantedJobs(options)) {
+        std::fprintf(stderr, "%s ...\n", job.name.c_str());
+        try {
+            work(job);
+        } catch (const Failure& failure) {
+            throw Failure(job.name + ": " + failure.what());
+        }
+    }
+}
+
+void race(const Options& options, const Setup& setup) {
+    std::vector<Line> lines;
+    forEachJob(options, [&](const Job& job) {
+        const Peak peak = peakOf(job, setup);
+        const PreparedRace prepared(job, setup);
+        lines.push_back({job.name, job.unit, prepared.race().amount,
+                         run(prepared.race(), options.rounds), peak});
+    });
+    std::fputs(tableOf(lines).c_str(), stdout);
+    if (!options.json.empty()) std::ofstream(options.json) << jsonOf(lines);
+}
+
+void grow(const Options& options, const Setup& setup) {
+    std::vector<GrowthLine> lines;
+    forEachJob(options, [&](const Job& job) {
+        lines.push_back(growthWithSide(job, setup, options.rounds));
+        if (job.growsWithTiles) lines.push_back(growthWithTiles(job, setup, options.rounds));
+    });
+    std::fputs(tableOf(lines).c_str(), stdout);
 }
 
 int runJobs(const Options& options) {
@@ -73,20 +84,8 @@ int runJobs(const Options& options) {
     std::optional<Library> before;
     if (!options.before.empty()) before.emplace(options.before);
 
-    const std::regex wanted(options.filter, std::regex::icase);
-    std::vector<Line> lines;
-    for (const Job& job : allJobs()) {
-        if (!std::regex_search(job.name, wanted)) continue;
-        std::fprintf(stderr, "%s ...\n", job.name.c_str());
-        try {
-            lines.push_back(measure(job, library, before ? &*before : nullptr, options));
-        } catch (const Failure& failure) {
-            throw Failure(job.name + ": " + failure.what());
-        }
-    }
-    if (lines.empty()) throw WrongUsage("no job is named like that");
-    std::fputs(tableOf(lines).c_str(), stdout);
-    if (!options.json.empty()) std::ofstream(options.json) << jsonOf(lines);
+    const Setup setup{library, before ? &*before : nullptr, options.folder, options.side};
+    options.growth ? grow(options, setup) : race(options, setup);
     return 0;
 }
 
@@ -97,6 +96,8 @@ int main(int argc, char** argv) {
     CLI::App app{"Measures the exports of the library against the limits of the machine."};
     app.add_option("--filter", options.filter, "Only jobs whose name matches this expression");
     app.add_flag("--quick", options.quick, "Small maps, few rounds");
+    app.add_flag("--growth", options.growth,
+                 "Instead: whether time grows with the work and no faster");
     app.add_option("--size", options.side, "Side of the maps in pixels, a multiple of 256");
     app.add_option("--rounds", options.rounds, "How often each contender runs");
     app.add_option("--json", options.json, "File for all numbers");
