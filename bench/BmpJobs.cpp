@@ -1,0 +1,153 @@
+#include <cstdint>
+#include <cstring>
+#include <vector>
+
+#include "BmpWriter.h"
+#include "Job.h"
+#include "Literals.h"
+#include "Pictures.h"
+#include "PlainPixels.h"
+
+namespace {
+
+using enum Traffic::Kind;
+
+constexpr std::uint32_t kHeadBytes = 54;
+constexpr std::uint32_t kThumbSide = 256;
+
+// Sides are multiples of four, so that rows have no padding.
+RowLayout layoutOf(std::uint32_t side) {
+    return {kHeadBytes, bmpRowBytes(side), side, side};
+}
+
+std::uint64_t fileBytes(std::uint32_t side) {
+    return kHeadBytes + std::uint64_t{bmpRowBytes(side)} * side;
+}
+
+// What one writes for want of a library: files mapped, one pass over the pixels.
+
+float mergeMapped(const std::string& source, const std::string& target, std::size_t pixels) {
+    const MappedFile tile = MappedFile::forReading(source);
+    const MappedFile map = MappedFile::forRewriting(target);
+    plainMerge(map.data() + kHeadBytes, tile.data() + kHeadBytes, tile.data() + kHeadBytes, pixels,
+               3);
+    return 0.0f;
+}
+
+float swapMapped(const std::string& path, std::size_t pixels) {
+    const MappedFile map = MappedFile::forRewriting(path);
+    plainSwap(map.data() + kHeadBytes, pixels, 0, 2);
+    return 0.0f;
+}
+
+std::vector<std::uint8_t> sampleMapped(const std::string& path, std::uint32_t side) {
+    const MappedFile map = MappedFile::forReading(path);
+    const std::size_t step = side / kThumbSide;
+    std::vector<std::uint8_t> thumb(kHeadBytes + std::size_t{3} * kThumbSide * kThumbSide);
+    std::memcpy(thumb.data(), map.data(), kHeadBytes);
+    plainBmpSize(thumb.data(), kThumbSide);
+    std::uint8_t* to = &thumb[kHeadBytes];
+    for (std::size_t y = 0; y < kThumbSide; ++y) {
+        const std::uint8_t* row = map.data() + kHeadBytes + y * step * bmpRowBytes(side);
+        for (std::size_t x = 0; x < kThumbSide; ++x, to += 3)
+            std::memcpy(to, row + x * step * 3, 3);
+    }
+    return thumb;
+}
+
+float thumbnailMapped(const std::string& path, std::uint32_t side) {
+    const std::vector<std::uint8_t> thumb = sampleMapped(path, side);
+    OpenFile::create(path).writeAt(0, thumb);
+    return 0.0f;
+}
+
+// The least that a thumbnail asks for: the rows that it shows, read, and the file made anew.
+float thumbnailTraffic(const std::string& path, std::uint32_t side) {
+    std::vector<std::uint8_t> thumb(kHeadBytes + std::size_t{3} * kThumbSide * kThumbSide);
+    std::vector<std::uint8_t> row(bmpRowBytes(side));
+    {
+        const OpenFile map = OpenFile::forReading(path);
+        for (std::uint64_t y = 0; y < side; y += side / kThumbSide)
+            map.readAt(kHeadBytes + y * row.size(), row);
+    }
+    OpenFile::create(path).writeAt(0, thumb);
+    return 0.0f;
+}
+
+Race merge(const Setup& setup) {
+    const std::string tile = setup.folder + "/tile.bmp";
+    const std::string map = setup.folder + "/map.bmp";
+    const std::string original = setup.folder + "/original.bmp";
+    writeBmp(tile, specOf(setup), Tile::kFirst);
+    writeBmp(original, specOf(setup), Tile::kSecond);
+
+    const std::uint64_t bytes = fileBytes(setup.side);
+    const RowLayout layout = layoutOf(setup.side);
+    const std::size_t pixels = std::size_t{setup.side} * setup.side;
+    Race race{.amount = megapixels(setup.side),
+              .bytesWritten = static_cast<double>(bytes),
+              .rewritten = {{map, original}},
+              .resultDigest = [map] { return digestOf(map); },
+              .contenders = exportContenders(setup, {"mergeMapsBMP", tile, 0, map})};
+    race.contenders.push_back(
+        {Role::kPeer, "C++, mapped", [=] { return mergeMapped(tile, map, pixels); }, 0.75});
+    race.contenders.push_back(limit({{kRead, tile, bytes}, {kRewrite, map, bytes}}, 1.4));
+    race.contenders.push_back(
+        {Role::kLiteral, "literal", [=] { return literalMerge(tile, map, layout, 3); }});
+    return race;
+}
+
+Race swap(const Setup& setup) {
+    const std::string map = setup.folder + "/map.bmp";
+    const std::string original = setup.folder + "/original.bmp";
+    writeBmp(original, specOf(setup), Tile::kFirst);
+
+    const std::uint64_t bytes = fileBytes(setup.side);
+    const RowLayout layout = layoutOf(setup.side);
+    const std::size_t pixels = std::size_t{setup.side} * setup.side;
+    Race race{.amount = megapixels(setup.side),
+              .bytesWritten = static_cast<double>(bytes),
+              .rewritten = {{map, original}},
+              .resultDigest = [map] { return digestOf(map); },
+              .contenders = exportContenders(setup, {"swapRGBBMP", map, 2})};
+    race.contenders.push_back(
+        {Role::kPeer, "C++, mapped", [=] { return swapMapped(map, pixels); }, 0.95});
+    race.contenders.push_back(limit({{kRewrite, map, bytes}}, 1.3));
+    race.contenders.push_back(
+        {Role::kLiteral, "literal", [=] { return literalSwap(map, layout); }});
+    return race;
+}
+
+Race thumbnail(const Setup& setup) {
+    const std::string map = setup.folder + "/map.bmp";
+    const std::string original = setup.folder + "/original.bmp";
+    writeBmp(original, specOf(setup), Tile::kFirst);
+
+    const std::uint32_t side = setup.side;
+    const RowLayout layout = layoutOf(side);
+    Race race{.amount = megapixels(side),
+              .bytesHeld = static_cast<double>(fileBytes(side)),
+              .rewritten = {{map, original}},
+              .resultDigest = [map] { return digestOf(map); },
+              .contenders = exportContenders(setup, {"CreateThumbnailBMP", map, kThumbSide})};
+    race.contenders.push_back(
+        {Role::kPeer, "C++, mapped", [=] { return thumbnailMapped(map, side); }, 0.9});
+    race.contenders.push_back({.role = Role::kLimit,
+                               .name = "limit",
+                               .work = [=] { return thumbnailTraffic(map, side); },
+                               .target = 1.1,
+                               .sameResult = false});
+    race.contenders.push_back(
+        {Role::kLiteral, "literal", [=] { return literalThumbnail(map, layout, kThumbSide); }});
+    return race;
+}
+
+}  // namespace
+
+std::vector<Job> bmpJobs() {
+    return {
+        {.name = "mergeMapsBMP", .unit = "MP", .prepare = merge, .diskPerPixel = 9},
+        {.name = "swapRGBBMP", .unit = "MP", .prepare = swap, .diskPerPixel = 6},
+        {.name = "CreateThumbnailBMP", .unit = "MP", .prepare = thumbnail, .diskPerPixel = 6},
+    };
+}

@@ -1,0 +1,86 @@
+#include "Growth.h"
+
+#include <algorithm>
+#include <filesystem>
+
+#include "PreparedRace.h"
+#include "Runner.h"
+#include "Text.h"
+
+namespace {
+
+constexpr double kMostSpread = 1.2;  // of the costs, the highest to the lowest
+
+// Room that is left to everything else.
+constexpr double kShareOfFolder = 0.6;
+
+bool fits(const Job& job, const std::string& folder, std::uint32_t side) {
+    const double bytes = job.diskPerPixel * side * side;
+    const auto free = static_cast<double>(std::filesystem::space(folder).available);
+    return bytes < kShareOfFolder * free;
+}
+
+struct Cost {
+    double seconds;
+    double amount;
+    double bytesWritten;
+};
+
+Cost costOf(const Job& job, const Setup& setup, int rounds) {
+    PreparedRace prepared(job, setup);
+    prepared.keepQuillonOnly();
+    const std::vector<Result> results = run(prepared.race(), rounds);
+    return {results.front().cpu, prepared.race().amount, prepared.race().bytesWritten};
+}
+
+double spreadOf(const std::vector<GrowthLine::Step>& steps) {
+    const auto [lowest, highest] = std::minmax_element(
+        steps.begin(), steps.end(), [](const auto& a, const auto& b) { return a.cost < b.cost; });
+    return highest->cost / lowest->cost;
+}
+
+}  // namespace
+
+GrowthLine growthWithSide(const Job& job, Setup setup, int rounds) {
+    GrowthLine line{job.name, job.unit == std::string("MP") ? "pixel" : "face", {}, ""};
+    const bool roomy = fits(job, setup.folder, job.largestSide);
+    setup.sparse = !roomy && job.canBeSparse;
+    if (setup.sparse) line.note = "sparse maps";
+    for (const std::uint32_t side : {1024u, 4096u, job.largestSide}) {
+        if (!setup.sparse && !fits(job, setup.folder, side)) {
+            line.note = "no room for " + std::to_string(side);
+            continue;
+        }
+        setup.side = side;
+        const Cost cost = costOf(job, setup, rounds);
+        line.steps.push_back({std::to_string(side), cost.seconds * 1e3 / cost.amount});
+    }
+    return line;
+}
+
+GrowthLine growthWithTiles(const Job& job, Setup setup, int rounds) {
+    GrowthLine line{job.name, "byte written", {}, ""};
+    for (const std::uint32_t tiles : {1u, 12u, 100u}) {
+        setup.tiles = tiles;
+        const Cost cost = costOf(job, setup, rounds);
+        const std::string size = std::to_string(tiles) + (tiles == 1 ? " tile" : " tiles");
+        line.steps.push_back({size, cost.seconds * 1e9 / cost.bytesWritten});
+    }
+    return line;
+}
+
+std::string tableOf(const std::vector<GrowthLine>& lines) {
+    std::vector<TableRow> rows{{"job", "ns per", "small", "middle", "large", "spread", "verdict"}};
+    for (const GrowthLine& line : lines) {
+        TableRow row{line.job, line.per};
+        for (const GrowthLine::Step& step : line.steps)
+            row.push_back(text("%s: %.3f", step.size.c_str(), step.cost));
+        row.resize(5, "-");
+        const double spread = spreadOf(line.steps);
+        row.push_back(text("%.2f", spread));
+        row.push_back((spread <= kMostSpread ? "linear" : "not linear") +
+                      (line.note.empty() ? "" : ", " + line.note));
+        rows.push_back(row);
+    }
+    return aligned(rows);
+}

@@ -1,0 +1,27 @@
+#pragma once
+// Whether the time of an export grows with its work and no faster: the same job at several sizes.
+
+#include <string>
+#include <vector>
+
+#include "Job.h"
+
+struct GrowthLine {
+    std::string job;
+    std::string per;  // what the costs are for
+    struct Step {
+        std::string size;
+        double cost;  // nanoseconds
+    };
+    std::vector<Step> steps;
+    std::string note;
+};
+
+// Maps of 1024, 4096 and 16384 pixels a side, smaller where the export takes less; all are sparse
+// when the largest do not fit into the folder.
+GrowthLine growthWithSide(const Job& job, Setup setup, int rounds);
+
+// Meshes of 1, 12 and 100 tiles.
+GrowthLine growthWithTiles(const Job& job, Setup setup, int rounds);
+
+std::string tableOf(const std::vector<GrowthLine>& lines);

@@ -1,0 +1,76 @@
+#include "Memory.h"
+
+#include <malloc.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <array>
+#include <fstream>
+#include <string>
+
+#include "Failure.h"
+#include "PreparedRace.h"
+
+namespace {
+
+constexpr std::uint32_t kSmallSide = 256;
+constexpr double kMargin = 2.0 * 1024 * 1024;  // beyond what the export may hold
+
+// In bytes, from a line such as "VmHWM:   1234 kB".
+double statusField(const std::string& name) {
+    std::ifstream status("/proc/self/status");
+    std::string word;
+    while (status >> word) {
+        double kibibytes = 0;
+        if (word == name && status >> kibibytes) return kibibytes * 1024;
+    }
+    throw Failure("cannot read " + name + " from /proc/self/status");
+}
+
+void forgetPeak() {
+    std::ofstream("/proc/self/clear_refs") << 5;
+}
+
+double takenBy(const Contender& quillon) {
+    ::malloc_trim(0);
+    forgetPeak();
+    const double before = statusField("VmRSS:");
+    quillon.work();
+    return statusField("VmHWM:") - before;
+}
+
+// What `measure` returns, found in a child process.
+template <typename Measure>
+double inChild(Measure measure) {
+    std::array<int, 2> pipe{};
+    if (::pipe(pipe.data()) != 0) throw Failure("cannot make a pipe");
+    const pid_t child = ::fork();
+    if (child == 0) {
+        const double result = measure();
+        const bool sent = ::write(pipe[1], &result, sizeof(result)) == sizeof(result);
+        ::_exit(sent ? 0 : 1);
+    }
+    ::close(pipe[1]);
+    double result = 0;
+    const bool received = ::read(pipe[0], &result, sizeof(result)) == sizeof(result);
+    ::close(pipe[0]);
+    ::waitpid(child, nullptr, 0);
+    if (!received) throw Failure("the process that measures memory has failed");
+    return result;
+}
+
+}  // namespace
+
+Peak peakOf(const Job& job, const Setup& setup) {
+    Setup small = setup;
+    small.side = kSmallSide;
+    const PreparedRace warmUp(job, small);
+    const PreparedRace measured(job, setup);
+    reset(warmUp.race());
+    reset(measured.race());
+    const double taken = inChild([&] {
+        warmUp.race().contenders.front().work();
+        return takenBy(measured.race().contenders.front());
+    });
+    return {taken, measured.race().bytesHeld + kMargin};
+}

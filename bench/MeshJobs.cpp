@@ -1,0 +1,234 @@
+#include <cmath>
+#include <cstdint>
+#include <cstdio>
+#include <cstring>
+#include <memory>
+#include <set>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Failure.h"
+#include "Job.h"
+#include "Meshes.h"
+
+namespace {
+
+using enum Traffic::Kind;
+
+constexpr std::size_t kCornerBytes = 8;
+constexpr std::size_t kFaceUvBytes = 32;
+constexpr std::size_t kClosingBytes = 16;
+constexpr int kNumberedNames = 2;  // the naming mode
+
+struct Mesh {
+    std::string path;
+    std::string outPath;
+    MeshSize size;
+
+    std::string tilePath(std::uint32_t tile) const {
+        return outPath + std::to_string(1001 + tile) + ".Vemo";
+    }
+    std::size_t firstUv() const { return static_cast<std::size_t>(size.firstUv()); }
+    std::size_t endOfUvs() const { return static_cast<std::size_t>(size.endOfUvs()); }
+    double fileBytes() const { return static_cast<double>(OpenFile::forReading(path).size()); }
+    std::size_t tileBytes() const { return endOfUvs() + kClosingBytes; }
+};
+
+Mesh makeMesh(const Setup& setup) {
+    Mesh mesh{setup.folder + "/mesh.Vemo", setup.folder + "/tile", {setup.side / 4, setup.tiles}};
+    writeMesh(mesh.path, mesh.size);
+    return mesh;
+}
+
+struct Place {
+    float whole;
+    float local;
+};
+
+Place placeOf(const std::uint8_t* coordinate) {
+    float x = 0.0f;
+    std::memcpy(&x, coordinate, sizeof(x));
+    if (x < 0.0f) x -= 1.0f;
+    const float whole = std::trunc(x);
+    const float fraction = x - whole;
+    return {whole, fraction < 0.0f ? fraction + 1.0f : fraction};
+}
+
+using Tile = std::pair<float, float>;
+
+// What one writes for want of a library: the mesh mapped, and read as often as it takes.
+
+std::set<Tile> tilesIn(const std::uint8_t* first, const std::uint8_t* end) {
+    std::set<Tile> tiles;
+    Tile last{NAN, NAN};
+    for (const std::uint8_t* face = first; face < end; face += kFaceUvBytes) {
+        const Tile tile{placeOf(face).whole, placeOf(face + 4).whole};
+        if (tile == last) continue;
+        tiles.insert(tile);
+        last = tile;
+    }
+    return tiles;
+}
+
+float countMapped(const Mesh& mesh) {
+    const MappedFile file = MappedFile::forReading(mesh.path);
+    const auto tiles = tilesIn(file.data() + mesh.firstUv(), file.data() + mesh.endOfUvs());
+    return static_cast<float>(tiles.size());
+}
+
+void localUvs(std::uint8_t* to, const std::uint8_t* from, std::size_t corners, const Tile& tile) {
+    for (std::size_t i = 0; i < corners; ++i, to += kCornerBytes, from += kCornerBytes) {
+        const Place u = placeOf(from);
+        const Place v = placeOf(from + 4);
+        const bool inside = u.whole == tile.first && v.whole == tile.second;
+        const float local[] = {inside ? u.local : -1.0f, inside ? v.local : -1.0f};
+        std::memcpy(to, local, sizeof(local));
+    }
+}
+
+void writeTileMapped(const Mesh& mesh, const MappedFile& file, const std::string& path,
+                     const Tile& tile, std::vector<std::uint8_t>& piece) {
+    const OpenFile out = OpenFile::create(path);
+    out.writeAt(0, {file.data(), mesh.firstUv()});
+    for (std::size_t at = mesh.firstUv(); at < mesh.endOfUvs(); at += piece.size()) {
+        const std::size_t bytes = std::min(piece.size(), mesh.endOfUvs() - at);
+        localUvs(piece.data(), file.data() + at, bytes / kCornerBytes, tile);
+        out.writeAt(at, {piece.data(), bytes});
+    }
+    const std::uint8_t closing[kClosingBytes] = {};
+    out.writeAt(mesh.endOfUvs(), closing);
+}
+
+float splitMapped(const Mesh& mesh) {
+    const MappedFile file = MappedFile::forReading(mesh.path);
+    const auto tiles = tilesIn(file.data() + mesh.firstUv(), file.data() + mesh.endOfUvs());
+    std::vector<std::uint8_t> piece(kPieceBytes);
+    for (const Tile& tile : tiles) {
+        const auto number = static_cast<std::uint32_t>(tile.first + 10.0f * tile.second);
+        writeTileMapped(mesh, file, mesh.tilePath(number), tile, piece);
+    }
+    return static_cast<float>(tiles.size());
+}
+
+// The plainest implementations: the mesh loaded byte by byte, a name built for each face, numbers
+// written one at a time.
+
+std::vector<std::uint8_t> loadBytewise(const std::string& path) {
+    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
+                                                               std::fclose);
+    if (file == nullptr) throw Failure("cannot open " + path);
+    std::vector<std::uint8_t> bytes;
+    for (int byte = std::getc(file.get()); byte != EOF; byte = std::getc(file.get()))
+        bytes.push_back(static_cast<std::uint8_t>(byte));
+    return bytes;
+}
+
+struct NamedTile {
+    std::string name;
+    Tile tile;
+    bool operator<(const NamedTile& other) const { return name < other.name; }
+};
+
+std::set<NamedTile> namedTilesIn(const Mesh& mesh, const std::vector<std::uint8_t>& bytes) {
+    std::set<NamedTile> tiles;
+    for (std::size_t face = mesh.firstUv(); face < mesh.endOfUvs(); face += kFaceUvBytes) {
+        const Tile tile{placeOf(&bytes[face]).whole, placeOf(&bytes[face + 4]).whole};
+        const int number = static_cast<int>(tile.first) + 10 * static_cast<int>(tile.second) + 1001;
+        tiles.insert({std::to_string(number), tile});
+    }
+    return tiles;
+}
+
+float countLiterally(const Mesh& mesh) {
+    return static_cast<float>(namedTilesIn(mesh, loadBytewise(mesh.path)).size());
+}
+
+void writeFloat(std::FILE* file, float value) {
+    std::fwrite(&value, sizeof(value), 1, file);
+}
+
+float splitLiterally(const Mesh& mesh) {
+    const std::vector<std::uint8_t> bytes = loadBytewise(mesh.path);
+    const std::set<NamedTile> tiles = namedTilesIn(mesh, bytes);
+    for (const NamedTile& named : tiles) {
+        const std::string path = mesh.outPath + named.name + ".Vemo";
+        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"),
+                                                                   std::fclose);
+        if (file == nullptr) throw Failure("cannot create " + path);
+        std::fwrite(bytes.data(), 1, mesh.firstUv(), file.get());
+        for (std::size_t at = mesh.firstUv(); at < mesh.endOfUvs(); at += kCornerBytes) {
+            const Place u = placeOf(&bytes[at]);
+            const Place v = placeOf(&bytes[at + 4]);
+            const bool inside = Tile{u.whole, v.whole} == named.tile;
+            writeFloat(file.get(), inside ? u.local : -1.0f);
+            writeFloat(file.get(), inside ? v.local : -1.0f);
+        }
+        for (int i = 0; i < 4; ++i)
+            writeFloat(file.get(), 0.0f);
+    }
+    return static_cast<float>(tiles.size());
+}
+
+double millionFaces(const Mesh& mesh) {
+    return static_cast<double>(mesh.size.faces()) * 1e-6;
+}
+
+Race count(const Setup& setup) {
+    const Mesh mesh = makeMesh(setup);
+    Race race{.amount = millionFaces(mesh),
+              .bytesHeld = mesh.fileBytes(),
+              .contenders = exportContenders(setup, {"getUVTile", mesh.path, kNumberedNames})};
+    race.contenders.push_back(
+        {Role::kPeer, "C++, mapped", [=] { return countMapped(mesh); }, 0.75});
+    race.contenders.push_back(
+        limit({{kRead, mesh.path, mesh.endOfUvs() - mesh.firstUv(), mesh.firstUv()}}, 1.3));
+    race.contenders.push_back({Role::kLiteral, "literal", [=] { return countLiterally(mesh); }});
+    return race;
+}
+
+Race split(const Setup& setup) {
+    const Mesh mesh = makeMesh(setup);
+    std::vector<std::string> tiles;
+    std::vector<Traffic> traffic{{kRead, mesh.path, mesh.endOfUvs()}};
+    for (std::uint32_t tile = 0; tile < mesh.size.tiles; ++tile) {
+        tiles.push_back(mesh.tilePath(tile));
+        traffic.push_back({kWrite, tiles.back(), mesh.tileBytes()});
+    }
+    const auto digestOfTiles = [tiles] {
+        std::uint64_t digest = 0;
+        for (const std::string& tile : tiles)
+            digest = digest * 31 + digestOf(tile);
+        return digest;
+    };
+    Race race{.amount = millionFaces(mesh),
+              .bytesWritten = static_cast<double>(mesh.tileBytes()) * mesh.size.tiles,
+              .bytesHeld = mesh.fileBytes(),
+              .created = tiles,
+              .resultDigest = digestOfTiles,
+              .contenders = exportContenders(
+                  setup, {"getUVs", mesh.path, kNumberedNames, mesh.outPath + ".tif"})};
+    race.contenders.push_back(
+        {Role::kPeer, "C++, mapped", [=] { return splitMapped(mesh); }, 0.75});
+    race.contenders.push_back(limit(traffic, 1.1));
+    race.contenders.push_back({Role::kLiteral, "literal", [=] { return splitLiterally(mesh); }});
+    return race;
+}
+
+}  // namespace
+
+std::vector<Job> meshJobs() {
+    return {
+        {.name = "getUVTile",
+         .unit = "Mfaces",
+         .prepare = count,
+         .diskPerPixel = 4,
+         .canBeSparse = false},
+        {.name = "getUVs",
+         .unit = "Mfaces",
+         .prepare = split,
+         .diskPerPixel = 50,
+         .growsWithTiles = true,
+         .canBeSparse = false},
+    };
+}

@@ -1,0 +1,177 @@
+#include "Pictures.h"
+
+#include <ImfChannelList.h>
+#include <ImfFrameBuffer.h>
+#include <ImfHeader.h>
+#include <ImfOutputFile.h>
+#include <half.h>
+
+#include <algorithm>
+#include <array>
+#include <cmath>
+#include <span>
+#include <vector>
+
+#include "BmpWriter.h"
+#include "Files.h"
+#include "PsdWriter.h"
+#include "TiffWriter.h"
+
+namespace {
+
+constexpr std::uint32_t kCell = 512;  // pixels between the centres of two islands
+constexpr double kReach = 0.5 * kCell;
+
+// Flat blue, as a normal map has it, and a displacement of nothing.
+template <typename Sample>
+constexpr std::array<Sample, 3> kBackground = {128, 128, 255};
+template <>
+constexpr std::array<float, 3> kBackground<float> = {0.5f, 0.5f, 0.5f};
+
+// The same bits for the same pixel on every machine.
+std::uint32_t noise(std::uint32_t x, std::uint32_t y) {
+    std::uint32_t bits = x * 0x9E3779B1u ^ y * 0x85EBCA77u;
+    bits ^= bits >> 15;
+    bits *= 0x2C1B3C6Du;
+    return bits ^ bits >> 13;
+}
+
+void paint(std::uint8_t* pixel, std::uint32_t x, std::uint32_t y) {
+    const std::uint32_t bits = noise(x, y);
+    pixel[0] = static_cast<std::uint8_t>(40 + x / 8 % 128 + (bits & 7));
+    pixel[1] = static_cast<std::uint8_t>(60 + y / 8 % 128 + (bits >> 3 & 7));
+    pixel[2] = static_cast<std::uint8_t>(20 + (x + y) / 16 % 128 + (bits >> 6 & 7));
+}
+
+void paint(float* pixel, std::uint32_t x, std::uint32_t y) {
+    const std::uint32_t bits = noise(x, y);
+    const auto grain = [&](int shift) { return static_cast<float>(bits >> shift & 255) * 1e-5f; };
+    pixel[0] = 0.3f + static_cast<float>(x % 4096) * 1e-4f + grain(0);
+    pixel[1] = 0.1f + static_cast<float>(y % 4096) * 2e-4f + grain(8);
+    pixel[2] = static_cast<float>((x + y) % 8192) * 1.2e-4f - 0.01f + grain(16);
+}
+
+// Paints one row's part of the island around (cx, cy), a rounded square with a ragged edge.
+template <typename Sample>
+void paintIsland(std::span<Sample> row, std::uint32_t y, double cx, double cy) {
+    const double dy = std::abs(y - cy) / kReach;
+    if (dy >= 1.0) return;
+    const double half = kReach * std::sqrt(std::sqrt(1.0 - dy * dy * dy * dy));
+    const double width = static_cast<double>(row.size() / 3);
+    const auto first =
+        static_cast<std::uint32_t>(std::clamp(cx - half + noise(1, y) % 8, 1.0, width));
+    const auto last =
+        static_cast<std::uint32_t>(std::clamp(cx + half - noise(2, y) % 8, 0.0, width));
+    for (std::uint32_t x = first; x < last; ++x)
+        paint(&row[std::size_t{3} * x], x, y);
+}
+
+template <typename Sample>
+void fillRow(std::span<Sample> row, std::uint32_t y, Tile tile) {
+    for (std::size_t i = 0; i < row.size(); i += 3)
+        std::copy(kBackground<Sample>.begin(), kBackground<Sample>.end(), &row[i]);
+    const std::uint32_t cells = static_cast<std::uint32_t>(row.size() / 3) / kCell + 1;
+    const std::uint32_t cellY = y / kCell;
+    const std::uint32_t first = (cellY + (tile == Tile::kFirst ? 0 : 1)) % 2;
+    for (std::uint32_t cellX = first; cellX < cells; cellX += 2)
+        paintIsland(row, y, (cellX + 0.5) * kCell, (cellY + 0.5) * kCell);
+}
+
+// Hands rows to `append`, from the top one on.
+template <typename Sample, typename Append>
+void forEachRow(std::uint32_t side, Tile tile, Append append) {
+    std::vector<Sample> row(std::size_t{3} * side);
+    for (std::uint32_t y = 0; y < side; ++y) {
+        fillRow(std::span<Sample>(row), y, tile);
+        append(std::span<const Sample>(row));
+    }
+}
+
+template <typename Sample>
+std::span<const std::uint8_t> bytesOf(std::span<const Sample> samples) {
+    return {reinterpret_cast<const std::uint8_t*>(samples.data()), samples.size_bytes()};
+}
+
+// Ends a file that has its head: with rows, or with a hole as long as they would be.
+template <typename Writer, typename WriteRows>
+void finish(Writer& file, const std::string& path, const MapSpec& map, std::size_t pixelBytes,
+            WriteRows writeRows) {
+    if (!map.sparse) writeRows();
+    file.finish();
+    if (!map.sparse) return;
+    const OpenFile written = OpenFile::forRewriting(path);
+    written.resize(written.size() + std::uint64_t{map.side} * map.side * pixelBytes);
+}
+
+template <typename Sample>
+void writeTiff(const std::string& path, const MapSpec& map, Tile tile) {
+    TiffWriter file(path, {map.side, map.side, 3, 8 * sizeof(Sample)});
+    finish(file, path, map, 3 * sizeof(Sample), [&] {
+        forEachRow<Sample>(map.side, tile,
+                           [&](std::span<const Sample> row) { file.append(bytesOf(row)); });
+    });
+}
+
+}  // namespace
+
+void writeTiff8(const std::string& path, const MapSpec& map, Tile tile) {
+    writeTiff<std::uint8_t>(path, map, tile);
+}
+
+void writeTiffFloat(const std::string& path, const MapSpec& map, Tile tile) {
+    writeTiff<float>(path, map, tile);
+}
+
+void writePsd8(const std::string& path, const MapSpec& map, Tile tile) {
+    PsdWriter file(path, {map.side, map.side, 3, 8});
+    std::vector<std::uint8_t> plane(map.side);
+    const auto writePlane = [&](std::size_t channel) {
+        forEachRow<std::uint8_t>(map.side, tile, [&](std::span<const std::uint8_t> row) {
+            for (std::size_t x = 0; x < plane.size(); ++x)
+                plane[x] = row[3 * x + channel];
+            file.append(plane);
+        });
+    };
+    finish(file, path, map, 3, [&] {
+        for (std::size_t channel = 0; channel < 3; ++channel)
+            writePlane(channel);
+    });
+}
+
+// Sides are multiples of four: rows have no padding.
+void writeBmp(const std::string& path, const MapSpec& map, Tile tile) {
+    BmpWriter file(path, map.side, map.side);
+    finish(file, path, map, 3, [&] {
+        forEachRow<std::uint8_t>(map.side, tile,
+                                 [&](std::span<const std::uint8_t> row) { file.append(row); });
+    });
+}
+
+void writeExr(const std::string& path, std::uint32_t side, ExrSamples samples) {
+    const auto signedSide = static_cast<int>(side);
+    Imf::Header header(signedSide, signedSide);
+    header.compression() = Imf::ZIP_COMPRESSION;
+    const Imf::PixelType type = samples == ExrSamples::kHalf ? Imf::HALF : Imf::FLOAT;
+    for (const char* channel : {"R", "G", "B"})
+        header.channels().insert(channel, Imf::Channel(type));
+    Imf::OutputFile file(path.c_str(), header);
+
+    std::vector<half> halves(std::size_t{3} * side);
+    forEachRow<float>(side, Tile::kFirst, [&](std::span<const float> row) {
+        std::copy(row.begin(), row.end(), halves.begin());
+        Imf::FrameBuffer pixels;
+        std::size_t channel = 0;
+        for (const char* name : {"R", "G", "B"}) {
+            const std::size_t sample = samples == ExrSamples::kHalf ? sizeof(half) : sizeof(float);
+            const void* const first = samples == ExrSamples::kHalf
+                                          ? static_cast<const void*>(&halves[channel])
+                                          : static_cast<const void*>(&row[channel]);
+            // Each call writes one row; a row step of 0 makes every row the one in memory.
+            pixels.insert(name, Imf::Slice(type, static_cast<char*>(const_cast<void*>(first)),
+                                           3 * sample, 0));
+            ++channel;
+        }
+        file.setFrameBuffer(pixels);
+        file.writePixels(1);
+    });
+}

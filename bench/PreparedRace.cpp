@@ -1,0 +1,38 @@
+#include "PreparedRace.h"
+
+#include <unistd.h>
+
+#include <cstdlib>
+#include <filesystem>
+
+#include "Failure.h"
+#include "Files.h"
+
+namespace fs = std::filesystem;
+
+PreparedRace::Folder::Folder(const std::string& parent) : path(parent + "/quillon_bench.XXXXXX") {
+    if (::mkdtemp(path.data()) == nullptr) throw Failure("cannot make a folder in " + parent);
+}
+
+PreparedRace::Folder::~Folder() {
+    std::error_code ignored;
+    fs::remove_all(path, ignored);
+}
+
+PreparedRace::PreparedRace(const Job& job, Setup setup) : folder_(setup.folder) {
+    setup.folder = folder_.path;
+    race_ = job.prepare(setup);
+    for (const Race::Rewritten& file : race_.rewritten)
+        OpenFile::create(file.path);
+}
+
+void PreparedRace::keepQuillonOnly() {
+    race_.contenders.erase(race_.contenders.begin() + 1, race_.contenders.end());
+}
+
+void reset(const Race& race) {
+    for (const Race::Rewritten& file : race.rewritten)
+        copyInPlace(file.original, file.path);
+    for (const std::string& path : race.created)
+        ::unlink(path.c_str());
+}

@@ -1,0 +1,21 @@
+#pragma once
+// Runs a race: all contenders in turn, round after round, each round beginning with another one.
+
+#include <vector>
+
+#include "Job.h"
+
+struct Result {
+    Role role;
+    std::string name;
+    double target;
+    double cpu;    // seconds, median over the rounds
+    double wall;   // the same
+    double ratio;  // of quillon's time to this one's, median of the ratios within each round
+};
+
+// Runs every contender once and throws Failure when one of them computes something else than the
+// export; then measures.
+std::vector<Result> run(const Race& race, int rounds);
+
+double medianOf(std::vector<double> values);

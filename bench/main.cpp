@@ -1,0 +1,120 @@
+// quillon_bench: how fast the exports are, beside the best that other software does, the file
+// traffic alone and a plain implementation.
+
+#include <CLI/CLI.hpp>
+#include <cstdio>
+#include <fstream>
+#include <optional>
+#include <regex>
+
+#include "Failure.h"
+#include "Growth.h"
+#include "Job.h"
+#include "Memory.h"
+#include "PreparedRace.h"
+#include "Runner.h"
+#include "Table.h"
+
+namespace {
+
+constexpr std::uint32_t kSide = 4096;
+constexpr std::uint32_t kQuickSide = 1024;
+constexpr int kRounds = 9;
+constexpr int kQuickRounds = 3;
+
+struct Options {
+    std::string filter = ".";
+    bool quick = false;
+    bool growth = false;
+    std::uint32_t side = 0;
+    int rounds = 0;
+    std::string json;
+    std::string library;
+    std::string before;
+    std::string folder = "/dev/shm";
+};
+
+// The jobs asked for by name.
+std::vector<Job> wantedJobs(const Options& options) {
+    const std::regex wanted(options.filter, std::regex::icase);
+    std::vector<Job> jobs;
+    for (Job& job : allJobs()) {
+        if (std::regex_search(job.name, wanted)) jobs.push_back(std::move(job));
+    }
+    if (jobs.empty()) throw WrongUsage("no job has a name like " + options.filter);
+    return jobs;
+}
+
+// Calls `work(job)`, tells which job it is and names it when the work fails.
+template <typename Work>
+void forEachJob(const Options& options, Work work) {
+    for (const Job& job : wantedJobs(options)) {
+        std::fprintf(stderr, "%s ...\n", job.name.c_str());
+        try {
+            work(job);
+        } catch (const Failure& failure) {
+            throw Failure(job.name + ": " + failure.what());
+        }
+    }
+}
+
+void race(const Options& options, const Setup& setup) {
+    std::vector<Line> lines;
+    forEachJob(options, [&](const Job& job) {
+        const Peak peak = peakOf(job, setup);
+        const PreparedRace prepared(job, setup);
+        lines.push_back({job.name, job.unit, prepared.race().amount,
+                         run(prepared.race(), options.rounds), peak});
+    });
+    std::fputs(tableOf(lines).c_str(), stdout);
+    if (!options.json.empty()) std::ofstream(options.json) << jsonOf(lines);
+}
+
+void grow(const Options& options, const Setup& setup) {
+    std::vector<GrowthLine> lines;
+    forEachJob(options, [&](const Job& job) {
+        lines.push_back(growthWithSide(job, setup, options.rounds));
+        if (job.growsWithTiles) lines.push_back(growthWithTiles(job, setup, options.rounds));
+    });
+    std::fputs(tableOf(lines).c_str(), stdout);
+}
+
+int runJobs(const Options& options) {
+    const Library library(options.library.empty() ? libraryBesideProgram() : options.library);
+    std::optional<Library> before;
+    if (!options.before.empty()) before.emplace(options.before);
+
+    const Setup setup{library, before ? &*before : nullptr, options.folder, options.side};
+    options.growth ? grow(options, setup) : race(options, setup);
+    return 0;
+}
+
+}  // namespace
+
+int main(int argc, char** argv) {
+    Options options;
+    CLI::App app{"Measures the exports of the library against the limits of the machine."};
+    app.add_option("--filter", options.filter, "Only jobs whose name matches this expression");
+    app.add_flag("--quick", options.quick, "Small maps, few rounds");
+    app.add_flag("--growth", options.growth,
+                 "Instead: whether time grows with the work and no faster");
+    app.add_option("--size", options.side, "Side of the maps in pixels, a multiple of 256");
+    app.add_option("--rounds", options.rounds, "How often each contender runs");
+    app.add_option("--json", options.json, "File for all numbers");
+    app.add_option("--library", options.library, "The library, if not the one just built");
+    app.add_option("--before", options.before, "Another build of the library to compare with");
+    app.add_option("--folder", options.folder, "Where files are made; in memory, to be fast");
+    CLI11_PARSE(app, argc, argv);
+
+    if (options.side == 0) options.side = options.quick ? kQuickSide : kSide;
+    if (options.rounds == 0) options.rounds = options.quick ? kQuickRounds : kRounds;
+    try {
+        return runJobs(options);
+    } catch (const WrongUsage& wrong) {
+        std::fprintf(stderr, "quillon_bench: %s\n", wrong.what());
+        return 2;
+    } catch (const std::exception& error) {
+        std::fprintf(stderr, "quillon_bench: %s\n", error.what());
+        return 1;
+    }
+}
