@@ -78,6 +78,7 @@ QUILLON_PART void turn(Lanes<4>::Floats (&lines)[2][kSide]) {
         std::swap(lines[0][4 + i], lines[1][i]);
 }
 
+#if defined(__x86_64__)
 QUILLON_PART void turn(Lanes<8>::Floats (&lines)[1][kSide]) {
     typedef Lanes<8>::Floats Floats;
     Floats(&s)[kSide] = lines[0];
@@ -101,6 +102,7 @@ QUILLON_PART void turn(Lanes<8>::Floats (&lines)[1][kSide]) {
         s[i + 4] = __builtin_shufflevector(fours[i], fours[i + 4], 4, 5, 6, 7, 12, 13, 14, 15);
     }
 }
+#endif
 
 template <std::size_t kLanes>
 QUILLON_PART void transformUnit(const Samples<kLanes>& samples, const DivisorTable& divisors,
@@ -123,7 +125,8 @@ QUILLON_PART void transformUnit(const Samples<kLanes>& samples, const DivisorTab
             Ints values;
             quantise(values, lines[part][row], &divisors[at]);
             std::memcpy(&unit.values[at], &values, sizeof values);
-            nonzeroRows |= reinterpret_cast<Ints>(values != 0) & (Ints{} + (1 << row));
+            const std::int32_t bit = 1 << row;
+            nonzeroRows |= reinterpret_cast<Ints>(values != 0) & bit;
         }
         std::memcpy(&unit.nonzeroRows[kLanes * part], &nonzeroRows, sizeof nonzeroRows);
     }
