@@ -51,6 +51,10 @@ inline void storeBe32(std::uint8_t* p, std::uint32_t value) {
     p[2] = static_cast<std::uint8_t>(value >> 8);
     p[3] = static_cast<std::uint8_t>(value);
 }
+inline void storeBe64(std::uint8_t* p, std::uint64_t value) {
+    storeBe32(p, static_cast<std::uint32_t>(value >> 32));
+    storeBe32(p + 4, static_cast<std::uint32_t>(value));
+}
 inline void storeLeFloat(std::uint8_t* p, float value) {
     storeLe32(p, std::bit_cast<std::uint32_t>(value));
 }

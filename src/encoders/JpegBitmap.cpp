@@ -69,15 +69,29 @@ void JpegBitmap::readRows(std::size_t firstInFile, std::size_t count, std::uint8
     std::fill_n(to + got, wanted - got, std::uint8_t{0});
 }
 
-// The rows that a picture has in common with its file, padded at the end.
-void JpegBitmap::loadRows(std::size_t first, std::size_t end, std::uint8_t* stage,
-                          std::uint8_t* to) const {
+// Repeats the last pixel of each row, and then the last row.
+void JpegBitmap::padRows(std::size_t count, std::size_t paddedCount, std::uint8_t* rows) const {
+    for (std::size_t i = 0; i < count; ++i) {
+        std::uint8_t* const row = rows + i * rowBytes();
+        for (std::size_t at = realRowBytes(); at < rowBytes(); at += kPixelBytes)
+            std::copy_n(row + realRowBytes() - kPixelBytes, kPixelBytes, row + at);
+    }
+    for (std::size_t i = count; i < paddedCount; ++i)
+        std::copy_n(rows + (count - 1) * rowBytes(), rowBytes(), rows + i * rowBytes());
+}
+
+BitmapRows JpegBitmap::loadRows(std::size_t first, std::size_t end, std::uint8_t* stage,
+                                std::uint8_t* padded) const {
     const std::size_t realEnd = std::min<std::size_t>(end, size_.height);
     const std::size_t count = realEnd - first;
     readRows(size_.height - realEnd, count, stage);
+    const auto staged = static_cast<std::ptrdiff_t>(stagedRowBytes());
+    if (isTurnedWhole() && !needsPadding(end))
+        return {stage + (static_cast<std::ptrdiff_t>(count) - 1) * staged, -staged};
+
     for (std::size_t i = 0; i < count; ++i) {
         std::copy_n(stage + (count - 1 - i) * stagedRowBytes(), realRowBytes(),
-                    to + i * rowBytes());
+                    padded + i * rowBytes());
     }
     // Only the low 16 bits of a row's length are turned upside down: of a wide picture just the
     // left end. What is to the right of it stays as it lies in the file, and the host's maps of
@@ -86,15 +100,9 @@ void JpegBitmap::loadRows(std::size_t first, std::size_t end, std::uint8_t* stag
         readRows(first, count, stage);
         for (std::size_t i = 0; i < count; ++i) {
             std::copy_n(stage + i * stagedRowBytes() + turnedBytes(),
-                        realRowBytes() - turnedBytes(), to + i * rowBytes() + turnedBytes());
+                        realRowBytes() - turnedBytes(), padded + i * rowBytes() + turnedBytes());
         }
     }
-
-    for (std::size_t i = 0; i < count; ++i) {
-        std::uint8_t* const row = to + i * rowBytes();
-        for (std::size_t at = realRowBytes(); at < rowBytes(); at += kPixelBytes)
-            std::copy_n(row + realRowBytes() - kPixelBytes, kPixelBytes, row + at);
-    }
-    for (std::size_t row = realEnd; row < end; ++row)
-        std::copy_n(to + (count - 1) * rowBytes(), rowBytes(), to + (row - first) * rowBytes());
+    padRows(count, end - first, padded);
+    return {padded, static_cast<std::ptrdiff_t>(rowBytes())};
 }

@@ -9,6 +9,12 @@
 #include "encoders/JpegSegments.h"
 #include "files/File.h"
 
+// Rows of a picture in memory, each pixel blue, green, red.
+struct BitmapRows {
+    const std::uint8_t* top;
+    std::ptrdiff_t step;  // from a row to the one below; negative where the lowest comes first
+};
+
 class JpegBitmap {
 public:
     // Opens a file and reads its headers.
@@ -31,11 +37,13 @@ public:
     // picture's top.
     bool hasRows(std::size_t first, std::size_t end) const;
 
-    // Loads these rows at their padded size. Bytes that the file does not have are 0.
+    // Loads these rows at their padded size. Bytes that the file does not have are 0. Rows that
+    // need no padding are left as they lie in the file.
     //
     //   stage     memory for these rows as they lie in the file, stagedRowBytes() each
-    //   to        the top row first, each pixel blue, green, red, rowBytes() a row
-    void loadRows(std::size_t first, std::size_t end, std::uint8_t* stage, std::uint8_t* to) const;
+    //   padded    memory for the same rows at rowBytes() each
+    BitmapRows loadRows(std::size_t first, std::size_t end, std::uint8_t* stage,
+                        std::uint8_t* padded) const;
 
     // A row as it lies in the file.
     std::size_t stagedRowBytes() const { return realRowBytes() + size_.width % 4u; }
@@ -45,8 +53,10 @@ private:
     std::size_t realRowBytes() const { return std::size_t{3} * size_.width; }
     std::size_t turnedBytes() const { return rowBytes() % 65536; }
     bool isTurnedWhole() const { return turnedBytes() == rowBytes(); }
+    bool needsPadding(std::size_t end) const { return width() > size_.width || end > size_.height; }
     std::uint64_t rowsInFile() const;
     void readRows(std::size_t firstInFile, std::size_t count, std::uint8_t* to) const;
+    void padRows(std::size_t count, std::size_t paddedCount, std::uint8_t* rows) const;
 
     File file_;
     std::uint64_t pixelBytes_ = 0;  // those of them that the file has

@@ -2,96 +2,97 @@
 
 #include <bit>
 
-#include "bytes/Bytes.h"
+#include "encoders/JpegTables.h"
 
 namespace {
 
-// Parts of red, green and blue in a component, in 65536ths.
-struct Weights {
-    std::int32_t red;
-    std::int32_t green;
-    std::int32_t blue;
+// What the data units of a component are coded with.
+struct ComponentCodes {
+    ValueCodes means;
+    RunTable others;
+    bitstring sixteenZeros;
+    bitstring endOfBlock;
 };
-constexpr Weights kY = {19595, 38470, 7471};
-constexpr Weights kCb = {-11058, -21708, 32768};
-constexpr Weights kCr = {32768, -27438, -5328};
 
-// Rounded down, below 0 too. No sum leaves the range of a component: the weights of luminance make
-// up 65536, those of the others at most half of it to either side.
-inline std::int32_t weighted(const Weights& weights, const std::uint8_t* pixel) {
-    return (weights.red * pixel[2] + weights.green * pixel[1] + weights.blue * pixel[0]) >> 16;
+constexpr ComponentCodes makeComponentCodes(const HuffmanTable& HTDC, const HuffmanTable& HTAC) {
+    return {makeValueCodes(HTDC), makeRunTable(HTAC), HTAC[kSixteenZeros], HTAC[kEndOfBlock]};
+}
+constexpr ComponentCodes kLuminanceCodes = makeComponentCodes(YDC_HT, YAC_HT);
+constexpr ComponentCodes kChrominanceCodes = makeComponentCodes(CbDC_HT, CbAC_HT);
+
+// For each column of coefficients and each set of rows, the places of these coefficients in the
+// zig-zag sequence.
+using PlacesOfRows = std::array<std::uint64_t, 256>;
+constexpr std::array<PlacesOfRows, 8> makePlaces() {
+    std::array<PlacesOfRows, 8> places{};
+    for (std::size_t column = 0; column < 8; ++column) {
+        for (std::size_t rows = 1; rows < 256; ++rows) {
+            const auto lowest = static_cast<std::size_t>(std::countr_zero(rows));
+            places[column][rows] =
+                places[column][rows & (rows - 1)] | std::uint64_t{1} << zigzag[8 * lowest + column];
+        }
+    }
+    return places;
+}
+constexpr std::array<PlacesOfRows, 8> kPlaces = makePlaces();
+
+// Bit i tells whether the coefficient at place i of the zig-zag sequence is not 0.
+inline std::uint64_t nonzeroPlaces(const QuantisedUnit& unit) {
+    std::uint64_t places = 0;
+    for (std::size_t column = 0; column < kPlaces.size(); ++column)
+        places |= kPlaces[column][static_cast<std::size_t>(unit.nonzeroRows[column])];
+    return places;
 }
 
-// The coefficients of a block along the zig-zag.
-Coefficients inZigzagOrder(const Coefficients& natural) {
-    Coefficients ordered;
-    for (std::size_t i = 0; i < natural.size(); ++i)
-        ordered[zigzag[i]] = natural[i];
-    return ordered;
-}
-
-// Bit i tells whether coefficient i is not 0.
-std::uint64_t nonzeroBits(const Coefficients& coefficients) {
-    std::array<std::uint8_t, 64> flags;
-    for (std::size_t i = 0; i < flags.size(); ++i)
-        flags[i] = coefficients[i] != 0 ? 1 : 0;
-
-    // Multiplying moves the flag in byte i of eight to bit 56 + i; no two of them meet on the way.
-    constexpr std::uint64_t kGather = 0x0102040810204080;
-    std::uint64_t bits = 0;
-    for (std::size_t i = 0; i < flags.size(); i += 8)
-        bits |= (loadLe64(&flags[i]) * kGather >> 56) << i;
-    return bits;
-}
-
-// A code and the bits that tell the value within its category, together 27 bits at most.
-inline void putValue(BitWriter& bits, bitstring code, std::int32_t value) {
-    const bitstring extra = bitcode(value);
-    bits.put(std::uint32_t{code.value} << extra.length | extra.value,
-             std::uint32_t{code.length} + extra.length);
+inline void put(BitWriter& bits, const ValueCodes& codes, std::int32_t value) {
+    const ValueCode& code = codes[kKindOf[static_cast<std::size_t>(value + kLargestValue)]];
+    bits.put(static_cast<std::uint32_t>(code.base + value), code.length);
 }
 
 // Codes the coefficients after the first, each with the zeros before it.
-void putAC(BitWriter& bits, const Coefficients& DU, const HuffmanTable& HTAC) {
+inline void putAC(BitWriter& bits, const QuantisedUnit& DU, const ComponentCodes& codes) {
     constexpr std::uint32_t kLast = 63;
-    std::uint64_t left = nonzeroBits(DU) & ~std::uint64_t{1};
+    std::uint64_t left = nonzeroPlaces(DU) & ~std::uint64_t{1};
     std::uint32_t before = 0;
     while (left != 0) {
-        const auto i = static_cast<std::uint32_t>(std::countr_zero(left));
+        const auto place = static_cast<std::uint32_t>(std::countr_zero(left));
         left &= left - 1;
-        std::uint32_t zeros = i - before - 1;
+        std::uint32_t zeros = place - before - 1;
         for (; zeros >= 16; zeros -= 16)
-            bits.put(HTAC[kSixteenZeros]);
-        putValue(bits, HTAC[zeros * 16 + category(DU[i])], DU[i]);
-        before = i;
+            bits.put(codes.sixteenZeros);
+        put(bits, codes.others[zeros], DU.values[naturalOrder[place]]);
+        before = place;
     }
-    if (before != kLast) bits.put(HTAC[kEndOfBlock]);
+    if (before != kLast) bits.put(codes.endOfBlock);
+}
+
+inline void process_DU(const QuantisedUnit& DU, const ComponentCodes& codes, std::int32_t& DC,
+                       BitWriter& bits) {
+    put(bits, codes.means, DU.values[0] - DC);
+    DC = DU.values[0];
+    putAC(bits, DU, codes);
 }
 
 }  // namespace
 
-void load_data_units(const std::uint8_t* pixels, std::size_t rowBytes, PictureBlock& block) {
-    for (std::size_t row = 0; row < 8; ++row) {
-        for (std::size_t column = 0; column < 8; ++column) {
-            const std::uint8_t* const pixel = pixels + row * rowBytes + 3 * column;
-            const std::size_t i = 8 * row + column;
-            block.YDU[i] = static_cast<std::int8_t>(weighted(kY, pixel) - 128);
-            block.CbDU[i] = static_cast<std::int8_t>(weighted(kCb, pixel));
-            block.CrDU[i] = static_cast<std::int8_t>(weighted(kCr, pixel));
-        }
+void codeBlocks(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t blocks,
+                const Divisors& divisors, Means& means, BitWriter& bits) {
+    TransformPixels* const wide = wideTransform();
+    TransformPixels* const transform = wide != nullptr ? wide : transformPixels;
+    BitWriter own = bits;
+    for (std::size_t i = 0; i < blocks; ++i) {
+        QuantisedBlock block;
+        transform(pixels + 24 * i, rowStep, divisors, block);
+        process_DU(block[0], kLuminanceCodes, means[0], own);
+        process_DU(block[1], kChrominanceCodes, means[1], own);
+        process_DU(block[2], kChrominanceCodes, means[2], own);
     }
+    bits = own;
 }
 
-void process_DU(const DataUnit& ComponentDU, const ComponentCoding& coding, std::int16_t& DC,
-                BitWriter& bits) {
-    Coefficients DU_DCT;
-    fdct_and_quantization(ComponentDU, coding.fdtbl, DU_DCT);
-    const Coefficients DU = inZigzagOrder(DU_DCT);
-
-    BitWriter own = bits;
-    const std::int32_t difference = DU[0] - DC;
-    DC = DU[0];
-    putValue(own, coding.HTDC[category(difference)], difference);  // no more bits for 0
-    putAC(own, DU, coding.HTAC);
-    bits = own;
+void codeUnchangedBlock(BitWriter& bits) {
+    for (const ComponentCodes* codes : {&kLuminanceCodes, &kChrominanceCodes, &kChrominanceCodes}) {
+        put(bits, codes->means, 0);
+        bits.put(codes->endOfBlock);
+    }
 }

@@ -2,36 +2,25 @@
 // JpegBlocks: from pixels to coded blocks. A block of a picture is three data units, luminance, Cb
 // and Cr.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "encoders/JpegDct.h"
 #include "encoders/JpegStream.h"
-#include "encoders/JpegTables.h"
+#include "encoders/JpegTransform.h"
 
-struct PictureBlock {
-    DataUnit YDU;
-    DataUnit CbDU;
-    DataUnit CrDU;
-};
+// What goes from one block of a picture to the next: the mean of each component, 0 before the first.
+using Means = std::array<std::int32_t, 3>;
 
-// Converts a block of 8 x 8 pixels, each blue, green and red.
+// Codes a row of blocks, or a part of one.
 //
-//   pixels    the top left pixel; rows are `rowBytes` apart, the top one first
-//   block     all three components centred on 0
-void load_data_units(const std::uint8_t* pixels, std::size_t rowBytes, PictureBlock& block);
+//   pixels, rowStep, divisors  as for `TransformPixels`
+//   blocks   how many
+//   means    those of the block before; receives those of the last one
+//   bits     has room for kMostBlockBytes a block
+void codeBlocks(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t blocks,
+                const Divisors& divisors, Means& means, BitWriter& bits);
+inline constexpr std::size_t kMostBlockBytes = 3 * (64 * 27 + 7) / 8;
 
-// What the data units of a component are coded with.
-struct ComponentCoding {
-    const DivisorTable& fdtbl;
-    const HuffmanTable& HTDC;
-    const HuffmanTable& HTAC;
-};
-
-// Transforms, quantises and codes a data unit.
-//
-//   DC       the mean of the component's unit before this one, 0 before the first; receives this
-//            one's
-//   bits     has room for 420 bytes
-void process_DU(const DataUnit& ComponentDU, const ComponentCoding& coding, std::int16_t& DC,
-                BitWriter& bits);
+// Codes a block that is like the one before, all of it one colour.
+void codeUnchangedBlock(BitWriter& bits);

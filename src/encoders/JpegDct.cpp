@@ -1,66 +1,41 @@
 #include "encoders/JpegDct.h"
 
+#include <algorithm>
 #include <cstddef>
 
 namespace {
 
 constexpr std::size_t kSide = 8;
-using Samples = std::array<float, kSide * kSide>;
 
 // By how much the outputs of the one-dimensional transform are too large: cos(k * pi / 16) times
 // the square root of 2, but 1 for the mean.
 constexpr std::array<double, kSide> aan_scale = {1.0, 1.387039845, 1.306562965, 1.175875602,
                                                  1.0, 0.785694958, 0.541196100, 0.275899379};
 
-// Transforms the eight columns of a block, by the flow graph of Arai, Agui and Nakajima: five
-// multiplications each, their outputs scaled. The columns do not touch, so a compiler takes several
-// at a time.
-inline void transformColumns(Samples& samples) {
-    for (std::size_t column = 0; column < kSide; ++column) {
-        float* const s = &samples[column];
-        const float sum07 = s[0] + s[56];
-        const float sum16 = s[8] + s[48];
-        const float sum25 = s[16] + s[40];
-        const float sum34 = s[24] + s[32];
-        const float difference07 = s[0] - s[56];
-        const float difference16 = s[8] - s[48];
-        const float difference25 = s[16] - s[40];
-        const float difference34 = s[24] - s[32];
+// The parts of red, green and blue in a component, in 65536ths.
+struct Weights {
+    std::int32_t red;
+    std::int32_t green;
+    std::int32_t blue;
+};
+constexpr Weights kY = {19595, 38470, 7471};
+constexpr Weights kCb = {-11058, -21708, 32768};
+constexpr Weights kCr = {32768, -27438, -5328};
 
-        const float outer = sum07 + sum34;
-        const float inner = sum16 + sum25;
-        const float outerSlope = sum07 - sum34;
-        const float innerSlope = sum16 - sum25;
-        const float evenTurn = (innerSlope + outerSlope) * 0.707106781f;
-        s[0] = outer + inner;
-        s[32] = outer - inner;
-        s[16] = outerSlope + evenTurn;
-        s[48] = outerSlope - evenTurn;
-
-        const float low = difference34 + difference25;
-        const float middle = difference25 + difference16;
-        const float high = difference16 + difference07;
-        const float turn = (low - high) * 0.382683433f;
-        const float lowTurned = low * 0.541196100f + turn;
-        const float highTurned = high * 1.306562965f + turn;
-        const float middleTurned = middle * 0.707106781f;
-        const float above = difference07 + middleTurned;
-        const float below = difference07 - middleTurned;
-        s[40] = below + lowTurned;
-        s[24] = below - lowTurned;
-        s[8] = above + highTurned;
-        s[56] = above - highTurned;
-    }
+// Rounded down, below 0 too. No sum leaves the range of a component: the weights of luminance make
+// up 65536, those of the others at most half of it to either side.
+std::int32_t weighted(const Weights& weights, const std::uint8_t* pixel) {
+    return (weights.red * pixel[2] + weights.green * pixel[1] + weights.blue * pixel[0]) >> 16;
 }
 
-template <typename Block>
-inline Samples transposed(const Block& block) {
-    Samples turned;
-    for (std::size_t row = 0; row < kSide; ++row) {
-        for (std::size_t column = 0; column < kSide; ++column)
-            turned[column * kSide + row] = static_cast<float>(block[row * kSide + column]);
-    }
-    return turned;
+// Transforms the values that lie `step` apart.
+void transformEvery(float* values, std::size_t step) {
+    float line[kSide];
+    for (std::size_t i = 0; i < kSide; ++i)
+        line[i] = values[step * i];
+    transformLine(line);
+    for (std::size_t i = 0; i < kSide; ++i)
+        values[step * i] = line[i];
 }
 
 }  // namespace
@@ -74,11 +49,23 @@ DivisorTable prepare_quant_table(const QuantTable& quantisers) {
     return divisors;
 }
 
+void load_data_units(const std::uint8_t* pixels, std::ptrdiff_t rowStep, PictureBlock& block) {
+    for (std::size_t i = 0; i < block.YDU.size(); ++i) {
+        const std::uint8_t* const pixel =
+            pixels + static_cast<std::ptrdiff_t>(i / kSide) * rowStep + 3 * (i % kSide);
+        block.YDU[i] = static_cast<std::int8_t>(weighted(kY, pixel) - 128);
+        block.CbDU[i] = static_cast<std::int8_t>(weighted(kCb, pixel));
+        block.CrDU[i] = static_cast<std::int8_t>(weighted(kCr, pixel));
+    }
+}
+
 void fdct_and_quantization(const DataUnit& data, const DivisorTable& fdtbl, Coefficients& outdata) {
-    Samples turned = transposed(data);
-    transformColumns(turned);  // the rows of the block
-    Samples samples = transposed(turned);
-    transformColumns(samples);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        outdata[i] = quantised(samples[i] * fdtbl[i]);
+    std::array<float, kSide * kSide> values;
+    std::copy(data.begin(), data.end(), values.begin());
+    for (std::size_t row = 0; row < kSide; ++row)
+        transformEvery(&values[kSide * row], 1);
+    for (std::size_t column = 0; column < kSide; ++column)
+        transformEvery(&values[column], kSide);
+    for (std::size_t i = 0; i < values.size(); ++i)
+        outdata[i] = quantised(values[i] * fdtbl[i]);
 }

@@ -21,8 +21,7 @@ std::optional<JpegStream> fp_jpeg_stream;
 std::unique_ptr<std::uint8_t[]> RGB_buffer;  // a band of rows of the picture, at its padded size
 FrameSize SOF0info;
 QuantSegment DQTinfo;
-DivisorTable fdtbl_Y;
-DivisorTable fdtbl_Cb;  // for Cr, too
+Divisors fdtbl;
 
 struct EmptyStateAtEnd {
     EmptyStateAtEnd() = default;
@@ -33,8 +32,7 @@ struct EmptyStateAtEnd {
         RGB_buffer.reset();
         SOF0info = {};
         DQTinfo = {};
-        fdtbl_Y = {};
-        fdtbl_Cb = {};
+        fdtbl = {};
     }
 };
 
@@ -55,56 +53,35 @@ std::size_t bandRows(const JpegBitmap& picture) {
 // Codes the blocks of one picture, one after the other.
 class BlockCoder {
 public:
-    BlockCoder(JpegStream& stream, const DivisorTable& luminance, const DivisorTable& chrominance)
-        : stream_(stream),
-          luminance_{luminance, YDC_HT, YAC_HT},
-          chrominance_{chrominance, CbDC_HT, CbAC_HT} {}
+    BlockCoder(JpegStream& stream, const Divisors& divisors)
+        : stream_(stream), divisors_(divisors) {}
 
-    // A block whose top left pixel is at `pixels`, in rows of `rowBytes`.
-    void code(const std::uint8_t* pixels, std::size_t rowBytes) {
-        PictureBlock block;
-        load_data_units(pixels, rowBytes, block);
-        stream_.makeRoom();
-        process_DU(block.YDU, luminance_, DC_Y_, stream_.bits());
-        process_DU(block.CbDU, chrominance_, DC_Cb_, stream_.bits());
-        process_DU(block.CrDU, chrominance_, DC_Cr_, stream_.bits());
+    // A row of blocks whose top left pixel is at `pixels`, in rows `rowStep` apart.
+    void codeRow(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t blocks) {
+        constexpr std::size_t kAtOnce = JpegStream::kRoom / kMostBlockBytes;
+        for (std::size_t first = 0; first < blocks; first += kAtOnce) {
+            stream_.makeRoom();
+            codeBlocks(pixels + first * kBlockPixelBytes, rowStep,
+                       std::min(kAtOnce, blocks - first), divisors_, means_, stream_.bits());
+        }
     }
 
     // Blocks of black. From the second on nothing differs from the block before, which takes the
     // shortest codes there are and no transform.
     void codeBlack(std::size_t blocks) {
-        static constexpr std::array<std::uint8_t, kBlockPixelBytes> kBlack{};
-        code(kBlack.data(), 0);
+        static constexpr std::array<std::uint8_t, kBlockPixelBytes + kBytesBehindRow> kBlack{};
+        codeRow(kBlack.data(), 0, 1);
         for (std::size_t i = 1; i < blocks; ++i) {
             stream_.makeRoom();
-            putUnchanged(luminance_);
-            putUnchanged(chrominance_);
-            putUnchanged(chrominance_);
+            codeUnchangedBlock(stream_.bits());
         }
     }
 
 private:
-    void putUnchanged(const ComponentCoding& component) {
-        stream_.bits().put(component.HTDC[0]);
-        stream_.bits().put(component.HTAC[kEndOfBlock]);
-    }
-
     JpegStream& stream_;
-    const ComponentCoding luminance_;
-    const ComponentCoding chrominance_;
-    std::int16_t DC_Y_ = 0;
-    std::int16_t DC_Cb_ = 0;
-    std::int16_t DC_Cr_ = 0;
+    const Divisors& divisors_;
+    Means means_{};
 };
-
-// Codes the rows of a band, which `pixels` holds.
-void codeBand(BlockCoder& coder, const std::uint8_t* pixels, std::size_t rows,
-              std::size_t rowBytes) {
-    for (std::size_t y = 0; y < rows; y += kSide) {
-        for (std::size_t x = 0; x < rowBytes; x += kBlockPixelBytes)
-            coder.code(pixels + y * rowBytes + x, rowBytes);
-    }
-}
 
 // Codes the whole picture, band by band; `band` has room for one at its padded size and one as it
 // lies in the file.
@@ -116,15 +93,19 @@ void main_encoder(const JpegBitmap& picture, std::uint8_t* band, BlockCoder code
             coder.codeBlack((end - row) / kSide * (picture.width() / kSide));
             continue;
         }
-        picture.loadRows(row, end, band + rowsAtOnce * picture.rowBytes(), band);
-        codeBand(coder, band, end - row, picture.rowBytes());
+        const BitmapRows rows =
+            picture.loadRows(row, end, band + rowsAtOnce * picture.rowBytes(), band);
+        for (std::size_t y = 0; y < end - row; y += kSide) {
+            coder.codeRow(rows.top + static_cast<std::ptrdiff_t>(y) * rows.step, rows.step,
+                          picture.width() / kSide);
+        }
     }
 }
 
 void init_all(int scale_factor) {
     DQTinfo = set_DQTinfo(scale_factor);
-    fdtbl_Y = prepare_quant_table(DQTinfo.luminance());
-    fdtbl_Cb = prepare_quant_table(DQTinfo.chrominance());
+    fdtbl.luminance = prepare_quant_table(DQTinfo.luminance());
+    fdtbl.chrominance = prepare_quant_table(DQTinfo.chrominance());
 }
 
 void writeHeaders(JpegStream& file, const QuantSegment& quantisation, FrameSize size) {
@@ -147,7 +128,7 @@ float convertToJPEG(const char* in_path, const char* out_path, int scale_factor)
     const float loaded = picture.load_bitmap(in_path);
     if (loaded != kOk) return loaded;
     const std::size_t bandBytes =
-        bandRows(picture) * (picture.rowBytes() + picture.stagedRowBytes());
+        bandRows(picture) * (picture.rowBytes() + picture.stagedRowBytes()) + kBytesBehindRow;
     RGB_buffer.reset(new (std::nothrow) std::uint8_t[bandBytes]);
     if (RGB_buffer == nullptr || !picture.keepFrom(out_path)) return kNoMemory;
 
@@ -156,7 +137,7 @@ float convertToJPEG(const char* in_path, const char* out_path, int scale_factor)
     init_all(scale_factor);
     SOF0info = picture.realSize();
     writeHeaders(*fp_jpeg_stream, DQTinfo, SOF0info);
-    main_encoder(picture, RGB_buffer.get(), BlockCoder(*fp_jpeg_stream, fdtbl_Y, fdtbl_Cb));
+    main_encoder(picture, RGB_buffer.get(), BlockCoder(*fp_jpeg_stream, fdtbl));
     fp_jpeg_stream->bits().fillLastByte();
     write_EOI(*fp_jpeg_stream);
     fp_jpeg_stream->flush();

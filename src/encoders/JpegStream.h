@@ -2,6 +2,7 @@
 // JpegStream: the JPEG file that is being written, its segments byte by byte and its picture bit by
 // bit, through a buffer.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <initializer_list>
@@ -12,66 +13,49 @@
 #include "encoders/JpegTables.h"
 #include "files/File.h"
 
-// Packs codes into bytes, the highest bit first. A byte of 0xFF is followed by 0x00, since 0xFF
-// alone starts a marker.
+// Packs codes into bytes, the highest bit first.
 //
 // A copy goes on where its original was: the coder of a block works on one of its own, which a
 // compiler keeps in registers.
 class BitWriter {
 public:
-    // Writes to memory that the caller keeps large enough: a byte can take two.
+    // Writes to memory that the caller keeps large enough, with kSpare bytes behind what is needed.
     explicit BitWriter(std::uint8_t* to) : next_(to) {}
+    static constexpr std::size_t kSpare = 8;
 
     // Appends up to 32 bits; those of `value` above `length` are 0.
     void put(std::uint32_t value, std::uint32_t length) {
         bits_ = bits_ << length | value;
         pending_ += length;
-        if (pending_ >= 32) storeFour();
+        storeBe64(next_, bits_ << (-pending_ & 63));
+        next_ += pending_ / 8;
+        pending_ %= 8;
     }
     void put(bitstring code) { put(code.value, code.length); }
 
-    // Completes the last byte with ones. Bits that end on a byte take a whole byte of ones, which
-    // is stuffed like any other.
+    // Completes the last byte with ones. Bits that end on a byte take a whole byte of ones.
     void fillLastByte() {
-        const std::uint32_t missing = 8 - pending_ % 8;
+        const std::uint32_t missing = 8 - pending_;
         put((1u << missing) - 1, missing);
-        while (pending_ > 0) {
-            pending_ -= 8;
-            store(static_cast<std::uint8_t>(bits_ >> pending_));
-        }
     }
 
+    // Behind the last byte that is complete.
     std::uint8_t* next() const { return next_; }
+
+    // Goes on there; the bits of the last byte, which is not complete yet, come along.
     void goOnAt(std::uint8_t* to) { next_ = to; }
 
 private:
-    void store(std::uint8_t byte) {
-        *next_++ = byte;
-        if (byte == 0xFF) *next_++ = 0x00;
-    }
-
-    void storeFour() {
-        pending_ -= 32;
-        const auto word = static_cast<std::uint32_t>(bits_ >> pending_);
-        if (hasByteOfOnes(word)) {
-            for (std::uint32_t shift = 32; shift > 0; shift -= 8)
-                store(static_cast<std::uint8_t>(word >> (shift - 8)));
-            return;
-        }
-        storeBe32(next_, word);
-        next_ += 4;
-    }
-
-    // A byte of ones is one of zeros in the complement, the only one that borrows when it loses 1
-    // and does not have its high bit set.
-    static bool hasByteOfOnes(std::uint32_t word) {
-        return ((~word - 0x01010101u) & word & 0x80808080u) != 0;
-    }
-
     std::uint8_t* next_;
-    std::uint64_t bits_ = 0;     // the lowest `pending_` are still to be written
-    std::uint32_t pending_ = 0;  // below 32
+    std::uint64_t bits_ = 0;     // the lowest `pending_` are those of a byte that is not complete
+    std::uint32_t pending_ = 0;  // below 8
 };
+
+// Copies coded bytes. Each of 0xFF is followed by 0x00, since 0xFF alone starts a marker.
+//
+//   to       room for twice as many bytes
+//   returns  behind the last byte written
+std::uint8_t* stuffed(const std::uint8_t* coded, std::size_t count, std::uint8_t* to);
 
 class JpegStream {
 public:
@@ -88,18 +72,20 @@ public:
 
     // The writer of coded bits. Between two calls of makeRoom it may write kRoom bytes.
     BitWriter& bits() { return bits_; }
-    void makeRoom() {
-        if (bits_.next() >= buffer_.get() + kPieceBytes) flush();
-    }
-    static constexpr std::size_t kRoom = 4096;
+    void makeRoom();
+    static constexpr std::size_t kRoom = 8192;
 
     // Writes to the file what is still in memory. A file that once took fewer bytes gets no more.
     void flush();
 
 private:
+    void writeOut();
+
     // In this order: the memory is there before the file is emptied, and the bits go to it.
     std::unique_ptr<std::uint8_t[]> buffer_;
     FileWriter file_;
+    std::uint8_t* next_;
+    std::array<std::uint8_t, kRoom + BitWriter::kSpare> coded_;
     BitWriter bits_;
     bool failed_ = false;
 };

@@ -133,3 +133,59 @@ constexpr bitstring bitcode(std::int32_t value) {
     const std::int32_t bits = value < 0 ? (1 << length) - 1 + value : value;
     return {length, static_cast<std::uint16_t>(bits)};
 }
+
+// The coefficient that stands at a place of the zig-zag sequence, in natural order.
+constexpr std::array<std::uint8_t, 64> invertedZigzag() {
+    std::array<std::uint8_t, 64> natural{};
+    for (std::uint8_t i = 0; i < 64; ++i)
+        natural[zigzag[i]] = i;
+    return natural;
+}
+inline constexpr std::array<std::uint8_t, 64> naturalOrder = invertedZigzag();
+
+// Values of one category and sign are coded alike: a code, then bits that count upward with the
+// value. So one number, added to the value, gives both.
+struct ValueCode {
+    std::int32_t base = 0;     // code and bits of the value 0, were it one of them
+    std::uint32_t length = 0;  // of both; 27 at most
+};
+
+// Category and sign of the values that a quantised picture can have: up to 1023 for a coefficient,
+// up to 2047 for the difference of two means.
+inline constexpr std::int32_t kLargestValue = 2047;
+inline constexpr std::size_t kKinds = 32;
+constexpr std::uint8_t kindOf(std::int32_t value) {
+    return static_cast<std::uint8_t>(category(value) + (value < 0 ? kKinds / 2 : 0));
+}
+constexpr std::array<std::uint8_t, 2 * kLargestValue + 1> makeKinds() {
+    std::array<std::uint8_t, 2 * kLargestValue + 1> kinds{};
+    for (std::int32_t value = -kLargestValue; value <= kLargestValue; ++value)
+        kinds[static_cast<std::size_t>(value + kLargestValue)] = kindOf(value);
+    return kinds;
+}
+inline constexpr std::array<std::uint8_t, 2 * kLargestValue + 1> kKindOf = makeKinds();
+
+// The codes of values by kind, all of them after so many zeros.
+using ValueCodes = std::array<ValueCode, kKinds>;
+constexpr ValueCodes makeValueCodes(const HuffmanTable& codes, std::size_t zeros = 0) {
+    constexpr std::uint32_t kMostBits = 11;
+    ValueCodes kinds{};
+    for (std::uint32_t bits = 0; bits <= kMostBits; ++bits) {
+        const bitstring code = codes[zeros * 16 + bits];
+        const std::int32_t least = bits > 0 ? 1 << (bits - 1) : 0;
+        for (const std::int32_t value : {least, -least}) {
+            kinds[kindOf(value)] = {(code.value << bits) + bitcode(value).value - value,
+                                    code.length + bits};
+        }
+    }
+    return kinds;
+}
+
+// The same by the zeros before a value, 0 to 15.
+using RunTable = std::array<ValueCodes, 16>;
+constexpr RunTable makeRunTable(const HuffmanTable& codes) {
+    RunTable table{};
+    for (std::size_t zeros = 0; zeros < table.size(); ++zeros)
+        table[zeros] = makeValueCodes(codes, zeros);
+    return table;
+}

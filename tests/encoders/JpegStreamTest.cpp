@@ -12,12 +12,20 @@ namespace {
 using testing::ElementsAre;
 using testing::IsEmpty;
 
+ByteList stuffedBytes(const ByteList& coded) {
+    ByteList memory(2 * coded.size());
+    std::uint8_t* const end = stuffed(coded.data(), coded.size(), memory.data());
+    memory.resize(static_cast<std::size_t>(end - memory.data()));
+    return memory;
+}
+
+// What bits become in a file.
 ByteList written(const std::function<void(BitWriter&)>& write) {
     ByteList memory(64);
     BitWriter bits(memory.data());
     write(bits);
     memory.resize(static_cast<std::size_t>(bits.next() - memory.data()));
-    return memory;
+    return stuffedBytes(memory);
 }
 
 TEST(JpegBits, AreWrittenHighestFirst) {
@@ -52,6 +60,31 @@ TEST(JpegBits, NoOtherByteIsFollowedByAZero) {
                 ElementsAre(0xFE, 0x7F, 0xFE, 0xFE));
     EXPECT_THAT(written([](BitWriter& bits) { bits.put(0x0FF00FF0, 32); }),
                 ElementsAre(0x0F, 0xF0, 0x0F, 0xF0));
+}
+
+TEST(JpegBits, ComeOutWhereverTheyGoOn) {
+    ByteList first(16);
+    ByteList second(16);
+    BitWriter bits(first.data());
+    bits.put(0x123, 12);
+    EXPECT_EQ(bits.next(), first.data() + 1);
+    bits.goOnAt(second.data());
+    bits.put(0x4, 4);
+    EXPECT_EQ(first[0], 0x12);
+    EXPECT_EQ(second[0], 0x34);
+}
+
+TEST(JpegBits, AreStuffedAtEveryPlaceOfEveryLength) {
+    for (std::size_t length = 0; length <= 40; ++length) {
+        EXPECT_EQ(stuffedBytes(ByteList(length, 0xFE)), ByteList(length, 0xFE));
+        for (std::size_t place = 0; place < length; ++place) {
+            ByteList coded(length, 0x80);
+            coded[place] = 0xFF;
+            ByteList expected = coded;
+            expected.insert(expected.begin() + static_cast<std::ptrdiff_t>(place) + 1, 0x00);
+            EXPECT_EQ(stuffedBytes(coded), expected) << place << " of " << length;
+        }
+    }
 }
 
 TEST(JpegBits, TheLastByteIsFilledWithOnes) {

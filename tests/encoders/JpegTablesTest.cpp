@@ -63,4 +63,50 @@ TEST(JpegTables, TheZigzagRunsAlongTheDiagonals) {
     EXPECT_EQ(place, 64);
 }
 
+// The code of a coefficient and its own bits, by ITU T.81, Annex K: after no zeros category 1 is 00,
+// category 2 01; after one zero category 1 is 1100; after 15 category 10 is 1111111111111110.
+TEST(JpegTables, CodesAndValuesAddUp) {
+    const struct {
+        std::size_t zeros;
+        std::int32_t value;
+        std::uint32_t length;
+        std::int32_t bits;
+    } kCases[] = {{0, 1, 3, 0b001},        {0, -1, 3, 0b000},         {0, 2, 4, 0b0110},
+                  {0, -2, 4, 0b0101},      {0, -3, 4, 0b0100},        {1, 1, 5, 0b11001},
+                  {1, -1, 5, 0b11000},     {15, 1023, 26, 0x3FFFBFF}, {15, -1023, 26, 0x3FFF800},
+                  {15, 512, 26, 0x3FFFA00}};
+    constexpr RunTable table = makeRunTable(YAC_HT);
+    for (const auto& row : kCases) {
+        const ValueCode& code = table[row.zeros][kindOf(row.value)];
+        EXPECT_EQ(code.length, row.length) << row.value;
+        EXPECT_EQ(code.base + row.value, row.bits) << row.value;
+    }
+}
+
+TEST(JpegTables, AMeanThatStaysHasACodeAndNoBits) {
+    constexpr ValueCodes codes = makeValueCodes(YDC_HT);
+    EXPECT_EQ(codes[kindOf(0)].length, 2u);
+    EXPECT_EQ(codes[kindOf(0)].base, 0b00);
+}
+
+TEST(JpegTables, KindsAreLookedUp) {
+    for (std::int32_t value = -2047; value <= 2047; ++value)
+        EXPECT_EQ(kKindOf[static_cast<std::size_t>(value + 2047)], kindOf(value)) << value;
+    EXPECT_EQ(kindOf(0), 0);
+    EXPECT_EQ(kindOf(1), 1);
+    EXPECT_EQ(kindOf(-1), 17);
+    EXPECT_EQ(kindOf(2047), 11);
+    EXPECT_EQ(kindOf(-2047), 27);
+}
+
+TEST(JpegTables, NaturalOrderIsTheZigzagTurnedRound) {
+    EXPECT_EQ(naturalOrder[0], 0);
+    EXPECT_EQ(naturalOrder[1], 1);
+    EXPECT_EQ(naturalOrder[2], 8);
+    EXPECT_EQ(naturalOrder[5], 2);
+    EXPECT_EQ(naturalOrder[63], 63);
+    EXPECT_EQ(naturalOrder[62], 62);
+    EXPECT_EQ(naturalOrder[61], 55);
+}
+
 }  // namespace
