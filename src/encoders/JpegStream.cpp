@@ -12,8 +12,9 @@ void JpegStream::append(std::span<const std::uint8_t> bytes) {
     bits_.goOnAt(std::copy(bytes.begin(), bytes.end(), bits_.next()));
 }
 
-void JpegStream::flush() {
+bool JpegStream::flush() {
     const auto count = static_cast<std::size_t>(bits_.next() - buffer_.get());
     failed_ = failed_ || !file_.append(buffer_.get(), count);
     bits_.goOnAt(buffer_.get());
+    return !failed_;
 }

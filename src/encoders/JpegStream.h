@@ -94,7 +94,8 @@ public:
     static constexpr std::size_t kRoom = 4096;
 
     // Writes to the file what is still in memory. A file that once took fewer bytes gets no more.
-    void flush();
+    // Returns whether it has taken all bytes so far.
+    bool flush();
 
 private:
     // In this order: the memory is there before the file is emptied, and the bits go to it.
