@@ -1,5 +1,6 @@
 #include "bmp/BmpHeader.h"
 
+#include <algorithm>
 #include <cmath>
 
 #include "bmp/BmpOps.h"
@@ -35,7 +36,8 @@ float loadBMPHead(const char* path, float notOpened) {
     if (!file.isOpen()) return notOpened;
     bmpV.data = std::make_unique<std::uint8_t[]>(kHeadBytes);
     bmpV.size = file.readAt(0, bmpV.data.get(), kHeadBytes);
-    return readBMPHeader();
+    const bool wasRead = bmpV.size == std::min<std::uint64_t>(kHeadBytes, file.size());
+    return wasRead ? readBMPHeader() : notOpened;
 }
 
 float loadWholeBMP(const char* path, float notOpened) {

@@ -32,7 +32,7 @@ inline constexpr std::size_t kBmpPixelBytes = 3;
 
 // Loads the first bytes of a file, or all of them, and reads the header.
 //
-//   returns  `notOpened` when the file cannot be opened; else as readBMPHeader
+//   returns  `notOpened` when the file cannot be opened or read; else as readBMPHeader
 float loadBMPHead(const char* path, float notOpened);
 float loadWholeBMP(const char* path, float notOpened);
 

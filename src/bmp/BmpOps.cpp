@@ -61,10 +61,10 @@ void forEachRow(const StoredRows& rows, const Piece& piece, Work work) {
     }
 }
 
-void mergeRows(const File& source, const File& target, const StoredRows& rows) {
-    std::array<std::uint8_t, kBmpPixelBytes> background{};
-    source.readAt(rows.offset, background.data(), background.size());
+using Background = std::array<std::uint8_t, kBmpPixelBytes>;
 
+void mergeRows(const File& source, const File& target, const StoredRows& rows,
+               const Background& background) {
     const auto sourceBytes = std::make_unique<std::uint8_t[]>(kPieceBytes);
     const auto targetBytes = std::make_unique<std::uint8_t[]>(kPieceBytes);
     for (std::uint64_t done = 0; done < rows.bytes;) {
@@ -126,8 +126,12 @@ float mergeBMP(const char* source, const char* target) {
     const File targetFile = File::openForRewriting(target);
     if (!targetFile.isOpen()) return bmp_status::kTargetNotReopened;
 
-    mergeRows(sourceFile, targetFile,
-              rowsWithin(to, std::min(sourceFile.size(), targetFile.size())));
+    const StoredRows rows = rowsWithin(to, std::min(sourceFile.size(), targetFile.size()));
+    if (rows.bytes == 0) return bmp_status::kOk;
+    Background background{};
+    if (sourceFile.readAt(rows.offset, background.data(), background.size()) == 0)
+        return bmp_status::kNotReopened;
+    mergeRows(sourceFile, targetFile, rows, background);
     return bmp_status::kOk;
 }
 

@@ -51,7 +51,8 @@ inline constexpr float kSourceNotOpened = -1770.0f;   // a merge's source
 //            have are left alone.
 //   returns  kOk, also when the disk fails once rows are being rewritten, which ends the merge
 //            there; kNotOpened, kNotABmp (target first); kSourceNotOpened; kSizesDiffer;
-//            kLayoutsDiffer; kNotReopened (source); kTargetNotReopened
+//            kLayoutsDiffer; kNotReopened (source), also when its background cannot be read;
+//            kTargetNotReopened
 float mergeBMP(const char* source, const char* target);
 
 // Exchanges two channels of every pixel, in place; the same mode again restores the file.

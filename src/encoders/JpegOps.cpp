@@ -140,6 +140,5 @@ float convertToJPEG(const char* in_path, const char* out_path, int scale_factor)
     main_encoder(picture, RGB_buffer.get(), BlockCoder(*fp_jpeg_stream, fdtbl));
     fp_jpeg_stream->bits().fillLastByte();
     write_EOI(*fp_jpeg_stream);
-    fp_jpeg_stream->flush();
-    return kOk;
+    return fp_jpeg_stream->flush() ? kOk : kTargetNotWritten;
 }

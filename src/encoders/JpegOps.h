@@ -25,6 +25,7 @@ inline constexpr float kTooShort = 4.0f;     // input of less than 54 bytes
 inline constexpr float kNot24BitBmp = 5.0f;  // no "BM", or other than 24 bits per pixel
 inline constexpr float kNoMemory = 6.0f;     // for the pixels
 inline constexpr float kTargetNotCreated = -1.0f;
+inline constexpr float kTargetNotWritten = -1.0f;  // the disk is full
 inline constexpr float kPathTooLong = -1.0f;
 inline constexpr float kSizeRefused = -9.0f;  // a side of 0 or of more than 65528 pixels
 }
@@ -36,9 +37,9 @@ inline constexpr float kSizeRefused = -9.0f;  // a side of 0 or of more than 655
 //                 more.
 //   scale_factor  percentage of the standard quantisation tables: 100 takes them as they are, less
 //                 gives a finer and larger picture, 0 the finest. Only its low 8 bits count.
-//   returns       kOk, also when the disk takes fewer bytes than the file has; kPathTooLong;
-//                 kNotOpened; kTooShort; kNot24BitBmp; kSizeRefused; kNoMemory; kTargetNotCreated.
-//                 No output is created with any but kOk.
+//   returns       kOk; kPathTooLong; kNotOpened; kTooShort; kNot24BitBmp; kSizeRefused; kNoMemory;
+//                 kTargetNotCreated; kTargetNotWritten, which leaves what the disk took. With all
+//                 others but kOk no output is created.
 //
 // Rows that the BMP does not have are black. They take no memory and next to no time: whatever size
 // a header claims, no more than a band of rows is in memory, 4 MiB at most, and the file itself

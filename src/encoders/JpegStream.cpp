@@ -49,9 +49,10 @@ void JpegStream::makeRoom() {
     if (next_ >= buffer_.get() + kPieceBytes) writeOut();
 }
 
-void JpegStream::flush() {
+bool JpegStream::flush() {
     makeRoom();
     writeOut();
+    return !failed_;
 }
 
 void JpegStream::writeOut() {

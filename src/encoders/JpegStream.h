@@ -76,7 +76,8 @@ public:
     static constexpr std::size_t kRoom = 8192;
 
     // Writes to the file what is still in memory. A file that once took fewer bytes gets no more.
-    void flush();
+    // Returns whether it has taken all bytes so far.
+    bool flush();
 
 private:
     void writeOut();

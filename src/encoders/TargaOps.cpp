@@ -71,17 +71,28 @@ void convertPixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixel
         copyReversed(to, from, pixels);
 }
 
-// Writes the rows that the map has, the bottom one first, in pieces of several rows. Leaves the
-// last of them in `lastRow`, as it was written.
-bool writeExistingRows(const File& in, FileWriter& out, const Map& map,
-                       std::vector<std::uint8_t>& lastRow) {
+// The memory for a conversion: rows as they are read and as they are written.
+struct RowBuffers {
+    explicit RowBuffers(const Map& map)
+        : lastRow(map.rows > 0 ? static_cast<std::size_t>(map.width) * kPixelBytes : 0) {
+        if (lastRow.empty()) return;
+        pieceRows =
+            std::min(std::max<std::uint64_t>(kPieceBytes / lastRow.size(), 1), map.existingRows());
+        rows.resize(static_cast<std::size_t>(pieceRows * map.rowBytes()));
+        targaRows.resize(static_cast<std::size_t>(pieceRows) * lastRow.size());
+    }
+
+    std::vector<std::uint8_t> lastRow;  // as it was written
+    std::uint64_t pieceRows = 0;
+    std::vector<std::uint8_t> rows;
+    std::vector<std::uint8_t> targaRows;
+};
+
+// Writes the rows that the map has, the bottom one first, in pieces of several rows.
+bool writeExistingRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
+    auto& [lastRow, pieceRows, rows, targaRows] = buffers;
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
-    const std::uint64_t pieceRows =
-        std::min(std::max<std::uint64_t>(kPieceBytes / lastRow.size(), 1), map.existingRows());
-    std::vector<std::uint8_t> rows(static_cast<std::size_t>(pieceRows) * rowBytes);
-    std::vector<std::uint8_t> targaRows(static_cast<std::size_t>(pieceRows) * lastRow.size());
-
     for (std::uint64_t row = 0; row < map.existingRows();) {
         const auto count = static_cast<std::size_t>(std::min(pieceRows, map.existingRows() - row));
         in.readAt(map.offsetOf(row + count - 1), rows.data(), count * rowBytes);
@@ -97,12 +108,11 @@ bool writeExistingRows(const File& in, FileWriter& out, const Map& map,
     return true;
 }
 
-bool writeRows(const File& in, FileWriter& out, const Map& map) {
+bool writeRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
     if (map.width == 0 || map.rows == 0) return true;
-    std::vector<std::uint8_t> lastRow(static_cast<std::size_t>(map.width) * kPixelBytes);
-    if (!writeExistingRows(in, out, map, lastRow)) return false;
+    if (!writeExistingRows(in, out, map, buffers)) return false;
     for (std::uint64_t row = map.existingRows(); row < map.rows; ++row) {
-        if (!out.append(lastRow.data(), lastRow.size())) return false;
+        if (!out.append(buffers.lastRow.data(), buffers.lastRow.size())) return false;
     }
     return true;
 }
@@ -113,16 +123,18 @@ float convertToTarga(const char* inPath, const char* outPath) {
     const TiffHeader header = readTiffHeader(inPath, targa_status::kNotOpened);
     if (header.refused != tiff_status::kOk) return header.refused;
     const File measured = File::openForReading(inPath);
+    if (!measured.isOpen()) return targa_status::kNotOpened;
     const Map map = mapOf(header.info, measured.size());
     if (map.channels == 0 || !namesHeight(header)) return targa_status::kNoSize;
     if (inventsItsSize(map)) return targa_status::kPixelsMissing;
     if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
 
+    RowBuffers buffers(map);  // there before the old target is gone
     FileWriter out(File::create(outPath));
     const auto targa = targaHeader(header.info);
     if (!out.isOpen() || !out.append(targa.data(), targa.size()))
         return targa_status::kTargetNotWritten;
     const File in = File::openForRewriting(inPath);
     if (!in.isOpen()) return targa_status::kNotReopened;
-    return writeRows(in, out, map) ? targa_status::kOk : targa_status::kTargetNotWritten;
+    return writeRows(in, out, map, buffers) ? targa_status::kOk : targa_status::kTargetNotWritten;
 }

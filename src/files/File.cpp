@@ -21,6 +21,15 @@ bool fitsOffset(std::uint64_t offset) {
            static_cast<std::uint64_t>(std::numeric_limits<off_t>::max()) - kLargestTransfer;
 }
 
+// Opens a file however often a signal interrupts that, as it can on a disk that is far away. Without
+// O_NONBLOCK, opening a pipe whose other end nobody holds would freeze the host.
+int openPatiently(const char* path, int flags, mode_t mode = 0) {
+    for (;;) {
+        const int descriptor = ::open(path, flags | O_CLOEXEC | O_NONBLOCK, mode);
+        if (descriptor >= 0 || errno != EINTR) return descriptor;
+    }
+}
+
 // Moves `count` bytes by calls of `transfer(done, length)`, which answers like read and write.
 // Returns how many bytes were moved before the end or an error.
 template <typename Transfer>
@@ -39,11 +48,11 @@ std::size_t transferAll(std::uint64_t offset, std::size_t count, Transfer transf
 
 File File::openRegular(const char* path, int flags) {
     if (path == nullptr) return {};
-    // Without O_NONBLOCK, opening a pipe that nobody writes to would freeze the host.
-    File file(::open(path, flags | O_CLOEXEC | O_NONBLOCK));
+    File file(openPatiently(path, flags));
     struct stat status {};
     if (!file.isOpen() || ::fstat(file.descriptor_, &status) != 0 || !S_ISREG(status.st_mode))
         return {};
+    file.size_ = static_cast<std::uint64_t>(std::max<off_t>(status.st_size, 0));
     return file;
 }
 
@@ -57,24 +66,20 @@ File File::openForRewriting(const char* path) {
 
 File File::create(const char* path) {
     if (path == nullptr) return {};
-    return File(::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666));
+    return File(openPatiently(path, O_WRONLY | O_CREAT | O_TRUNC, 0666));
 }
 
-File::File(File&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
+File::File(File&& other) noexcept
+    : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
 
 File& File::operator=(File&& other) noexcept {
     std::swap(descriptor_, other.descriptor_);
+    std::swap(size_, other.size_);
     return *this;
 }
 
 File::~File() {
     if (isOpen()) ::close(descriptor_);
-}
-
-std::uint64_t File::size() const {
-    struct stat status {};
-    if (!isOpen() || ::fstat(descriptor_, &status) != 0 || status.st_size < 0) return 0;
-    return static_cast<std::uint64_t>(status.st_size);
 }
 
 bool File::isSameAs(const char* path) const {
@@ -115,6 +120,7 @@ FileBytes loadFile(const char* path, std::size_t spare) {
     loaded.data.reset(new (std::nothrow) std::uint8_t[length + spare]);
     if (loaded.data == nullptr) return {};
     loaded.size = file.readAt(0, loaded.data.get(), length);
-    std::fill_n(loaded.data.get() + loaded.size, length - loaded.size + spare, std::uint8_t{0});
+    if (loaded.size < length) return {};
+    std::fill_n(loaded.data.get() + length, spare, std::uint8_t{0});
     return loaded;
 }

@@ -24,8 +24,9 @@ public:
 
     bool isOpen() const { return descriptor_ >= 0; }
 
-    // The length in bytes that the file has now.
-    std::uint64_t size() const;
+    // The length in bytes that the file had when it was opened. A reader that gets less has met a
+    // disk that fails.
+    std::uint64_t size() const { return size_; }
 
     // Whether `path` leads to this very file, be it by another name.
     bool isSameAs(const char* path) const;
@@ -42,6 +43,7 @@ private:
     static File openRegular(const char* path, int flags);
 
     int descriptor_ = -1;
+    std::uint64_t size_ = 0;
 };
 
 // A new file, written from its start to its end.
@@ -61,7 +63,7 @@ private:
 
 // A file's bytes in memory, as many as the file really had.
 struct FileBytes {
-    std::unique_ptr<std::uint8_t[]> data;  // null when the file could not be opened or held
+    std::unique_ptr<std::uint8_t[]> data;  // null when the file could not be opened, held or read
     std::size_t size = 0;
 };
 

@@ -154,7 +154,9 @@ float setUVtilesOut(const char* path) {
     UVtilesOut.clear();
     const FileBytes file = loadFile(path);
     if (file.data == nullptr) return vemo_status::kFilterNotOpened;
-    UVtilesOut.add({reinterpret_cast<const char*>(file.data.get()), file.size});
+    TileFilter filter;  // whole or none: half a filter would drop tiles silently
+    filter.add({reinterpret_cast<const char*>(file.data.get()), file.size});
+    UVtilesOut = std::move(filter);
     return vemo_status::kOk;
 }
 

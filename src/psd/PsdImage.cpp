@@ -58,8 +58,7 @@ bool loadImg(const char* path) {
     if (!file.isOpen()) return false;
     emptyImg();
     img.resize(static_cast<std::size_t>(file.size()));
-    img.resize(file.readAt(0, img.data(), img.size()));
-    return true;
+    return file.readAt(0, img.data(), img.size()) == img.size();
 }
 
 float readPSDHeader() {

@@ -43,8 +43,8 @@ struct ImgInUse {
 
 void emptyImg();
 
-// Loads a whole file into `img` with one read. False, and `img` as it was, when it cannot be
-// opened.
+// Loads a whole file into `img` with one read. False when it cannot be opened, which leaves `img` as
+// it was, or read.
 bool loadImg(const char* path);
 
 // Reads the header at the start of `img` into `fHeader` and stops at the first field that is

@@ -21,9 +21,12 @@ class Head {
 public:
     Head(File file, bool wholeFile) : file_(std::move(file)), wholeFile_(wholeFile) {
         const std::size_t count = file_.readAt(0, first_.data(), first_.size());
+        wasRead_ = count == std::min<std::uint64_t>(first_.size(), file_.size());
         if (count > 0)
             std::fill(first_.data() + count, first_.data() + first_.size(), first_[count - 1]);
     }
+
+    bool wasRead() const { return wasRead_; }
 
     std::vector<std::uint8_t> read(std::uint64_t offset, std::size_t count) const {
         std::vector<std::uint8_t> bytes(count);
@@ -44,6 +47,7 @@ public:
 private:
     File file_;
     bool wholeFile_;
+    bool wasRead_ = false;
     std::array<std::uint8_t, kTiffHeadBytes> first_{};
 };
 
@@ -96,6 +100,7 @@ TiffHeader readTiffHeader(const char* path, float notOpened, const TiffRules& ru
     File file = File::openForReading(path);
     if (!file.isOpen()) return {notOpened, {}, {}};
     const Head head(std::move(file), rules.directoryAnywhere);
+    if (!head.wasRead()) return {notOpened, {}, {}};
 
     TiffHeader header;
     const std::uint64_t directory = head.le32(4);

@@ -42,7 +42,8 @@ Strip stripToMerge(const TiffInfo& info) {
 
 bool mergePixels(const File& source, const File& target, const Strip& strip) {
     std::array<std::uint8_t, kLargestPixelBytes> background{};
-    source.readAt(strip.offset, background.data(), strip.pixelBytes);
+    if (source.readAt(strip.offset, background.data(), strip.pixelBytes) < strip.pixelBytes)
+        return false;
 
     std::vector<std::uint8_t> tile(kPieceBytes);
     std::vector<std::uint8_t> map(kPieceBytes);

@@ -348,10 +348,10 @@ TEST_F(Jpeg, AnImageCanBecomeItsOwnJpeg) {
     EXPECT_EQ(readBytes(in), file);
 }
 
-TEST_F(Jpeg, AFullDiskIsNotNoticed) {
+TEST_F(Jpeg, AFullDiskIsReported) {
     const std::string in = dir.write("map.bmp", noise(40, 40));
     const FullDisk full(1000);
-    EXPECT_EQ(convertToJPEG(in.c_str(), target().c_str(), 50), 0.0f);
+    EXPECT_EQ(convertToJPEG(in.c_str(), target().c_str(), 50), -1.0f);
     EXPECT_EQ(readBytes(target()).size(), 1000u);
 }
 

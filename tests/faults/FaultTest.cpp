@@ -1,0 +1,411 @@
+// Each scenario with each system call going wrong, the first, the second and so on until the export
+// makes no more of them.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cstdio>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <string>
+#include <string_view>
+#include <utility>
+
+#include "faults/Scenarios.h"
+#include "faults/System.h"
+#include "support/CaptureStdout.h"
+#include "support/Faults.h"
+
+namespace {
+
+using enum SystemCall;
+using Statuses = std::set<float>;
+using Calls = std::set<SystemCall>;
+
+// What the host may be told, and find, when a call of a kind fails. A status that means success is
+// always allowed when the outcome is that of a call to which nothing happened.
+struct Expectation {
+    // Of the first, second ... open of a file, and of all further ones.
+    std::vector<Statuses> open = {};
+    std::map<SystemCall, Statuses> other = {};
+    // Faults that the host is not told of: success although the outcome is another.
+    Calls silent = {};
+    // Faults after which entries that the export writes may hold part of what they should. After
+    // any other every entry is as it was.
+    Calls spoiling = {};
+
+    bool canFail() const { return !open.empty() || !other.empty(); }
+};
+
+const std::map<std::string_view, Expectation> kExpectations = {
+    {"CreateFolder", {.other = {{kMakeFolder, {-1}}}}},
+    {"GetPublicFolder", {.other = {{kStat, {0}}, {kAllocate, {0}}}}},
+    {"CheckFolder", {.other = {{kOpenFolder, {-1}}, {kAllocate, {-1}}}}},
+    {"OpenFolder", {.other = {{kOpenFolder, {-1}}, {kAllocate, {-1}}}}},
+    {"GetFile", {.other = {{kReadFolder, {-3}}}}},
+    {"CloseFolder", {}},
+    {"EmptyFolder",
+     {.other = {{kOpenFolder, {-1}}, {kAllocate, {-1}}},
+      .silent = {kReadFolder, kRemove},
+      .spoiling = {kReadFolder, kRemove, kAllocate}}},
+    {"FileDelete", {.other = {{kRemove, {-1}}}}},
+    // The old target is gone before anything else is tried.
+    {"FileCopyTo",
+     {.open = {{-1}},
+      .other = {{kStat, {-1}}, {kWrite, {-1}}},
+      .silent = {kRead},
+      .spoiling = {kOpen, kStat, kRead, kWrite}}},
+    {"FileRename", {.other = {{kRename, {-1}}}}},
+    {"Version", {}},
+    {"GetString", {}},
+    {"setUVtilesOutput",
+     {.open = {{-1}}, .other = {{kStat, {-1}}, {kRead, {-1}}, {kAllocate, {-1, -9}}}}},
+    {"clearUVtilesOutput", {}},
+    {"getUVTile",
+     {.open = {{-17}}, .other = {{kStat, {-17}}, {kRead, {-17}}, {kAllocate, {-17, -9}}}}},
+    {"getUVGroups",
+     {.open = {{-17}}, .other = {{kStat, {-17}}, {kRead, {-17}}, {kAllocate, {-17}}}}},
+    {"getUVString", {}},
+    {"clearUVString", {}},
+    {"getUVs",
+     {.open = {{-1760}, {1501}, {1502}, {1503}},
+      .other = {{kStat, {-1760}},
+                {kRead, {-1760}},
+                {kWrite, {1501, 1502, 1503}},
+                {kAllocate, {-1760, -9}}},
+      .spoiling = {kOpen, kWrite, kAllocate}}},
+    {"getUVsMask",
+     {.open = {{-1760}, {1501}, {1502}, {1503}},
+      .other = {{kStat, {-1760}},
+                {kRead, {-1760}},
+                {kWrite, {1501, 1502, 1503}},
+                {kAllocate, {-1760, -9}}},
+      .spoiling = {kOpen, kWrite, kAllocate}}},
+    {"mergeCrease",
+     {.open = {{-2760}, {-1760}, {-3760}},
+      .other = {{kStat, {-2760, -1760}}, {kRead, {-2760, -1760}}, {kAllocate, {-2760, -1760}}},
+      .silent = {kWrite},
+      .spoiling = {kWrite}}},
+    {"mergeMapsTIF",
+     {.open = {{-10}, {-20}, {-101}, {-201}},
+      .other = {{kStat, {-10, -20, -101, -201}},
+                {kRead, {-10, -20, -201}},
+                {kWrite, {-201}},
+                {kAllocate, {-9}}},
+      .spoiling = {kRead, kWrite}}},
+    {"mergeMapsPSD",
+     {.open = {{-1}, {-1}, {-5}},
+      .other = {{kStat, {-1}}, {kRead, {-1}}, {kAllocate, {-9}}},
+      .silent = {kWrite},
+      .spoiling = {kWrite}}},
+    {"mergeMapsBMP",
+     {.open = {{-1760}, {-1770}, {-101}, {-201}},
+      .other = {{kStat, {-1760, -1770, -101, -201}},
+                {kRead, {-1760, -1770, -101}},
+                {kAllocate, {-9}}},
+      .silent = {kRead, kWrite},
+      .spoiling = {kRead, kWrite}}},
+    {"swapRGBTIF",
+     {.open = {{-10}, {-101}},
+      .other = {{kStat, {-10, -101}}, {kRead, {-10, -101}}, {kWrite, {-101}}, {kAllocate, {-9}}},
+      .spoiling = {kRead, kWrite}}},
+    {"swapRGBPSD",
+     {.open = {{-1}, {-5}},
+      .other = {{kStat, {-1}}, {kRead, {-1}}, {kAllocate, {-9}}},
+      .silent = {kWrite},
+      .spoiling = {kWrite}}},
+    {"swapRGBBMP",
+     {.open = {{-1760}, {-101}},
+      .other = {{kStat, {-1760, -101}}, {kRead, {-1760}}, {kAllocate, {-9}}},
+      .silent = {kRead, kWrite},
+      .spoiling = {kRead, kWrite}}},
+    {"convertTIFF16",
+     {.open = {{-10}, {-101}, {-201}},
+      .other = {{kStat, {-10, -101}}, {kRead, {-10, -201}}, {kWrite, {-201}}, {kAllocate, {-9}}},
+      .spoiling = {kRead, kWrite}}},
+    {"convertTIFFSingle",
+     {.open = {{-10}, {-101}, {-201}},
+      .other = {{kStat, {-10, -101}}, {kRead, {-10, -201}}, {kWrite, {-201}}, {kAllocate, {-1}}},
+      .spoiling = {kRead, kWrite}}},
+    {"getScale",
+     {.open = {{-10}, {-101}},
+      .other = {{kStat, {-10, -101}}, {kRead, {-10, -101}}, {kAllocate, {-9}}}}},
+    // A source that is no longer to be opened leaves the target with its header alone.
+    {"saveAsTarga",
+     {.open = {{-10}, {-10}, {-5}, {-101}},
+      .other = {{kStat, {-10, -101}}, {kRead, {-10}}, {kWrite, {-5}}, {kAllocate, {-9}}},
+      .silent = {kRead},
+      .spoiling = {kOpen, kStat, kRead, kWrite}}},
+    {"saveAsJpeg",
+     {.open = {{3}, {-1}},
+      .other = {{kStat, {3}}, {kRead, {4}}, {kWrite, {-1}}, {kAllocate, {6, -9}}},
+      .silent = {kRead},
+      .spoiling = {kRead, kWrite}}},
+    {"CreateThumbnailBMP",
+     {.open = {{-1}, {0}},
+      .other = {{kStat, {-1}}, {kRead, {-1}}, {kAllocate, {-1, -9}}},
+      .silent = {kOpen, kWrite},
+      .spoiling = {kWrite}}},
+    {"OpenEXR",
+     {.open = {{-7}}, .other = {{kStat, {-7}}, {kRead, {-7}}, {kAllocate, {-7, -4, -9}}}}},
+};
+
+// Faults that the host must not notice: the library asks again, or the answer does not matter.
+constexpr Fault kAbsorbed[] = {
+    {kOpen, Harm::kFails, EINTR},        {kRead, Harm::kFails, EINTR},
+    {kRead, Harm::kMovesHalf},           {kRead, Harm::kMovesHalf, 0, true},
+    {kWrite, Harm::kFails, EINTR},       {kWrite, Harm::kMovesHalf},
+    {kWrite, Harm::kMovesHalf, 0, true}, {kClose, Harm::kFails, EIO, true},
+    {kClose, Harm::kFails, EINTR},       {kCloseFolder, Harm::kFails, EIO},
+};
+
+constexpr Fault kFailures[] = {
+    {kOpen, Harm::kFails, EACCES},
+    {kOpen, Harm::kFails, EMFILE, true},
+    {kStat, Harm::kFails, EIO},
+    {kStat, Harm::kFails, EIO, true},
+    {kRead, Harm::kFails, EIO},
+    {kRead, Harm::kFails, EIO, true},
+    {kRead, Harm::kFindsTheEnd, 0, true},
+    {kWrite, Harm::kFails, EIO},
+    {kWrite, Harm::kFails, ENOSPC, true},
+    {kWrite, Harm::kMovesHalf, ENOSPC, true},
+    {kOpenFolder, Harm::kFails, EMFILE},
+    {kReadFolder, Harm::kFails, EIO},
+    {kReadFolder, Harm::kFails, EIO, true},
+    {kMakeFolder, Harm::kFails, ENOSPC},
+    {kRemove, Harm::kFails, EACCES},
+    {kRemove, Harm::kFails, EACCES, true},
+    {kRename, Harm::kFails, EXDEV},
+    {kAllocate, Harm::kFails, ENOMEM},
+    {kAllocate, Harm::kFails, ENOMEM, true},
+};
+
+const char* nameOf(SystemCall call) {
+    static constexpr const char* kNames[] = {"open",  "stat",    "read",    "write",
+                                             "close", "opendir", "readdir", "closedir",
+                                             "mkdir", "remove",  "rename",  "allocation"};
+    return kNames[static_cast<std::size_t>(call)];
+}
+
+std::string describe(const Fault& fault) {
+    static constexpr const char* kHarms[] = {"fails", "moves half", "finds the end"};
+    std::ostringstream text;
+    text << nameOf(fault.call) << " number " << fault.position
+         << (fault.lasting ? " and all further " : " ")
+         << kHarms[static_cast<std::size_t>(fault.harm)] << ", errno " << fault.error;
+    return text.str();
+}
+
+// All that a host can see of a call.
+struct Outcome {
+    Answer answer;
+    std::vector<Answer> after;
+    Entries entries;
+
+    bool operator==(const Outcome&) const = default;
+};
+
+// A stage on which one call can be made to go wrong, and which keeps count of the heap.
+class FaultyStage : public Stage {
+public:
+    void harmNextCall(const Fault& fault) { fault_ = fault; }
+    const Asked& asked() const { return asked_; }
+
+    // Taken from the heap by all calls so far and not given back.
+    std::ptrdiff_t blocks() const { return blocks_; }
+    std::ptrdiff_t bytes() const { return bytes_; }
+
+protected:
+    float invoke(const char* exportName, const Arguments& arguments) override {
+        const CaptureStdout quiet;  // some exports print their failures
+        Watch watch(std::exchange(fault_, {}));
+        const float status = Stage::invoke(exportName, arguments);
+        asked_ = watch.end();
+        blocks_ += asked_.blocks;
+        bytes_ += asked_.bytes;
+        return status;
+    }
+
+private:
+    std::optional<Fault> fault_;
+    Asked asked_;
+    std::ptrdiff_t blocks_ = 0;
+    std::ptrdiff_t bytes_ = 0;
+};
+
+// Every byte of `found` stands at its place in one of the two or is one that nobody has written.
+bool isMadeOf(const ByteList& found, const ByteList& before, const ByteList& whole) {
+    if (found.size() > std::max(before.size(), whole.size())) return false;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const bool known = found[i] == 0 || (i < before.size() && found[i] == before[i]) ||
+                           (i < whole.size() && found[i] == whole[i]);
+        if (!known) return false;
+    }
+    return true;
+}
+
+class Faults : public testing::TestWithParam<Scenario> {
+protected:
+    Faults() : before_(entriesBefore()), clean_(runClean()) {
+        runClean();  // what the library keeps for good, it has by now
+        blocks_ = stage_.blocks();
+        bytes_ = stage_.bytes();
+        openFiles_ = openFiles();
+    }
+
+    // Makes the scenario's call with every call of the fault's kind going wrong in turn; returns how
+    // many there were. The numbers stand in the test's XML report, too.
+    template <typename Judge>
+    std::size_t inject(Fault fault, Judge judge) {
+        const std::size_t injected = injectEach(fault, judge);
+        injected_[fault.call] += injected;
+        RecordProperty(nameOf(fault.call), static_cast<int>(injected_[fault.call]));
+        return injected;
+    }
+
+    template <typename Judge>
+    std::size_t injectEach(Fault fault, Judge judge) {
+        for (fault.position = 1;; ++fault.position) {
+            SCOPED_TRACE(describe(fault));
+            stage_.prepare(scenario());
+            stage_.harmNextCall(fault);
+            const Answer answer = stage_.make(scenario().call);
+            if (!stage_.asked().harmed) return fault.position - 1;
+            judge(fault, Outcome{answer, afterCalls(answer), stage_.entries()});
+            expectNothingLeft();
+            if (HasFailure()) return fault.position;
+        }
+    }
+
+    void expectAbsorbed(const Outcome& outcome) const {
+        EXPECT_TRUE(outcome == clean_) << "status " << outcome.answer.status;
+    }
+
+    void expectTold(const Fault& fault, const Outcome& outcome) const {
+        if (outcome == clean_) return;
+        const bool silent = expectation().silent.contains(fault.call);
+        const float status = outcome.answer.status;
+        if (!silent || status != scenario().status) {
+            EXPECT_THAT(statusesFor(fault), testing::Contains(status));
+        }
+        EXPECT_THAT(outcome.answer.block, testing::AnyOf(blockBefore(), clean_.answer.block));
+        if (expectation().spoiling.contains(fault.call))
+            expectOthersAsBefore(fault, outcome.entries);
+        else
+            EXPECT_TRUE(outcome.entries == before_) << "an entry has changed, status " << status;
+    }
+
+    const Scenario& scenario() const { return GetParam(); }
+
+    const Expectation& expectation() const { return kExpectations.at(scenario().call.exportName); }
+
+private:
+    Statuses statusesFor(const Fault& fault) const {
+        if (fault.call == kOpen) {
+            const std::vector<Statuses>& opens = expectation().open;
+            return opens.at(std::min(fault.position, opens.size()) - 1);
+        }
+        const auto found = expectation().other.find(fault.call);
+        return found == expectation().other.end() ? Statuses{} : found->second;
+    }
+
+    std::string blockBefore() const {
+        const std::string& buffer1 = scenario().call.buffer1;
+        return buffer1.empty() ? "untouched" : stage_.path(buffer1);
+    }
+
+    // Entries that the export only reads are as they were; one that it writes holds nothing but
+    // bytes of before and after, as far as these are to be told apart.
+    void expectOthersAsBefore(const Fault& fault, Entries found) const {
+        const std::string_view name = scenario().call.exportName;
+        const bool removesFirst = name == "FileCopyTo";
+        const bool codesWhatItHas =
+            fault.call == kRead && (name == "saveAsJpeg" || name == "saveAsTarga");
+        Entries others = before_;
+        for (const std::string& written : scenario().written) {
+            const ByteList& before = others[written];
+            const auto whole = clean_.entries.find(written);
+            const auto now = found.find(written);
+            if (now == found.end()) {
+                EXPECT_TRUE(removesFirst || !before_.contains(written) ||
+                            whole == clean_.entries.end())
+                    << written << " is gone";
+            } else if (!codesWhatItHas) {
+                const ByteList& after = whole == clean_.entries.end() ? before : whole->second;
+                EXPECT_TRUE(isMadeOf(now->second, before, after)) << written << " holds rubbish";
+            }
+            others.erase(written);
+            found.erase(written);
+        }
+        EXPECT_TRUE(found == others) << "an entry that is only read has changed";
+    }
+
+    std::vector<Answer> afterCalls(const Answer& answer) {
+        std::vector<Answer> answers;
+        if (answer.status != scenario().status) return answers;
+        for (const Call& call : scenario().after)
+            answers.push_back(stage_.make(call));
+        return answers;
+    }
+
+    Outcome runClean() {
+        stage_.prepare(scenario());
+        const Answer answer = stage_.make(scenario().call);
+        Outcome outcome{answer, afterCalls(answer), stage_.entries()};
+        stage_.forget();
+        return outcome;
+    }
+
+    Entries entriesBefore() {
+        stage_.prepare(scenario());
+        return stage_.entries();
+    }
+
+    // Of the fault nothing remains: no file open, no memory taken, and the next call is as good as
+    // ever.
+    void expectNothingLeft() {
+        stage_.forget();
+        EXPECT_EQ(openFiles(), openFiles_);
+        EXPECT_TRUE(runClean() == clean_) << "the next call does not work";
+        EXPECT_EQ(stage_.blocks(), blocks_) << "memory is lost";
+        EXPECT_EQ(stage_.bytes(), bytes_);
+    }
+
+    std::map<SystemCall, std::size_t> injected_;
+    FaultyStage stage_;
+    const Entries before_;
+    const Outcome clean_;
+    std::ptrdiff_t blocks_ = 0;
+    std::ptrdiff_t bytes_ = 0;
+    std::ptrdiff_t openFiles_ = 0;
+
+protected:
+    const Outcome& clean() const { return clean_; }
+};
+
+TEST_P(Faults, NoneIsTheSameEachTime) {
+    EXPECT_EQ(clean().answer.status, scenario().status);
+}
+
+TEST_P(Faults, OnesThatDoNotMatterAreAbsorbed) {
+    for (const Fault& fault : kAbsorbed)
+        inject(fault, [&](const Fault&, const Outcome& outcome) { expectAbsorbed(outcome); });
+}
+
+TEST_P(Faults, OthersAreToldAndHarmNothing) {
+    std::size_t injected = 0;
+    for (const Fault& fault : kFailures) {
+        injected += inject(
+            fault, [&](const Fault& harm, const Outcome& outcome) { expectTold(harm, outcome); });
+    }
+    EXPECT_EQ(injected > 0, expectation().canFail()) << "not the export that the table knows";
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, Faults, testing::ValuesIn(scenarios()),
+                         [](const auto& scenario) { return scenario.param.name; });
+
+}  // namespace

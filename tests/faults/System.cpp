@@ -1,0 +1,202 @@
+// The library's calls are checked by the compiler; here the checks would be defined twice.
+#undef _FORTIFY_SOURCE
+
+#include "faults/System.h"
+
+#include <dirent.h>
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <malloc.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
+#include <cstdarg>
+#include <cstdio>
+#include <cstdlib>
+
+// The C library's own heap, under the names by which it stays reachable.
+extern "C" void* __libc_malloc(std::size_t bytes);
+extern "C" void* __libc_calloc(std::size_t count, std::size_t bytes);
+extern "C" void* __libc_realloc(void* block, std::size_t bytes);
+extern "C" void __libc_free(void* block);
+
+namespace {
+
+// Set before any constructor runs: the heap is used that early.
+constinit bool watching = false;
+constinit Fault planned{};
+constinit bool isPlanned = false;
+constinit Asked asked{};
+
+// Counts a call and tells whether it is to go wrong.
+bool goesWrong(SystemCall call) {
+    if (!watching) return false;
+    const std::size_t position = ++asked.calls[static_cast<std::size_t>(call)];
+    const bool wrong =
+        isPlanned && call == planned.call &&
+        (planned.lasting ? position >= planned.position : position == planned.position);
+    if (wrong) {
+        asked.harmed = true;
+        errno = planned.error;
+    }
+    return wrong;
+}
+
+// The function that this program's own stands in front of.
+template <typename Function>
+Function* theSystems(const char* name) {
+    void* const address = ::dlsym(RTLD_NEXT, name);
+    if (address == nullptr) std::abort();
+    return reinterpret_cast<Function*>(address);
+}
+
+void* taken(void* block) {
+    if (watching && block != nullptr) {
+        ++asked.blocks;
+        asked.bytes += static_cast<std::ptrdiff_t>(::malloc_usable_size(block));
+    }
+    return block;
+}
+
+void givenBack(void* block) {
+    if (watching && block != nullptr) {
+        --asked.blocks;
+        asked.bytes -= static_cast<std::ptrdiff_t>(::malloc_usable_size(block));
+    }
+}
+
+// How many of `count` bytes are moved; -1: the call fails.
+template <typename Move>
+ssize_t moved(SystemCall call, std::size_t count, Move move) {
+    if (!goesWrong(call)) return move(count);
+    switch (planned.harm) {
+        case Harm::kMovesHalf:
+            // A disk that takes half of the last piece takes nothing after it.
+            if (planned.error != 0 && asked.of(call) > planned.position) return -1;
+            return move((count + 1) / 2);
+        case Harm::kFindsTheEnd:
+            return 0;
+        default:
+            return -1;
+    }
+}
+
+}  // namespace
+
+Watch::Watch(const std::optional<Fault>& fault) {
+    asked = {};
+    isPlanned = fault.has_value();
+    planned = fault.value_or(Fault{});
+    watching = true;
+}
+
+Watch::~Watch() {
+    watching = false;
+}
+
+Asked Watch::end() {
+    watching = false;
+    return asked;
+}
+
+extern "C" {
+
+int open(const char* path, int flags, ...) {
+    std::va_list arguments;
+    va_start(arguments, flags);
+    const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
+    va_end(arguments);
+    static const auto real = theSystems<int(const char*, int, ...)>("open");
+    return goesWrong(SystemCall::kOpen) ? -1 : real(path, flags, mode);
+}
+
+// What a compiler that checks the library's calls makes of an open without a mode.
+int __open_2(const char* path, int flags) {
+    return open(path, flags);
+}
+
+int stat(const char* path, struct stat* status) noexcept {
+    static const auto real = theSystems<int(const char*, struct stat*)>("stat");
+    return goesWrong(SystemCall::kStat) ? -1 : real(path, status);
+}
+
+int fstat(int descriptor, struct stat* status) noexcept {
+    static const auto real = theSystems<int(int, struct stat*)>("fstat");
+    return goesWrong(SystemCall::kStat) ? -1 : real(descriptor, status);
+}
+
+ssize_t pread(int descriptor, void* bytes, std::size_t count, off_t offset) {
+    static const auto real = theSystems<ssize_t(int, void*, std::size_t, off_t)>("pread");
+    return moved(SystemCall::kRead, count,
+                 [&](std::size_t part) { return real(descriptor, bytes, part, offset); });
+}
+
+ssize_t pwrite(int descriptor, const void* bytes, std::size_t count, off_t offset) {
+    static const auto real = theSystems<ssize_t(int, const void*, std::size_t, off_t)>("pwrite");
+    return moved(SystemCall::kWrite, count,
+                 [&](std::size_t part) { return real(descriptor, bytes, part, offset); });
+}
+
+// A close that fails has closed all the same.
+int close(int descriptor) {
+    static const auto real = theSystems<int(int)>("close");
+    const bool wrong = goesWrong(SystemCall::kClose);
+    const int closed = real(descriptor);
+    if (wrong) errno = planned.error;
+    return wrong ? -1 : closed;
+}
+
+DIR* opendir(const char* path) {
+    static const auto real = theSystems<DIR*(const char*)>("opendir");
+    return goesWrong(SystemCall::kOpenFolder) ? nullptr : real(path);
+}
+
+dirent* readdir(DIR* stream) {
+    static const auto real = theSystems<dirent*(DIR*)>("readdir");
+    return goesWrong(SystemCall::kReadFolder) ? nullptr : real(stream);
+}
+
+int closedir(DIR* stream) {
+    static const auto real = theSystems<int(DIR*)>("closedir");
+    const bool wrong = goesWrong(SystemCall::kCloseFolder);
+    const int closed = real(stream);
+    if (wrong) errno = planned.error;
+    return wrong ? -1 : closed;
+}
+
+int mkdir(const char* path, mode_t mode) noexcept {
+    static const auto real = theSystems<int(const char*, mode_t)>("mkdir");
+    return goesWrong(SystemCall::kMakeFolder) ? -1 : real(path, mode);
+}
+
+int remove(const char* path) noexcept {
+    static const auto real = theSystems<int(const char*)>("remove");
+    return goesWrong(SystemCall::kRemove) ? -1 : real(path);
+}
+
+int rename(const char* from, const char* to) noexcept {
+    static const auto real = theSystems<int(const char*, const char*)>("rename");
+    return goesWrong(SystemCall::kRename) ? -1 : real(from, to);
+}
+
+void* malloc(std::size_t bytes) noexcept {
+    return goesWrong(SystemCall::kAllocate) ? nullptr : taken(__libc_malloc(bytes));
+}
+
+void* calloc(std::size_t count, std::size_t bytes) noexcept {
+    return goesWrong(SystemCall::kAllocate) ? nullptr : taken(__libc_calloc(count, bytes));
+}
+
+void* realloc(void* block, std::size_t bytes) noexcept {
+    if (goesWrong(SystemCall::kAllocate)) return nullptr;
+    givenBack(block);
+    return taken(__libc_realloc(block, bytes));
+}
+
+void free(void* block) noexcept {
+    givenBack(block);
+    __libc_free(block);
+}
+
+}  // extern "C"

@@ -1,0 +1,62 @@
+#pragma once
+// The system calls and the heap that the library meets in this program. The program defines the
+// functions itself, so the dynamic linker hands them to the library before the C library's own.
+// They pass everything on, count what is asked of them while a Watch lives and refuse what it was
+// told to refuse.
+
+#include <array>
+#include <cstddef>
+#include <optional>
+
+enum class SystemCall {
+    kOpen,
+    kStat,  // and fstat
+    kRead,
+    kWrite,
+    kClose,
+    kOpenFolder,
+    kReadFolder,
+    kCloseFolder,
+    kMakeFolder,
+    kRemove,
+    kRename,
+    kAllocate,  // malloc, calloc and realloc, and so operator new
+};
+inline constexpr std::size_t kSystemCalls = 12;
+
+// How a call goes wrong.
+enum class Harm {
+    kFails,        // with an error number
+    kMovesHalf,    // a read or write moves half of what it was asked to, at least one byte
+    kFindsTheEnd,  // a read answers as at the end of the file
+};
+
+struct Fault {
+    SystemCall call;
+    Harm harm = Harm::kFails;
+    int error = 0;
+    bool lasting = false;      // all calls of the kind from then on
+    std::size_t position = 1;  // which call of its kind goes wrong first
+};
+
+// What was asked for while a Watch lived.
+struct Asked {
+    std::array<std::size_t, kSystemCalls> calls{};
+    std::ptrdiff_t blocks = 0;  // taken from the heap and not given back
+    std::ptrdiff_t bytes = 0;
+    bool harmed = false;  // the fault has happened
+
+    std::size_t of(SystemCall call) const { return calls[static_cast<std::size_t>(call)]; }
+};
+
+// One at a time, around one call of an export.
+class Watch {
+public:
+    explicit Watch(const std::optional<Fault>& fault = {});
+    Watch(const Watch&) = delete;
+    Watch& operator=(const Watch&) = delete;
+    ~Watch();
+
+    // Ends the watch.
+    Asked end();
+};

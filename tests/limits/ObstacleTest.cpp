@@ -1,0 +1,224 @@
+// Each file of each scenario with something else in its place. Whatever it is, the export comes
+// back, says what it says of a file that cannot be opened, and harms nothing.
+
+#include <gmock/gmock.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <filesystem>
+#include <map>
+#include <string_view>
+#include <vector>
+
+#include "faults/Scenarios.h"
+#include "support/CaptureStdout.h"
+#include "support/Faults.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+// An entry of a scenario's folder and what the export answers when it cannot be opened.
+struct Opened {
+    std::string name;
+    float refused;
+    float full = 0.0f;  // of an entry that is created anew: when it is a disk without room
+};
+
+const std::map<std::string_view, std::vector<Opened>> kOpened = {
+    {"FileCopyTo", {{"a.tif", -1}}},
+    {"setUVtilesOutput", {{"tiles.txt", -1}}},
+    {"getUVTile", {{"mesh.vws", -17}}},
+    {"getUVGroups", {{"mesh.vws", -17}}},
+    {"getUVs", {{"mesh.vws", -1760}, {"tile1001.Vemo", 1501, 1501}, {"tile1011.Vemo", 1503, 1503}}},
+    {"getUVsMask",
+     {{"mesh.vws", -1760}, {"tile1001.Vemo", 1501, 1501}, {"tile1011.Vemo", 1503, 1503}}},
+    {"mergeCrease", {{"mesh.vws", -1760}, {"all.vws", -2760}}},
+    {"mergeMapsTIF", {{"tile.map", -10}, {"all.map", -20}}},
+    {"mergeMapsPSD", {{"tile.map", -1}, {"all.map", -1}}},
+    {"mergeMapsBMP", {{"tile.map", -1770}, {"all.map", -1760}}},
+    {"swapRGBTIF", {{"one.map", -10}}},
+    {"swapRGBPSD", {{"one.map", -1}}},
+    {"swapRGBBMP", {{"one.map", -1760}}},
+    {"convertTIFF16", {{"one.map", -10}, {"out.tif", -201, -201}, {"out.psd", -201, -201}}},
+    {"convertTIFFSingle", {{"one.map", -10}, {"out.tif", -201, -201}}},
+    {"getScale", {{"one.map", -10}}},
+    {"saveAsTarga", {{"one.map", -10}, {"out.tga", -5, -5}}},
+    {"saveAsJpeg", {{"one.map", 3}, {"out.jpg", -1, -1}}},
+    {"CreateThumbnailBMP", {{"one.map", -1}}},
+    {"OpenEXR", {{"one.exr", -7}}},
+};
+
+// What can stand in a file's place. Devices stand behind links, so that nothing can remove them.
+void putFolder(const std::string& path) {
+    fs::create_directories(path + "/inside");
+}
+void putPipe(const std::string& path) {
+    ASSERT_EQ(::mkfifo(path.c_str(), 0666), 0);
+}
+void putLinkToItself(const std::string& path) {
+    fs::create_symlink(path, path);
+}
+void putDeadLink(const std::string& path) {
+    fs::create_symlink(path + ".gone", path);
+}
+void putUnreadableFile(const std::string& path) {
+    ASSERT_EQ(::mknod(path.c_str(), S_IFREG, 0), 0);
+}
+void putZeros(const std::string& path) {
+    fs::create_symlink("/dev/zero", path);
+}
+void putNothing(const std::string& path) {
+    fs::create_symlink("/dev/null", path);
+}
+void putFullDisk(const std::string& path) {
+    fs::create_symlink("/dev/full", path);
+}
+
+struct Obstacle {
+    const char* name;
+    void (*put)(const std::string& path);
+    bool canBeCreated = false;  // opening it for writing, created or emptied, works
+    bool isFull = false;        // but it takes no byte
+};
+
+constexpr Obstacle kObstacles[] = {
+    {"Folder", putFolder},
+    {"Pipe", putPipe},
+    {"LinkToItself", putLinkToItself},
+    {"UnreadableFile", putUnreadableFile},
+    {"DeadLink", putDeadLink, true},
+    {"DeviceOfZeros", putZeros, true},
+    {"DeviceOfNothing", putNothing, true},
+    {"DeviceWithoutRoom", putFullDisk, true, true},
+};
+
+void PrintTo(const Obstacle& obstacle, std::ostream* out) {
+    *out << obstacle.name;
+}
+
+class Obstacles : public testing::TestWithParam<Obstacle> {
+protected:
+    // A wait for a pipe's other end would last for ever.
+    void SetUp() override { ::alarm(120); }
+    void TearDown() override { ::alarm(0); }
+
+    // The answer of the scenario's call with the obstacle in the place of an entry.
+    float answer(const Scenario& scenario, const std::string& name) {
+        stage_.prepare(scenario);
+        fs::remove_all(stage_.path(name));
+        letOthersIn(scenario);
+        GetParam().put(stage_.path(name));
+        before_ = stage_.entries();
+        const CaptureStdout quiet;
+        const WithoutRoot asAnyUser;  // root may open what is not readable
+        return stage_.make(scenario.call).status;
+    }
+
+    // Lets a user who is not root work in the folder.
+    void letOthersIn(const Scenario& scenario) const {
+        const fs::path folder = stage_.path(".");
+        fs::permissions(folder.parent_path(), fs::perms::all);
+        fs::permissions(folder, fs::perms::all);
+        for (const auto& [name, bytes] : scenario.files) {
+            if (fs::exists(stage_.path(name))) fs::permissions(stage_.path(name), fs::perms::all);
+        }
+    }
+
+    bool isCreated(const Scenario& scenario, const std::string& name) const {
+        return scenario.written.contains(name) && name != "all.map" && name != "all.vws" &&
+               name != "one.map";
+    }
+
+    Stage stage_;
+    Entries before_;
+};
+
+TEST_P(Obstacles, AreRefusedInPlaceOfAFileThatIsRead) {
+    for (const Scenario& scenario : scenarios()) {
+        const auto opened = kOpened.find(scenario.call.exportName);
+        if (opened == kOpened.end()) continue;
+        for (const Opened& entry : opened->second) {
+            if (!scenario.files.contains(entry.name) || isCreated(scenario, entry.name)) continue;
+            SCOPED_TRACE(scenario.name + ' ' + entry.name);
+            EXPECT_EQ(answer(scenario, entry.name), entry.refused);
+            Entries others = before_;
+            if (std::string_view(scenario.call.exportName) == "FileCopyTo") others.erase("b.tif");
+            EXPECT_TRUE(stage_.entries() == others);
+        }
+    }
+}
+
+TEST_P(Obstacles, AreRefusedInPlaceOfATargetThatCannotBeWritten) {
+    for (const Scenario& scenario : scenarios()) {
+        const auto opened = kOpened.find(scenario.call.exportName);
+        if (opened == kOpened.end()) continue;
+        for (const Opened& entry : opened->second) {
+            if (!isCreated(scenario, entry.name)) continue;
+            SCOPED_TRACE(scenario.name + ' ' + entry.name);
+            const float status = answer(scenario, entry.name);
+            if (GetParam().isFull)
+                EXPECT_EQ(status, entry.full);
+            else
+                EXPECT_EQ(status, GetParam().canBeCreated ? scenario.status : entry.refused);
+            EXPECT_TRUE(stage_.entries().contains(entry.name) ||
+                        stage_.entries().contains(entry.name + '/'));
+            for (const auto& [name, bytes] : scenario.files) {
+                if (!scenario.written.contains(name)) {
+                    EXPECT_TRUE(stage_.entries().at(name) == bytes) << name;
+                }
+            }
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Entries, Obstacles, testing::ValuesIn(kObstacles),
+                         [](const auto& obstacle) { return obstacle.param.name; });
+
+// The services that work on names move and remove the obstacle itself, never what it leads to.
+TEST(Obstacles, AreRemovedAndRenamedThemselves) {
+    Stage stage;
+    const Scenario scenario = {"links", {"FileDelete", "link"}, 0.0f, {{"file", {1, 2, 3}}}};
+    for (const Obstacle& obstacle : kObstacles) {
+        if (obstacle.put == putFolder) continue;
+        SCOPED_TRACE(obstacle.name);
+        stage.prepare(scenario);
+        obstacle.put(stage.path("link"));
+        EXPECT_EQ(stage.make({"FileRename", "link", 0.0, "other"}).status, 0.0f);
+        EXPECT_EQ(stage.make({"FileDelete", "other"}).status, 0.0f);
+        obstacle.put(stage.path("link"));
+        EXPECT_EQ(stage.make({"FileCopyTo", "file", 0.0, "link"}).status, 0.0f);
+        EXPECT_EQ(stage.entries(), (Entries{{"file", {1, 2, 3}}, {"link", {1, 2, 3}}}));
+    }
+    EXPECT_TRUE(fs::exists("/dev/zero") && fs::exists("/dev/null") && fs::exists("/dev/full"));
+}
+
+TEST(Obstacles, ALinkIsAsGoodAsTheFileItLeadsTo) {
+    Stage stage;
+    for (const Scenario& scenario : scenarios()) {
+        for (const auto& [name, bytes] : scenario.files) {
+            if (!kOpened.contains(scenario.call.exportName)) continue;
+            SCOPED_TRACE(scenario.name + ' ' + name);
+            stage.prepare(scenario);
+            stage.make(scenario.call);
+            Entries expected = stage.entries();
+            stage.prepare(scenario);
+            fs::rename(stage.path(name), stage.path("elsewhere"));
+            fs::create_symlink("elsewhere", stage.path(name));
+            EXPECT_EQ(stage.make(scenario.call).status, scenario.status);
+
+            // A copy's old target is removed: the link, not the file.
+            const bool removed = std::string_view(scenario.call.exportName) == "FileCopyTo" &&
+                                 scenario.written.contains(name);
+            if (removed) {
+                expected["elsewhere"] = bytes;
+            } else {
+                expected["elsewhere"] = expected[name];
+                expected[name] = {'-', '>', ' ', 'e', 'l', 's', 'e', 'w', 'h', 'e', 'r', 'e'};
+            }
+            EXPECT_TRUE(stage.entries() == expected);
+        }
+    }
+}
+
+}  // namespace
