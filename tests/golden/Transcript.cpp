@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <fstream>
+#include <map>
 #include <stdexcept>
 
 #include "golden/Record.h"
@@ -13,6 +14,11 @@ constexpr std::size_t kMostShown = 40;
 
 std::string nameOf(const std::string& line) {
     return line.substr(0, line.find(' '));
+}
+
+// The first two words, which name a case or tell how many there are.
+std::string keyOf(const std::string& line) {
+    return line.substr(0, line.find(' ', line.find(' ') + 1));
 }
 
 }  // namespace
@@ -43,12 +49,24 @@ Lines digestsOf(const Lines& transcript) {
 }
 
 std::size_t reportDifferences(const Lines& have, const Lines& want, std::ostream& out) {
+    std::map<std::string, const std::string*> open;
+    for (const std::string& line : want)
+        open[keyOf(line)] = &line;
+
     std::size_t different = 0;
-    for (std::size_t i = 0; i < std::max(have.size(), want.size()); ++i) {
-        const std::string& ours = i < have.size() ? have[i] : "nothing";
-        const std::string& theirs = i < want.size() ? want[i] : "nothing";
-        if (ours == theirs) continue;
+    const auto report = [&](const std::string& ours, const std::string& theirs) {
         if (++different <= kMostShown) out << "have: " << ours << "\nwant: " << theirs << '\n';
+    };
+    for (const std::string& line : have) {
+        const auto wanted = open.find(keyOf(line));
+        if (wanted == open.end()) {
+            report(line, "nothing");
+            continue;
+        }
+        if (line != *wanted->second) report(line, *wanted->second);
+        open.erase(wanted);
     }
+    for (const auto& [key, line] : open)
+        report("nothing", *line);
     return different;
 }

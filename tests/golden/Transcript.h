@@ -16,5 +16,6 @@ Lines readLines(const std::string& path);
 // their lines.
 Lines digestsOf(const Lines& transcript);
 
-// Tells where two lists of lines differ; nothing where they do not. Returns how many lines differ.
+// Tells which lines of two transcripts, or of two lists of digests, differ. A line belongs to the one
+// that starts with the same two words. Returns how many differ.
 std::size_t reportDifferences(const Lines& have, const Lines& want, std::ostream& out);
