@@ -16,7 +16,6 @@
 #include <cstdio>
 #include <cstdlib>
 #include <cstring>
-#include <cwchar>
 #include <map>
 #include <utility>
 
@@ -189,12 +188,14 @@ void* noLibrary(const char*, int) {
 // Symbols that the C++ library brings along for its locales, its messages before an abort and the
 // like. No export leads to them.
 constexpr const char* kNeverCalled[] = {
-    "____mb_cur_max_l",   "___maskrune_l", "___tolower",    "___toupper",   "_asprintf_l",
-    "_catclose",          "_catgets",      "_catopen",      "_dlsym",       "_freelocale",
-    "_mbrlen_l",          "_mbrtowc_l",    "_mbsnrtowcs_l", "_mbsrtowcs_l", "_mbtowc_l",
-    "_pthread_cond_wait", "_snprintf",     "_snprintf_l",   "_sscanf",      "_sscanf_l",
-    "_strerror_r",        "_strftime_l",   "_strtod_l",     "_strtof_l",    "_strtold_l",
-    "_strtoll_l",         "_strtoull_l",   "_vfprintf",     "_wcrtomb_l",   "_wcsnrtombs_l",
+    "____mb_cur_max_l", "___maskrune_l", "___tolower",  "___toupper",
+    "_asprintf_l",      "_catclose",     "_catgets",    "_catopen",
+    "_dlsym",           "_freelocale",   "_mbrlen_l",   "_mbrtowc_l",
+    "_mbsnrtowcs_l",    "_mbsrtowcs_l",  "_mbtowc_l",   "_pthread_cond_wait",
+    "_snprintf",        "_snprintf_l",   "_sscanf",     "_sscanf_l",
+    "_strerror_r",      "_strftime_l",   "_strtod_l",   "_strtof_l",
+    "_strtold_l",       "_strtoll_l",    "_strtoull_l", "_vfprintf",
+    "_wcrtomb_l",       "_wcsnrtombs_l", "_wcslen",     "_wmemchr",
     "dyld_stub_binder",
 };
 
@@ -245,8 +246,6 @@ StandIns makeStandIns() {
         {"_strncpy", code(std::strncpy)},
         {"_strnlen", code(::strnlen)},
         {"_uncompress", code(::uncompress)},
-        {"_wcslen", code(std::wcslen)},
-        {"_wmemchr", code<const wchar_t*(const wchar_t*, wchar_t, std::size_t)>(std::wmemchr)},
         {"__Unwind_DeleteException", code(_Unwind_DeleteException)},
         {"__Unwind_GetIP", code(_Unwind_GetIP)},
         {"__Unwind_GetLanguageSpecificData", code(_Unwind_GetLanguageSpecificData)},
