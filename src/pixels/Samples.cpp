@@ -1,7 +1,9 @@
 #include "pixels/Samples.h"
 
 #include <algorithm>
+#include <cmath>
 #include <cstring>
+#include <limits>
 
 #include "bytes/Bytes.h"
 #include "pixels/Lanes.h"
@@ -75,7 +77,19 @@ bool repeats(const float* samples) {
     return everyBitIs<std::uint32_t>(0, differences);
 }
 
-void markRun(LevelSet& levels, const float* samples) {
+// Whether as many samples as a period has lie in a range. A NaN does not.
+bool within(float from, float below, const float* samples) {
+    const Lanes<float> lowest = Lanes<float>{} + from;
+    const Lanes<float> end = Lanes<float>{} + below;
+    Lanes<std::int32_t> inside = ~Lanes<std::int32_t>{};
+    for (std::size_t i = 0; i < kPeriod; i += kLanes<float>) {
+        const Lanes<float> four = loadSamples(samples + i);
+        inside &= (four >= lowest) & (four < end);
+    }
+    return everyBitIs<std::int32_t>(~std::uint64_t{0}, inside);
+}
+
+void addLevels(LevelSet& levels, const float* samples) {
     const Lanes<std::uint16_t> run = levelsOfRun(samples);
     std::uint64_t halves[2];  // taken apart in registers, faster than by way of memory
     std::memcpy(halves, &run, sizeof halves);
@@ -85,6 +99,19 @@ void markRun(LevelSet& levels, const float* samples) {
         levels.add(static_cast<std::uint16_t>(half >> 32));
         levels.add(static_cast<std::uint16_t>(half >> 48));
     }
+}
+
+// The lowest sample that has a level, or one above it.
+float lowestSampleOf(std::size_t level) {
+    constexpr float kInfinity = std::numeric_limits<float>::infinity();
+    if (level == 0) return -kInfinity;
+    if (level > 65535) return kInfinity;
+    float sample = (static_cast<float>(level) - 0.5f) / 65535.0f;
+    while (levelOf(sample) >= level)
+        sample = std::nextafter(sample, 0.0f);
+    while (levelOf(sample) < level)
+        sample = std::nextafter(sample, 1.0f);
+    return sample;
 }
 
 }  // namespace
@@ -119,12 +146,45 @@ std::size_t LevelSet::count() const {
     return static_cast<std::size_t>(std::count(seen_.begin(), seen_.end(), 1));
 }
 
+LevelSet::Run LevelSet::longestRun() const {
+    const auto* const start = seen_.begin();
+    Run longest;
+    for (const auto* from = start; from != seen_.end();) {
+        from = std::find(from, seen_.end(), 1);
+        const auto* const gap = std::find(from, seen_.end(), 0);
+        const Run run = {static_cast<std::size_t>(from - start),
+                         static_cast<std::size_t>(gap - start)};
+        if (run.end - run.first > longest.end - longest.first) longest = run;
+        from = gap;
+    }
+    return longest;
+}
+
+// The whole set is looked through only when it has been added to as often as before the last look;
+// in between, the run that is known grows at its ends.
+void LevelSet::extendKnown() {
+    if (added_ >= addedAtNextLook_) {
+        known_ = longestRun();
+        addedAtNextLook_ = 2 * added_;
+    }
+    if (known_.first == known_.end) return;
+    while (known_.first > 0 && seen_[known_.first - 1] != 0)
+        --known_.first;
+    while (known_.end < seen_.size() && seen_[known_.end] != 0)
+        ++known_.end;
+}
+
 void markLevels(LevelSet& levels, const float* samples, std::size_t count) {
+    levels.extendKnown();
+    const float knownFrom = lowestSampleOf(levels.known_.first);
+    const float knownBelow = lowestSampleOf(levels.known_.end);
     std::size_t i = 0;
     for (; i + kPeriod <= count; i += kPeriod) {
+        if (within(knownFrom, knownBelow, samples + i)) continue;
         if (i > 0 && repeats(samples + i)) continue;
         for (std::size_t run = 0; run < kPeriod; run += kRunSamples)
-            markRun(levels, samples + i + run);
+            addLevels(levels, samples + i + run);
+        levels.added_ += kPeriod;
     }
     for (; i < count; ++i)
         levels.add(levelOf(samples[i]));

@@ -27,7 +27,20 @@ public:
     std::size_t count() const;
 
 private:
+    friend void markLevels(LevelSet& levels, const float* samples, std::size_t count);
+
+    // A run of levels that are all in the set. Samples of these need not be added again.
+    struct Run {
+        std::size_t first = 0;
+        std::size_t end = 0;
+    };
+    Run longestRun() const;
+    void extendKnown();
+
     std::array<std::uint8_t, 65536> seen_{};
+    Run known_;
+    std::size_t added_ = 0;  // samples
+    std::size_t addedAtNextLook_ = 65536;
 };
 
 // Adds the levels of samples to a set of levels.

@@ -200,4 +200,38 @@ TEST(MarkLevelsKernel, MarksTheLevelOfEachSampleAndNoOther) {
     }
 }
 
+// Samples within a long run of levels that are all there are passed over: a set that is added to
+// for so long that it knows such runs, then with samples right at their ends.
+TEST(MarkLevelsKernel, PassesOverNoSampleOfAnotherLevel) {
+    const auto levels = std::make_unique<LevelSet>();
+    std::vector<float> samples(240000);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<float>(20000 + i % 3000) / 65535.0f;
+    markLevels(*levels, samples.data(), samples.size());
+    markLevels(*levels, samples.data(), samples.size());
+    ASSERT_EQ(levels->count(), 3000u);
+
+    // The last of the run, then one that is new, over and over: 22999.4 is its own, 22999.6 is not.
+    std::size_t expected = 3000;
+    for (const float scaled : {22999.4f, 22999.6f, 19999.6f, 19999.4f, 23005.0f, 23001.0f}) {
+        markLevels(*levels, std::vector<float>(48, scaled / 65535.0f).data(), 48);
+        const auto level = static_cast<std::uint16_t>(scaled + 0.5f);
+        expected += level > 22999 || level < 20000 ? 1 : 0;
+        EXPECT_TRUE(levels->test(level)) << scaled;
+        EXPECT_EQ(levels->count(), expected) << scaled;
+    }
+}
+
+TEST(MarkLevelsKernel, KnowsRunsUpToTheEndsOfTheRange) {
+    const auto levels = std::make_unique<LevelSet>();
+    std::vector<float> samples(4 * 65536);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<float>(i % 65536) / 65535.0f;
+    samples[0] = std::numeric_limits<float>::quiet_NaN();
+    samples[1] = std::numeric_limits<float>::infinity();
+    for (int time = 0; time < 3; ++time)
+        markLevels(*levels, samples.data(), samples.size());
+    EXPECT_EQ(levels->count(), 65536u);
+}
+
 }  // namespace
