@@ -19,7 +19,7 @@ std::string argumentsOf(const Export& entry) {
     add("TEXT ", entry.text);
     add("--value ", entry.value);
     add(entry.buffer == BufferUse::kOutput ? "writes " : "--buffer ", entry.bufferIs);
-    return line;
+    return line.empty() ? "nothing" : line;
 }
 
 }  // namespace
@@ -51,7 +51,7 @@ std::string exportList() {
             std::string line = "  " + std::string(entry.name);
             line.resize(22, ' ');
             line += argumentsOf(entry);
-            list += line.substr(0, line.find_last_not_of(' ') + 1) + '\n';
+            list += line + '\n';
         }
     }
     return list;

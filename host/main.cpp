@@ -15,6 +15,7 @@
 #include "Exports.h"
 #include "Failure.h"
 #include "ImportCommand.h"
+#include "InspectCommand.h"
 #include "Interrupt.h"
 #include "Library.h"
 #include "MergeCommand.h"
@@ -33,6 +34,7 @@ constexpr const char* kInterruptedSentence = "interrupted";
 constexpr const char* kExamples = R"(Examples:
   quillon call Version
   quillon describe getUVTile
+  quillon inspect all.tif
   quillon script calls.txt
   quillon import model.obj model.Vemo --tile-per-group
   quillon export model.Vemo --out maps
@@ -51,7 +53,9 @@ constexpr const char* kCallExamples = R"(Examples:
   quillon call mergeMapsTIF maps/1002.tif --buffer maps/all.tif
   quillon call FileDelete -- -name-with-a-dash.tif
 
-VALUE and BUFFER may also stand behind TEXT: quillon call mergeMapsTIF 1002.tif 0 all.tif
+VALUE and BUFFER may also stand behind TEXT, as in
+  quillon call mergeMapsTIF 1002.tif 0 all.tif
+
 TEXT or BUFFER left out is a null pointer. A block that takes a text is always there.
 Each call is a process of its own: the open folder, the tile filter and the tile names
 do not outlive it. In quillon script they do.
@@ -65,7 +69,7 @@ constexpr const char* kScriptExamples = R"(Examples:
   printf 'OpenFolder maps\nGetFile\nCloseFolder\n' | quillon script -
 
 A line is what follows quillon call, quoted as in a shell; # starts a comment:
-  setUVtilesOutput filter.txt              # the tiles that are wanted
+  setUVtilesOutput filter.txt # the tiles that are wanted
   getUVs 'my model.Vemo' 2 maps/model.Vemo
   getUVString --value 0
 
@@ -86,6 +90,15 @@ Exports and what they read:
 
 constexpr const char* kReferenceExamples = R"(Examples:
   quillon reference >exports.md
+)";
+
+constexpr const char* kInspectExamples = R"(Examples:
+  quillon inspect all.tif
+  quillon inspect model.Vemo maps/*.psd --json
+
+Which exports take a file is found out by calling them. The file itself is only read: exports
+that change a file in place get a copy in a temporary folder, as long as the file and deleted
+at the end; what an export writes besides goes nowhere. --fields makes no copy.
 )";
 
 constexpr const char* kImportExamples = R"(Examples:
@@ -137,6 +150,7 @@ private:
     void addCall();
     void addScript();
     void addReference();
+    void addInspect();
     void addImport();
     void addExport();
     void addExportKinds();
@@ -144,9 +158,11 @@ private:
     void addMerge();
     void addOutput(CLI::App& command, bool withVerbose);
 
+    Library openLibrary(LibraryPrints prints) const {
+        return Library(library_.empty() ? libraryBesideProgram() : library_, prints);
+    }
     Library openLibrary() const {
-        return Library(library_.empty() ? libraryBesideProgram() : library_,
-                       printsLines(output()) ? LibraryPrints::kShown : LibraryPrints::kDropped);
+        return openLibrary(printsLines(output()) ? LibraryPrints::kShown : LibraryPrints::kDropped);
     }
     OutputStyle output() const;
     int carryOut(Report& report);
@@ -166,6 +182,9 @@ private:
     CLI::App* describe_ = nullptr;
     std::string described_;
     CLI::App* reference_ = nullptr;
+
+    CLI::App* inspect_ = nullptr;
+    InspectOptions inspectOptions_;
 
     CLI::App* import_ = nullptr;
     ImportOptions importOptions_;
@@ -189,6 +208,7 @@ CommandLine::CommandLine() {
     addCall();
     addScript();
     addReference();
+    addInspect();
     addImport();
     addExport();
     addMerge();
@@ -217,6 +237,17 @@ void CommandLine::addReference() {
     describe_->footer(kDescribeExamples + exportList());
     reference_ = app_.add_subcommand("reference", "Tell all about every export, as Markdown");
     reference_->footer(kReferenceExamples);
+}
+
+void CommandLine::addInspect() {
+    inspect_ =
+        app_.add_subcommand("inspect", "Tell what stands in files and which exports take them");
+    inspect_->add_option("FILE", inspectOptions_.files, "Meshes, maps and images")
+        ->required()
+        ->type_name("");
+    inspect_->add_flag("--fields", inspectOptions_.fieldsOnly, "Fields only; try no export");
+    inspect_->add_flag("--json", json_, "Print JSON, an object a line for each file");
+    inspect_->footer(kInspectExamples);
 }
 
 void CommandLine::addImport() {
@@ -339,6 +370,11 @@ int CommandLine::carryOut(Report& report) {
             reference_->parsed() ? wholeReference() : referenceOf(requireExport(described_));
         std::fputs(page.c_str(), stdout);
         return kSuccess;
+    }
+    if (inspect_->parsed()) {
+        inspectOptions_.output = output();
+        return inspectFiles(openLibrary(LibraryPrints::kDropped), inspectOptions_) ? kSuccess
+                                                                                   : kFailure;
     }
     if (import_->parsed()) {
         importOptions_.output = output();

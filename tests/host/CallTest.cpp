@@ -173,6 +173,7 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
         {"merge", "all.tif"},
         {"script"},
         {"describe"},
+        {"inspect"},
         {"describe", "NoSuchExport"},
     };
     for (const auto& arguments : kCases) {
