@@ -11,6 +11,7 @@
 #include "CallCommand.h"
 #include "CallWords.h"
 #include "Colour.h"
+#include "Completions.h"
 #include "ExportCommand.h"
 #include "Exports.h"
 #include "Failure.h"
@@ -101,6 +102,12 @@ that change a file in place get a copy in a temporary folder, as long as the fil
 at the end; what an export writes besides goes nowhere. --fields makes no copy.
 )";
 
+constexpr const char* kCompletionsExamples = R"(Examples:
+  quillon completions bash >~/.local/share/bash-completion/completions/quillon
+  quillon completions zsh >~/.zfunc/_quillon
+  quillon completions fish >~/.config/fish/completions/quillon.fish
+)";
+
 constexpr const char* kImportExamples = R"(Examples:
   quillon import model.obj model.Vemo
   quillon import model.obj model.Vemo --tile-per-group
@@ -156,7 +163,9 @@ private:
     void addExportKinds();
     void addExportExtras();
     void addMerge();
+    void addCompletions();
     void addOutput(CLI::App& command, bool withVerbose);
+    void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
 
     Library openLibrary(LibraryPrints prints) const {
         return Library(library_.empty() ? libraryBesideProgram() : library_, prints);
@@ -166,9 +175,13 @@ private:
     }
     OutputStyle output() const;
     int carryOut(Report& report);
+    void complete(const std::vector<std::string>& words) const;
 
     CLI::App app_{"Calls the Quillon plug-in the way Morvane does."};
     std::string library_;
+    OptionChoices choices_;  // of the options that take a few words only
+    CLI::App* completions_ = nullptr;
+    std::string shell_;
     bool json_ = false;
     bool quiet_ = false;
     bool verbose_ = false;
@@ -201,6 +214,7 @@ private:
 CommandLine::CommandLine() {
     app_.name("quillon");
     app_.set_help_flag("--help", "Print this help and exit");
+    app_.set_version_flag("--version", "quillon " QUILLON_VERSION, "Print the version and exit");
     app_.require_subcommand(1);
     app_.footer(kExamples);
     app_.add_option("--library", library_, "The built library; otherwise the one near this program")
@@ -212,6 +226,7 @@ CommandLine::CommandLine() {
     addImport();
     addExport();
     addMerge();
+    addCompletions();
 }
 
 void CommandLine::addCall() {
@@ -287,17 +302,17 @@ void CommandLine::addExport() {
 }
 
 void CommandLine::addExportKinds() {
-    export_->add_option("--map", mapKind_, "normal or height")
-        ->check(CLI::IsMember({"normal", "height"}).description(""))
-        ->type_name("KIND")
-        ->capture_default_str();
-    export_->add_option("--format", formatName_, "tiff, psd or bmp")
-        ->check(CLI::IsMember({"tiff", "psd", "bmp"}).description(""))
-        ->type_name("FORMAT")
-        ->capture_default_str();
-    export_->add_option("--order", exportOptions_.order, "Colour channels as bgr, rbg or grb")
-        ->check(CLI::IsMember({"bgr", "rbg", "grb"}).description(""))
-        ->type_name("ORDER");
+    oneOf(export_->add_option("--map", mapKind_, "normal or height")
+              ->type_name("KIND")
+              ->capture_default_str(),
+          {"normal", "height"});
+    oneOf(export_->add_option("--format", formatName_, "tiff, psd or bmp")
+              ->type_name("FORMAT")
+              ->capture_default_str(),
+          {"tiff", "psd", "bmp"});
+    oneOf(export_->add_option("--order", exportOptions_.order, "Colour channels as bgr, rbg or grb")
+              ->type_name("ORDER"),
+          {"bgr", "rbg", "grb"});
 }
 
 void CommandLine::addExportExtras() {
@@ -339,6 +354,18 @@ void CommandLine::addMerge() {
     merge_->footer(kMergeExamples);
 }
 
+void CommandLine::addCompletions() {
+    completions_ = app_.add_subcommand("completions", "Print the completions for a shell");
+    oneOf(completions_->add_option("SHELL", shell_, "bash, zsh or fish")->required()->type_name(""),
+          {"bash", "zsh", "fish"});
+    completions_->footer(kCompletionsExamples);
+}
+
+void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& choices) {
+    option->check(CLI::IsMember(choices).description(""));
+    choices_[option] = choices;
+}
+
 // The flags that say how a command tells what it did.
 void CommandLine::addOutput(CLI::App& command, bool withVerbose) {
     CLI::Option* json = command.add_flag("--json", json_, "Print JSON, for scripts");
@@ -371,6 +398,10 @@ int CommandLine::carryOut(Report& report) {
         std::fputs(page.c_str(), stdout);
         return kSuccess;
     }
+    if (completions_->parsed()) {
+        std::fputs(completionScript(shell_).c_str(), stdout);
+        return kSuccess;
+    }
     if (inspect_->parsed()) {
         inspectOptions_.output = output();
         return inspectFiles(openLibrary(LibraryPrints::kDropped), inspectOptions_) ? kSuccess
@@ -393,7 +424,18 @@ int CommandLine::carryOut(Report& report) {
     return kSuccess;
 }
 
+// What the shells' scripts ask for; see Completions.h. The words may be options of any kind, so they
+// are not parsed as this command's own.
+void CommandLine::complete(const std::vector<std::string>& words) const {
+    for (const std::string& candidate : candidatesFor(app_, choices_, words))
+        std::puts(candidate.c_str());
+}
+
 int CommandLine::run(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "complete") {
+        complete({argv + 2, argv + argc});
+        return kSuccess;
+    }
     try {
         app_.parse(argc, argv);
     } catch (const CLI::ParseError& error) {
