@@ -26,7 +26,7 @@ compdef _quillon quillon
 )script";
 
 constexpr const char* kFish = R"script(# Completions of quillon for fish.
-complete -c quillon -a '(quillon complete (commandline -opc)[2..-1] (commandline -ct) 2>/dev/null)'
+complete -c quillon -a '(quillon complete (commandline -opc)[2..-1] "$(commandline -ct)" 2>/dev/null)'
 )script";
 
 // How far the words before the unfinished one have come.
