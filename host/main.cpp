@@ -11,12 +11,12 @@
 #include "CallCommand.h"
 #include "CallWords.h"
 #include "Colour.h"
+#include "Completions.h"
 #include "ExportCommand.h"
 #include "Exports.h"
 #include "Failure.h"
 #include "ImportCommand.h"
 #include "InspectCommand.h"
-#include "Interface.h"
 #include "Interrupt.h"
 #include "Library.h"
 #include "MergeCommand.h"
@@ -102,6 +102,12 @@ that change a file in place get a copy in a temporary folder, as long as the fil
 at the end; what an export writes besides goes nowhere. --fields makes no copy.
 )";
 
+constexpr const char* kCompletionsExamples = R"(Examples:
+  quillon completions bash >~/.local/share/bash-completion/completions/quillon
+  quillon completions zsh >~/.zfunc/_quillon
+  quillon completions fish >~/.config/fish/completions/quillon.fish
+)";
+
 constexpr const char* kImportExamples = R"(Examples:
   quillon import model.obj model.Vemo
   quillon import model.obj model.Vemo --tile-per-group
@@ -157,7 +163,7 @@ private:
     void addExportKinds();
     void addExportExtras();
     void addMerge();
-    void addInterface();
+    void addCompletions();
     void addOutput(CLI::App& command, bool withVerbose);
     void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
 
@@ -169,11 +175,13 @@ private:
     }
     OutputStyle output() const;
     int carryOut(Report& report);
+    void complete(const std::vector<std::string>& words) const;
 
     CLI::App app_{"Calls the Quillon plug-in the way Morvane does."};
     std::string library_;
     OptionChoices choices_;  // of the options that take a few words only
-    CLI::App* interface_ = nullptr;
+    CLI::App* completions_ = nullptr;
+    std::string shell_;
     bool json_ = false;
     bool quiet_ = false;
     bool verbose_ = false;
@@ -218,7 +226,7 @@ CommandLine::CommandLine() {
     addImport();
     addExport();
     addMerge();
-    addInterface();
+    addCompletions();
 }
 
 void CommandLine::addCall() {
@@ -346,10 +354,11 @@ void CommandLine::addMerge() {
     merge_->footer(kMergeExamples);
 }
 
-// What shell completions are made of; see guides/.
-void CommandLine::addInterface() {
-    interface_ =
-        app_.add_subcommand("interface", "Print the command line itself as JSON")->group("");
+void CommandLine::addCompletions() {
+    completions_ = app_.add_subcommand("completions", "Print the completions for a shell");
+    oneOf(completions_->add_option("SHELL", shell_, "bash, zsh or fish")->required()->type_name(""),
+          {"bash", "zsh", "fish"});
+    completions_->footer(kCompletionsExamples);
 }
 
 void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& choices) {
@@ -389,8 +398,8 @@ int CommandLine::carryOut(Report& report) {
         std::fputs(page.c_str(), stdout);
         return kSuccess;
     }
-    if (interface_->parsed()) {
-        printJson(interfaceOf(app_, choices_));
+    if (completions_->parsed()) {
+        std::fputs(completionScript(shell_).c_str(), stdout);
         return kSuccess;
     }
     if (inspect_->parsed()) {
@@ -415,7 +424,18 @@ int CommandLine::carryOut(Report& report) {
     return kSuccess;
 }
 
+// What the shells' scripts ask for; see Completions.h. The words may be options of any kind, so they
+// are not parsed as this command's own.
+void CommandLine::complete(const std::vector<std::string>& words) const {
+    for (const std::string& candidate : candidatesFor(app_, choices_, words))
+        std::puts(candidate.c_str());
+}
+
 int CommandLine::run(int argc, char** argv) {
+    if (argc > 1 && std::string_view(argv[1]) == "complete") {
+        complete({argv + 2, argv + argc});
+        return kSuccess;
+    }
     try {
         app_.parse(argc, argv);
     } catch (const CLI::ParseError& error) {

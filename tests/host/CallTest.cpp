@@ -226,6 +226,10 @@ TEST(CommandLine, EveryLevelOfHelpHasExamples) {
     }
 }
 
+TEST(CommandLine, TellsItsVersion) {
+    EXPECT_EQ(quillon({"--version"}).out, "quillon 48.0\n");
+}
+
 TEST(CommandLine, TheLibraryCanBeNamed) {
     EXPECT_EQ(quillon({"--library", QUILLON_LIBRARY, "call", "Version"}).exitStatus, 0);
 }

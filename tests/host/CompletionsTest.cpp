@@ -1,0 +1,61 @@
+#include <gmock/gmock.h>
+
+#include <algorithm>
+
+#include "host/Quillon.h"
+
+namespace {
+
+using ::testing::HasSubstr;
+
+// What is offered for the last word, in one line.
+std::string offered(std::vector<std::string> words) {
+    words.insert(words.begin(), "complete");
+    std::string found = quillon(words).out;
+    std::ranges::replace(found, '\n', ' ');
+    return found;
+}
+
+// Each row: the words behind "quillon", the last one unfinished, and what is offered for it.
+TEST(Completions, OfferWhatTheCommandLineTakes) {
+    const std::vector<std::pair<std::vector<std::string>, const char*>> kCases = {
+        {{""}, "call script describe reference inspect import export merge completions "},
+        {{"ex"}, "export "},
+        {{"--"}, "--help --version --library "},
+        {{"--library", "x.so", "ca"}, "call "},
+        {{"call", "mergeMaps"}, "mergeMapsTIF mergeMapsPSD mergeMapsBMP "},
+        {{"call", "--value", "2", "swapRGBT"}, "swapRGBTIF "},
+        {{"call", "getUVs", ""}, ""},
+        {{"call", "getUVs", "m", "0", "b", ""}, ""},
+        {{"call", "getUVs", "--b"}, "--buffer "},
+        {{"describe", "Open"}, "OpenFolder OpenEXR "},
+        {{"export", "m.Vemo", "--format", ""}, "tiff psd bmp "},
+        {{"export", "m.Vemo", "--map", "h"}, "height "},
+        {{"export", "m.Vemo", "--size", ""}, ""},
+        {{"export", "m.Vemo", "--keep-tiles", "--ord"}, "--order "},
+        {{"merge", "export", "--q"}, "--quiet "},
+        {{"completions", ""}, "bash zsh fish "},
+        {{"frobnicate", "-x", "--"}, "--help --version --library "},
+    };
+    for (const auto& [words, candidates] : kCases)
+        EXPECT_EQ(offered(words), candidates) << words.back();
+    EXPECT_EQ(offered({}), "");
+}
+
+// As bash itself asks when the tab key is pressed.
+TEST(Completions, BashOffersThem) {
+    const std::string session =
+        "source <(\"$0\" completions bash); COMP_WORDS=(\"$0\" export --format p); COMP_CWORD=3; "
+        "_quillon; echo \"${COMPREPLY[@]}\"; complete -p quillon";
+    const Ended ended = run({"/bin/bash", "-c", session, QUILLON_HOST});
+    EXPECT_EQ(ended.out, "psd\ncomplete -o default -F _quillon quillon\n");
+    EXPECT_EQ(ended.err, "");
+}
+
+TEST(Completions, EachShellHasAScriptOfItsOwn) {
+    EXPECT_THAT(quillon({"completions", "zsh"}).out, HasSubstr("#compdef quillon\n"));
+    EXPECT_THAT(quillon({"completions", "fish"}).out, HasSubstr("complete -c quillon -a "));
+    EXPECT_EQ(quillon({"completions", "tcsh"}).exitStatus, 2);
+}
+
+}  // namespace
