@@ -39,12 +39,31 @@ const Names kFaulty = {"open",  "__open_2", "stat",   "fstat",  "pread",  "pwrit
                        "free",  "closedir", "malloc", "calloc"};
 
 // Cannot fail, or nobody minds.
-const Names kHarmless = {"__cxa_atexit", "__cxa_finalize", "__environ",        "__errno_location",
-                         "__memcpy_chk", "__printf_chk",   "__stack_chk_fail", "environ",
-                         "exp",          "exp2",           "fflush",           "fmodf",
-                         "memchr",       "memcmp",         "memcpy",           "memmove",
-                         "memset",       "puts",           "stdout",           "strlen",
-                         "strncpy",      "strnlen"};
+const Names kHarmless = {"bcmp",
+                         "printf",
+                         "strcmp",
+                         "__cxa_atexit",
+                         "__cxa_finalize",
+                         "__environ",
+                         "__errno_location",
+                         "__memcpy_chk",
+                         "__printf_chk",
+                         "__stack_chk_fail",
+                         "environ",
+                         "exp",
+                         "exp2",
+                         "fflush",
+                         "fmodf",
+                         "memchr",
+                         "memcmp",
+                         "memcpy",
+                         "memmove",
+                         "memset",
+                         "puts",
+                         "stdout",
+                         "strlen",
+                         "strncpy",
+                         "strnlen"};
 
 // Of the open-file dialog, which no export shows, and of tinyexr's functions for files on disk,
 // which nobody calls: the library gives it memory.

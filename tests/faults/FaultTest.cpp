@@ -18,6 +18,7 @@
 #include "faults/System.h"
 #include "support/CaptureStdout.h"
 #include "support/Faults.h"
+#include "support/VemoBuilder.h"
 
 namespace {
 
@@ -407,5 +408,29 @@ TEST_P(Faults, OthersAreToldAndHarmNothing) {
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, Faults, testing::ValuesIn(scenarios()),
                          [](const auto& scenario) { return scenario.param.name; });
+
+// Half a filter would drop tiles from every later export, and nobody would know.
+TEST(FaultyTileFilter, IsNotKept) {
+    FaultyStage stage;
+    const Scenario set = {
+        "set",
+        {"setUVtilesOutput", "tiles.txt"},
+        0.0f,
+        {{"tiles.txt", {'1', '0', '0', '1', ',', '1', '0', '0', '2', '-', '1', '0', '0', '3'}},
+         {"mesh.vws", VemoBuilder().flatFaceUvs({{0, 0}, {1, 0}, {2, 0}, {3, 0}}).bytes()}}};
+    const Call count = {"getUVTile", "mesh.vws", 2.0};
+    std::size_t position = 1;
+    for (;; ++position) {
+        SCOPED_TRACE(position);
+        stage.prepare(set);
+        stage.harmNextCall({kAllocate, Harm::kFails, ENOMEM, false, position});
+        const float status = stage.make(set.call).status;
+        if (!stage.asked().harmed) break;
+        EXPECT_LT(status, 0.0f);
+        EXPECT_EQ(stage.make(count).status, 4.0f);
+    }
+    EXPECT_GT(position, 3u);
+    EXPECT_EQ(stage.make(count).status, 3.0f);
+}
 
 }  // namespace

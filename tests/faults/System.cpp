@@ -14,12 +14,19 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <new>
 
-// The C library's own heap, under the names by which it stays reachable.
-extern "C" void* __libc_malloc(std::size_t bytes);
-extern "C" void* __libc_calloc(std::size_t count, std::size_t bytes);
-extern "C" void* __libc_realloc(void* block, std::size_t bytes);
-extern "C" void __libc_free(void* block);
+// The heap behind this program's own, under the names by which it stays reachable: the C library's,
+// or the sanitizer's, which stands in front of that.
+#ifdef QUILLON_SANITIZED
+#define QUILLON_HEAP(name) __interceptor_##name
+#else
+#define QUILLON_HEAP(name) __libc_##name
+#endif
+extern "C" void* QUILLON_HEAP(malloc)(std::size_t bytes);
+extern "C" void* QUILLON_HEAP(calloc)(std::size_t count, std::size_t bytes);
+extern "C" void* QUILLON_HEAP(realloc)(void* block, std::size_t bytes);
+extern "C" void QUILLON_HEAP(free)(void* block);
 
 namespace {
 
@@ -46,7 +53,14 @@ bool goesWrong(SystemCall call) {
 // The function that this program's own stands in front of.
 template <typename Function>
 Function* theSystems(const char* name) {
+#ifdef QUILLON_SANITIZED
+    char sanitizers[64];
+    std::snprintf(sanitizers, sizeof sanitizers, "__interceptor_%s", name);
+    void* address = ::dlsym(RTLD_DEFAULT, sanitizers);
+    if (address == nullptr) address = ::dlsym(RTLD_NEXT, name);
+#else
     void* const address = ::dlsym(RTLD_NEXT, name);
+#endif
     if (address == nullptr) std::abort();
     return reinterpret_cast<Function*>(address);
 }
@@ -181,22 +195,52 @@ int rename(const char* from, const char* to) noexcept {
 }
 
 void* malloc(std::size_t bytes) noexcept {
-    return goesWrong(SystemCall::kAllocate) ? nullptr : taken(__libc_malloc(bytes));
+    return goesWrong(SystemCall::kAllocate) ? nullptr : taken(QUILLON_HEAP(malloc)(bytes));
 }
 
 void* calloc(std::size_t count, std::size_t bytes) noexcept {
-    return goesWrong(SystemCall::kAllocate) ? nullptr : taken(__libc_calloc(count, bytes));
+    return goesWrong(SystemCall::kAllocate) ? nullptr : taken(QUILLON_HEAP(calloc)(count, bytes));
 }
 
 void* realloc(void* block, std::size_t bytes) noexcept {
     if (goesWrong(SystemCall::kAllocate)) return nullptr;
     givenBack(block);
-    return taken(__libc_realloc(block, bytes));
+    return taken(QUILLON_HEAP(realloc)(block, bytes));
 }
 
 void free(void* block) noexcept {
     givenBack(block);
-    __libc_free(block);
+    QUILLON_HEAP(free)(block);
 }
 
 }  // extern "C"
+
+#ifdef QUILLON_SANITIZED
+// The C++ library's, which the sanitizer has replaced: they go through malloc.
+void* operator new(std::size_t bytes) {
+    void* const block = std::malloc(bytes);
+    if (block == nullptr) throw std::bad_alloc();
+    return block;
+}
+void* operator new[](std::size_t bytes) {
+    return operator new(bytes);
+}
+void* operator new(std::size_t bytes, const std::nothrow_t&) noexcept {
+    return std::malloc(bytes);
+}
+void* operator new[](std::size_t bytes, const std::nothrow_t&) noexcept {
+    return std::malloc(bytes);
+}
+void operator delete(void* block) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block) noexcept {
+    std::free(block);
+}
+void operator delete(void* block, std::size_t) noexcept {
+    std::free(block);
+}
+void operator delete[](void* block, std::size_t) noexcept {
+    std::free(block);
+}
+#endif

@@ -21,8 +21,9 @@
 
 namespace {
 
-constexpr rlim_t kAllowance = rlim_t{64} * 1024 * 1024;
-
+#ifdef QUILLON_SANITIZED
+void limitMemory() {}
+#else
 rlim_t addressSpaceInUse() {
     std::ifstream status("/proc/self/statm");
     rlim_t pages = 0;
@@ -31,11 +32,12 @@ rlim_t addressSpaceInUse() {
 }
 
 void limitMemory() {
-#ifndef QUILLON_SANITIZED
-    const rlimit limit{addressSpaceInUse() + kAllowance, addressSpaceInUse() + kAllowance};
+    constexpr rlim_t kAllowance = rlim_t{64} * 1024 * 1024;
+    const rlim_t bytes = addressSpaceInUse() + kAllowance;
+    const rlimit limit{bytes, bytes};
     if (::setrlimit(RLIMIT_AS, &limit) != 0) ::_exit(2);
-#endif
 }
+#endif
 
 // The status of a call in a process of its own; NaN when that does not end by itself within a
 // minute.
