@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <filesystem>
+#include <fstream>
 
 #include "PreparedRace.h"
 #include "Runner.h"
@@ -11,13 +12,23 @@ namespace {
 
 constexpr double kMostSpread = 1.2;  // of the costs, the highest to the lowest
 
-// Room that is left to everything else.
-constexpr double kShareOfFolder = 0.6;
+// The rest of the memory is left to everything else.
+constexpr double kShareOfMemory = 0.4;
+
+double availableMemory() {
+    std::ifstream memory("/proc/meminfo");
+    std::string word;
+    double kibibytes = 0;
+    while (memory >> word) {
+        if (word == "MemAvailable:" && memory >> kibibytes) return kibibytes * 1024;
+    }
+    return 0;
+}
 
 bool fits(const Job& job, const std::string& folder, std::uint32_t side) {
     const double bytes = job.diskPerPixel * side * side;
     const auto free = static_cast<double>(std::filesystem::space(folder).available);
-    return bytes < kShareOfFolder * free;
+    return bytes < kShareOfMemory * std::min(free, availableMemory());
 }
 
 struct Cost {

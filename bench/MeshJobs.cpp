@@ -218,6 +218,7 @@ Race split(const Setup& setup) {
 }  // namespace
 
 std::vector<Job> meshJobs() {
+    constexpr std::uint32_t kLargestSplit = 8192;  // twelve files of 250 MB
     return {
         {.name = "getUVTile",
          .unit = "Mfaces",
@@ -229,6 +230,7 @@ std::vector<Job> meshJobs() {
          .prepare = split,
          .diskPerPixel = 50,
          .growsWithTiles = true,
-         .canBeSparse = false},
+         .canBeSparse = false,
+         .largestSide = kLargestSplit},
     };
 }

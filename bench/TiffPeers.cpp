@@ -22,6 +22,7 @@ struct Close {
 using Tiff = std::unique_ptr<TIFF, Close>;
 
 Tiff open(const std::string& path, const char* mode) {
+    ::TIFFSetWarningHandler(nullptr);  // the converted maps carry an entry that readers skip
     Tiff file(::TIFFOpen(path.c_str(), mode));
     if (file == nullptr) throw Failure("libtiff cannot open " + path);
     return file;

@@ -3,24 +3,31 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
+#include <cstdlib>
+#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <regex>
 
 #include "Failure.h"
 #include "Growth.h"
+#include "Interrupt.h"
 #include "Job.h"
 #include "Memory.h"
 #include "PreparedRace.h"
 #include "Runner.h"
 #include "Table.h"
+#include "Text.h"
 
 namespace {
 
 constexpr std::uint32_t kSide = 4096;
 constexpr std::uint32_t kQuickSide = 1024;
+constexpr std::uint32_t kLargestSide = 16384;
 constexpr int kRounds = 9;
 constexpr int kQuickRounds = 3;
+
+constexpr int kInterrupted = 130;  // as shells report it
 
 struct Options {
     std::string filter = ".";
@@ -33,6 +40,16 @@ struct Options {
     std::string before;
     std::string folder = "/dev/shm";
 };
+
+// What is wrong with a side for maps; empty when nothing is.
+std::string sideError(const std::string& side) {
+    constexpr unsigned long kMultiple = 256;  // so that thumbnails and blocks come out even
+    const unsigned long pixels = std::strtoul(side.c_str(), nullptr, 10);
+    const bool fits = pixels > 0 && pixels <= kLargestSide && pixels % kMultiple == 0;
+    return fits ? ""
+                : text("%s is not a multiple of %lu up to %u", side.c_str(), kMultiple,
+                       kLargestSide);
+}
 
 // The jobs asked for by name.
 std::vector<Job> wantedJobs(const Options& options) {
@@ -58,9 +75,22 @@ void forEachJob(const Options& options, Work work) {
     }
 }
 
+void requireMapsFit(const Job& job, const Setup& setup) {
+    if (setup.side > job.largestSide)
+        throw Failure(text("takes maps of at most %u pixels a side", job.largestSide));
+    const double wanted = job.diskPerPixel * setup.side * setup.side;
+    const auto available = static_cast<double>(std::filesystem::space(setup.folder).available);
+    if (wanted > available)
+        throw Failure(setup.folder +
+                      text(" is short: %.0f MB are needed, %.0f MB are left; ", wanted * 1e-6,
+                           available * 1e-6) +
+                      "name another folder with --folder, or smaller maps with --size");
+}
+
 void race(const Options& options, const Setup& setup) {
     std::vector<Line> lines;
     forEachJob(options, [&](const Job& job) {
+        requireMapsFit(job, setup);
         const Peak peak = peakOf(job, setup);
         const PreparedRace prepared(job, setup);
         lines.push_back({job.name, job.unit, prepared.race().amount,
@@ -98,8 +128,10 @@ int main(int argc, char** argv) {
     app.add_flag("--quick", options.quick, "Small maps, few rounds");
     app.add_flag("--growth", options.growth,
                  "Instead: whether time grows with the work and no faster");
-    app.add_option("--size", options.side, "Side of the maps in pixels, a multiple of 256");
-    app.add_option("--rounds", options.rounds, "How often each contender runs");
+    app.add_option("--size", options.side, "Side of the maps in pixels, a multiple of 256")
+        ->check(sideError);
+    app.add_option("--rounds", options.rounds, "How often each contender runs")
+        ->check(CLI::PositiveNumber);
     app.add_option("--json", options.json, "File for all numbers");
     app.add_option("--library", options.library, "The library, if not the one just built");
     app.add_option("--before", options.before, "Another build of the library to compare with");
@@ -109,7 +141,11 @@ int main(int argc, char** argv) {
     if (options.side == 0) options.side = options.quick ? kQuickSide : kSide;
     if (options.rounds == 0) options.rounds = options.quick ? kQuickRounds : kRounds;
     try {
+        noteInterrupts();
         return runJobs(options);
+    } catch (const Interrupted&) {
+        std::fputs("quillon_bench: interrupted, the files are deleted\n", stderr);
+        return kInterrupted;
     } catch (const WrongUsage& wrong) {
         std::fprintf(stderr, "quillon_bench: %s\n", wrong.what());
         return 2;
