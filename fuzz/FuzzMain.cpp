@@ -1,0 +1,141 @@
+// quillon_fuzz TARGET [libFuzzer's arguments]: the fuzzer of every target, and the mutator that
+// they share.
+
+#include <stdlib.h>
+
+#include <algorithm>
+#include <array>
+#include <cstdio>
+#include <random>
+
+#include "harness/Target.h"
+
+extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, std::size_t maxSize);
+
+namespace {
+
+const Target* target = nullptr;
+
+using Random = std::minstd_rand;
+
+std::size_t below(Random& random, std::size_t count) {
+    return static_cast<std::size_t>(random()) % count;
+}
+
+void mutateBytes(ByteList& bytes, std::size_t most) {
+    const std::size_t size = std::min(bytes.size(), most);
+    bytes.resize(std::max<std::size_t>(most, 1));
+    bytes.resize(LLVMFuzzerMutate(bytes.data(), size, bytes.size()));
+}
+
+// Numbers at which readers go wrong: borders of the integer types and of this file, and what other
+// fields hold.
+std::uint32_t telling(const ByteList& file, const std::vector<Field>& fields, std::uint32_t now,
+                      Random& random) {
+    static constexpr std::array<std::uint32_t, 16> kBorders = {
+        0,      1,      2,       3,        4,           16,          32,          100,
+        0x7FFF, 0x8000, 0xFFFFu, 0x10000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu};
+    switch (below(random, 6)) {
+        case 0:
+            return kBorders[below(random, kBorders.size())];
+        case 1:
+            return loadField(file, fields[below(random, fields.size())]);
+        case 2:
+            return static_cast<std::uint32_t>(file.size() - below(random, 40) + 20);
+        case 3:
+            return now + static_cast<std::uint32_t>(below(random, 9)) - 4;
+        case 4:
+            return static_cast<std::uint32_t>(below(random, 64));
+        default:
+            return now ^ std::uint32_t{1} << below(random, 32);
+    }
+}
+
+void mutateField(ByteList& file, Random& random) {
+    const std::vector<Field> fields = target->format.fields(file);
+    if (fields.empty()) return;
+    const Field field = fields[below(random, fields.size())];
+    storeField(file, field, telling(file, fields, loadField(file, field), random));
+}
+
+// Operations on two files mostly want them to agree: takes over the start of another file.
+void copyStart(Recipe& recipe, std::size_t to, Random& random) {
+    const RecipeFile& from = recipe.files[below(random, recipe.files.size())];
+    if (below(random, 2) == 0) {
+        const RecipeFile whole = from;
+        recipe.files[to] = whole;
+        return;
+    }
+    ByteList& bytes = recipe.files[to].bytes;
+    const std::size_t count = std::min({from.bytes.size(), bytes.size(), below(random, 256)});
+    std::copy_n(from.bytes.begin(), count, bytes.begin());
+}
+
+void mutate(Recipe& recipe, std::size_t most, Random& random) {
+    const std::size_t index = below(random, recipe.files.size());
+    RecipeFile& file = recipe.files[index];
+    switch (below(random, 12)) {
+        case 0:
+            LLVMFuzzerMutate(recipe.numbers.data(), recipe.numbers.size(), recipe.numbers.size());
+            break;
+        case 1:
+            file.filler = static_cast<std::uint16_t>(below(random, 4) * below(random, 700));
+            break;
+        case 2:
+        case 3:
+            copyStart(recipe, index, random);
+            break;
+        case 4:
+        case 5:
+        case 6:
+        case 7:
+            mutateField(file.bytes, random);
+            break;
+        default:
+            mutateBytes(file.bytes, most);
+            break;
+    }
+    if (below(random, 2) == 0) target->format.repair(file.bytes, file.bytes.size() + file.filler);
+}
+
+}  // namespace
+
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t maxSize, unsigned seed);
+
+// The processes that libFuzzer starts find the target's name in their environment.
+extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
+    if (*argc > 1 && findTarget((*argv)[1]) != nullptr) {
+        ::setenv("QUILLON_FUZZ_TARGET", (*argv)[1], 1);
+        std::copy(*argv + 2, *argv + *argc, *argv + 1);
+        --*argc;
+    }
+    const char* const name = ::getenv("QUILLON_FUZZ_TARGET");
+    target = name == nullptr ? nullptr : findTarget(name);
+    if (target != nullptr) return 0;
+    std::fprintf(stderr, "quillon_fuzz TARGET [libFuzzer's arguments], one of:\n");
+    for (const Target& known : allTargets())
+        std::fprintf(stderr, "  %s\n", known.name);
+    std::exit(2);
+}
+
+extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
+    runInput(*target, {data, size});
+    return 0;
+}
+
+extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
+                                               std::size_t maxSize, unsigned seed) {
+    Random random(seed);
+    Recipe recipe = readRecipe({data, size}, target->files);
+    const std::size_t most = maxSize / target->files;
+    do
+        mutate(recipe, most, random);
+    while (below(random, 3) == 0);
+    const ByteList input = writeRecipe(recipe);
+    const std::size_t count = std::min(input.size(), maxSize);
+    std::copy_n(input.begin(), count, data);
+    return count;
+}
