@@ -100,10 +100,17 @@ void mutate(Recipe& recipe, std::size_t most, Random& random) {
 
 }  // namespace
 
+extern "C" const char* __asan_default_options();
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv);
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size);
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t maxSize, unsigned seed);
+
+// Memory is used again soon and comes as it was left, so that an operation that reads what it did
+// not write gives other bytes the second time.
+extern "C" const char* __asan_default_options() {
+    return "quarantine_size_mb=4:thread_local_quarantine_size_kb=64:max_malloc_fill_size=0";
+}
 
 // The processes that libFuzzer starts find the target's name in their environment.
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {

@@ -7,17 +7,21 @@
 namespace {
 
 // Runs of one value, for merges to take for background, between values that all differ.
-std::uint8_t fillerByte(std::size_t place) {
-    return place % 64 < 24 ? 9 : static_cast<std::uint8_t>(place * 73 >> 2);
+ByteList fillerPattern() {
+    ByteList pattern;
+    for (std::size_t i = 0; i < UINT16_MAX; ++i)
+        pattern.push_back(i % 64 < 24 ? 9 : static_cast<std::uint8_t>(i * 73 >> 2));
+    return pattern;
 }
 
 }  // namespace
 
 ByteList RecipeFile::whole() const {
-    ByteList file = bytes;
+    static const ByteList pattern = fillerPattern();
+    ByteList file;
     file.reserve(bytes.size() + filler);
-    for (std::size_t i = 0; i < filler; ++i)
-        file.push_back(fillerByte(i));
+    file.insert(file.end(), bytes.begin(), bytes.end());
+    file.insert(file.end(), pattern.begin(), pattern.begin() + filler);
     return file;
 }
 

@@ -7,11 +7,13 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <array>
 #include <bit>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
 #include <map>
+#include <numeric>
 
 #include "bytes/Bytes.h"
 
@@ -96,7 +98,7 @@ FileState readFile(const std::string& path) {
 }
 
 int lowestFreeDescriptor() {
-    const int descriptor = ::open("/", O_RDONLY | O_CLOEXEC);
+    const int descriptor = ::dup(STDERR_FILENO);
     ::close(descriptor);
     return descriptor;
 }
@@ -108,9 +110,6 @@ struct Outcome {
 };
 
 Outcome runOnce(const Target& target, const Recipe& recipe) {
-    for (std::size_t i = 0; i < recipe.files.size(); ++i)
-        writeFile(folder().path() + '/' + inputName(i), recipe.files[i].whole());
-
     Case files(recipe, folder().path());
     const int descriptor = lowestFreeDescriptor();
     Outcome outcome;
@@ -125,6 +124,11 @@ Outcome runOnce(const Target& target, const Recipe& recipe) {
     return outcome;
 }
 
+// Some of the inputs, told by the input itself, so that a finding can be repeated.
+bool isRunTwice(std::span<const std::uint8_t> input) {
+    return std::accumulate(input.begin(), input.end(), input.size()) % 4 == 0;
+}
+
 std::vector<Target>& targets() {
     static std::vector<Target> list;
     return list;
@@ -134,8 +138,11 @@ std::vector<Target>& targets() {
 
 Case::Case(const Recipe& recipe, const std::string& folder)
     : recipe_(recipe), output_(folder + '/' + kOutputName) {
-    for (std::size_t i = 0; i < recipe.files.size(); ++i)
+    for (std::size_t i = 0; i < recipe.files.size(); ++i) {
+        given_.push_back(recipe.files[i].whole());
         paths_.push_back(folder + '/' + inputName(i));
+        writeFile(paths_[i], given_[i]);
+    }
 }
 
 std::size_t Case::outputs() const {
@@ -173,11 +180,13 @@ void Case::expectSameSize(std::size_t index) const {
 }
 
 void Case::expectSameBytes(std::size_t index) const {
-    const auto sorted = [](ByteList bytes) {
-        std::sort(bytes.begin(), bytes.end());
-        return bytes;
+    const auto histogram = [](const ByteList& bytes) {
+        std::array<std::size_t, 256> counts{};
+        for (const std::uint8_t byte : bytes)
+            ++counts[byte];
+        return counts;
     };
-    expect(sorted(now(index)) == sorted(given(index)), "an exchange only moves bytes");
+    expect(histogram(now(index)) == histogram(given(index)), "an exchange only moves bytes");
 }
 
 void Case::expectOutputs(std::size_t count) const {
@@ -201,5 +210,6 @@ AddTarget::AddTarget(const Target& target) {
 void runInput(const Target& target, std::span<const std::uint8_t> input) {
     const Recipe recipe = readRecipe(input, target.files);
     const Outcome first = runOnce(target, recipe);
+    if (!isRunTwice(input)) return;
     if (!(runOnce(target, recipe) == first)) fail("the same call gives the same bytes");
 }

@@ -28,7 +28,7 @@ public:
     std::int32_t number(std::size_t index) const;  // the bytes from `index` on, little-endian
     float real(std::size_t index) const;           // likewise
 
-    ByteList given(std::size_t index) const { return recipe_.files.at(index).whole(); }
+    const ByteList& given(std::size_t index) const { return given_.at(index); }
     ByteList now(std::size_t index) const;
 
     // Each ends the process with a message when it does not hold.
@@ -41,6 +41,7 @@ public:
 
 private:
     const Recipe& recipe_;
+    std::vector<ByteList> given_;
     std::vector<std::string> paths_;
     std::string output_;
 };
@@ -63,5 +64,6 @@ struct AddTarget {
     explicit AddTarget(const Target& target);
 };
 
-// Runs a target on one input, twice, so that the second run meets what the first left in memory.
+// Runs a target on one input; some inputs twice, so that the second run meets what the first left in
+// memory.
 void runInput(const Target& target, std::span<const std::uint8_t> input);

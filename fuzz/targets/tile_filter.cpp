@@ -17,7 +17,7 @@ float readFilter(Case& files) {
     Case::expectStatus(status, {0.0f});
     files.expectUnchanged(0);
 
-    const ByteList given = files.given(0);
+    const ByteList& given = files.given(0);
     const std::string text(given.begin(), given.end());
     const std::size_t cut = std::min(text.find('\n', files.byte(0)), text.size());
     TileFilter before;
