@@ -7,6 +7,7 @@
 #include <array>
 #include <cstdio>
 #include <random>
+#include <string>
 
 #include "harness/Target.h"
 
@@ -14,7 +15,16 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
+constexpr const char* kTargetVariable = "QUILLON_FUZZ_TARGET";
+
 const Target* target = nullptr;
+
+[[noreturn]] void explainUsage() {
+    std::fprintf(stderr, "quillon_fuzz TARGET [libFuzzer's arguments], one of:\n");
+    for (const Target& known : allTargets())
+        std::fprintf(stderr, "  %s\n", known.name);
+    std::exit(2);
+}
 
 using Random = std::minstd_rand;
 
@@ -112,20 +122,25 @@ extern "C" const char* __asan_default_options() {
     return "quarantine_size_mb=4:thread_local_quarantine_size_kb=64:max_malloc_fill_size=0";
 }
 
-// The processes that libFuzzer starts find the target's name in their environment.
+// Takes the target's name out of the arguments and names its dictionary instead. The processes that
+// libFuzzer starts find the name in their environment.
 extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
-    if (*argc > 1 && findTarget((*argv)[1]) != nullptr) {
-        ::setenv("QUILLON_FUZZ_TARGET", (*argv)[1], 1);
-        std::copy(*argv + 2, *argv + *argc, *argv + 1);
-        --*argc;
+    static std::vector<char*> arguments(*argv, *argv + *argc);
+    if (arguments.size() > 1 && findTarget(arguments[1]) != nullptr) {
+        ::setenv(kTargetVariable, arguments[1], 1);
+        arguments.erase(arguments.begin() + 1);
     }
-    const char* const name = ::getenv("QUILLON_FUZZ_TARGET");
+    const char* const name = ::getenv(kTargetVariable);
     target = name == nullptr ? nullptr : findTarget(name);
-    if (target != nullptr) return 0;
-    std::fprintf(stderr, "quillon_fuzz TARGET [libFuzzer's arguments], one of:\n");
-    for (const Target& known : allTargets())
-        std::fprintf(stderr, "  %s\n", known.name);
-    std::exit(2);
+    if (target == nullptr) explainUsage();
+
+    static std::string dictionary =
+        std::string("-dict=" QUILLON_FUZZ_DICTIONARIES "/") + target->format.name + ".dict";
+    arguments.insert(arguments.begin() + 1, dictionary.data());
+    *argc = static_cast<int>(arguments.size());
+    arguments.push_back(nullptr);
+    *argv = arguments.data();
+    return 0;
 }
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
