@@ -22,7 +22,7 @@ namespace {
 constexpr const char* kOutputName = "out.tif";
 
 // Output of which no more is compared: a header may claim gigabytes of black.
-constexpr std::size_t kMostBytesCompared = std::size_t{1} << 20;
+constexpr std::size_t kMostBytesCompared = std::size_t{128} * 1024;
 
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "\nDoes not hold: %s\n", what);
@@ -161,6 +161,10 @@ ByteList Case::now(std::size_t index) const {
     return readFile(paths_.at(index)).bytes;
 }
 
+std::uint64_t Case::sizeNow(std::size_t index) const {
+    return std::filesystem::file_size(paths_.at(index));
+}
+
 void Case::expect(bool holds, const char* what) {
     if (!holds) fail(what);
 }
@@ -176,7 +180,7 @@ void Case::expectUnchanged(std::size_t index) const {
 }
 
 void Case::expectSameSize(std::size_t index) const {
-    expect(now(index).size() == given(index).size(), "a file that is changed in place never grows");
+    expect(sizeNow(index) == given(index).size(), "a file that is changed in place never grows");
 }
 
 void Case::expectSameBytes(std::size_t index) const {

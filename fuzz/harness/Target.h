@@ -30,6 +30,7 @@ public:
 
     const ByteList& given(std::size_t index) const { return given_.at(index); }
     ByteList now(std::size_t index) const;
+    std::uint64_t sizeNow(std::size_t index) const;
 
     // Each ends the process with a message when it does not hold.
     static void expect(bool holds, const char* what);

@@ -10,7 +10,7 @@ float run(Case& files) {
     Case::expectStatus(status, {0.0f, -18.0f});
     files.expectUnchanged(0);
     if (status == 0.0f) {
-        Case::expect(files.now(1).size() + 28 == files.given(0).size() + files.given(1).size(),
+        Case::expect(files.sizeNow(1) + 28 == files.given(0).size() + files.given(1).size(),
                      "each mesh loses its last 14 bytes");
     } else {
         files.expectUnchanged(1);
