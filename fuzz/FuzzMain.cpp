@@ -61,50 +61,42 @@ std::uint32_t telling(const ByteList& file, const std::vector<Field>& fields, st
     }
 }
 
-void mutateField(ByteList& file, Random& random) {
+// A file without fields is mutated as bytes are.
+void mutateField(ByteList& file, std::size_t most, Random& random) {
     const std::vector<Field> fields = target->format.fields(file);
-    if (fields.empty()) return;
+    if (fields.empty()) {
+        mutateBytes(file, most);
+        return;
+    }
     const Field field = fields[below(random, fields.size())];
     storeField(file, field, telling(file, fields, loadField(file, field), random));
 }
 
-// Operations on two files mostly want them to agree: takes over the start of another file.
-void copyStart(Recipe& recipe, std::size_t to, Random& random) {
-    const RecipeFile& from = recipe.files[below(random, recipe.files.size())];
+// Operations on two files mostly want them to agree: a file takes over another one or its start.
+void copyOver(RecipeFile& to, const RecipeFile& from, Random& random) {
     if (below(random, 2) == 0) {
-        const RecipeFile whole = from;
-        recipe.files[to] = whole;
+        to = from;
         return;
     }
-    ByteList& bytes = recipe.files[to].bytes;
-    const std::size_t count = std::min({from.bytes.size(), bytes.size(), below(random, 256)});
-    std::copy_n(from.bytes.begin(), count, bytes.begin());
+    const std::size_t count = std::min({from.bytes.size(), to.bytes.size(), below(random, 256)});
+    std::copy_n(from.bytes.begin(), count, to.bytes.begin());
 }
 
 void mutate(Recipe& recipe, std::size_t most, Random& random) {
     const std::size_t index = below(random, recipe.files.size());
+    const std::size_t other = below(random, recipe.files.size());
     RecipeFile& file = recipe.files[index];
-    switch (below(random, 12)) {
-        case 0:
-            LLVMFuzzerMutate(recipe.numbers.data(), recipe.numbers.size(), recipe.numbers.size());
-            break;
-        case 1:
-            file.filler = static_cast<std::uint16_t>(below(random, 4) * below(random, 700));
-            break;
-        case 2:
-        case 3:
-            copyStart(recipe, index, random);
-            break;
-        case 4:
-        case 5:
-        case 6:
-        case 7:
-            mutateField(file.bytes, random);
-            break;
-        default:
-            mutateBytes(file.bytes, most);
-            break;
-    }
+    const std::size_t way = below(random, 12);
+    if (way == 0)
+        LLVMFuzzerMutate(recipe.numbers.data(), recipe.numbers.size(), recipe.numbers.size());
+    else if (way == 1)
+        file.filler = static_cast<std::uint16_t>(below(random, 4) * below(random, 2500));
+    else if (way < 6)
+        mutateBytes(file.bytes, most);
+    else if (way < 9 && other != index)
+        copyOver(file, recipe.files[other], random);
+    else
+        mutateField(file.bytes, most, random);
     if (below(random, 2) == 0) target->format.repair(file.bytes, file.bytes.size() + file.filler);
 }
 
