@@ -6,3 +6,10 @@ if(QUILLON_SANITIZE)
   add_compile_definitions(_GLIBCXX_ASSERTIONS)
   add_link_options(-fsanitize=${QUILLON_SANITIZE})
 endif()
+
+# QUILLON_FUZZ: build for libFuzzer, which is Clang's (the preset "fuzz" sets it).
+option(QUILLON_FUZZ "Instrument for libFuzzer and build quillon_fuzz" OFF)
+if(QUILLON_FUZZ)
+  add_compile_options(-fsanitize=fuzzer-no-link)
+  add_compile_definitions(QUILLON_PIECE_BYTES=4096)
+endif()

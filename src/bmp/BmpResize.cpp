@@ -22,19 +22,30 @@ void appendClipped(BmpWriter& writer, std::int64_t start, std::int64_t count) {
     writer.appendBlack(static_cast<std::uint64_t>(count - before - (last - first)));
 }
 
+// How many rows of a band, from the first on, end before the file starts. `start` is where the first
+// one starts in the file.
+std::uint64_t rowsBeforeFile(std::int64_t start, std::int64_t bandBytes, std::uint64_t rows) {
+    const std::int64_t missing = -(start + bandBytes);
+    if (missing < 0 || rows == 0) return 0;
+    return std::min(rows, static_cast<std::uint64_t>(missing / bmpHdr.rowStride) + 1);
+}
+
 void appendBand(BmpWriter& writer, const NewImage& image, std::int32_t xOffset) {
     const auto bandBytes = static_cast<std::int64_t>(kBmpPixelBytes * image.pixelsPerRow);
     const auto size = static_cast<std::int64_t>(bmpV.size);
     const std::uint64_t rows = bmpHdr.width > 0 && bandBytes > 0 ? image.rows : 0;
+    const std::uint64_t rowBytes = image.rows > 0 ? image.pixelBytes / image.rows : 0;
 
     std::int64_t start = std::int64_t{bmpHdr.pixelOffset} + bmpHdr.rowStride + xOffset;
-    std::uint64_t row = 0;
+    std::uint64_t row = rowsBeforeFile(start, bandBytes, rows);
+    writer.appendBlack(rowBytes * row);
+    start += bmpHdr.rowStride * static_cast<std::int64_t>(row);
     for (; row < rows && start < size; ++row) {
         appendClipped(writer, start, bandBytes);
         writer.appendBlack(image.padding);
         start += bmpHdr.rowStride;
     }
-    if (image.rows > row) writer.appendBlack(image.pixelBytes / image.rows * (image.rows - row));
+    writer.appendBlack(rowBytes * (image.rows - row));
 }
 
 struct Thumbnail {

@@ -73,4 +73,8 @@ FileBytes loadFile(const char* path, std::size_t spare = 0);
 
 // The size of the pieces in which large files are moved: small enough to stay in the processor's
 // cache, large enough that the system calls do not show.
+#ifdef QUILLON_PIECE_BYTES  // fuzzing: so small that even its files have several
+inline constexpr std::size_t kPieceBytes = QUILLON_PIECE_BYTES;
+#else
 inline constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
+#endif

@@ -7,6 +7,7 @@ namespace {
 // Chunks are long, so little more than a header is read at each; but a damaged file may have a
 // header at every byte.
 constexpr std::size_t kHeaderPieceBytes = 4096;
+static_assert(kHeaderPieceBytes <= kPieceBytes);
 
 std::uint8_t unsignedByte(char b) {
     return static_cast<std::uint8_t>(b);

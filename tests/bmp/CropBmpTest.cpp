@@ -1,5 +1,6 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
+#include <sys/stat.h>
 
 #include <filesystem>
 
@@ -159,6 +160,15 @@ TEST_F(CropBmp, AnInputWithoutColumnsIsBlack) {
         EXPECT_EQ(crop(BmpFile(4, 4).claimSize(width, 5), 0, 1), 0.0f);
         EXPECT_EQ(readBytes(out()), ByteList(BmpFile(1, 2).plain(0, 0, 0))) << width;
     }
+}
+
+// A header that claims 500,000,000 rows, almost all of them before the start of the file.
+TEST_F(CropBmp, RowsBeforeTheFileTakeNeitherTimeNorDisk) {
+    EXPECT_EQ(crop(BmpFile(1, 1).claimSize(1, 500000000), -2000000000, 1), 0.0f);
+    struct stat status {};
+    ASSERT_EQ(::stat(out().c_str(), &status), 0);
+    EXPECT_EQ(status.st_size, 54 + 499999997 * std::int64_t{4});
+    EXPECT_LT(status.st_blocks, 1000);  // of 512 bytes
 }
 
 TEST_F(CropBmp, RefusesAnOutputOfMoreThanFourGigabytes) {

@@ -1,0 +1,37 @@
+#pragma once
+// Format: what the mutator knows of a file format, so that it gets past the checks at the start of
+// a file and reaches what lies behind them.
+
+#include <cstddef>
+#include <cstdint>
+#include <vector>
+
+#include "harness/Recipe.h"
+
+enum class Order { kLittle, kBig };
+
+// A number in a file that decides how the rest is read.
+struct Field {
+    std::size_t offset;
+    std::size_t bytes;  // 1, 2 or 4
+    Order order = Order::kLittle;
+};
+
+struct Format {
+    const char* name;  // of its dictionary and its seeds
+    // The fields of a file, be it right or wrong. All lie within it.
+    std::vector<Field> (*fields)(const ByteList& file);
+    // Makes a damaged file consistent, as far as that is done with small changes: signatures,
+    // offsets and counts that stay within the file. `fileBytes` counts the filler, too.
+    void (*repair)(ByteList& file, std::size_t fileBytes);
+};
+
+extern const Format kBmp;
+extern const Format kExr;
+extern const Format kPsd;
+extern const Format kText;
+extern const Format kTiff;
+extern const Format kVemo;
+
+std::uint32_t loadField(const ByteList& file, const Field& field);
+void storeField(ByteList& file, const Field& field, std::uint32_t value);  // if it lies within

@@ -1,0 +1,70 @@
+#pragma once
+// Target: an operation under fuzzing, and what must hold whatever files it is given. Sanitizers
+// watch memory; a target states the rest: which statuses there are, which files stay as they were.
+// The harness itself sees to it that no file stays open and that the same call gives the same
+// bytes.
+
+#include <cstdint>
+#include <initializer_list>
+#include <string>
+#include <vector>
+
+#include "harness/Format.h"
+#include "harness/Recipe.h"
+
+// One call of an operation, with its files on disk in a folder of their own.
+class Case {
+public:
+    Case(const Recipe& recipe, const std::string& folder);
+
+    // The path of one of the files that the operation is given.
+    char* file(std::size_t index) { return paths_.at(index).data(); }
+    // The path of a file that does not exist yet.
+    char* output() { return output_.data(); }
+    // How many files there are now besides the given ones.
+    std::size_t outputs() const;
+
+    std::uint8_t byte(std::size_t index) const { return recipe_.numbers.at(index); }
+    std::int32_t number(std::size_t index) const;  // the bytes from `index` on, little-endian
+    float real(std::size_t index) const;           // likewise
+
+    const ByteList& given(std::size_t index) const { return given_.at(index); }
+    ByteList now(std::size_t index) const;
+    std::uint64_t sizeNow(std::size_t index) const;
+
+    // Each ends the process with a message when it does not hold.
+    static void expect(bool holds, const char* what);
+    static void expectStatus(float status, std::initializer_list<float> known);
+    void expectUnchanged(std::size_t index) const;
+    void expectSameSize(std::size_t index) const;
+    void expectSameBytes(std::size_t index) const;  // in any order
+    void expectOutputs(std::size_t count) const;
+
+private:
+    const Recipe& recipe_;
+    std::vector<ByteList> given_;
+    std::vector<std::string> paths_;
+    std::string output_;
+};
+
+struct Target {
+    const char* name;
+    const Format& format;
+    std::size_t files;
+    // Calls the operation and checks what it left. Sets whatever state it depends on first.
+    float (*run)(Case& files);
+    // Of the files in the inputs that fuzzing starts from.
+    std::uint16_t seedFiller = 0;
+};
+
+// All targets, by name. Each source in targets/ adds its own.
+const std::vector<Target>& allTargets();
+const Target* findTarget(const std::string& name);
+
+struct AddTarget {
+    explicit AddTarget(const Target& target);
+};
+
+// Runs a target on one input; some inputs twice, so that the second run meets what the first left in
+// memory.
+void runInput(const Target& target, std::span<const std::uint8_t> input);

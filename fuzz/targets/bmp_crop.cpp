@@ -1,0 +1,21 @@
+// A band of columns of an image.
+
+#include "bmp/BmpOps.h"
+#include "harness/Target.h"
+
+namespace {
+
+float run(Case& files) {
+    const bool anySize = files.byte(8) % 4 == 0;
+    const std::int32_t xOffset = anySize ? files.number(0) : files.number(0) % 100;
+    const std::int32_t width = anySize ? files.number(4) : files.number(4) % 40;
+    const float status = cropBMP(files.file(0), files.output(), xOffset, width);
+    Case::expectStatus(status, {0.0f, -7.0f, -9.0f});
+    files.expectUnchanged(0);
+    files.expectOutputs(status == 0.0f ? 1 : 0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"bmp_crop", kBmp, 1, run});

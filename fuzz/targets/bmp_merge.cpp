@@ -1,0 +1,19 @@
+// One tile's map folded into the map of all tiles.
+
+#include "bmp/BmpOps.h"
+#include "harness/Target.h"
+
+namespace {
+
+float run(Case& files) {
+    const float status = mergeBMP(files.file(0), files.file(1));
+    Case::expectStatus(status, {0.0f, -7.0f, -30.0f, -40.0f});
+    files.expectUnchanged(0);
+    files.expectSameSize(1);
+    if (status != 0.0f) files.expectUnchanged(1);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"bmp_merge", kBmp, 2, run});

@@ -1,0 +1,19 @@
+// Two channels of an image exchanged.
+
+#include "bmp/BmpOps.h"
+#include "harness/Target.h"
+
+namespace {
+
+float run(Case& files) {
+    const int mode = files.byte(0) % 5;
+    const float status = swapChannelsBMP(files.file(0), mode);
+    Case::expectStatus(status, {0.0f, -7.0f});
+    if (status != 0.0f) files.expectUnchanged(0);
+    files.expectSameBytes(0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"bmp_swap", kBmp, 1, run});

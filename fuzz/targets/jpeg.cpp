@@ -1,0 +1,28 @@
+// A BMP image as JPEG.
+
+#include "bytes/Bytes.h"
+#include "encoders/JpegOps.h"
+#include "harness/Target.h"
+
+namespace {
+
+// Rows that a file does not have are coded, too; huge sizes only take longer.
+constexpr std::uint32_t kMostPixels = 512 * 512;
+
+bool isHuge(const ByteList& file) {
+    Bytes bytes{file.data(), file.size()};
+    return std::uint32_t{bytes.le16(18)} * bytes.le16(22) > kMostPixels;
+}
+
+float convert(Case& files) {
+    if (isHuge(files.given(0))) return 0.0f;
+    const float status = convertToJPEG(files.file(0), files.output(), files.number(0));
+    Case::expectStatus(status, {0.0f, 4.0f, 5.0f, -9.0f});
+    files.expectUnchanged(0);
+    files.expectOutputs(status == 0.0f ? 1 : 0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"jpeg", kBmp, 1, convert});

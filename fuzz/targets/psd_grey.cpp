@@ -1,0 +1,18 @@
+// An RGB map as a grey one, with a black point.
+
+#include "harness/Target.h"
+#include "psd/PsdOps.h"
+
+namespace {
+
+float run(Case& files) {
+    const float status = GrayscalePSD(files.file(0), files.output(), files.number(0));
+    Case::expectStatus(status, {0.0f, -1.0f, -2.0f, -3.0f, -4.0f});
+    files.expectUnchanged(0);
+    files.expectOutputs(status == 0.0f ? 1 : 0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"psd_grey", kPsd, 1, run});

@@ -1,0 +1,19 @@
+// One tile's map laid over the map of all tiles.
+
+#include "harness/Target.h"
+#include "psd/PsdOps.h"
+
+namespace {
+
+float run(Case& files) {
+    const float status = mergePSD(files.file(0), files.file(1));
+    Case::expectStatus(status, {0.0f, -1.0f, -2.0f, -3.0f, -4.0f, -6.0f, 36.0f});
+    files.expectUnchanged(0);
+    files.expectSameSize(1);
+    if (status != 0.0f) files.expectUnchanged(1);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"psd_merge", kPsd, 2, run});

@@ -1,0 +1,19 @@
+// A TIFF map as Targa.
+
+#include "encoders/TargaOps.h"
+#include "harness/Target.h"
+
+namespace {
+
+float run(Case& files) {
+    const float status = convertToTarga(files.file(0), files.output());
+    Case::expectStatus(status,
+                       {0.0f, -257.0f, -279.0f, 258.0f, -259.0f, -262.0f, -273.0f, -339.0f});
+    files.expectUnchanged(0);
+    files.expectOutputs(status == 0.0f ? 1 : 0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"targa", kTiff, 1, run});

@@ -1,0 +1,19 @@
+// One tile's map folded into the map of all tiles.
+
+#include "harness/Target.h"
+#include "tiff/TiffOps.h"
+
+namespace {
+
+float run(Case& files) {
+    const float status = mergeTiff(files.file(0), files.file(1));
+    Case::expectStatus(status, {0.0f, -30.0f, -40.0f, 258.0f, -259.0f, -262.0f, -273.0f, -339.0f});
+    files.expectUnchanged(0);
+    files.expectSameSize(1);
+    if (status != 0.0f) files.expectUnchanged(1);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"tiff_merge", kTiff, 2, run});

@@ -1,0 +1,19 @@
+// The first channel of a float map as a map of its own.
+
+#include "harness/Target.h"
+#include "tiff/TiffOps.h"
+
+namespace {
+
+float run(Case& files) {
+    const float status = singleChannelTiff(files.file(0), files.output());
+    Case::expectStatus(status,
+                       {0.0f, -1.0f, -258.0f, -32.0f, -259.0f, -262.0f, -273.0f, -279.0f, -339.0f});
+    files.expectUnchanged(0);
+    files.expectOutputs(status == 0.0f ? 1 : 0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"tiff_single", kTiff, 1, run});

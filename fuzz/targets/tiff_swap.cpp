@@ -1,0 +1,19 @@
+// Two channels of a TIFF map exchanged.
+
+#include "harness/Target.h"
+#include "tiff/TiffOps.h"
+
+namespace {
+
+float run(Case& files) {
+    const int mode = files.byte(0) % 5;
+    const float status = swapChannels(files.file(0), mode);
+    Case::expectStatus(status, {0.0f, 258.0f, -259.0f, -262.0f, -273.0f, -339.0f});
+    if (status != 0.0f) files.expectUnchanged(0);
+    files.expectSameBytes(0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"tiff_swap", kTiff, 1, run});

@@ -1,0 +1,21 @@
+// A painted mesh as OBJ text; the first file is the base mesh whose faces are counted.
+
+#include "harness/Target.h"
+#include "mesh/VemoOps.h"
+
+namespace {
+
+float run(Case& files) {
+    const float bases = GetFaceIDsVemo(files.file(0), files.byte(0) - 3.0);
+    Case::expect(bases >= 0.0f || bases == -18.0f, "the status is a count or a known one");
+    const float status = writeOBJfromVemo(files.file(1), files.output());
+    Case::expect(status >= 0.0f || status == -18.0f, "the status is a chunk id or a known one");
+    files.expectUnchanged(0);
+    files.expectUnchanged(1);
+    if (status == -18.0f) files.expectOutputs(0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"vemo_obj", kVemo, 2, run});

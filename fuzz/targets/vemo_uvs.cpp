@@ -1,0 +1,20 @@
+// One mesh file per UV tile, with local UVs.
+
+#include "harness/Target.h"
+#include "mesh/VemoOps.h"
+
+namespace {
+
+float run(Case& files) {
+    clearUVtilesOut();
+    if (files.byte(1) % 2 == 1) setUVtilesOut(files.file(0));
+    const float status = GetUVsFromVemo(files.file(0), files.output(), files.byte(0) % 4);
+    Case::expect(status >= 0.0f || status == -18.0f, "the status is a count or a known one");
+    files.expectUnchanged(0);
+    files.expectOutputs(status > 0.0f ? static_cast<std::size_t>(status) : 0);
+    return status;
+}
+
+}  // namespace
+
+const AddTarget added({"vemo_uvs", kVemo, 1, run});
