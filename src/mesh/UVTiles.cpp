@@ -50,6 +50,10 @@ std::string placeName(const char* beforeU, std::int64_t u, const char* beforeV, 
     return name;
 }
 
+float whyMissing(const VemoPieces& vemo) {
+    return vemo.isGood() ? vemo_status::kChunkMissing : vemo_status::kMeshNotOpened;
+}
+
 }  // namespace
 
 TilePlace placeOf(float coordinate) {
@@ -119,9 +123,9 @@ const TileFilter& currentTileFilter() {
 
 float GetUVTile(const char* path, char* out, int mode) {
     VemoPieces vemo(path);
-    if (!vemo.isOpen()) return vemo_status::kMeshNotOpened;
+    if (!vemo.isGood()) return vemo_status::kMeshNotOpened;
     const auto faceUvs = findElements(vemo, kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
-    if (!faceUvs) return vemo_status::kChunkMissing;
+    if (!faceUvs) return whyMissing(vemo);
 
     TileFinder finder(mode, UVtilesOut);
     const auto add = [&](const std::uint8_t* faces, std::size_t count) {
@@ -136,10 +140,10 @@ float GetUVTile(const char* path, char* out, int mode) {
 
 float GetUVGroup(const char* path) {
     VemoPieces vemo(path);
-    if (!vemo.isOpen()) return vemo_status::kMeshNotOpened;
+    if (!vemo.isGood()) return vemo_status::kMeshNotOpened;
     const auto groups =
         findElements(vemo, kFaceGroupChunk, ZeroLength::kCountsAs16, kFaceGroupBytes);
-    if (!groups) return vemo_status::kChunkMissing;
+    if (!groups) return whyMissing(vemo);
 
     std::bitset<65536> ids;
     const auto add = [&](const std::uint8_t* group, std::size_t count) {

@@ -44,7 +44,7 @@ VemoPieces::VemoPieces(const char* path) : file_(File::openForReading(path)) {
     if (!file_.isOpen()) return;
     piece_.reset(new (std::nothrow) std::uint8_t[kPieceBytes]);
     const std::uint64_t bytes = file_.size();
-    if (bytes > 0) file_.readAt(bytes - 1, &last_, 1);
+    failed_ = bytes > 0 && file_.readAt(bytes - 1, &last_, 1) == 0;
     size = static_cast<std::size_t>(bytes) + 1;
 }
 
@@ -61,5 +61,6 @@ bool VemoPieces::read(std::uint64_t at, std::size_t count) {
     pieceStart_ = at;
     pieceBytes_ = file_.readAt(at, piece_.get(), count);
     if (pieceBytes_ < count && at + pieceBytes_ + 1 == size) piece_[pieceBytes_++] = last_;
-    return pieceBytes_ == count;
+    if (pieceBytes_ < count) failed_ = true;
+    return !failed_;
 }

@@ -99,7 +99,8 @@ class VemoPieces {
 public:
     explicit VemoPieces(const char* path);
 
-    bool isOpen() const { return file_.isOpen() && piece_ != nullptr; }
+    // Open, and read so far without the disk failing.
+    bool isGood() const { return file_.isOpen() && piece_ != nullptr && !failed_; }
 
     // A value of the chunk headers; bytes past the end read as 0.
     std::uint32_t le32(std::uint64_t at);
@@ -128,6 +129,7 @@ public:
 private:
     bool read(std::uint64_t at, std::size_t count);
 
+    bool failed_ = false;
     File file_;
     std::unique_ptr<std::uint8_t[]> piece_;
     std::uint64_t pieceStart_ = 0;

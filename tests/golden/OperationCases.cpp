@@ -187,8 +187,9 @@ void markingLevels(Case& test) {
     LevelSet marked;
     const std::vector<float> samples = numbers(test.random, test.random.below(60));
     markLevels(marked, samples.data(), samples.size());
-    for (std::size_t level = 0; level < marked.size(); ++level) {
-        if (marked[level]) test.result.add(static_cast<std::uint16_t>(level));
+    for (std::uint32_t level = 0; level < 65536; ++level) {
+        if (marked.test(static_cast<std::uint16_t>(level)))
+            test.result.add(static_cast<std::uint16_t>(level));
     }
 }
 
@@ -485,24 +486,31 @@ void rounding(Case& test) {
     test.result.add(quantised(static_cast<float>(test.random.between(-40000, 40000)) / 2.0f));
 }
 
-void codingUnits(Case& test) {
-    const bool luminance = test.random.oneIn(2);
+void codingBlocks(Case& test) {
     const QuantSegment segment = set_DQTinfo(test.random.between(0, 255));
-    const DivisorTable divisors =
-        prepare_quant_table(luminance ? segment.luminance() : segment.chrominance());
-    const ComponentCoding coding{divisors, luminance ? YDC_HT : CbDC_HT,
-                                 luminance ? YAC_HT : CbAC_HT};
-    auto mean = static_cast<std::int16_t>(test.random.between(-1024, 1023));
-    ByteList coded(1000);
+    const Divisors divisors{prepare_quant_table(segment.luminance()),
+                            prepare_quant_table(segment.chrominance())};
+    const std::size_t blocks = 1 + test.random.below(3);
+    const std::size_t rowBytes = 24 * blocks;
+    const ByteList pixels = paintedBytes(test.random, 8 * rowBytes + kBytesBehindRow);
+    Means means{};
+    for (std::int32_t& mean : means)
+        mean = test.random.between(-1024, 1023);
+    ByteList coded(blocks * kMostBlockBytes + BitWriter::kSpare);
     BitWriter bits(coded.data());
-    process_DU(dataUnit(test.random), coding, mean, bits);
+    codeBlocks(pixels.data(), static_cast<std::ptrdiff_t>(rowBytes), blocks, divisors, means, bits);
     bits.fillLastByte();
     coded.resize(static_cast<std::size_t>(bits.next() - coded.data()));
-    test.result.add(mean).add(coded);
+    for (const std::int32_t mean : means)
+        test.result.add(mean);
+    ByteList written(2 * coded.size());
+    written.resize(static_cast<std::size_t>(stuffed(coded.data(), coded.size(), written.data()) -
+                                            written.data()));
+    test.result.add(coded).add(written);
 }
 
 void packingBits(Case& test) {
-    ByteList packed(600);
+    ByteList packed(600 + BitWriter::kSpare);
     BitWriter bits(packed.data());
     const std::uint32_t codes = test.random.below(60);
     for (std::uint32_t i = 0; i < codes; ++i) {
@@ -844,7 +852,7 @@ constexpr Operation kOperations[] = {
     {"load_data_units", colouring},
     {"fdct_and_quantization", transforming},
     {"quantised", rounding},
-    {"process_DU", codingUnits},
+    {"process_DU", codingBlocks},
     {"BitWriter", packingBits},
     {"set_quant_table", scalingTables},
     {"jpegSegments", writingSegments},

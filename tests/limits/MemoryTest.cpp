@@ -205,8 +205,8 @@ TEST(LittleMemory, IsNoReasonToFallForAHugeFile) {
         float status;
     } rows[] = {
         {{"setUVtilesOutput", "huge"}, -1},
-        {{"getUVTile", "huge"}, -17},
-        {{"getUVGroups", "huge"}, -17},
+        {{"getUVTile", "huge"}, -18},
+        {{"getUVGroups", "huge"}, -18},
         {{"getUVs", "huge", 2.0, "o.x"}, -1760},
         {{"getUVsMask", "huge", 2.0, "o.x"}, -1760},
         {{"mergeCrease", "huge", 0.0, "small"}, -1760},

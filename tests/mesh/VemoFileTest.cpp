@@ -48,7 +48,7 @@ TEST(LoadVemo, AnEmptyFileIsOneZeroByte) {
 TEST(VemoPieces, ReadTheLastByteOnceMoreAndZeroBehindIt) {
     const TempDir dir;
     VemoPieces mesh(dir.write("m.Vemo", ByteList{1, 2, 3, 4, 7}).c_str());
-    ASSERT_TRUE(mesh.isOpen());
+    ASSERT_TRUE(mesh.isGood());
     EXPECT_EQ(mesh.size, 6u);
     EXPECT_EQ(mesh.le32(0), 0x04030201u);
     EXPECT_EQ(mesh.le32(2), 0x07070403u);
@@ -60,7 +60,7 @@ TEST(VemoPieces, ReadTheLastByteOnceMoreAndZeroBehindIt) {
 TEST(VemoPieces, AnEmptyFileIsOneZeroByte) {
     const TempDir dir;
     VemoPieces mesh(dir.write("m.Vemo", ByteList{}).c_str());
-    ASSERT_TRUE(mesh.isOpen());
+    ASSERT_TRUE(mesh.isGood());
     EXPECT_EQ(mesh.size, 1u);
     EXPECT_EQ(mesh.le32(0), 0u);
 }
