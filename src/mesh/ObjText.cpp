@@ -29,12 +29,13 @@ using IntegerText = std::array<char, 20>;
 
 __extension__ using Uint128 = unsigned __int128;
 
-constexpr auto kPowersOfFive = [] {
+constexpr std::array<Uint128, 51> powersOfFive() {
     std::array<Uint128, 51> powers{1};
     for (std::size_t i = 1; i < powers.size(); ++i)
         powers[i] = 5 * powers[i - 1];
     return powers;
-}();
+}
+constexpr std::array<Uint128, 51> kPowersOfFive = powersOfFive();
 
 // A positive float: mantissa * 2^exponent, exactly.
 struct Binary {
