@@ -91,11 +91,18 @@ std::size_t File::readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t 
 }
 
 bool File::writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const {
-    const std::size_t written =
-        transferAll(offset, count, [&](std::size_t done, std::size_t length) {
-            return ::pwrite(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
-        });
-    return written == count;
+    return writeUpTo(offset, bytes, count) == count;
+}
+
+std::size_t File::writeUpTo(std::uint64_t offset, const std::uint8_t* bytes,
+                            std::size_t count) const {
+    return transferAll(offset, count, [&](std::size_t done, std::size_t length) {
+        return ::pwrite(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
+    });
+}
+
+bool File::cut(std::uint64_t length) const {
+    return size() <= length || ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
 }
 
 bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {

@@ -37,6 +37,12 @@ public:
     // Writes all of `count` bytes at `offset`; false if the disk took fewer.
     bool writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
 
+    // The same; returns how many bytes the disk took.
+    std::size_t writeUpTo(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
+
+    // Takes off what lies from `length` on, if anything does. False if the system refuses.
+    bool cut(std::uint64_t length) const;
+
 private:
     explicit File(int descriptor) : descriptor_(descriptor) {}
     static File openRegular(const char* path, int flags);

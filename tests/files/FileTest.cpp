@@ -122,6 +122,30 @@ TEST(File, WritingNothingSucceedsAnywhere) {
     EXPECT_EQ(file.size(), 0u);
 }
 
+TEST(File, WritingUpToALimitTellsHowFarItCame) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1, 2, 3, 4});
+    const File file = File::openForRewriting(path.c_str());
+    const ByteList bytes = {7, 8, 9};
+    {
+        const FullDisk disk(3);
+        EXPECT_EQ(file.writeUpTo(1, bytes.data(), 3), 2u);
+    }
+    EXPECT_EQ(readBytes(path), (ByteList{1, 7, 8, 4}));
+}
+
+TEST(File, CuttingTakesOffTheEndAndAddsNone) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1, 2, 3});
+    const File file = File::openForRewriting(path.c_str());
+    EXPECT_TRUE(file.cut(4));
+    EXPECT_EQ(readBytes(path), (ByteList{1, 2, 3}));
+    EXPECT_TRUE(file.cut(1));
+    EXPECT_EQ(readBytes(path), ByteList{1});
+    EXPECT_FALSE(File::openForReading(path.c_str()).cut(0));
+    EXPECT_EQ(readBytes(path), ByteList{1});
+}
+
 TEST(File, CreatingEmptiesAFileThatExists) {
     const TempDir dir;
     const std::string path = dir.write("f", ByteList{1, 2, 3});
