@@ -73,7 +73,7 @@ void convertPixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixel
 
 // Writes the rows that the map has, the bottom one first, in pieces of several rows. Leaves the
 // last of them in `lastRow`, as it was written.
-bool writeExistingRows(const File& in, FileWriter& out, const Map& map,
+bool writeExistingRows(const File& in, FileReplacer& out, const Map& map,
                        std::vector<std::uint8_t>& lastRow) {
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
@@ -97,7 +97,7 @@ bool writeExistingRows(const File& in, FileWriter& out, const Map& map,
     return true;
 }
 
-bool writeRows(const File& in, FileWriter& out, const Map& map) {
+bool writeRows(const File& in, FileReplacer& out, const Map& map) {
     if (map.width == 0 || map.rows == 0) return true;
     std::vector<std::uint8_t> lastRow(static_cast<std::size_t>(map.width) * kPixelBytes);
     if (!writeExistingRows(in, out, map, lastRow)) return false;
@@ -118,7 +118,7 @@ float convertToTarga(const char* inPath, const char* outPath) {
     if (inventsItsSize(map)) return targa_status::kPixelsMissing;
     if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
 
-    FileWriter out(File::create(outPath));
+    FileReplacer out(outPath);
     const auto targa = targaHeader(header.info);
     if (!out.isOpen() || !out.append(targa.data(), targa.size()))
         return targa_status::kTargetNotWritten;

@@ -60,6 +60,11 @@ File File::create(const char* path) {
     return File(::open(path, O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC | O_NONBLOCK, 0666));
 }
 
+File File::createOver(const char* path) {
+    if (path == nullptr) return {};
+    return File(::open(path, O_WRONLY | O_CREAT | O_CLOEXEC | O_NONBLOCK, 0666));
+}
+
 File::File(File&& other) noexcept : descriptor_(std::exchange(other.descriptor_, -1)) {}
 
 File& File::operator=(File&& other) noexcept {
@@ -109,6 +114,17 @@ bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
     const bool written = file_.writeAt(length_, bytes, count);
     length_ += count;
     return written;
+}
+
+// Nobody is left to be told of a failure; the file is open for writing, so none is expected.
+FileReplacer::~FileReplacer() {
+    if (isOpen()) file_.cut(length_);
+}
+
+bool FileReplacer::append(const std::uint8_t* bytes, std::size_t count) {
+    const std::size_t written = file_.writeUpTo(length_, bytes, count);
+    length_ += written;
+    return written == count;
 }
 
 FileBytes loadFile(const char* path, std::size_t spare) {

@@ -25,12 +25,12 @@ template <typename Convert>
 float writeConverted(const FloatMap& map, const char* target, const Header& header,
                      std::size_t outPixelBytes, Convert convert) {
     if (map.file.isSameAs(target)) return tiff_status::kTargetNotWritten;
-    FileWriter out(File::create(target));
+    std::vector<float> samples = pieceOfSamples();
+    std::vector<std::uint8_t> converted(kPieceBytes);
+    FileReplacer out(target);
     if (!out.isOpen() || !out.append(header.data(), header.size()))
         return tiff_status::kTargetNotWritten;
 
-    std::vector<float> samples = pieceOfSamples();
-    std::vector<std::uint8_t> converted(kPieceBytes);
     const bool done = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
         if (!readSamples(map, offset, pixels, samples)) return false;
         convert(converted.data(), samples.data(), pixels);
