@@ -46,6 +46,14 @@ float loadWholeBMP(const char* path, float notOpened) {
     return bmpV.data == nullptr ? notOpened : readBMPHeader();
 }
 
+bool loadBMPUpToPixels(const File& file) {
+    const std::uint64_t wanted = std::max<std::uint64_t>(bmpHdr.pixelOffset, kHeadBytes);
+    const auto count = static_cast<std::size_t>(std::min(wanted, file.size()));
+    bmpV.data = std::make_unique<std::uint8_t[]>(count);
+    bmpV.size = file.readAt(0, bmpV.data.get(), count);
+    return bmpHdr.pixelOffset <= bmpV.size;
+}
+
 float readBMPHeader() {
     Bytes bytes = loaded();
     bmpHdr.firstByte = static_cast<char>(bytes.u8(0));

@@ -20,8 +20,9 @@ struct BmpHeader {
 };
 
 // The file that an operation works on: its first 100 bytes for those that rewrite rows in place,
-// the whole file for a crop or a thumbnail. Filled by the two loaders below; emptied by each load
-// before it starts and, where it held a whole file, at the end of the operation.
+// all that stands before the pixels for a thumbnail, the whole file for a crop. Filled by the
+// loaders below; emptied by each load before it starts and, after a crop or a thumbnail, at the end
+// of the operation.
 extern FileBytes bmpV;
 
 // What bmpV's header says. Cleared by each load, filled by readBMPHeader; stays until the next
@@ -36,7 +37,11 @@ inline constexpr std::size_t kBmpPixelBytes = 3;
 float loadBMPHead(const char* path, float notOpened);
 float loadWholeBMP(const char* path, float notOpened);
 
-// Empties bmpV when the operation that loaded a whole file ends, whichever way.
+// Loads all that stands before the pixels of a file whose header has been read, 100 bytes at least
+// if there are as many. False when the file ends before its pixels start.
+bool loadBMPUpToPixels(const File& file);
+
+// Empties bmpV when the operation ends, whichever way.
 struct EmptyBmpVAtEnd {
     EmptyBmpVAtEnd() = default;
     EmptyBmpVAtEnd(const EmptyBmpVAtEnd&) = delete;

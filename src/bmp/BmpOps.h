@@ -81,7 +81,7 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
 // floats. The step is the image's longer side divided by `size`. A pixel of which the file has no
 // byte beyond it, or that it lacks, is black.
 //
-//   path     whole in memory during the call
+//   path     rewritten in place, row by row, and cut off behind the copy
 //   size     pixels of the copy's longer side; an image with both sides below it is left as it is.
 //            The shorter side keeps the proportions, rounded down.
 //   returns  kOk, also when the file cannot be written; kSizeRefused for 0 or below and for a copy

@@ -1,6 +1,7 @@
 // The operations that make another image of one: the crop and the thumbnail.
 
 #include <algorithm>
+#include <vector>
 
 #include "bmp/BmpHeader.h"
 #include "bmp/BmpOps.h"
@@ -62,28 +63,59 @@ Thumbnail thumbnailOf(const BmpHeader& header, std::int32_t size) {
     return {newImage(saturatedInt(width / height * side), size), height / side};
 }
 
-// A sample that starts here or further on is black: the file has no byte beyond it.
-std::uint64_t firstBlackByte() {
-    return bmpV.size - kBmpPixelBytes;
-}
+// The pixels of an image that is read here and there, further and further on.
+class ReadAhead {
+public:
+    // As many bytes are read at once as a row has.
+    explicit ReadAhead(const File& file)
+        : file_(file),
+          fileBytes_(file.size()),
+          buffer_(static_cast<std::size_t>(
+              std::clamp<std::int64_t>(bmpHdr.rowStride, kBmpPixelBytes, kPieceBytes))) {}
+
+    // Whether there is a pixel at `offset`, and a byte beyond it; others are black.
+    bool hasPixel(std::uint64_t offset) const { return offset + kBmpPixelBytes < fileBytes_; }
+
+    const std::uint8_t* pixel(std::uint64_t offset) {
+        if (offset < start_ || offset + kBmpPixelBytes > start_ + held_) read(offset);
+        return &buffer_[static_cast<std::size_t>(offset - start_)];
+    }
+
+private:
+    void read(std::uint64_t offset) {
+        start_ = offset;
+        held_ = file_.readAt(offset, buffer_.data(), buffer_.size());
+        std::fill(buffer_.begin() + static_cast<std::ptrdiff_t>(held_), buffer_.end(),
+                  std::uint8_t{0});
+    }
+
+    const File& file_;
+    std::uint64_t fileBytes_;
+    std::vector<std::uint8_t> buffer_;
+    std::uint64_t start_ = 0;  // of what the buffer holds, in the file
+    std::size_t held_ = 0;
+};
 
 std::uint64_t wholePart(float sum) {
     return static_cast<std::uint64_t>(sum);
 }
 
-void appendSampledRow(BmpWriter& writer, const Thumbnail& thumb, std::uint64_t rowStart) {
+void appendSampledRow(BmpWriter& writer, const Thumbnail& thumb, ReadAhead& image,
+                      std::uint64_t rowStart) {
     std::uint64_t pixelsLeft = thumb.image.pixelsPerRow;
     float column = 0.0f;
     for (; pixelsLeft > 0; --pixelsLeft) {
         const std::uint64_t sample = rowStart + kBmpPixelBytes * wholePart(column);
-        if (sample >= firstBlackByte()) break;  // and so are all further right
-        writer.append(bmpV.data.get() + sample, kBmpPixelBytes);
+        if (!image.hasPixel(sample)) break;  // nor are there any further right
+        writer.append(image.pixel(sample), kBmpPixelBytes);
         column += thumb.step;
     }
     writer.appendBlack(kBmpPixelBytes * pixelsLeft + thumb.image.padding);
 }
 
-void appendSamples(BmpWriter& writer, const Thumbnail& thumb) {
+// A pixel of the copy stands no further on in the file than the one it shows, so the copy can be
+// written over the image while that is read.
+void appendSamples(BmpWriter& writer, const Thumbnail& thumb, ReadAhead& image) {
     if (thumb.image.rows == 0 || thumb.image.pixelBytes == 0) return;
     const auto stride = static_cast<std::uint64_t>(bmpHdr.rowStride);
 
@@ -91,15 +123,15 @@ void appendSamples(BmpWriter& writer, const Thumbnail& thumb) {
     std::uint64_t row = 0;
     for (; row < thumb.image.rows; ++row) {
         const std::uint64_t rowStart = bmpHdr.pixelOffset + stride * wholePart(sourceRow);
-        if (rowStart >= firstBlackByte()) break;  // and so are all further up
-        appendSampledRow(writer, thumb, rowStart);
+        if (!image.hasPixel(rowStart)) break;  // nor are there any further up
+        appendSampledRow(writer, thumb, image, rowStart);
         sourceRow += thumb.step;
     }
     writer.appendBlack(thumb.image.pixelBytes / thumb.image.rows * (thumb.image.rows - row));
 }
 
 float loadForThumbnail(const char* path) {
-    const float status = loadWholeBMP(path, bmp_status::kThumbNotOpened);
+    const float status = loadBMPHead(path, bmp_status::kThumbNotOpened);
     const bool hasSignature = bmpHdr.firstByte == 'B' && bmpHdr.secondByte == 'M';
     return status == bmp_status::kNotABmp && !hasSignature ? bmp_status::kThumbNotABmp : status;
 }
@@ -110,7 +142,7 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
     const EmptyBmpVAtEnd emptied;
     const float status = loadWholeBMP(input, bmp_status::kNotOpened);
     if (status != bmp_status::kOk) return status;
-    if (!hasHeaders()) return bmp_status::kNotABmp;
+    if (bmpHdr.pixelOffset > bmpV.size) return bmp_status::kNotABmp;
 
     const std::int64_t height = std::int64_t{bmpHdr.height} - kCroppedRows;
     const NewImage image = newImage(newWidth, saturatedInt(static_cast<double>(height)));
@@ -128,15 +160,17 @@ float createBMPthumb(const char* path, std::int32_t size) {
     const float status = loadForThumbnail(path);
     if (status != bmp_status::kOk) return status;
     if (bmpHdr.width < size && bmpHdr.height < size) return bmp_status::kOk;
-    if (!hasHeaders()) return bmp_status::kNotABmp;
+    const File file = File::openForReading(path);
+    if (!loadBMPUpToPixels(file)) return bmp_status::kNotABmp;
 
     const Thumbnail thumb = thumbnailOf(bmpHdr, size);
     if (!canBeWritten(thumb.image)) return bmp_status::kSizeRefused;
 
     // An image that cannot be written stays whole; the host's scripts take that as done.
-    BmpWriter writer(path);
+    ReadAhead image(file);
+    BmpWriter writer(File::openForRewriting(path));
     if (!writer.isOpen()) return bmp_status::kOk;
-    appendSamples(writer, thumb);
+    appendSamples(writer, thumb, image);
     writer.finish(thumb.image);
     return bmp_status::kOk;
 }

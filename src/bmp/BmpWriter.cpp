@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cstring>
+#include <utility>
 
 #include "bmp/BmpHeader.h"
 
@@ -26,10 +27,6 @@ NewImage newImage(std::int32_t width, std::int32_t height) {
     return image;
 }
 
-bool hasHeaders() {
-    return bmpHdr.pixelOffset <= bmpV.size;
-}
-
 bool canBeWritten(const NewImage& image) {
     return image.pixelBytes <= UINT32_MAX - bmpHdr.pixelOffset;
 }
@@ -37,8 +34,19 @@ bool canBeWritten(const NewImage& image) {
 BmpWriter::BmpWriter(const char* path)
     : piece_(std::make_unique<std::uint8_t[]>(kPieceBytes)),
       file_(File::create(path)),
+      oldBytes_(0),
       offset_(bmpHdr.pixelOffset),
       written_(bmpHdr.pixelOffset) {}
+
+BmpWriter::BmpWriter(File image)
+    : piece_(std::make_unique<std::uint8_t[]>(kPieceBytes)),
+      file_(std::move(image)),
+      oldBytes_(file_.size()),
+      offset_(bmpHdr.pixelOffset),
+      written_(bmpHdr.pixelOffset) {
+    const std::uint8_t noSignature[] = {0, 0};
+    if (offset_ >= sizeof noSignature) failed_ = !file_.writeAt(0, noSignature, sizeof noSignature);
+}
 
 void BmpWriter::append(const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
@@ -52,11 +60,16 @@ void BmpWriter::append(const std::uint8_t* bytes, std::size_t count) {
 }
 
 void BmpWriter::appendBlack(std::uint64_t bytes) {
-    if (bytes < kPieceBytes - used_) {
-        std::memset(piece_.get() + used_, 0, static_cast<std::size_t>(bytes));
-        used_ += static_cast<std::size_t>(bytes);
-        return;
+    // Over the old image, and little of it anywhere, black is written like anything else.
+    while (bytes > 0 && (bytes < kPieceBytes - used_ || offset_ + used_ < oldBytes_)) {
+        const auto taken =
+            static_cast<std::size_t>(std::min<std::uint64_t>(bytes, kPieceBytes - used_));
+        std::memset(piece_.get() + used_, 0, taken);
+        used_ += taken;
+        bytes -= taken;
+        if (used_ == kPieceBytes) flush();
     }
+    if (bytes == 0) return;
     flush();
     offset_ += bytes;
 }
@@ -64,7 +77,8 @@ void BmpWriter::appendBlack(std::uint64_t bytes) {
 bool BmpWriter::finish(const NewImage& image) {
     flush();
     const std::uint8_t black = 0;
-    if (written_ < offset_ && !file_.writeAt(offset_ - 1, &black, 1)) failed_ = true;
+    if (!failed_ && written_ < offset_) failed_ = !file_.writeAt(offset_ - 1, &black, 1);
+    if (!file_.cut(failed_ ? written_ : offset_)) failed_ = true;
     patchSizes(image);
     return file_.writeAt(0, bmpV.data.get(), bmpHdr.pixelOffset) && !failed_;
 }
@@ -72,8 +86,9 @@ bool BmpWriter::finish(const NewImage& image) {
 void BmpWriter::flush() {
     // After a failure the rest is only counted: a full disk takes nothing more.
     if (used_ > 0 && !failed_) {
-        failed_ = !file_.writeAt(offset_, piece_.get(), used_);
-        written_ = offset_ + used_;
+        const std::size_t taken = file_.writeUpTo(offset_, piece_.get(), used_);
+        failed_ = taken < used_;
+        written_ = offset_ + taken;
     }
     offset_ += used_;
     used_ = 0;

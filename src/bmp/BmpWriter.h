@@ -19,28 +19,29 @@ struct NewImage {
 
 NewImage newImage(std::int32_t width, std::int32_t height);
 
-// Whether bmpV has all bytes before its pixels.
-bool hasHeaders();
-
 // Whether the file's size fits into its 32-bit field.
 bool canBeWritten(const NewImage& image);
 
 // Writes a file's rows in large pieces, then what stands before them: until then an interrupted
-// output is no BMP. Black that does not fit into the piece at hand is skipped rather than written:
-// a file's unwritten bytes are zero, so a damaged file that promises rows of black costs neither
-// time nor disk.
+// output is no BMP. Black beyond the end of the file as it was is skipped rather than written: a
+// file's unwritten bytes are zero, so a damaged file that promises rows of black costs neither time
+// nor disk.
 class BmpWriter {
 public:
     // Empties the file at `path` and starts where bmpV has its pixels.
     explicit BmpWriter(const char* path);
+
+    // Starts there, too, but writes over an open image, which can be read on behind what has been
+    // appended. What is left of it is cut off in the end.
+    explicit BmpWriter(File image);
 
     bool isOpen() const { return file_.isOpen(); }
 
     void append(const std::uint8_t* bytes, std::size_t count);
     void appendBlack(std::uint64_t bytes);
 
-    // Gives bmpV's headers the sizes of `image` and writes all that bmpV has before its pixels.
-    // False when the disk did not take every byte.
+    // Gives bmpV's headers the sizes of `image` and writes all that bmpV has before its pixels;
+    // nothing is left behind them. False when the disk did not take every byte.
     bool finish(const NewImage& image);
 
 private:
@@ -49,8 +50,9 @@ private:
     // In this order: the memory is there before the file is emptied.
     std::unique_ptr<std::uint8_t[]> piece_;
     File file_;
-    std::size_t used_ = 0;   // bytes of the piece
-    std::uint64_t offset_;   // of the piece in the file
-    std::uint64_t written_;  // where the last piece in the file ends
+    std::uint64_t oldBytes_;  // of the file as it was
+    std::size_t used_ = 0;    // bytes of the piece
+    std::uint64_t offset_;    // of the piece in the file
+    std::uint64_t written_;   // where the last piece in the file ends
     bool failed_ = false;
 };

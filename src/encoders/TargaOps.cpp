@@ -89,7 +89,7 @@ struct RowBuffers {
 };
 
 // Writes the rows that the map has, the bottom one first, in pieces of several rows.
-bool writeExistingRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
+bool writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
     auto& [lastRow, pieceRows, rows, targaRows] = buffers;
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
@@ -108,7 +108,7 @@ bool writeExistingRows(const File& in, FileWriter& out, const Map& map, RowBuffe
     return true;
 }
 
-bool writeRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
+bool writeRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
     if (map.width == 0 || map.rows == 0) return true;
     if (!writeExistingRows(in, out, map, buffers)) return false;
     for (std::uint64_t row = map.existingRows(); row < map.rows; ++row) {
@@ -130,7 +130,7 @@ float convertToTarga(const char* inPath, const char* outPath) {
     if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
 
     RowBuffers buffers(map);  // there before the old target is gone
-    FileWriter out(File::create(outPath));
+    FileReplacer out(outPath);
     const auto targa = targaHeader(header.info);
     if (!out.isOpen() || !out.append(targa.data(), targa.size()))
         return targa_status::kTargetNotWritten;

@@ -69,6 +69,11 @@ File File::create(const char* path) {
     return File(openPatiently(path, O_WRONLY | O_CREAT | O_TRUNC, 0666));
 }
 
+File File::createOver(const char* path) {
+    if (path == nullptr) return {};
+    return File(openPatiently(path, O_WRONLY | O_CREAT, 0666));
+}
+
 File::File(File&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
 
@@ -96,17 +101,35 @@ std::size_t File::readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t 
 }
 
 bool File::writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const {
-    const std::size_t written =
-        transferAll(offset, count, [&](std::size_t done, std::size_t length) {
-            return ::pwrite(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
-        });
-    return written == count;
+    return writeUpTo(offset, bytes, count) == count;
+}
+
+std::size_t File::writeUpTo(std::uint64_t offset, const std::uint8_t* bytes,
+                            std::size_t count) const {
+    return transferAll(offset, count, [&](std::size_t done, std::size_t length) {
+        return ::pwrite(descriptor_, bytes + done, length, static_cast<off_t>(offset + done));
+    });
+}
+
+bool File::cut(std::uint64_t length) const {
+    return size() <= length || ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
 }
 
 bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
     const bool written = file_.writeAt(length_, bytes, count);
     length_ += count;
     return written;
+}
+
+// Nobody is left to be told of a failure; the file is open for writing, so none is expected.
+FileReplacer::~FileReplacer() {
+    if (isOpen()) file_.cut(length_);
+}
+
+bool FileReplacer::append(const std::uint8_t* bytes, std::size_t count) {
+    const std::size_t written = file_.writeUpTo(length_, bytes, count);
+    length_ += written;
+    return written == count;
 }
 
 FileBytes loadFile(const char* path, std::size_t spare) {

@@ -14,6 +14,7 @@ public:
     static File openForReading(const char* path);    // regular files only, never a folder or a pipe
     static File openForRewriting(const char* path);  // an existing regular file, read and written
     static File create(const char* path);            // emptied if it exists; never waits on a pipe
+    static File createOver(const char* path);        // the same, but keeping what it holds
 
     File() = default;
     File(File&& other) noexcept;
@@ -38,6 +39,12 @@ public:
     // Writes all of `count` bytes at `offset`; false if the disk took fewer.
     bool writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
 
+    // The same; returns how many bytes the disk took.
+    std::size_t writeUpTo(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
+
+    // Takes off what lies from `length` on, if anything does. False if the system refuses.
+    bool cut(std::uint64_t length) const;
+
 private:
     explicit File(int descriptor) : descriptor_(descriptor) {}
     static File openRegular(const char* path, int flags);
@@ -54,6 +61,24 @@ public:
     bool isOpen() const { return file_.isOpen(); }
 
     // Writes all of `count` bytes behind what was written before; false if the disk took fewer.
+    bool append(const std::uint8_t* bytes, std::size_t count);
+
+private:
+    File file_;
+    std::uint64_t length_ = 0;
+};
+
+// The same over a file that may be there already: its blocks are written over, which is cheaper than
+// giving them back and asking for new ones. What an older file has behind the bytes appended is cut
+// off in the end, also when not all of them could be.
+class FileReplacer {
+public:
+    explicit FileReplacer(const char* path) : file_(File::createOver(path)) {}
+    FileReplacer(const FileReplacer&) = delete;
+    FileReplacer& operator=(const FileReplacer&) = delete;
+    ~FileReplacer();
+
+    bool isOpen() const { return file_.isOpen(); }
     bool append(const std::uint8_t* bytes, std::size_t count);
 
 private:

@@ -25,10 +25,10 @@ template <typename Convert>
 float writeConverted(const FloatMap& map, const char* target, const Header& header,
                      std::size_t outPixelBytes, Convert convert) {
     if (map.file.isSameAs(target)) return tiff_status::kTargetNotWritten;
-    // The memory is there before the old target is gone.
+    // The memory is there before the old target is written over.
     std::vector<float> samples = pieceOfSamples();
     std::vector<std::uint8_t> converted(kPieceBytes);
-    FileWriter out(File::create(target));
+    FileReplacer out(target);
     if (!out.isOpen() || !out.append(header.data(), header.size()))
         return tiff_status::kTargetNotWritten;
 

@@ -57,6 +57,27 @@ TEST_F(BmpThumb, TakesEveryEighthPixelOfALargeMap) {
     EXPECT_TRUE(readBytes(map()) == ByteList(small));
 }
 
+// The copy takes the image's place while that is still read: this one is written in several pieces.
+TEST_F(BmpThumb, ALargeCopyIsWrittenOverTheImageItShows) {
+    constexpr std::size_t kSide = 1000;
+    const auto byteAt = [](std::size_t row, std::size_t at) {
+        return static_cast<std::uint8_t>(row * 31 + at * 7 + at / 300);
+    };
+    ByteList image = BmpFile(kSide, kSide);
+    for (std::size_t row = 0; row < kSide; ++row) {
+        for (std::size_t at = 0; at < 3 * kSide; ++at)
+            image[54 + 3 * kSide * row + at] = byteAt(row, at);
+    }
+    EXPECT_EQ(shrink(image, 500), 0.0f);
+
+    const ByteList copy = readBytes(map());
+    ASSERT_EQ(copy.size(), 54u + 3 * 500 * 500);
+    for (std::size_t row = 0; row < 500; ++row) {
+        for (std::size_t at = 0; at < 1500; ++at)
+            ASSERT_EQ(copy[54 + 1500 * row + at], byteAt(2 * row, 6 * (at / 3) + at % 3)) << row;
+    }
+}
+
 TEST_F(BmpThumb, AFractionalStepTakesThePixelsBelow) {
     BmpFile image(5, 5);
     for (std::int32_t row = 0; row < 5; ++row) {

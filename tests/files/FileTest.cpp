@@ -122,6 +122,30 @@ TEST(File, WritingNothingSucceedsAnywhere) {
     EXPECT_THAT(readBytes(path), ElementsAre());
 }
 
+TEST(File, WritingUpToALimitTellsHowFarItCame) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1, 2, 3, 4});
+    const File file = File::openForRewriting(path.c_str());
+    const ByteList bytes = {7, 8, 9};
+    {
+        const FullDisk disk(3);
+        EXPECT_EQ(file.writeUpTo(1, bytes.data(), 3), 2u);
+    }
+    EXPECT_EQ(readBytes(path), (ByteList{1, 7, 8, 4}));
+}
+
+TEST(File, CuttingTakesOffTheEndAndAddsNone) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1, 2, 3});
+    const File file = File::openForRewriting(path.c_str());
+    EXPECT_TRUE(file.cut(4));
+    EXPECT_EQ(readBytes(path), (ByteList{1, 2, 3}));
+    EXPECT_TRUE(file.cut(1));
+    EXPECT_EQ(readBytes(path), ByteList{1});
+    EXPECT_FALSE(File::openForReading(path.c_str()).cut(0));
+    EXPECT_EQ(readBytes(path), ByteList{1});
+}
+
 TEST(File, CreatingEmptiesAFileThatExists) {
     const TempDir dir;
     const std::string path = dir.write("f", ByteList{1, 2, 3});
@@ -185,6 +209,42 @@ TEST(File, RefusingLeavesNoDescriptorOpen) {
     expectNotOpened("/dev/zero");
     expectNotOpened(dir.path("missing").c_str());
     EXPECT_EQ(openFiles(), before);
+}
+
+TEST(FileReplacer, LeavesWhatWasAppendedAlone) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1, 2, 3, 4});
+    {
+        FileReplacer file(path.c_str());
+        EXPECT_TRUE(file.append(ByteList{7, 8}.data(), 2));
+        EXPECT_TRUE(file.append(ByteList{9}.data(), 1));
+    }
+    EXPECT_EQ(readBytes(path), (ByteList{7, 8, 9}));
+}
+
+TEST(FileReplacer, MakesAFileThatIsNotThere) {
+    const TempDir dir;
+    { const FileReplacer file(dir.path("f").c_str()); }
+    EXPECT_EQ(readBytes(dir.path("f")), ByteList{});
+    EXPECT_FALSE(FileReplacer(dir.path("none/f").c_str()).isOpen());
+    EXPECT_FALSE(FileReplacer(nullptr).isOpen());
+}
+
+TEST(FileReplacer, AFullDiskLeavesTheBytesThatItTook) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1, 2, 3, 4, 5});
+    {
+        const FullDisk disk(2);
+        FileReplacer file(path.c_str());
+        EXPECT_FALSE(file.append(ByteList{7, 8, 9}.data(), 3));
+    }
+    EXPECT_EQ(readBytes(path), (ByteList{7, 8}));
+}
+
+TEST(FileReplacer, WritesToADeviceWithoutCuttingIt) {
+    FileReplacer file("/dev/full");
+    EXPECT_TRUE(file.isOpen());
+    EXPECT_FALSE(file.append(ByteList{1}.data(), 1));
 }
 
 TEST(LoadFile, HoldsTheWholeFile) {
