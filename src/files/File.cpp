@@ -98,6 +98,10 @@ bool File::writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t 
     return written == count;
 }
 
+void File::cutAt(std::uint64_t length) const {
+    if (fitsOffset(length)) static_cast<void>(::ftruncate(descriptor_, static_cast<off_t>(length)));
+}
+
 bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
     const bool written = file_.writeAt(length_, bytes, count);
     length_ += count;

@@ -37,6 +37,9 @@ public:
     // Writes all of `count` bytes at `offset`; false if the disk took fewer.
     bool writeAt(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
 
+    // Makes the file end there.
+    void cutAt(std::uint64_t length) const;
+
 private:
     explicit File(int descriptor) : descriptor_(descriptor) {}
     static File openRegular(const char* path, int flags);
