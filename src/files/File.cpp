@@ -112,7 +112,10 @@ std::size_t File::writeUpTo(std::uint64_t offset, const std::uint8_t* bytes,
 }
 
 bool File::cut(std::uint64_t length) const {
-    return size() <= length || ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
+    struct stat status {};
+    if (::fstat(descriptor_, &status) != 0) return false;
+    if (!std::cmp_greater(status.st_size, length)) return true;
+    return ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
 }
 
 bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {

@@ -34,14 +34,6 @@ void forEachBlock(std::size_t pixels, Work work) {
 // Below, a byte is read and written whatever its mark, so that the compiler may take many at a
 // time.
 
-void copyMarked(std::uint8_t* to, const std::uint8_t* from, const Marks& marks, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint8_t above = from[i];
-        const std::uint8_t below = to[i];
-        to[i] = marks[i] == kMarked ? above : below;
-    }
-}
-
 void fillWhere(std::uint8_t mark, std::uint8_t* to, std::uint8_t value, const Marks& marks,
                std::size_t count) {
     for (std::size_t i = 0; i < count; ++i) {
@@ -50,27 +42,65 @@ void fillWhere(std::uint8_t mark, std::uint8_t* to, std::uint8_t value, const Ma
     }
 }
 
-}  // namespace
+// Sixteen bytes at a time.
+typedef std::uint8_t Lanes __attribute__((vector_size(16)));
 
-void layOverPlanes(std::uint8_t* planes, const std::uint8_t* source, const Rgb& background,
-                   std::size_t pixels) {
-    Marks painted;
-    forEachBlock(pixels, [&](std::size_t start, std::size_t count) {
-        markOthers(painted, source + start, background, pixels, count);
-        for (std::size_t at = start; at < 3 * pixels; at += pixels)
-            copyMarked(planes + at, source + at, painted, count);
-    });
+Lanes loadLanes(const std::uint8_t* from) {
+    Lanes lanes;
+    std::memcpy(&lanes, from, sizeof lanes);
+    return lanes;
 }
 
-void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, std::size_t samples) {
-    std::uint16_t background = 0;
-    std::memcpy(&background, plane, sizeof background);
+// Stores bytes, save where all bits of `kept` are set.
+void storeMixed(std::uint8_t* to, const Lanes& bytes, const Lanes& kept) {
+    const Lanes mixed = (loadLanes(to) & kept) | (bytes & ~kept);
+    std::memcpy(to, &mixed, sizeof mixed);
+}
+
+}  // namespace
+
+void layOverPlain(const std::array<std::uint8_t*, 3>& planes,
+                  const std::array<const std::uint8_t*, 3>& source, const Rgb& background,
+                  std::size_t first, std::size_t pixels) {
+    for (std::size_t i = first; i < pixels; ++i) {
+        if (source[0][i] == background.red && source[1][i] == background.green &&
+            source[2][i] == background.blue)
+            continue;
+        for (std::size_t plane = 0; plane < 3; ++plane)
+            planes[plane][i] = source[plane][i];
+    }
+}
+
+void layOverPlanes(const std::array<std::uint8_t*, 3>& planes,
+                   const std::array<const std::uint8_t*, 3>& source, const Rgb& background,
+                   std::size_t pixels) {
+    const Lanes red = Lanes{} + background.red;
+    const Lanes green = Lanes{} + background.green;
+    const Lanes blue = Lanes{} + background.blue;
+    std::size_t i = 0;
+    for (; i + sizeof(Lanes) <= pixels; i += sizeof(Lanes)) {
+        const Lanes newRed = loadLanes(source[0] + i);
+        const Lanes newGreen = loadLanes(source[1] + i);
+        const Lanes newBlue = loadLanes(source[2] + i);
+        const Lanes kept =
+            reinterpret_cast<Lanes>((newRed == red) & (newGreen == green) & (newBlue == blue));
+        storeMixed(planes[0] + i, newRed, kept);
+        storeMixed(planes[1] + i, newGreen, kept);
+        storeMixed(planes[2] + i, newBlue, kept);
+    }
+    layOverPlain(planes, source, background, i, pixels);
+}
+
+void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, const std::uint8_t* background,
+                   std::size_t samples) {
+    std::uint16_t key = 0;
+    std::memcpy(&key, background, sizeof key);
     for (std::size_t i = 0; i < samples; ++i) {
         std::uint16_t below = 0;
         std::uint16_t above = 0;
         std::memcpy(&below, plane + 2 * i, sizeof below);
         std::memcpy(&above, source + 2 * i, sizeof above);
-        if (above != background) below = above;
+        if (above != key) below = above;
         std::memcpy(plane + 2 * i, &below, sizeof below);
     }
 }

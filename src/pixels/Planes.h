@@ -13,17 +13,19 @@ struct Rgb {
     std::uint8_t blue;
 };
 
-// Below, `planes` are three planes, red, green and blue, of `pixels` bytes each, one behind the
-// other.
-
-// Replaces each pixel of `planes` by the one at the same place in `source`, save where the source's
-// equals `background`: painted pixels of the source win, the reverse of fillBackground in Pixels.h.
-void layOverPlanes(std::uint8_t* planes, const std::uint8_t* source, const Rgb& background,
+// Replaces each pixel of three planes by the one at the same place in `source`, save where the
+// source's equals `background`: painted pixels of the source win, the reverse of fillBackground in
+// Pixels.h. No plane of one overlaps with one of the other.
+void layOverPlanes(const std::array<std::uint8_t*, 3>& planes,
+                   const std::array<const std::uint8_t*, 3>& source, const Rgb& background,
                    std::size_t pixels);
 
-// The same for one plane of two-byte samples, at least one; background is the plane's own first
-// sample.
-void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, std::size_t samples);
+// The same for one plane of two-byte samples; `background` is one of them.
+void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, const std::uint8_t* background,
+                   std::size_t samples);
+
+// Below, `planes` are three planes, red, green and blue, of `pixels` bytes each, one behind the
+// other.
 
 // Replaces the pixels of the colour `from`, or with `invert` all pixels but those.
 void replaceInPlanes(std::uint8_t* planes, const Rgb& from, const Rgb& to, bool invert,

@@ -2,8 +2,10 @@
 
 #include <algorithm>
 #include <array>
+#include <memory>
 
 #include "bytes/Numbers.h"
+#include "files/File.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -20,8 +22,87 @@ constexpr int kOneGrey = 1;  // one channel, and the colour mode grey
 
 constexpr int kThreeBytes = 24;  // channels x depth
 
-bool hasColourPlanes(const PsdView& file) {
+bool hasColourPlanes(const PsdLayout& file) {
     return file.holdsAnnouncedPlanes() && file.holds(file.dataOffset, 3);
+}
+
+// The colour planes of a map on disk.
+struct ColourPlanes {
+    const File& file;
+    std::size_t offset;
+    std::size_t pixels;
+
+    std::size_t placeOf(std::size_t plane, std::size_t pixel) const {
+        return offset + plane * pixels + pixel;
+    }
+};
+
+// For each plane, which of the old ones takes its place.
+using Order = std::array<std::size_t, 3>;
+
+Order inverseOf(const Order& order) {
+    Order inverse{};
+    for (std::size_t plane = 0; plane < order.size(); ++plane)
+        inverse[order[plane]] = plane;
+    return inverse;
+}
+
+// Puts pieces of the planes into another order.
+class Reorder {
+public:
+    Reorder(const ColourPlanes& planes, const Order& order) : planes_(planes), order_(order) {}
+
+    enum class End { kDone, kNotRead, kNotWritten };
+
+    // Reorders the pixels before `end`. Those of a piece that cannot be read stay as they are, the
+    // file ends where the disk takes no more. `done` is how many were reordered.
+    End run(std::size_t end, std::size_t& done) const {
+        for (done = 0; done < end; done += kPiece) {
+            const std::size_t count = std::min(kPiece, end - done);
+            if (!read(done, count)) return End::kNotRead;
+            if (!write(done, count)) return End::kNotWritten;
+        }
+        return End::kDone;
+    }
+
+private:
+    static constexpr std::size_t kPiece = kPieceBytes / 4;  // of each plane
+
+    std::uint8_t* pieceOf(std::size_t plane) const { return &bytes_[plane * kPiece]; }
+
+    bool read(std::size_t start, std::size_t count) const {
+        for (std::size_t plane = 0; plane < order_.size(); ++plane) {
+            const std::size_t place = planes_.placeOf(plane, start);
+            if (planes_.file.readAt(place, pieceOf(plane), count) < count) return false;
+        }
+        return true;
+    }
+
+    bool write(std::size_t start, std::size_t count) const {
+        for (std::size_t plane = 0; plane < order_.size(); ++plane) {
+            const std::size_t place = planes_.placeOf(plane, start);
+            if (planes_.file.writeAt(place, pieceOf(order_[plane]), count)) continue;
+            planes_.file.cut(place);
+            return false;
+        }
+        return true;
+    }
+
+    const ColourPlanes& planes_;
+    const Order order_;
+    std::unique_ptr<std::uint8_t[]> bytes_{new std::uint8_t[3 * kPiece]};
+};
+
+float reorder(const ColourPlanes& planes, const Order& order) {
+    const Reorder there(planes, order);
+    const Reorder back(planes, inverseOf(order));
+    std::size_t done = 0;
+    const Reorder::End end = there.run(planes.pixels, done);
+    if (end == Reorder::End::kDone) planes.file.cut(planes.placeOf(3, 0));
+    if (end != Reorder::End::kNotRead) return kOk;
+    std::size_t undone = 0;
+    back.run(done, undone);
+    return kNotOpened;
 }
 
 // What `grey` becomes when `level` is to be black.
@@ -55,27 +136,25 @@ Rgb unpacked(double colour) {
 }  // namespace
 
 float swapChannelsPSD(const char* path, int mode) {
-    const ImgInUse inUse;
-    const float status = loadPSD(path);
+    PsdOnDisk map;
+    const float status = openPSD(path, map);
     if (status != kOk) return status;
-    if (fHeader.depth * fHeader.channels != kThreeBytes) return kNotThreeBytes;
-    const PsdView file = viewOfImg();
-    if (!hasColourPlanes(file)) return kNotOpened;
+    if (map.header.depth * map.header.channels != kThreeBytes) return kNotThreeBytes;
+    if (!hasColourPlanes(map)) return kNotOpened;
 
-    const auto pixels = static_cast<std::size_t>(file.pixels());
-    const auto head = file.bytes.first(file.dataOffset);
-    const auto red = file.bytes.subspan(file.dataOffset, pixels);
-    const auto green = file.bytes.subspan(file.dataOffset + pixels, pixels);
-    const auto blue = file.bytes.subspan(file.dataOffset + 2 * pixels, pixels);
+    const File rewritten = File::openForRewriting(path);
+    if (!rewritten.isOpen()) return kNotWritten;
+    const ColourPlanes planes{rewritten, map.dataOffset, static_cast<std::size_t>(map.pixels())};
     switch (mode) {
         case 1:
-            return writePSD(path, {head, red, blue, green});
+            return reorder(planes, {0, 2, 1});
         case 2:
-            return writePSD(path, {head, blue, red, green});
+            return reorder(planes, {2, 0, 1});
         case 3:
-            return writePSD(path, {head, green, blue, red});
+            return reorder(planes, {1, 2, 0});
         default:
-            return writePSD(path, {head});
+            rewritten.cut(map.dataOffset);
+            return kOk;
     }
 }
 

@@ -1,5 +1,7 @@
 #include "psd/PsdImage.h"
 
+#include <algorithm>
+#include <array>
 #include <bit>
 #include <limits>
 #include <utility>
@@ -30,16 +32,47 @@ Bytes bytesOfImg() {
     return {img.data(), img.size()};
 }
 
-// Steps over a block: a length of four bytes, then that many bytes. Moves `offst` to its end.
-// False, and `offst` as it was, when the file ends before or `offst` cannot say the place.
-bool stepOverBlock(std::size_t block, std::uint32_t& length) {
-    constexpr std::uint64_t kLargestOffset = std::numeric_limits<std::int32_t>::max() - 2;
-    if (img.size() - block < 4) return false;
-    length = readLong(block);
-    const std::uint64_t end = std::uint64_t{block} + 4 + length;
-    if (end > img.size() || end > kLargestOffset) return false;
-    offst = static_cast<std::int32_t>(end);
-    return true;
+// Reads the header of a file of `fileBytes`, of which `bytesAt(offset, count)` gives bytes, fewer
+// where there are no more. Stops as readPSDHeader does.
+template <typename BytesAt>
+float readHeader(std::uint64_t fileBytes, BytesAt bytesAt, PsdHeader& header, std::int32_t& end) {
+    header = {};
+    end = 0;
+    Bytes head = bytesAt(0, kColourTableLengthEnd);
+    header.signature = head.le32(0);
+    if (header.signature != kSignature || head.size < kVersionEnd) return kNotOpened;
+    header.version = head.be16(4);
+    if (header.version != kVersion) return kBadVersion;
+
+    if (head.size < kColourTableLengthEnd) return kNotOpened;
+    header.channels = head.be16(12);
+    header.height = head.be32(14);
+    header.width = head.be32(18);
+    header.depth = static_cast<std::int16_t>(head.be16(22));
+    header.colourMode = static_cast<std::int16_t>(head.be16(24));
+    header.colourTableBytes = head.be32(26);
+    if (header.colourTableBytes != 0) return kHasColourTable;
+
+    // Steps over a block: a length of four bytes, then that many bytes. Moves `end` to its end.
+    // False, and `end` as it was, when the file ends before or `end` cannot say the place.
+    const auto stepOverBlock = [&](std::uint64_t block, std::uint32_t& length) {
+        constexpr std::uint64_t kLargestOffset = std::numeric_limits<std::int32_t>::max() - 2;
+        Bytes field = bytesAt(block, 4);
+        length = field.be32(0);
+        const std::uint64_t blockEnd = block + 4 + length;
+        if (field.overran || blockEnd > fileBytes || blockEnd > kLargestOffset) return false;
+        end = static_cast<std::int32_t>(blockEnd);
+        return true;
+    };
+    if (!stepOverBlock(kResourceLength, header.resourceBytes)) return kNotOpened;
+    if (!stepOverBlock(static_cast<std::uint64_t>(end), header.layerBytes)) return kNotOpened;
+
+    Bytes compression = bytesAt(static_cast<std::uint64_t>(end), 2);
+    header.compression = compression.be16(0);
+    if (compression.overran) return kNotOpened;
+    if (header.compression != 0) return kCompressed;
+    end += 2;
+    return kOk;
 }
 
 }  // namespace
@@ -62,34 +95,11 @@ bool loadImg(const char* path) {
 }
 
 float readPSDHeader() {
-    fHeader = {};
-    offst = 0;
-
-    fHeader.signature = bytesOfImg().le32(0);
-    if (fHeader.signature != kSignature) return kNotOpened;
-    if (img.size() < kVersionEnd) return kNotOpened;
-    fHeader.version = static_cast<std::uint16_t>(readShort(4));
-    if (fHeader.version != kVersion) return kBadVersion;
-
-    if (img.size() < kColourTableLengthEnd) return kNotOpened;
-    fHeader.channels = static_cast<std::uint16_t>(readShort(12));
-    fHeader.height = readLong(14);
-    fHeader.width = readLong(18);
-    fHeader.depth = readShort(22);
-    fHeader.colourMode = readShort(24);
-    fHeader.colourTableBytes = readLong(26);
-    if (fHeader.colourTableBytes != 0) return kHasColourTable;
-
-    if (!stepOverBlock(kResourceLength, fHeader.resourceBytes)) return kNotOpened;
-    const auto layers = static_cast<std::size_t>(offst);
-    if (!stepOverBlock(layers, fHeader.layerBytes)) return kNotOpened;
-
-    const auto compression = static_cast<std::size_t>(offst);
-    if (img.size() - compression < 2) return kNotOpened;
-    fHeader.compression = static_cast<std::uint16_t>(readShort(compression));
-    if (fHeader.compression != 0) return kCompressed;
-    offst += 2;
-    return kOk;
+    const auto bytesAt = [](std::uint64_t at, std::size_t count) {
+        const std::size_t start = static_cast<std::size_t>(std::min<std::uint64_t>(at, img.size()));
+        return Bytes{img.data() + start, std::min(count, img.size() - start)};
+    };
+    return readHeader(img.size(), bytesAt, fHeader, offst);
 }
 
 float loadPSD(const char* path) {
@@ -131,24 +141,39 @@ bool littleEndian() {
     return true;
 }
 
-bool PsdView::holdsAnnouncedPlanes() const {
+bool PsdLayout::holdsAnnouncedPlanes() const {
     if (header.depth <= 0 || header.width == 0) return true;
     const auto depth = static_cast<std::uint64_t>(header.depth);
     const std::uint64_t rowBytes = (header.width * depth + 7) / 8;
     const std::uint64_t rows = std::uint64_t{header.height} * header.channels;
-    return Bytes{bytes.data(), bytes.size()}.holds(dataOffset, rows, rowBytes);
+    return Bytes{nullptr, fileBytes}.holds(dataOffset, rows, rowBytes);
 }
 
-bool PsdView::holds(std::size_t offset, std::size_t bytesPerPixel) const {
-    return Bytes{bytes.data(), bytes.size()}.holds(offset, pixels(), bytesPerPixel);
+bool PsdLayout::holds(std::size_t offset, std::size_t bytesPerPixel) const {
+    return Bytes{nullptr, fileBytes}.holds(offset, pixels(), bytesPerPixel);
+}
+
+float openPSD(const char* path, PsdOnDisk& psd) {
+    psd.file = File::openForReading(path);
+    if (!psd.file.isOpen()) return kNotOpened;
+    psd.fileBytes = static_cast<std::size_t>(psd.file.size());
+    std::array<std::uint8_t, kColourTableLengthEnd> field{};
+    const auto bytesAt = [&](std::uint64_t at, std::size_t count) {
+        return Bytes{field.data(), psd.file.readAt(at, field.data(), count)};
+    };
+    std::int32_t end = 0;
+    const float status = readHeader(psd.fileBytes, bytesAt, psd.header, end);
+    psd.dataOffset = static_cast<std::size_t>(end);
+    return status;
 }
 
 PsdView viewOfImg() {
-    return {img, fHeader, static_cast<std::size_t>(offst)};
+    return {{fHeader, static_cast<std::size_t>(offst), img.size()}, img};
 }
 
 PsdImage takeImg() {
-    return {std::exchange(img, {}), fHeader, static_cast<std::size_t>(offst)};
+    const PsdLayout layout = viewOfImg();
+    return {layout, std::exchange(img, {})};
 }
 
 float writePSD(const char* path, std::initializer_list<std::span<const std::uint8_t>> parts) {

@@ -8,6 +8,8 @@
 #include <span>
 #include <vector>
 
+#include "files/File.h"
+
 struct PsdHeader {
     std::uint32_t signature = 0;  // the first byte of the file is the lowest
     std::uint16_t version = 0;
@@ -70,11 +72,11 @@ std::uint32_t writeLong(std::size_t position, std::uint32_t value);  // returns 
 bool bigEndian();
 bool littleEndian();
 
-// A file's bytes with what its header said.
-struct PsdView {
-    std::span<const std::uint8_t> bytes;
+// What a header said, and the length of the file that has it.
+struct PsdLayout {
     PsdHeader header;
-    std::size_t dataOffset;
+    std::size_t dataOffset = 0;
+    std::size_t fileBytes = 0;
 
     std::uint64_t pixels() const { return std::uint64_t{header.width} * header.height; }
 
@@ -85,16 +87,27 @@ struct PsdView {
     bool holds(std::size_t offset, std::size_t bytesPerPixel) const;
 };
 
+// A file that stays on disk, and its header.
+struct PsdOnDisk : PsdLayout {
+    File file;
+};
+
+// Opens a file for reading and reads its header, nothing else.
+//
+//   returns  as readPSDHeader
+float openPSD(const char* path, PsdOnDisk& psd);
+
+// A file's bytes with its header.
+struct PsdView : PsdLayout {
+    std::span<const std::uint8_t> bytes;
+};
+
 // The file in `img`.
 PsdView viewOfImg();
 
 // A file taken out of `img`, which is then empty.
-struct PsdImage {
+struct PsdImage : PsdLayout {
     std::vector<std::uint8_t> bytes;
-    PsdHeader header;
-    std::size_t dataOffset;
-
-    PsdView view() const { return {bytes, header, dataOffset}; }
 };
 PsdImage takeImg();
 

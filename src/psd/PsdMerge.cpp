@@ -1,6 +1,7 @@
 // Laying tiles over a map, and repairing a map's borders.
 
 #include <algorithm>
+#include <memory>
 
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
@@ -18,34 +19,92 @@ bool sameSize(const PsdHeader& a, const PsdHeader& b) {
     return a.width == b.width && a.height == b.height;
 }
 
-bool haveAnnouncedPlanes(const PsdView& a, const PsdView& b) {
+bool haveAnnouncedPlanes(const PsdLayout& a, const PsdLayout& b) {
     return a.holdsAnnouncedPlanes() && b.holdsAnnouncedPlanes();
 }
 
-bool bothHold(const PsdView& a, const PsdView& b, std::size_t offset, std::size_t bytesPerPixel) {
-    return a.holds(offset, bytesPerPixel) && b.holds(offset, bytesPerPixel);
+// The planes that a merge works on, at the same place in both files.
+struct Planes {
+    std::size_t offset;
+    std::size_t bytes;  // of each plane
+    std::size_t count;
+    std::size_t sampleBytes;
+
+    std::size_t placeOf(std::size_t plane, std::size_t start) const {
+        return offset + plane * bytes + start;
+    }
+};
+
+// The same piece of each plane of a file.
+class Piece {
+public:
+    explicit Piece(const Planes& planes)
+        : planes_(planes), bytes_(new std::uint8_t[planes.count * kBytes]) {}
+
+    static constexpr std::size_t kBytes = kPieceBytes / 4;  // of each plane
+
+    // False when there are fewer bytes.
+    bool read(const File& file, std::size_t start, std::size_t count) {
+        for (std::size_t plane = 0; plane < planes_.count; ++plane) {
+            if (file.readAt(planes_.placeOf(plane, start), at(plane), count) < count) return false;
+        }
+        return true;
+    }
+
+    // False when the disk took fewer bytes. The file then ends before them.
+    bool write(const File& file, std::size_t start, std::size_t count) const {
+        for (std::size_t plane = 0; plane < planes_.count; ++plane) {
+            const std::size_t place = planes_.placeOf(plane, start);
+            if (!file.writeAt(place, at(plane), count)) {
+                file.cut(place);
+                return false;
+            }
+        }
+        return true;
+    }
+
+    std::uint8_t* at(std::size_t plane) const { return &bytes_[plane * kBytes]; }
+
+private:
+    const Planes& planes_;
+    std::unique_ptr<std::uint8_t[]> bytes_;
+};
+
+void copyFirstSamples(const Planes& planes, const Piece& from, const Piece& to) {
+    for (std::size_t plane = 0; plane < planes.count; ++plane)
+        std::copy_n(from.at(plane), planes.sampleBytes, to.at(plane));
 }
 
-// Each returns whether the files have the planes; `merged` is untouched if they do not.
-
-bool mergeRgb8(PsdImage& merged, const PsdView& source) {
-    const std::size_t offset = merged.dataOffset;
-    if (!bothHold(merged.view(), source, offset, 3)) return false;
-    const auto pixels = static_cast<std::size_t>(source.pixels());
-    if (pixels == 0) return true;
-    std::uint8_t* const planes = &merged.bytes[offset];
-    const Rgb background = {planes[0], planes[pixels], planes[2 * pixels]};
-    layOverPlanes(planes, &source.bytes[offset], background, pixels);
-    return true;
+void layOver(const Planes& planes, const Piece& map, const Piece& tile, const Piece& background,
+             std::size_t count) {
+    if (planes.count == 1) {
+        layOverShorts(map.at(0), tile.at(0), background.at(0), count / planes.sampleBytes);
+        return;
+    }
+    layOverPlanes({map.at(0), map.at(1), map.at(2)}, {tile.at(0), tile.at(1), tile.at(2)},
+                  {*background.at(0), *background.at(1), *background.at(2)}, count);
 }
 
-bool mergeGray16(PsdImage& merged, const PsdView& source) {
-    const std::size_t offset = source.dataOffset;
-    if (!bothHold(merged.view(), source, offset, 2)) return false;
-    const auto pixels = static_cast<std::size_t>(source.pixels());
-    if (pixels == 0) return true;
-    layOverShorts(&merged.bytes[offset], &source.bytes[offset], pixels);
-    return true;
+// Returns kNotOpened when a file cannot be read, else kOk. The map's first pixel, which tells the
+// background, is written last: a merge that ends halfway can be made again.
+float mergePlanes(const File& source, const File& target, const Planes& planes) {
+    Piece tile(planes);
+    Piece map(planes);
+    Piece background(planes);
+    Piece firstPixel(planes);
+    if (!background.read(target, 0, planes.sampleBytes)) return kNotOpened;
+    for (std::size_t start = 0; start < planes.bytes; start += Piece::kBytes) {
+        const std::size_t count = std::min(Piece::kBytes, planes.bytes - start);
+        if (!tile.read(source, start, count) || !map.read(target, start, count)) return kNotOpened;
+        layOver(planes, map, tile, background, count);
+        if (start == 0) {
+            copyFirstSamples(planes, map, firstPixel);
+            copyFirstSamples(planes, background, map);
+        }
+        if (!map.write(target, start, count)) return kOk;
+    }
+    firstPixel.write(target, 0, planes.sampleBytes);
+    return kOk;
 }
 
 constexpr std::uint32_t kDisplacement = 50;
@@ -79,23 +138,28 @@ void repairRows(std::uint8_t* plane, const std::uint8_t* shifted, std::size_t wi
 }  // namespace
 
 float mergePSD(const char* source, const char* target) {
-    const ImgInUse inUse;
-    float status = loadPSD(target);
+    PsdOnDisk map;
+    float status = openPSD(target, map);
     if (status != kOk) return status;
-    PsdImage merged = takeImg();
-    status = loadPSD(source);
+    PsdOnDisk tile;
+    status = openPSD(source, tile);
     if (status != kOk) return status;
-    if (!sameSize(merged.header, fHeader)) return kSizesDiffer;
+    if (!sameSize(map.header, tile.header)) return kSizesDiffer;
 
-    const PsdView from = viewOfImg();
-    const int kind = fHeader.depth * fHeader.colourMode;
+    const int kind = tile.header.depth * tile.header.colourMode;
     if (kind != kRgb8 && kind != kGray16) return kUnknownKind;
-    if (!haveAnnouncedPlanes(merged.view(), from)) return kNotOpened;
-    const bool complete = kind == kRgb8 ? mergeRgb8(merged, from) : mergeGray16(merged, from);
-    if (!complete) return kNotOpened;
+    if (!haveAnnouncedPlanes(map, tile)) return kNotOpened;
+    const std::size_t offset = kind == kRgb8 ? map.dataOffset : tile.dataOffset;
+    const std::size_t pixelBytes = kind == kRgb8 ? 3 : 2;
+    if (!map.holds(offset, pixelBytes) || !tile.holds(offset, pixelBytes)) return kNotOpened;
 
-    emptyImg();
-    return writePSD(target, {merged.bytes});
+    const File rewritten = File::openForRewriting(target);
+    if (!rewritten.isOpen()) return kNotWritten;
+    const auto pixels = static_cast<std::size_t>(map.pixels());
+    if (pixels == 0) return kOk;
+    return mergePlanes(
+        tile.file, rewritten,
+        kind == kRgb8 ? Planes{offset, pixels, 3, 1} : Planes{offset, 2 * pixels, 1, 2});
 }
 
 float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) {
@@ -110,7 +174,7 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     if (!sameSize(displaced.header, fHeader)) return kSizesDiffer;
     const PsdView repaired = viewOfImg();
     const std::size_t offset = repaired.dataOffset;
-    if (!haveAnnouncedPlanes(displaced.view(), repaired) || !repaired.holds(offset, 3))
+    if (!haveAnnouncedPlanes(displaced, repaired) || !repaired.holds(offset, 3))
         return kNotOpened;
     const auto pixels = static_cast<std::size_t>(repaired.pixels());
     const std::size_t rowsRead =

@@ -26,8 +26,11 @@
 // A file that ends before its image data, or before the end of a plane that it announces or that
 // the operation works on, is refused as kNotOpened before anything is written.
 //
-// Every operation may be given the same path twice. A file is rewritten as a whole: the old one is
-// gone once the new one is opened, and a disk that then takes fewer bytes is not reported.
+// Every operation may be given the same path twice. Merging and swapping write over the planes on
+// disk, piece by piece; any other file is rewritten as a whole, the old one gone once the new one is
+// opened. A disk that then takes fewer bytes is not reported: the file ends there. One that fails to
+// be read halfway is, as kNotOpened: a swap is then undone, and what a merge has done by then stays,
+// so that the same call again completes it.
 
 #include <cstdint>
 
