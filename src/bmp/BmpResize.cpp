@@ -161,6 +161,7 @@ float createBMPthumb(const char* path, std::int32_t size) {
     if (status != bmp_status::kOk) return status;
     if (bmpHdr.width < size && bmpHdr.height < size) return bmp_status::kOk;
     const File file = File::openForReading(path);
+    if (!file.isOpen()) return bmp_status::kThumbNotOpened;
     if (!loadBMPUpToPixels(file)) return bmp_status::kNotABmp;
 
     const Thumbnail thumb = thumbnailOf(bmpHdr, size);

@@ -136,5 +136,6 @@ float convertToTarga(const char* inPath, const char* outPath) {
         return targa_status::kTargetNotWritten;
     const File in = File::openForRewriting(inPath);
     if (!in.isOpen()) return targa_status::kNotReopened;
-    return writeRows(in, out, map, buffers) ? targa_status::kOk : targa_status::kTargetNotWritten;
+    const bool written = writeRows(in, out, map, buffers) && out.finish();
+    return written ? targa_status::kOk : targa_status::kTargetNotWritten;
 }

@@ -113,9 +113,13 @@ std::size_t File::writeUpTo(std::uint64_t offset, const std::uint8_t* bytes,
 
 bool File::cut(std::uint64_t length) const {
     struct stat status {};
-    if (::fstat(descriptor_, &status) != 0) return false;
-    if (!std::cmp_greater(status.st_size, length)) return true;
-    return ::ftruncate(descriptor_, static_cast<off_t>(length)) == 0;
+    const bool isKnown = ::fstat(descriptor_, &status) == 0;
+    if (isKnown && !std::cmp_greater(status.st_size, length)) return true;
+    int refused = 0;
+    do
+        refused = ::ftruncate(descriptor_, static_cast<off_t>(length));
+    while (refused != 0 && errno == EINTR);
+    return refused == 0;
 }
 
 bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
@@ -124,9 +128,8 @@ bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
     return written;
 }
 
-// Nobody is left to be told of a failure; the file is open for writing, so none is expected.
 FileReplacer::~FileReplacer() {
-    if (isOpen()) file_.cut(length_);
+    if (isOpen()) finish();
 }
 
 bool FileReplacer::append(const std::uint8_t* bytes, std::size_t count) {

@@ -70,7 +70,7 @@ private:
 
 // The same over a file that may be there already: its blocks are written over, which is cheaper than
 // giving them back and asking for new ones. What an older file has behind the bytes appended is cut
-// off in the end, also when not all of them could be.
+// off by finish, or else in the end.
 class FileReplacer {
 public:
     explicit FileReplacer(const char* path) : file_(File::createOver(path)) {}
@@ -80,6 +80,9 @@ public:
 
     bool isOpen() const { return file_.isOpen(); }
     bool append(const std::uint8_t* bytes, std::size_t count);
+
+    // False if the rest of an older file could not be cut off.
+    bool finish() const { return file_.cut(length_); }
 
 private:
     File file_;

@@ -37,7 +37,7 @@ float writeConverted(const FloatMap& map, const char* target, const Header& head
         convert(converted.data(), samples.data(), pixels);
         return out.append(converted.data(), pixels * outPixelBytes);
     });
-    return done ? tiff_status::kOk : tiff_status::kTargetNotWritten;
+    return done && out.finish() ? tiff_status::kOk : tiff_status::kTargetNotWritten;
 }
 
 // The PSD's height takes the map's width and its width the length: the files in the field are so,

@@ -34,9 +34,9 @@ Names without(const Names& all, const Names& some) {
 }
 
 // What faults/System.cpp stands in front of.
-const Names kFaulty = {"open",  "__open_2", "stat",   "fstat",  "pread",  "pwrite",
-                       "close", "opendir",  "mkdir",  "remove", "rename", "readdir",
-                       "free",  "closedir", "malloc", "calloc"};
+const Names kFaulty = {"open",      "__open_2", "stat",     "fstat",  "pread",  "pwrite",
+                       "ftruncate", "close",    "opendir",  "mkdir",  "remove", "rename",
+                       "readdir",   "free",     "closedir", "malloc", "calloc"};
 
 // Cannot fail, or nobody minds.
 const Names kHarmless = {"bcmp",

@@ -146,6 +146,11 @@ ssize_t pread(int descriptor, void* bytes, std::size_t count, off_t offset) {
                  [&](std::size_t part) { return real(descriptor, bytes, part, offset); });
 }
 
+int ftruncate(int descriptor, off_t length) noexcept {
+    static const auto real = theSystems<int(int, off_t)>("ftruncate");
+    return goesWrong(SystemCall::kWrite) ? -1 : real(descriptor, length);
+}
+
 ssize_t pwrite(int descriptor, const void* bytes, std::size_t count, off_t offset) {
     static const auto real = theSystems<ssize_t(int, const void*, std::size_t, off_t)>("pwrite");
     return moved(SystemCall::kWrite, count,

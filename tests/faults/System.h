@@ -12,7 +12,7 @@ enum class SystemCall {
     kOpen,
     kStat,  // and fstat
     kRead,
-    kWrite,
+    kWrite,  // and ftruncate
     kClose,
     kOpenFolder,
     kReadFolder,

@@ -207,7 +207,10 @@ void layingOver(Case& test) {
     ByteList planes = paintedBytes(test.random, 3 * pixels);
     const ByteList source = paintedBytes(test.random, 3 * pixels);
     const Rgb background = test.random.oneIn(3) ? colour(test.random) : firstPixel(planes, pixels);
-    layOverPlanes(planes.data(), source.data(), background, pixels);
+    const std::uint8_t* from = source.data();
+    std::uint8_t* to = planes.data();
+    layOverPlanes({to, to + pixels, to + 2 * pixels}, {from, from + pixels, from + 2 * pixels},
+                  background, pixels);
     test.result.add(planes);
 }
 
@@ -215,7 +218,8 @@ void layingOverShorts(Case& test) {
     const std::size_t samples = 1 + test.random.below(70);
     ByteList plane = paintedBytes(test.random, 2 * samples);
     const ByteList source = paintedBytes(test.random, 2 * samples);
-    layOverShorts(plane.data(), source.data(), samples);
+    const ByteList background(plane.begin(), plane.begin() + 2);
+    layOverShorts(plane.data(), source.data(), background.data(), samples);
     test.result.add(plane);
 }
 
