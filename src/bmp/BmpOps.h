@@ -87,5 +87,6 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
 //   returns  kOk, also when the file cannot be written; kSizeRefused for 0 or below and for a copy
 //            that would not fit into 4 GiB; kThumbNotOpened; kThumbNotABmp; kNotABmp when the file
 //            is shorter than its headers or ends before its pixels start. Nothing is changed by a
-//            failure.
+//            failure, unless the disk cannot be read to the end: then kThumbNotOpened, with some of
+//            the pixels written over.
 float createBMPthumb(const char* path, std::int32_t size);

@@ -81,10 +81,14 @@ public:
         return &buffer_[static_cast<std::size_t>(offset - start_)];
     }
 
+    // Whether the disk failed; what it did not give is black.
+    bool failed() const { return failed_; }
+
 private:
     void read(std::uint64_t offset) {
         start_ = offset;
         held_ = file_.readAt(offset, buffer_.data(), buffer_.size());
+        failed_ = failed_ || held_ < std::min<std::uint64_t>(buffer_.size(), fileBytes_ - offset);
         std::fill(buffer_.begin() + static_cast<std::ptrdiff_t>(held_), buffer_.end(),
                   std::uint8_t{0});
     }
@@ -94,6 +98,7 @@ private:
     std::vector<std::uint8_t> buffer_;
     std::uint64_t start_ = 0;  // of what the buffer holds, in the file
     std::size_t held_ = 0;
+    bool failed_ = false;
 };
 
 std::uint64_t wholePart(float sum) {
@@ -172,6 +177,7 @@ float createBMPthumb(const char* path, std::int32_t size) {
     BmpWriter writer(File::openForRewriting(path));
     if (!writer.isOpen()) return bmp_status::kOk;
     appendSamples(writer, thumb, image);
+    if (image.failed()) return bmp_status::kThumbNotOpened;
     writer.finish(thumb.image);
     return bmp_status::kOk;
 }

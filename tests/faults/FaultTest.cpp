@@ -149,7 +149,7 @@ const std::map<std::string_view, Expectation> kExpectations = {
      {.open = {{-1}, {-1}, {0}},
       .other = {{kStat, {-1, 0}}, {kRead, {-1, -7}}, {kAllocate, {-1, -9}}},
       .silent = {kOpen, kWrite},
-      .spoiling = {kWrite}}},
+      .spoiling = {kRead, kWrite}}},
     {"OpenEXR",
      {.open = {{-7}}, .other = {{kStat, {-7}}, {kRead, {-7}}, {kAllocate, {-7, -4, -9}}}}},
 };

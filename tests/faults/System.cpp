@@ -148,7 +148,8 @@ ssize_t pread(int descriptor, void* bytes, std::size_t count, off_t offset) {
 
 int ftruncate(int descriptor, off_t length) noexcept {
     static const auto real = theSystems<int(int, off_t)>("ftruncate");
-    return goesWrong(SystemCall::kWrite) ? -1 : real(descriptor, length);
+    const bool fails = goesWrong(SystemCall::kWrite) && planned.harm == Harm::kFails;
+    return fails ? -1 : real(descriptor, length);
 }
 
 ssize_t pwrite(int descriptor, const void* bytes, std::size_t count, off_t offset) {
