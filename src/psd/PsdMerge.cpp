@@ -174,8 +174,7 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     if (!sameSize(displaced.header, fHeader)) return kSizesDiffer;
     const PsdView repaired = viewOfImg();
     const std::size_t offset = repaired.dataOffset;
-    if (!haveAnnouncedPlanes(displaced, repaired) || !repaired.holds(offset, 3))
-        return kNotOpened;
+    if (!haveAnnouncedPlanes(displaced, repaired) || !repaired.holds(offset, 3)) return kNotOpened;
     const auto pixels = static_cast<std::size_t>(repaired.pixels());
     const std::size_t rowsRead =
         horizontal ? fHeader.height - kRowsKeptAtBottom : kDisplacement + kSeamRows;
