@@ -287,6 +287,7 @@ int checkExr(Bytes file, ExrLayout& layout) {
     layout.height = static_cast<std::int32_t>(height);
     layout.tileWidth = static_cast<std::int32_t>(header.tileWidth);
     layout.tileHeight = static_cast<std::int32_t>(header.tileHeight);
+    layout.chunkRows = static_cast<std::int32_t>(rowsPerChunk(header.compression));
     layout.firstPixelType = header.pixelTypes.front();
     return kOk;
 }

@@ -18,6 +18,7 @@ struct ExrLayout {
     std::int32_t height = 0;
     std::int32_t tileWidth = 0;
     std::int32_t tileHeight = 0;
+    std::int32_t chunkRows = 0;        // of a scanline file
     std::uint32_t firstPixelType = 0;  // 0 whole numbers, 1 half, 2 float
 };
 

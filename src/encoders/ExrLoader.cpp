@@ -1,5 +1,7 @@
 #include "encoders/ExrLoader.h"
 
+#include <zlib.h>
+
 #include <algorithm>
 #include <bit>
 #include <cstring>
@@ -14,19 +16,46 @@
 #include "bytes/Bytes.h"
 #include "encoders/ExrArena.h"
 #include "encoders/ExrCheck.h"
+#include "encoders/Inflater.h"
 #include "files/File.h"
 
 namespace {
 
-// The arena of the load that runs; null between loads.
+// Of the load that runs; null between loads.
 ExrArena* arena = nullptr;
+const Inflater* inflater = nullptr;
 
-struct ArenaInUse {
-    explicit ArenaInUse(ExrArena& used) { arena = &used; }
-    ArenaInUse(const ArenaInUse&) = delete;
-    ArenaInUse& operator=(const ArenaInUse&) = delete;
-    ~ArenaInUse() { arena = nullptr; }
+// The loader takes and frees the memory for one chunk after the other. Where the system takes each
+// of these blocks back and gives fresh pages for the next, that costs as much as the work: one large
+// block, never touched, shows glibc that such sizes are usual.
+void keepFreedMemory() {
+    void* volatile block = std::malloc(std::size_t{16} << 20);  // or the compiler leaves it out
+    std::free(block);
+}
+
+struct LoaderState {
+    explicit LoaderState(ExrArena& memory) {
+        keepFreedMemory();
+        arena = &memory;
+        inflater = &ownInflater;
+    }
+    LoaderState(const LoaderState&) = delete;
+    LoaderState& operator=(const LoaderState&) = delete;
+    ~LoaderState() {
+        arena = nullptr;
+        inflater = nullptr;
+    }
+    const Inflater ownInflater;
 };
+
+// What the loader takes for zlib's function of the same name.
+int inflateWhole(unsigned char* to, unsigned long* toBytes, const unsigned char* from,
+                 unsigned long fromBytes) {
+    std::size_t written = *toBytes;
+    if (!inflater->inflate(to, written, from, fromBytes)) return Z_DATA_ERROR;
+    *toBytes = static_cast<unsigned long>(written);
+    return Z_OK;
+}
 
 }  // namespace
 
@@ -35,12 +64,14 @@ struct ArenaInUse {
 #define calloc(count, size) arena->takeZeroed(count, size)
 #define free(block) arena->give(block)
 #define strdup(text) arena->takeCopy(text)
+#define uncompress(to, toBytes, from, fromBytes) inflateWhole(to, toBytes, from, fromBytes)
 #define TINYEXR_IMPLEMENTATION
 #include <tinyexr.h>
 #undef malloc
 #undef calloc
 #undef free
 #undef strdup
+#undef uncompress
 
 using namespace exr_status;
 
@@ -57,22 +88,22 @@ namespace {
 // Damaged chunks make the loader read on behind them: there are zeros there.
 constexpr std::size_t kZeroTail = 64 * 1024;
 
-// Half floats become floats on request; whole numbers keep their type.
+// The first channel's half floats become floats on request. Whole numbers keep their type, and the
+// other channels what they are: nobody looks at them.
 void requestFloats(EXRHeader& header) {
-    for (int i = 0; i < header.num_channels; ++i) {
-        if (header.pixel_types[i] == TINYEXR_PIXELTYPE_HALF)
-            header.requested_pixel_types[i] = TINYEXR_PIXELTYPE_FLOAT;
-    }
+    if (header.pixel_types[0] == TINYEXR_PIXELTYPE_HALF)
+        header.requested_pixel_types[0] = TINYEXR_PIXELTYPE_FLOAT;
 }
 
-// Copies samples, four bytes each, as floats.
-void copySamples(float* to, const unsigned char* from, std::size_t count, bool wholeNumbers) {
-    if (!wholeNumbers) {
-        std::memcpy(to, from, count * sizeof(float));
-        return;
+// Shows samples, four bytes each. Whole numbers become floats where they are.
+void show(void* samples, std::size_t count, const ExrLayout& layout, const ExrLook& look) {
+    auto* const floats = static_cast<float*>(samples);
+    for (std::size_t i = 0; i < count && layout.firstPixelType == 0; ++i) {
+        std::uint32_t number = 0;
+        std::memcpy(&number, &floats[i], sizeof number);
+        floats[i] = static_cast<float>(number);
     }
-    for (std::size_t i = 0; i < count; ++i)
-        to[i] = static_cast<float>(loadLe32(from + 4 * i));
+    look({floats, count});
 }
 
 // Copies a tile to its place in the plane. In memory its rows are as far apart as the tile is wide,
@@ -88,19 +119,9 @@ void placeTile(std::vector<float>& plane, const EXRTile& tile, const ExrLayout& 
     const std::size_t rows = std::min(tileHeight, static_cast<std::size_t>(layout.height) - top);
     for (std::size_t row = 0; row < rows; ++row) {
         const std::size_t stored = layout.increasingRows ? row : tileHeight - 1 - row;
-        copySamples(&plane[(top + row) * width + left], tile.images[0] + 4 * stored * tileWidth,
-                    columns, layout.firstPixelType == 0);
+        std::memcpy(&plane[(top + row) * width + left], tile.images[0] + 4 * stored * tileWidth,
+                    columns * sizeof(float));
     }
-}
-
-std::vector<float> firstPlaneOf(const EXRImage& loaded, const ExrLayout& layout) {
-    std::vector<float> plane(static_cast<std::size_t>(layout.width) *
-                             static_cast<std::size_t>(layout.height));
-    if (loaded.images != nullptr)
-        copySamples(plane.data(), loaded.images[0], plane.size(), layout.firstPixelType == 0);
-    for (int i = 0; i < loaded.num_tiles; ++i)
-        placeTile(plane, loaded.tiles[i], layout);
-    return plane;
 }
 
 // Smaller resolutions of a tiled picture are objects of their own, which the arena does not know.
@@ -119,7 +140,69 @@ struct Levels {
     }
 };
 
-int load(ExrImage& image, const FileBytes& file) {
+int showTiles(const EXRHeader& header, const FileBytes& file, const ExrLayout& layout,
+              const ExrLook& look) {
+    Levels levels;
+    const char* message = nullptr;
+    const int status =
+        LoadEXRImageFromMemory(&levels.first, &header, file.data.get(), file.size, &message);
+    if (status != TINYEXR_SUCCESS) {
+        levels.first.next_level = nullptr;  // the loader has deleted them
+        return status;
+    }
+    std::vector<float> plane(static_cast<std::size_t>(layout.width) *
+                             static_cast<std::size_t>(layout.height));
+    for (int i = 0; i < levels.first.num_tiles; ++i)
+        placeTile(plane, levels.first.tiles[i], layout);
+    show(plane.data(), plane.size(), layout, look);
+    return kOk;
+}
+
+// Loads some rows, from row `first` of the picture on, where a chunk starts: for the loader they are
+// a picture of their own, and its table of chunks starts at theirs.
+int showRows(const EXRHeader& whole, int first, int rows, const FileBytes& file,
+             const ExrLayout& layout, const ExrLook& look) {
+    constexpr unsigned kTableEntryBytes = 8;
+    EXRHeader header = whole;
+    header.data_window.min_y += first;
+    header.data_window.max_y = header.data_window.min_y + rows - 1;
+    header.header_len += static_cast<unsigned>(first / layout.chunkRows) * kTableEntryBytes;
+    header.chunk_count = 0;  // as many as the rows need
+
+    EXRImage image;
+    InitEXRImage(&image);
+    const char* message = nullptr;
+    const int status =
+        LoadEXRImageFromMemory(&image, &header, file.data.get(), file.size, &message);
+    if (status != TINYEXR_SUCCESS) return status;
+    const auto samples = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(rows);
+    show(image.images[0], samples, layout, look);
+    FreeEXRImage(&image);
+    return kOk;
+}
+
+// How many rows are loaded at a time: those of whole chunks, as many as make up a piece.
+int rowsAtOnce(const ExrLayout& layout) {
+    const std::size_t chunkBytes = sizeof(float) * static_cast<std::size_t>(layout.width) *
+                                   static_cast<std::size_t>(layout.chunkRows);
+    const int chunks = static_cast<int>(std::max<std::size_t>(kPieceBytes / chunkBytes, 1));
+    return std::min(chunks * layout.chunkRows, layout.height);
+}
+
+int showAllRows(const EXRHeader& header, const FileBytes& file, const ExrLayout& layout,
+                const ExrLook& look) {
+    const int step = rowsAtOnce(layout);
+    const int pieces = (layout.height + step - 1) / step;
+    for (int i = 0; i < pieces; ++i) {
+        const int first = (layout.increasingRows ? i : pieces - 1 - i) * step;
+        const int rows = std::min(step, layout.height - first);
+        const int status = showRows(header, first, rows, file, layout, look);
+        if (status != kOk) return status;
+    }
+    return kOk;
+}
+
+int load(const FileBytes& file, ExrSize& size, const ExrLook& look) {
     EXRVersion version;
     int status = ParseEXRVersionFromMemory(&version, file.data.get(), file.size);
     if (status != TINYEXR_SUCCESS) return status;
@@ -127,33 +210,28 @@ int load(ExrImage& image, const FileBytes& file) {
     ExrLayout layout;
     status = checkExr({file.data.get(), file.size}, layout);
     if (status != kOk) return status;
+    size = {layout.width, layout.height};
 
     ExrArena memory;
-    const ArenaInUse inUse(memory);
+    const LoaderState state(memory);
     EXRHeader header;
     InitEXRHeader(&header);
-    Levels levels;
     const char* message = nullptr;
     status = ParseEXRHeaderFromMemory(&header, &version, file.data.get(), file.size, &message);
     if (status != TINYEXR_SUCCESS) return status;
     requestFloats(header);
-    status = LoadEXRImageFromMemory(&levels.first, &header, file.data.get(), file.size, &message);
-    if (status != TINYEXR_SUCCESS) {
-        levels.first.next_level = nullptr;  // the loader has deleted them
-        return status;
-    }
-    image = {layout.width, layout.height, firstPlaneOf(levels.first, layout)};
-    return kOk;
+    return layout.tiled ? showTiles(header, file, layout, look)
+                        : showAllRows(header, file, layout, look);
 }
 
 }  // namespace
 
-int LoadMultiChannelEXRFromFile(ExrImage& image, const char* path) {
+int LoadMultiChannelEXRFromFile(const char* path, ExrSize& size, const ExrLook& look) {
     if (path == nullptr) return kNoPath;
     const FileBytes file = loadFile(path, kZeroTail);
     if (file.data == nullptr) return kNotOpened;
     try {
-        return load(image, file);
+        return load(file, size, look);
     } catch (const std::exception&) {
         return kBadData;
     }

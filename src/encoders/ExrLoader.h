@@ -1,17 +1,18 @@
 #pragma once
 // ExrLoader: OpenEXR files through tinyexr, with guards around it.
 
+#include <cstddef>
 #include <cstdint>
-#include <vector>
+#include <functional>
+#include <span>
 
-// What was loaded of a file.
-struct ExrImage {
+struct ExrSize {
     std::int32_t width = 0;
     std::int32_t height = 0;
-    // The first channel in the order of the file's header: width * height samples, row after row. A
-    // scanline file whose line order is decreasing has its bottom row first.
-    std::vector<float> firstPlane;
 };
+
+// Is shown some samples.
+using ExrLook = std::function<void(std::span<const float> samples)>;
 
 // The loader's codes, which the host gets as they are; all negative.
 namespace exr_status {
@@ -26,7 +27,11 @@ inline constexpr int kBadHeader = -9;        // an attribute is missing
 inline constexpr int kUnknownFeature = -10;  // subsampled channels
 }
 
-// Loads a file, half floats and whole numbers turned into floats, tiles laid out as one plane.
+// Loads a file and shows the first channel in the order of its header, half floats and whole numbers
+// turned into floats. The rows come one after the other, from the top one down; a scanline file whose
+// line order is decreasing has its bottom row first. They come in pieces that stay in the
+// processor's cache; only tiles, which lie in any order, are laid out as one plane first.
 //
-//   returns  kOk, or one of the codes; `image` is then as it was
-int LoadMultiChannelEXRFromFile(ExrImage& image, const char* path);
+//   size     receives the size of the picture before anything is shown
+//   returns  kOk, or one of the codes, also after some pieces were shown
+int LoadMultiChannelEXRFromFile(const char* path, ExrSize& size, const ExrLook& look);

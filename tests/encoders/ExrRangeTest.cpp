@@ -12,6 +12,7 @@
 #include <ImfTiledOutputFile.h>
 #include <ImfVersion.h>
 #include <gmock/gmock.h>
+#include <zlib.h>
 
 #include <limits>
 #include <random>
@@ -228,6 +229,50 @@ TEST_F(ExrRange, OfSeveralResolutionsTheFullOneCounts) {
     }
 }
 
+// All that the loader shows, one after the other.
+std::vector<float> samplesOf(const std::string& path, ExrSize& size) {
+    std::vector<float> all;
+    EXPECT_EQ(LoadMultiChannelEXRFromFile(path.c_str(), size,
+                                          [&](std::span<const float> samples) {
+                                              all.insert(all.end(), samples.begin(), samples.end());
+                                          }),
+              0);
+    return all;
+}
+
+// Long enough for several pieces, the last of which is short; rows of chunks of every height.
+TEST(ExrLoader, ShowsEveryRowOfALargePictureInOrder) {
+    const TempDir dir;
+    const std::string path = dir.path("map.exr");
+    constexpr int kWidth = 700;
+    constexpr int kHeight = 301;
+    std::vector<float> ramp(std::size_t{kWidth} * kHeight);
+    for (std::size_t i = 0; i < ramp.size(); ++i)
+        ramp[i] = static_cast<float>(i);
+    for (const Imf::Compression compression : kCompressions) {
+        for (const bool increasing : {true, false}) {
+            writeRows(path, Picture{.width = kWidth,
+                                    .height = kHeight,
+                                    .samples = ramp,
+                                    .compression = compression,
+                                    .order = increasing ? Imf::INCREASING_Y : Imf::DECREASING_Y,
+                                    .corner = {5, -9},
+                                    .secondChannel = true});
+            ExrSize size;
+            const std::vector<float> shown = samplesOf(path, size);
+            EXPECT_EQ(size.width, kWidth);
+            EXPECT_EQ(size.height, kHeight);
+            ASSERT_EQ(shown.size(), ramp.size());
+            for (std::size_t row = 0; row < kHeight; ++row) {
+                const std::size_t from = increasing ? row : kHeight - 1 - row;
+                ASSERT_TRUE(std::equal(&shown[row * kWidth], &shown[row * kWidth] + kWidth,
+                                       &ramp[from * kWidth]))
+                    << compression << " row " << row;
+            }
+        }
+    }
+}
+
 TEST(ExrLoader, LaysTilesOutAsOnePlane) {
     const TempDir dir;
     const std::string path = dir.path("map.exr");
@@ -235,11 +280,10 @@ TEST(ExrLoader, LaysTilesOutAsOnePlane) {
         const Picture picture{
             .width = 5, .height = 7, .samples = ramp(35), .type = Imf::HALF, .order = order};
         writeTiles(path, picture, 2, 4);
-        ExrImage image;
-        ASSERT_EQ(LoadMultiChannelEXRFromFile(image, path.c_str()), 0);
-        EXPECT_EQ(image.width, 5);
-        EXPECT_EQ(image.height, 7);
-        EXPECT_EQ(image.firstPlane, ramp(35)) << order;
+        ExrSize size;
+        EXPECT_EQ(samplesOf(path, size), ramp(35)) << order;
+        EXPECT_EQ(size.width, 5);
+        EXPECT_EQ(size.height, 7);
     }
 }
 
@@ -254,9 +298,70 @@ TEST(ExrLoader, TakesTheFirstChannelOfTheHeader) {
                       4;  // the type's text, its end and the value's size
     ASSERT_EQ(*name, 'A');
     *name = 'Z';
-    ExrImage image;
-    ASSERT_EQ(LoadMultiChannelEXRFromFile(image, dir.write("z.exr", bytes).c_str()), 0);
-    EXPECT_THAT(image.firstPlane, ElementsAre(1.0f, 2.0f));
+    ExrSize size;
+    EXPECT_THAT(samplesOf(dir.write("z.exr", bytes), size), ElementsAre(1.0f, 2.0f));
+}
+
+// A row of 64 floats whose chunk holds this instead.
+ByteList rowWithChunk(const std::string& path, const ByteList& chunk) {
+    writeRows(path, Picture{.width = 64,
+                            .samples = std::vector<float>(64, 1.0f),
+                            .compression = Imf::ZIPS_COMPRESSION});
+    ByteList bytes = readBytes(path);
+    constexpr std::string_view kLastAttribute = "screenWindowWidth";
+    const auto last =
+        std::search(bytes.begin(), bytes.end(), kLastAttribute.begin(), kLastAttribute.end());
+    // Its end, type, size and value; the end of the header; one offset, the row's number.
+    const auto length = last + kLastAttribute.size() + 1 + 6 + 4 + 4 + 1 + 8 + 4;
+    bytes.erase(length, bytes.end());
+    for (std::size_t i = 0; i < 4; ++i)
+        bytes.push_back(static_cast<std::uint8_t>(chunk.size() >> 8 * i));
+    bytes.insert(bytes.end(), chunk.begin(), chunk.end());
+    return bytes;
+}
+
+// What becomes `count` bytes of 0x40 after the step by which a chunk stores differences; four of
+// them are the float 3.0039215.
+ByteList deflatedRow(std::size_t count) {
+    ByteList stored(count, 128);
+    stored[0] = 0x40;
+    ByteList deflated(compressBound(count));
+    uLongf length = deflated.size();
+    EXPECT_EQ(compress(deflated.data(), &length, stored.data(), count), Z_OK);
+    deflated.resize(length);
+    return deflated;
+}
+
+TEST_F(ExrRange, ChunksMayInflateToLessAndHaveBytesBehindThem) {
+    const ByteList whole = deflatedRow(256);
+    ByteList behind = whole;
+    behind.insert(behind.end(), {1, 2, 3, 4, 5, 6, 7, 8, 9});
+    const auto rangeOf = [&](const ByteList& chunk) {
+        return measureExrRange(dir.write("map.exr", rowWithChunk(path(), chunk)).c_str());
+    };
+    EXPECT_EQ(rangeOf(whole), 0.0f);
+    EXPECT_EQ(rangeOf(behind), 0.0f);
+    EXPECT_EQ(rangeOf(deflatedRow(128)), 3.0039215f);  // what is missing is 0
+}
+
+TEST_F(ExrRange, ChunksThatCannotBeInflatedAreDamage) {
+    const auto rangeOf = [&](const ByteList& chunk) {
+        return measureExrRange(dir.write("map.exr", rowWithChunk(path(), chunk)).c_str());
+    };
+    EXPECT_EQ(rangeOf(deflatedRow(257)), -4.0f);  // longer than the row
+    const ByteList whole = deflatedRow(256);
+    for (std::size_t length = 2; length < whole.size(); ++length)
+        EXPECT_EQ(rangeOf({whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length)}),
+                  -4.0f)
+            << length;
+    for (std::size_t at = 0; at < 4; ++at) {
+        ByteList wrongSum = whole;
+        wrongSum[wrongSum.size() - 1 - at] ^= 1;
+        EXPECT_EQ(rangeOf(wrongSum), -4.0f) << at;
+    }
+    ByteList wrongMethod = whole;
+    wrongMethod[0] = 0x79;
+    EXPECT_EQ(rangeOf(wrongMethod), -4.0f);
 }
 
 TEST_F(ExrRange, WhatIsNoExrGivesTheLoadersCode) {
