@@ -6,6 +6,7 @@
 #include <cstdio>
 #include <memory>
 #include <optional>
+#include <span>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -598,11 +599,14 @@ void loadingExr(Case& test) {
     const ByteList file = test.random.oneIn(3) ? perhapsDamaged(test.random, exrSeed(test.random))
                                                : exrPicture(test.random);
     const std::string path = test.write("map.exr", file);
-    ExrImage image;
-    test.result.add(LoadMultiChannelEXRFromFile(image, path.c_str()))
-        .add(image.width)
-        .add(image.height);
-    for (const float sample : image.firstPlane)
+    ExrSize size{};
+    std::vector<float> shown;
+    const int status =
+        LoadMultiChannelEXRFromFile(path.c_str(), size, [&](std::span<const float> samples) {
+            shown.insert(shown.end(), samples.begin(), samples.end());
+        });
+    test.result.add(status).add(size.width).add(size.height);
+    for (const float sample : shown)
         test.result.add(sample);
 }
 
