@@ -168,6 +168,13 @@ MacEntry* readdirMac(DIR* folder) {
     return &mac;
 }
 
+// Fills memory with copies of a pattern, the last one cut off; compilers turn loops into calls.
+template <std::size_t PatternBytes>
+void fillWithPattern(std::uint8_t* bytes, const std::uint8_t* pattern, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        bytes[i] = pattern[i % PatternBytes];
+}
+
 // A lock of macOS looks taken to Linux; with one thread it is always free.
 int alwaysFree(void*) {
     return 0;
@@ -268,6 +275,11 @@ StandIns makeStandIns() {
         {"_open", code(openMac)},
         {"_printf", code(std::printf)},
 #endif
+
+        // Known to macOS alone.
+        {"_memset_pattern4", code(fillWithPattern<4>)},
+        {"_memset_pattern8", code(fillWithPattern<8>)},
+        {"_memset_pattern16", code(fillWithPattern<16>)},
 
         // One thread, one locale, one library.
         {"_dlopen", code(noLibrary)},
