@@ -1,10 +1,12 @@
 #include "FileFacts.h"
 
 #include <algorithm>
-#include <array>
+#include <bit>
 #include <cctype>
 #include <filesystem>
 #include <fstream>
+#include <string_view>
+#include <utility>
 
 #include "DiskFile.h"
 #include "Failure.h"

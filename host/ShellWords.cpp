@@ -1,5 +1,8 @@
 #include "ShellWords.h"
 
+#include <algorithm>
+#include <utility>
+
 #include "Failure.h"
 
 namespace {

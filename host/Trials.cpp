@@ -156,7 +156,7 @@ const std::string& Trials::copy() {
 
 // A path that leads to /dev/null; each by a name of its own, since exports look at extensions.
 std::string Trials::nowhere(const std::string& extension) const {
-    const std::string path = folder_.at("nowhere" + extension);
+    std::string path = folder_.at("nowhere" + extension);
     std::error_code there;
     fs::create_symlink("/dev/null", path, there);
     return path;

@@ -44,10 +44,10 @@ TEST(Completions, OfferWhatTheCommandLineTakes) {
 
 // As bash itself asks when the tab key is pressed.
 TEST(Completions, BashOffersThem) {
-    const std::string session =
+    const std::string asking =
         "source <(\"$0\" completions bash); COMP_WORDS=(\"$0\" export --format p); COMP_CWORD=3; "
         "_quillon; echo \"${COMPREPLY[@]}\"; complete -p quillon";
-    const Ended ended = run({"/bin/bash", "-c", session, QUILLON_HOST});
+    const Ended ended = run({"/bin/bash", "-c", asking, QUILLON_HOST});
     EXPECT_EQ(ended.out, "psd\ncomplete -o default -F _quillon quillon\n");
     EXPECT_EQ(ended.err, "");
 }
