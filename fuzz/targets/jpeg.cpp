@@ -7,7 +7,7 @@
 namespace {
 
 // Rows that a file does not have are coded, too; huge sizes only take longer.
-constexpr std::uint32_t kMostPixels = 512 * 512;
+constexpr std::uint32_t kMostPixels = 256 * 256;
 
 bool isHuge(const ByteList& file) {
     Bytes bytes{file.data(), file.size()};
@@ -16,10 +16,12 @@ bool isHuge(const ByteList& file) {
 
 float convert(Case& files) {
     if (isHuge(files.given(0))) return 0.0f;
-    const float status = convertToJPEG(files.file(0), files.output(), files.number(0));
+    const bool replaces = files.byte(4) % 8 == 7;
+    const float status =
+        convertToJPEG(files.file(0), replaces ? files.file(0) : files.output(), files.number(0));
     Case::expectStatus(status, {0.0f, 4.0f, 5.0f, -9.0f});
-    files.expectUnchanged(0);
-    files.expectOutputs(status == 0.0f ? 1 : 0);
+    if (!replaces || status != 0.0f) files.expectUnchanged(0);
+    files.expectOutputs(!replaces && status == 0.0f ? 1 : 0);
     return status;
 }
 

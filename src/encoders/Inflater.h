@@ -20,5 +20,5 @@ public:
                  std::size_t fromBytes) const;
 
 private:
-    void* state_;
+    [[maybe_unused]] void* state_;  // libdeflate's
 };

@@ -76,9 +76,9 @@ struct RowBuffers {
     explicit RowBuffers(const Map& map)
         : lastRow(map.rows > 0 ? static_cast<std::size_t>(map.width) * kPixelBytes : 0) {
         if (lastRow.empty()) return;
-        pieceRows =
-            std::min(std::max<std::uint64_t>(kPieceBytes / lastRow.size(), 1), map.existingRows());
-        rows.resize(static_cast<std::size_t>(pieceRows * map.rowBytes()));
+        pieceRows = std::min(std::max<std::uint64_t>(kPieceBytes / lastRow.size(), 1), map.rows);
+        const std::uint64_t readRows = std::min(pieceRows, map.existingRows());
+        rows.resize(static_cast<std::size_t>(readRows * map.rowBytes()));
         targaRows.resize(static_cast<std::size_t>(pieceRows) * lastRow.size());
     }
 
@@ -108,13 +108,23 @@ bool writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBuf
     return true;
 }
 
-bool writeRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
-    if (map.width == 0 || map.rows == 0) return true;
-    if (!writeExistingRows(in, out, map, buffers)) return false;
-    for (std::uint64_t row = map.existingRows(); row < map.rows; ++row) {
-        if (!out.append(buffers.lastRow.data(), buffers.lastRow.size())) return false;
+// Writes the last row as often as rows are missing, in pieces, too: a row may be a single pixel.
+bool writeMissingRows(FileReplacer& out, const Map& map, RowBuffers& buffers) {
+    auto& [lastRow, pieceRows, rows, targaRows] = buffers;
+    if (map.existingRows() == map.rows) return true;
+    for (auto place = targaRows.begin(); place != targaRows.end();)
+        place = std::copy(lastRow.begin(), lastRow.end(), place);
+    for (std::uint64_t row = map.existingRows(); row < map.rows;) {
+        const auto count = static_cast<std::size_t>(std::min(pieceRows, map.rows - row));
+        if (!out.append(targaRows.data(), count * lastRow.size())) return false;
+        row += count;
     }
     return true;
+}
+
+bool writeRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
+    if (map.width == 0 || map.rows == 0) return true;
+    return writeExistingRows(in, out, map, buffers) && writeMissingRows(out, map, buffers);
 }
 
 }  // namespace

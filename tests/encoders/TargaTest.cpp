@@ -1,5 +1,7 @@
 #include <gmock/gmock.h>
 
+#include <ctime>
+
 #include "encoders/TargaOps.h"
 #include "support/CaptureStdout.h"
 #include "support/TempDir.h"
@@ -88,6 +90,14 @@ TEST_F(Targa, RowsThatTheFileDoesNotHaveShowTheRowBelow) {
     EXPECT_EQ(top, ByteList(out.end() - 12, out.end() - 6));
     // The topmost row that exists starts at byte 2 of the file.
     EXPECT_EQ(top, (ByteList{8, 0, 42, 0, 0, 0}));
+}
+
+// A file of some hundred bytes: a call to the system for each row would take ten seconds.
+TEST_F(Targa, TwentyMillionMissingRowsTakeNoTime) {
+    const std::clock_t start = std::clock();
+    EXPECT_EQ(save(map(1, 4).grey8({1, 2, 3, 4}).entry(257, 1, 20000000)), 0.0f);
+    EXPECT_LT(std::clock() - start, 2 * CLOCKS_PER_SEC);
+    EXPECT_EQ(std::filesystem::file_size(dir.path("map.tga")), 60000018u);
 }
 
 TEST_F(Targa, AMapWithoutASingleWholeRowIsBlack) {
