@@ -386,10 +386,12 @@ private:
 
 protected:
     const Outcome& clean() const { return clean_; }
+    const Entries& before() const { return before_; }
 };
 
 TEST_P(Faults, NoneIsTheSameEachTime) {
     EXPECT_EQ(clean().answer.status, scenario().status);
+    EXPECT_EQ(clean().entries != before(), !scenario().written.empty());
 }
 
 TEST_P(Faults, OnesThatDoNotMatterAreAbsorbed) {
