@@ -3,14 +3,12 @@
 #include <vector>
 
 #include "BmpWriter.h"
-#include "Job.h"
 #include "Literals.h"
 #include "Pictures.h"
 #include "PlainPixels.h"
+#include "Races.h"
 
 namespace {
-
-using enum Traffic::Kind;
 
 constexpr std::uint32_t kHeadBytes = 54;
 constexpr std::uint32_t kThumbSide = 256;
@@ -18,10 +16,6 @@ constexpr std::uint32_t kThumbSide = 256;
 // Sides are multiples of four, so that rows have no padding.
 RowLayout layoutOf(std::uint32_t side) {
     return {kHeadBytes, bmpRowBytes(side), side, side};
-}
-
-std::uint64_t fileBytes(std::uint32_t side) {
-    return kHeadBytes + std::uint64_t{bmpRowBytes(side)} * side;
 }
 
 // What one writes for want of a library: files mapped, one pass over the pixels.
@@ -75,70 +69,39 @@ float thumbnailTraffic(const std::string& path, std::uint32_t side) {
 }
 
 Race merge(const Setup& setup) {
-    const std::string tile = setup.folder + "/tile.bmp";
-    const std::string map = setup.folder + "/map.bmp";
-    const std::string original = setup.folder + "/original.bmp";
-    writeBmp(tile, specOf(setup), Tile::kFirst);
-    writeBmp(original, specOf(setup), Tile::kSecond);
-
-    const std::uint64_t bytes = fileBytes(setup.side);
+    const MapPaths paths(setup, ".bmp");
     const RowLayout layout = layoutOf(setup.side);
-    const std::size_t pixels = std::size_t{setup.side} * setup.side;
-    Race race{.amount = megapixels(setup.side),
-              .bytesWritten = static_cast<double>(bytes),
-              .rewritten = {{map, original}},
-              .resultDigest = [map] { return digestOf(map); },
-              .contenders = exportContenders(setup, {"mergeMapsBMP", tile, 0, map})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return mergeMapped(tile, map, pixels); }, 0.75});
-    race.contenders.push_back(limit({{kRead, tile, bytes}, {kRewrite, map, bytes}}, 1.4));
-    race.contenders.push_back(
-        {Role::kLiteral, "literal", [=] { return literalMerge(tile, map, layout, 3); }});
+    const std::size_t pixels = pixelsOf(setup);
+    Race race = mergeRace(setup, paths, "mergeMapsBMP", writeBmp, 1.4);
+    race.add(peer("C++, mapped", 0.75, [=] { return mergeMapped(paths.tile, paths.map, pixels); }));
+    race.add(literal([=] { return literalMerge(paths.tile, paths.map, layout, 3); }));
     return race;
 }
 
 Race swap(const Setup& setup) {
-    const std::string map = setup.folder + "/map.bmp";
-    const std::string original = setup.folder + "/original.bmp";
-    writeBmp(original, specOf(setup), Tile::kFirst);
-
-    const std::uint64_t bytes = fileBytes(setup.side);
+    const MapPaths paths(setup, ".bmp");
     const RowLayout layout = layoutOf(setup.side);
-    const std::size_t pixels = std::size_t{setup.side} * setup.side;
-    Race race{.amount = megapixels(setup.side),
-              .bytesWritten = static_cast<double>(bytes),
-              .rewritten = {{map, original}},
-              .resultDigest = [map] { return digestOf(map); },
-              .contenders = exportContenders(setup, {"swapRGBBMP", map, 2})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return swapMapped(map, pixels); }, 0.95});
-    race.contenders.push_back(limit({{kRewrite, map, bytes}}, 1.3));
-    race.contenders.push_back(
-        {Role::kLiteral, "literal", [=] { return literalSwap(map, layout); }});
+    const std::size_t pixels = pixelsOf(setup);
+    Race race = rewriteRace(setup, paths, {"swapRGBBMP", paths.map, 2}, writeBmp);
+    race.add(rewriteLimit(paths, 1.3));
+    race.add(peer("C++, mapped", 0.95, [=] { return swapMapped(paths.map, pixels); }));
+    race.add(literal([=] { return literalSwap(paths.map, layout); }));
     return race;
 }
 
 Race thumbnail(const Setup& setup) {
-    const std::string map = setup.folder + "/map.bmp";
-    const std::string original = setup.folder + "/original.bmp";
-    writeBmp(original, specOf(setup), Tile::kFirst);
-
+    const MapPaths paths(setup, ".bmp");
     const std::uint32_t side = setup.side;
     const RowLayout layout = layoutOf(side);
-    Race race{.amount = megapixels(side),
-              .bytesHeld = static_cast<double>(fileBytes(side)),
-              .rewritten = {{map, original}},
-              .resultDigest = [map] { return digestOf(map); },
-              .contenders = exportContenders(setup, {"CreateThumbnailBMP", map, kThumbSide})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return thumbnailMapped(map, side); }, 0.9});
-    race.contenders.push_back({.role = Role::kLimit,
-                               .name = "limit",
-                               .work = [=] { return thumbnailTraffic(map, side); },
-                               .target = 1.1,
-                               .sameResult = false});
-    race.contenders.push_back(
-        {Role::kLiteral, "literal", [=] { return literalThumbnail(map, layout, kThumbSide); }});
+    Race race = rewriteRace(setup, paths, {"CreateThumbnailBMP", paths.map, kThumbSide}, writeBmp);
+    race.bytesHeld = race.bytesWritten;
+    race.add({.role = Role::kLimit,
+              .name = "limit",
+              .work = [=] { return thumbnailTraffic(paths.map, side); },
+              .target = 1.1,
+              .sameResult = false});
+    race.add(peer("C++, mapped", 0.9, [=] { return thumbnailMapped(paths.map, side); }));
+    race.add(literal([=] { return literalThumbnail(paths.map, layout, kThumbSide); }));
     return race;
 }
 

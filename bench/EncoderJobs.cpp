@@ -1,11 +1,10 @@
 #include <limits>
 
-#include "BmpWriter.h"
 #include "ExrPeers.h"
-#include "Job.h"
 #include "JpegLiteral.h"
 #include "JpegPeer.h"
 #include "Pictures.h"
+#include "Races.h"
 
 namespace {
 
@@ -13,37 +12,29 @@ namespace {
 constexpr double kAnyNumber = std::numeric_limits<double>::infinity();
 
 Race jpeg(const Setup& setup) {
-    const std::string in = setup.folder + "/map.bmp";
+    const MapPaths paths(setup, ".bmp");
     const std::string out = setup.folder + "/map.jpg";
-    writeBmp(in, specOf(setup), Tile::kFirst);
-
-    Race race{.amount = megapixels(setup.side),
-              .bytesHeld = static_cast<double>(OpenFile::forReading(in).size()),
-              .created = {out},
-              .resultDigest = [out] { return digestOfScan(out); },
-              .contenders = exportContenders(setup, {"saveAsJpeg", in, 50, out})};
+    Race race = makeRace(setup, paths, {"saveAsJpeg", paths.map, 50, out}, writeBmp, {});
+    race.bytesHeld = static_cast<double>(fileBytes(paths.map));
+    race.resultDigest = [out] { return digestOfScan(out); };
     const auto addPeer = [&](const char* name, JpegDct dct, double target) {
-        race.contenders.push_back({.role = Role::kPeer,
-                                   .name = name,
-                                   .work = [=] { return jpegByTurbo(in, out, dct); },
-                                   .target = target,
-                                   .sameResult = false});
+        race.add(peer(name, target, [=] { return jpegByTurbo(paths.map, out, dct); }));
+        race.contenders.back().sameResult = false;
     };
     addPeer("libjpeg-turbo, fast DCT", JpegDct::kFast, 0.8);
     addPeer("float DCT", JpegDct::kFloat, 0.7);
-    race.contenders.push_back({Role::kLiteral, "literal", [=] { return literalJpeg(in, out); }});
+    race.add(literal([=] { return literalJpeg(paths.map, out); }));
     return race;
 }
 
 Race exr(const Setup& setup, ExrSamples samples) {
     const std::string map = setup.folder + "/map.exr";
     writeExr(map, setup.side, samples);
-
-    Race race{.amount = megapixels(setup.side),
+    Race race{.amount = static_cast<double>(pixelsOf(setup)) * 1e-6,
               .bytesHeld = kAnyNumber,
               .contenders = exportContenders(setup, {"OpenEXR", map})};
-    race.contenders.push_back({Role::kPeer, "OpenEXR", [=] { return rangeByOpenExr(map); }, 0.8});
-    race.contenders.push_back({Role::kLiteral, "literal", [=] { return rangeByTinyExr(map); }});
+    race.add(peer("OpenEXR", 0.8, [=] { return rangeByOpenExr(map); }));
+    race.add(literal([=] { return rangeByTinyExr(map); }));
     return race;
 }
 

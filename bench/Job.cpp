@@ -31,14 +31,6 @@ Contender limit(std::vector<Traffic> traffic, double target) {
         .role = Role::kLimit, .name = "limit", .work = move, .target = target, .sameResult = false};
 }
 
-MapSpec specOf(const Setup& setup) {
-    return {setup.side, setup.sparse};
-}
-
-double megapixels(std::uint32_t side) {
-    return static_cast<double>(side) * side * 1e-6;
-}
-
 std::vector<Job> allJobs() {
     std::vector<Job> all;
     for (const auto& family : {tiffJobs, psdJobs, bmpJobs, encoderJobs, meshJobs}) {

@@ -6,11 +6,11 @@
 #include <cstdint>
 #include <functional>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "Files.h"
 #include "Library.h"
-#include "Pictures.h"
 
 enum class Role {
     kQuillon,
@@ -51,7 +51,9 @@ struct Race {
     std::vector<std::string> created = {};  // files that the work makes; deleted before each run
 
     std::function<std::uint64_t()> resultDigest = [] { return std::uint64_t{0}; };
-    std::vector<Contender> contenders = {};
+    std::vector<Contender> contenders = {};  // quillon first
+
+    void add(Contender contender) { contenders.push_back(std::move(contender)); }
 };
 
 struct Setup {
@@ -74,8 +76,6 @@ struct Job {
     std::uint32_t largestSide = 16384;  // that the export takes
 };
 
-MapSpec specOf(const Setup& setup);
-
 std::vector<Job> allJobs();
 
 std::vector<Job> tiffJobs();
@@ -95,5 +95,3 @@ std::vector<Contender> exportContenders(const Setup& setup, const ExportCall& ca
 
 // The file traffic of a job as a contender.
 Contender limit(std::vector<Traffic> traffic, double target);
-
-double megapixels(std::uint32_t side);

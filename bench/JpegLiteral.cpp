@@ -131,7 +131,7 @@ void transform(float* s, std::size_t step) {
 }
 
 Code extraBits(int value) {
-    const int length = std::bit_width(static_cast<unsigned>(std::abs(value)));
+    const auto length = static_cast<int>(std::bit_width(static_cast<unsigned>(std::abs(value))));
     return {length, value > 0 ? value : value + (1 << length) - 1};
 }
 

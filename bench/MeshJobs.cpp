@@ -9,8 +9,8 @@
 #include <vector>
 
 #include "Failure.h"
-#include "Job.h"
 #include "Meshes.h"
+#include "Races.h"
 
 namespace {
 
@@ -31,7 +31,6 @@ struct Mesh {
     }
     std::size_t firstUv() const { return static_cast<std::size_t>(size.firstUv()); }
     std::size_t endOfUvs() const { return static_cast<std::size_t>(size.endOfUvs()); }
-    double fileBytes() const { return static_cast<double>(OpenFile::forReading(path).size()); }
     std::size_t tileBytes() const { return endOfUvs() + kClosingBytes; }
 };
 
@@ -177,14 +176,19 @@ double millionFaces(const Mesh& mesh) {
 Race count(const Setup& setup) {
     const Mesh mesh = makeMesh(setup);
     Race race{.amount = millionFaces(mesh),
-              .bytesHeld = mesh.fileBytes(),
+              .bytesHeld = static_cast<double>(fileBytes(mesh.path)),
               .contenders = exportContenders(setup, {"getUVTile", mesh.path, kNumberedNames})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return countMapped(mesh); }, 0.75});
-    race.contenders.push_back(
-        limit({{kRead, mesh.path, mesh.endOfUvs() - mesh.firstUv(), mesh.firstUv()}}, 1.3));
-    race.contenders.push_back({Role::kLiteral, "literal", [=] { return countLiterally(mesh); }});
+    race.add(limit({{kRead, mesh.path, mesh.endOfUvs() - mesh.firstUv(), mesh.firstUv()}}, 1.3));
+    race.add(peer("C++, mapped", 0.75, [=] { return countMapped(mesh); }));
+    race.add(literal([=] { return countLiterally(mesh); }));
     return race;
+}
+
+std::uint64_t digestOfAll(const std::vector<std::string>& paths) {
+    std::uint64_t digest = 0;
+    for (const std::string& path : paths)
+        digest = digest * 31 + digestOf(path);
+    return digest;
 }
 
 Race split(const Setup& setup) {
@@ -195,23 +199,16 @@ Race split(const Setup& setup) {
         tiles.push_back(mesh.tilePath(tile));
         traffic.push_back({kWrite, tiles.back(), mesh.tileBytes()});
     }
-    const auto digestOfTiles = [tiles] {
-        std::uint64_t digest = 0;
-        for (const std::string& tile : tiles)
-            digest = digest * 31 + digestOf(tile);
-        return digest;
-    };
+    const ExportCall call{"getUVs", mesh.path, kNumberedNames, mesh.outPath + ".tif"};
     Race race{.amount = millionFaces(mesh),
               .bytesWritten = static_cast<double>(mesh.tileBytes()) * mesh.size.tiles,
-              .bytesHeld = mesh.fileBytes(),
+              .bytesHeld = static_cast<double>(fileBytes(mesh.path)),
               .created = tiles,
-              .resultDigest = digestOfTiles,
-              .contenders = exportContenders(
-                  setup, {"getUVs", mesh.path, kNumberedNames, mesh.outPath + ".tif"})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return splitMapped(mesh); }, 0.75});
-    race.contenders.push_back(limit(traffic, 1.1));
-    race.contenders.push_back({Role::kLiteral, "literal", [=] { return splitLiterally(mesh); }});
+              .resultDigest = [=] { return digestOfAll(tiles); },
+              .contenders = exportContenders(setup, call)};
+    race.add(limit(traffic, 1.1));
+    race.add(peer("C++, mapped", 0.75, [=] { return splitMapped(mesh); }));
+    race.add(literal([=] { return splitLiterally(mesh); }));
     return race;
 }
 

@@ -1,12 +1,10 @@
 #include <cstdint>
 
-#include "Job.h"
 #include "Literals.h"
 #include "Pictures.h"
+#include "Races.h"
 
 namespace {
-
-using enum Traffic::Kind;
 
 constexpr std::uint32_t kHeadBytes = 40;
 
@@ -44,46 +42,24 @@ float rotateMapped(const std::string& path, std::size_t pixels) {
 }
 
 Race merge(const Setup& setup) {
-    const std::string tile = setup.folder + "/tile.psd";
-    const std::string map = setup.folder + "/map.psd";
-    const std::string original = setup.folder + "/original.psd";
-    writePsd8(tile, specOf(setup), Tile::kFirst);
-    writePsd8(original, specOf(setup), Tile::kSecond);
-
-    const std::size_t pixels = std::size_t{setup.side} * setup.side;
-    const std::uint64_t bytes = kHeadBytes + 3 * pixels;
-    Race race{.amount = megapixels(setup.side),
-              .bytesWritten = static_cast<double>(bytes),
-              .bytesHeld = static_cast<double>(bytes),
-              .rewritten = {{map, original}},
-              .resultDigest = [map] { return digestOf(map); },
-              .contenders = exportContenders(setup, {"mergeMapsPSD", tile, 0, map})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return mergeMapped(tile, map, pixels); }, 0.75});
-    race.contenders.push_back(limit({{kRead, tile, bytes}, {kRewrite, map, bytes}}, 1.4));
-    race.contenders.push_back({Role::kLiteral, "literal",
-                               [=] { return literalMergePlanes(tile, map, kHeadBytes, pixels); }});
+    const MapPaths paths(setup, ".psd");
+    const std::size_t pixels = pixelsOf(setup);
+    Race race = mergeRace(setup, paths, "mergeMapsPSD", writePsd8, 1.4);
+    race.bytesHeld = race.bytesWritten;
+    race.add(peer("C++, mapped", 0.75, [=] { return mergeMapped(paths.tile, paths.map, pixels); }));
+    race.add(
+        literal([=] { return literalMergePlanes(paths.tile, paths.map, kHeadBytes, pixels); }));
     return race;
 }
 
 Race rotate(const Setup& setup) {
-    const std::string map = setup.folder + "/map.psd";
-    const std::string original = setup.folder + "/original.psd";
-    writePsd8(original, specOf(setup), Tile::kFirst);
-
-    const std::size_t pixels = std::size_t{setup.side} * setup.side;
-    const std::uint64_t bytes = kHeadBytes + 3 * pixels;
-    Race race{.amount = megapixels(setup.side),
-              .bytesWritten = static_cast<double>(bytes),
-              .bytesHeld = static_cast<double>(bytes),
-              .rewritten = {{map, original}},
-              .resultDigest = [map] { return digestOf(map); },
-              .contenders = exportContenders(setup, {"swapRGBPSD", map, 2})};
-    race.contenders.push_back(
-        {Role::kPeer, "C++, mapped", [=] { return rotateMapped(map, pixels); }, 1.0});
-    race.contenders.push_back(limit({{kRewrite, map, bytes}}, 1.2));
-    race.contenders.push_back(
-        {Role::kLiteral, "literal", [=] { return literalRotatePlanes(map, kHeadBytes, pixels); }});
+    const MapPaths paths(setup, ".psd");
+    const std::size_t pixels = pixelsOf(setup);
+    Race race = rewriteRace(setup, paths, {"swapRGBPSD", paths.map, 2}, writePsd8);
+    race.bytesHeld = race.bytesWritten;
+    race.add(rewriteLimit(paths, 1.2));
+    race.add(peer("C++, mapped", 1.0, [=] { return rotateMapped(paths.map, pixels); }));
+    race.add(literal([=] { return literalRotatePlanes(paths.map, kHeadBytes, pixels); }));
     return race;
 }
 
