@@ -45,7 +45,7 @@ inline std::uint64_t nonzeroPlaces(const QuantisedUnit& unit) {
 }
 
 inline void put(BitWriter& bits, const ValueCodes& codes, std::int32_t value) {
-    const ValueCode& code = codes[kKindOf[static_cast<std::size_t>(value + kLargestValue)]];
+    const ValueCode& code = codes[lookUpKind(value)];
     bits.put(static_cast<std::uint32_t>(code.base + value), code.length);
 }
 

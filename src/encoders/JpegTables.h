@@ -160,10 +160,15 @@ constexpr std::uint8_t kindOf(std::int32_t value) {
 constexpr std::array<std::uint8_t, 2 * kLargestValue + 1> makeKinds() {
     std::array<std::uint8_t, 2 * kLargestValue + 1> kinds{};
     for (std::int32_t value = -kLargestValue; value <= kLargestValue; ++value)
-        kinds[static_cast<std::size_t>(value + kLargestValue)] = kindOf(value);
+        kinds[static_cast<std::uint32_t>(value + kLargestValue)] = kindOf(value);
     return kinds;
 }
 inline constexpr std::array<std::uint8_t, 2 * kLargestValue + 1> kKindOf = makeKinds();
+
+// The same, looked up.
+inline std::uint8_t lookUpKind(std::int32_t value) {
+    return kKindOf[static_cast<std::uint32_t>(value + kLargestValue)];
+}
 
 // The codes of values by kind, all of them after so many zeros.
 using ValueCodes = std::array<ValueCode, kKinds>;

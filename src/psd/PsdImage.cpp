@@ -75,6 +75,10 @@ float readHeader(std::uint64_t fileBytes, BytesAt bytesAt, PsdHeader& header, st
     return kOk;
 }
 
+PsdLayout layoutOfImg() {
+    return {fHeader, static_cast<std::size_t>(offst), img.size()};
+}
+
 }  // namespace
 
 ImgInUse::~ImgInUse() {
@@ -168,11 +172,11 @@ float openPSD(const char* path, PsdOnDisk& psd) {
 }
 
 PsdView viewOfImg() {
-    return {{fHeader, static_cast<std::size_t>(offst), img.size()}, img};
+    return {layoutOfImg(), img};
 }
 
 PsdImage takeImg() {
-    const PsdLayout layout = viewOfImg();
+    const PsdLayout layout = layoutOfImg();
     return {layout, std::exchange(img, {})};
 }
 
