@@ -153,17 +153,18 @@ struct ValueCode {
 // Category and sign of the values that a quantised picture can have: up to 1023 for a coefficient,
 // up to 2047 for the difference of two means.
 inline constexpr std::int32_t kLargestValue = 2047;
+inline constexpr std::size_t kValues = 2 * 2047 + 1;
 inline constexpr std::size_t kKinds = 32;
 constexpr std::uint8_t kindOf(std::int32_t value) {
     return static_cast<std::uint8_t>(category(value) + (value < 0 ? kKinds / 2 : 0));
 }
-constexpr std::array<std::uint8_t, 2 * kLargestValue + 1> makeKinds() {
-    std::array<std::uint8_t, 2 * kLargestValue + 1> kinds{};
+constexpr std::array<std::uint8_t, kValues> makeKinds() {
+    std::array<std::uint8_t, kValues> kinds{};
     for (std::int32_t value = -kLargestValue; value <= kLargestValue; ++value)
         kinds[static_cast<std::uint32_t>(value + kLargestValue)] = kindOf(value);
     return kinds;
 }
-inline constexpr std::array<std::uint8_t, 2 * kLargestValue + 1> kKindOf = makeKinds();
+inline constexpr std::array<std::uint8_t, kValues> kKindOf = makeKinds();
 
 // The same, looked up.
 inline std::uint8_t lookUpKind(std::int32_t value) {
