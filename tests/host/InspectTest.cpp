@@ -229,8 +229,7 @@ TEST_F(Inspect, TheFileIsOnlyReadAndNoCopyStays) {
     const TempDir copies;
     const std::string map = dir.write("map.bmp", BmpFile(200, 100));
     const ByteList before = readBytes(map);
-    const Ended ended =
-        run({"/usr/bin/env", "TMPDIR=" + copies.path(), QUILLON_HOST, "inspect", map});
+    const Ended ended = quillonInShell("TMPDIR=" + copies.path() + " \"$@\"", {"inspect", map});
     EXPECT_THAT(ended.out,
                 HasSubstr("CreateThumbnailBMP                                 0  accepted\n"));
     EXPECT_EQ(readBytes(map), before);
@@ -240,8 +239,7 @@ TEST_F(Inspect, TheFileIsOnlyReadAndNoCopyStays) {
 
 TEST_F(Inspect, FieldsTriesNoExport) {
     const std::string map = dir.write("map.bmp", BmpFile(2, 2));
-    const Ended ended =
-        run({"/usr/bin/env", "TMPDIR=/nowhere", QUILLON_HOST, "inspect", map, "--fields"});
+    const Ended ended = quillonInShell("TMPDIR=/nowhere \"$@\"", {"inspect", map, "--fields"});
     EXPECT_EQ(ended.exitStatus, 0);
     EXPECT_THAT(ended.out, Not(HasSubstr("swapRGBBMP")));
     EXPECT_FALSE(

@@ -156,8 +156,8 @@ TEST_F(Script, AFileIsCheckedBeforeItsFirstCall) {
 }
 
 TEST_F(Script, StandardInputIsCarriedOutLineByLine) {
-    const std::string shell = "printf 'Version\\nGetString abcdefgh 2\\nNone\\n' | \"$0\" script -";
-    const Ended ended = run({"/bin/sh", "-c", shell, QUILLON_HOST});
+    const std::string shell = "printf 'Version\\nGetString abcdefgh 2\\nNone\\n' | \"$@\"";
+    const Ended ended = quillonInShell(shell, {"script", "-"});
     EXPECT_EQ(ended.exitStatus, 2);
     EXPECT_EQ(ended.out,
               "Version                48\n"
@@ -167,12 +167,12 @@ TEST_F(Script, StandardInputIsCarriedOutLineByLine) {
 
 // The second line is written only once the first one's answer is there.
 TEST_F(Script, AnAnswerIsThereBeforeTheNextCall) {
-    const std::string shell =
-        "mkfifo \"$1/in\"; \"$0\" script - <\"$1/in\" >\"$1/out\" & exec 3>\"$1/in\"; "
-        "echo Version >&3; until grep -q 48 \"$1/out\"; do sleep 0.01; done; "
-        "echo CloseFolder >&3; exec 3>&-; wait $!";
+    const std::string shell = "cd " + dir.path() +
+                              " && mkfifo in; \"$@\" <in >out & exec 3>in; "
+                              "echo Version >&3; until grep -q 48 out; do sleep 0.01; done; "
+                              "echo CloseFolder >&3; exec 3>&-; wait $!";
     dir.write("out", "");
-    const Ended ended = run({"/bin/sh", "-c", shell, QUILLON_HOST, dir.path()});
+    const Ended ended = quillonInShell(shell, {"script", "-"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(readBytes(dir.path("out")).size(), 52u);
 }

@@ -12,6 +12,8 @@
 #include <string>
 #include <vector>
 
+#include "support/Run.h"
+
 struct OnTerminal {
     int exitStatus;
     std::string shown;  // both outputs, with the terminal's "\r\n" at line ends
@@ -29,7 +31,7 @@ inline std::string shownOn(int terminal) {
 }
 
 // `environment` is all that the program gets, such as "TERM=xterm".
-inline OnTerminal quillonOnTerminal(std::vector<std::string> arguments,
+inline OnTerminal quillonOnTerminal(const std::vector<std::string>& arguments,
                                     std::vector<std::string> environment = {"TERM=xterm"}) {
     const auto pointersTo = [](std::vector<std::string>& texts) {
         std::vector<char*> pointers;
@@ -38,8 +40,8 @@ inline OnTerminal quillonOnTerminal(std::vector<std::string> arguments,
         pointers.push_back(nullptr);
         return pointers;
     };
-    arguments.insert(arguments.begin(), QUILLON_HOST);
-    const std::vector<char*> argv = pointersTo(arguments);
+    std::vector<std::string> line = commandLine(QUILLON_HOST, arguments);
+    const std::vector<char*> argv = pointersTo(line);
     const std::vector<char*> variables = pointersTo(environment);
 
     int ours = -1;
