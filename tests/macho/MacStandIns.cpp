@@ -10,6 +10,7 @@
 
 #include <array>
 #include <cerrno>
+#include <cmath>
 #include <cstdarg>
 #include <cstddef>
 #include <cstdint>
@@ -243,6 +244,8 @@ StandIns makeStandIns() {
         {"_malloc", code(std::malloc)},
         {"_memchr", code<const void*(const void*, int, std::size_t)>(std::memchr)},
         {"_opendir", code(::opendir)},
+        {"_nextafterf", code(::nextafterf)},
+        {"_ftruncate", code(::ftruncate)},
         {"_pread", code(::pread)},
         {"_puts", code(std::puts)},
         {"_pwrite", code(::pwrite)},
