@@ -15,6 +15,7 @@
 #include <cstdio>
 #include <cstdlib>
 #include <new>
+#include <utility>
 
 // The heap behind this program's own, under the names by which it stays reachable: the C library's,
 // or the sanitizer's, which stands in front of that.
@@ -50,9 +51,11 @@ bool goesWrong(SystemCall call) {
     return wrong;
 }
 
-// The function that this program's own stands in front of.
+// The function that this program's own stands in front of. What looking for it takes from the heap
+// is not the library's.
 template <typename Function>
 Function* theSystems(const char* name) {
+    const bool wasWatching = std::exchange(watching, false);
 #ifdef QUILLON_SANITIZED
     char sanitizers[64];
     std::snprintf(sanitizers, sizeof sanitizers, "__interceptor_%s", name);
@@ -62,6 +65,7 @@ Function* theSystems(const char* name) {
     void* const address = ::dlsym(RTLD_NEXT, name);
 #endif
     if (address == nullptr) std::abort();
+    watching = wasWatching;
     return reinterpret_cast<Function*>(address);
 }
 
