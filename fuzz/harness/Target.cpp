@@ -19,6 +19,7 @@
 
 namespace {
 
+constexpr const char* kInputName = "in";
 constexpr const char* kOutputName = "out.tif";
 
 // Output of which no more is compared: a header may claim gigabytes of black.
@@ -66,7 +67,7 @@ const Folder& folder() {
 }
 
 std::string inputName(std::size_t index) {
-    return "in" + std::to_string(index);
+    return kInputName + std::to_string(index);
 }
 
 void writeFile(const std::string& path, const ByteList& bytes) {
@@ -95,6 +96,11 @@ FileState readFile(const std::string& path) {
         fail("a file can be read");
     ::close(file);
     return state;
+}
+
+// A file that an operation is about to replace: none of it may be left.
+void writeOlder(const std::string& path, const FileState& newer) {
+    writeFile(path, ByteList(newer.bytes.size() + 5000, 0xEE));
 }
 
 int lowestFreeDescriptor() {
@@ -215,5 +221,8 @@ void runInput(const Target& target, std::span<const std::uint8_t> input) {
     const Recipe recipe = readRecipe(input, target.files);
     const Outcome first = runOnce(target, recipe);
     if (!isRunTwice(input)) return;
+    for (const auto& [name, state] : first.files) {
+        if (!name.starts_with(kInputName)) writeOlder(folder().path() + '/' + name, state);
+    }
     if (!(runOnce(target, recipe) == first)) fail("the same call gives the same bytes");
 }

@@ -66,5 +66,5 @@ struct AddTarget {
 };
 
 // Runs a target on one input; some inputs twice, so that the second run meets what the first left in
-// memory.
+// memory, and older files where it writes new ones.
 void runInput(const Target& target, std::span<const std::uint8_t> input);
