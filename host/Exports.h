@@ -30,6 +30,9 @@ struct Export {
     bool (*takes)(double) = nullptr;     // which numbers are not refused; null: none is
     const char* valueDetails = nullptr;  // what each number does, where that takes sentences
 
+    bool refuses = false;      // answers kRefused for a missing argument or a number not taken
+    bool writesTiles = false;  // answers kFirstTileNotWritten + k for the file of tile k
+
     BufferUse buffer = BufferUse::kNone;
     const char* bufferIs = nullptr;  // what the block takes or names; null when it is not read
 
@@ -38,8 +41,6 @@ struct Export {
     std::span<const StatusMeaning> statuses = {};
     const char* countOne = nullptr;   // what a status from 0 on counts or measures; null when
     const char* countMany = nullptr;  // there is no such status
-    bool refuses = false;             // kRefused for a missing argument or a number not taken
-    bool writesTiles = false;         // kFirstTileNotWritten + k for the file of tile k
     const char* throws = nullptr;     // when an exception reaches the host
 
     const char* example;  // typed in the folder that docs/examples/make fills

@@ -33,13 +33,13 @@ constexpr Export kExports[] = {
     {.name = "mergeMapsBMP",
      .purpose = "Folds one tile's BMP map into the map that collects all tiles.",
      .text = "source",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, in place: its pixels that equal the source's pixel at the bottom left "
                "take the source's; any other stays. The source is only read, yet it must be "
                "writable.",
      .statuses = kMerge,
-     .refuses = true,
      .example = "quillon call mergeMapsBMP 1002.bmp --buffer all.bmp",
      .output = "status   0\n"
                "meaning  success: the map was folded into the target\n",
@@ -54,9 +54,9 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges blue and green, 2 blue and red, 3 green and red. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
+     .refuses = true,
      .writes = "The map, in place. Pixels are taken to have 24 bits whatever the file says.",
      .statuses = kSwap,
-     .refuses = true,
      .example = "quillon call swapRGBBMP all.bmp --value 2",
      .output = "status   0\n"
                "meaning  success: the colour channels were exchanged\n",

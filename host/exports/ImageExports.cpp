@@ -51,12 +51,12 @@ constexpr Export kExports[] = {
     {.name = "saveAsTarga",
      .purpose = "Writes an 8-bit TIFF map as an uncompressed Targa file.",
      .text = "map",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, created anew: 24 bits a pixel, bottom row first; grey becomes grey "
                "pixels. The map is only read, yet it must be writable.",
      .statuses = kTarga,
-     .refuses = true,
      .example = "quillon call saveAsTarga all.tif --buffer all.tga",
      .output = "status   0\n"
                "meaning  success: the Targa file was written\n",
@@ -70,11 +70,11 @@ constexpr Export kExports[] = {
      .valueName = "quality",
      .valueDetails = "How much is left out: 0 gives the finest picture and the largest file, 100 "
                      "the smallest file. A fraction is cut off.",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, created anew. The image is only read.",
      .statuses = kJpeg,
-     .refuses = true,
      .example = "quillon call saveAsJpeg all.bmp --value 20 --buffer all.jpg",
      .output = "status   0\n"
                "meaning  success: the JPEG file was written\n",
@@ -83,11 +83,11 @@ constexpr Export kExports[] = {
     {.name = "OpenEXR",
      .purpose = "Measures the range of values in an OpenEXR file's first channel.",
      .text = "image",
+     .refuses = true,
      .writes = "Nothing.",
      .statuses = kExr,
      .countOne = "is the range of values",
      .countMany = "is the range of values",
-     .refuses = true,
      .example = "quillon call OpenEXR range.exr",
      .output = "status   3.5\n"
                "meaning  success: 3.5 is the range of values\n",

@@ -66,11 +66,11 @@ constexpr Export kExports[] = {
     {.name = "setUVtilesOutput",
      .purpose = "Reads from a text file which tiles are wanted.",
      .text = "tile filter",
+     .refuses = true,
      .writes = "Nothing. The filter holds for naming mode 2 until clearUVtilesOutput or the next "
                "setUVtilesOutput. The file has tile names and ranges, separated by commas or "
                "lines: `1001-1003, 1011`.",
      .statuses = kSetUVtilesOutput,
-     .refuses = true,
      .example = "printf 'setUVtilesOutput filter.txt\\ngetUVTile model.Vemo 2\\n' | "
                 "quillon script -",
      .output = "setUVtilesOutput        0  filter.txt\n"
@@ -83,6 +83,7 @@ constexpr Export kExports[] = {
      .value = kNamingMode,
      .valueName = "naming",
      .valueDetails = kNamingModes,
+     .refuses = true,
      .buffer = BufferUse::kOutput,
      .bufferIs = "the last face's tile",
      .writes = "The name of the last face's tile goes to `buffer1`, whether the filter lets it "
@@ -90,7 +91,6 @@ constexpr Export kExports[] = {
      .statuses = kGetUVTile,
      .countOne = "UV tile",
      .countMany = "UV tiles",
-     .refuses = true,
      .example = "quillon call getUVTile model.Vemo --value 2",
      .output = "status   2\n"
                "meaning  success: 2 UV tiles\n"
@@ -99,11 +99,11 @@ constexpr Export kExports[] = {
     {.name = "getUVGroups",
      .purpose = "Counts the face groups of a mesh.",
      .text = "mesh",
+     .refuses = true,
      .writes = "Nothing.",
      .statuses = kGetUVGroups,
      .countOne = "face group",
      .countMany = "face groups",
-     .refuses = true,
      .example = "quillon call getUVGroups model.Vemo",
      .output = "status   2\n"
                "meaning  success: 2 face groups\n",
@@ -136,6 +136,8 @@ constexpr Export kExports[] = {
      .value = kNamingMode,
      .valueName = "naming",
      .valueDetails = kNamingModes,
+     .refuses = true,
+     .writesTiles = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "output path",
      .writes = "A mesh file per tile, named after `buffer1`: without its extension, then the "
@@ -144,8 +146,6 @@ constexpr Export kExports[] = {
      .statuses = kGetUVs,
      .countOne = "tile was written",
      .countMany = "tiles were written",
-     .refuses = true,
-     .writesTiles = true,
      .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
      .output = "status   2\n"
                "meaning  success: 2 tiles were written\n",
@@ -158,6 +158,8 @@ constexpr Export kExports[] = {
      .value = kNamingMode,
      .valueName = "naming",
      .valueDetails = kNamingModes,
+     .refuses = true,
+     .writesTiles = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "output path",
      .writes = "A mesh file per tile, named as by getUVs: the mesh as it is, then a byte per "
@@ -165,8 +167,6 @@ constexpr Export kExports[] = {
      .statuses = kGetUVsMask,
      .countOne = "tile was written",
      .countMany = "tiles were written",
-     .refuses = true,
-     .writesTiles = true,
      .example = "quillon call getUVsMask model.Vemo --value 2 --buffer maps/mask.Vemo",
      .output = "status   2\n"
                "meaning  success: 2 tiles were written\n",
@@ -174,12 +174,12 @@ constexpr Export kExports[] = {
     {.name = "mergeCrease",
      .purpose = "Appends a mesh file to another.",
      .text = "mesh to append",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "mesh to append to",
      .writes = "The file `buffer1` anew: its own bytes, then those of `text`, each without its "
                "last 14.",
      .statuses = kMergeCrease,
-     .refuses = true,
      .example = "quillon call mergeCrease crease.Vemo --buffer model.Vemo",
      .output = "status   0\n"
                "meaning  success: the mesh was appended\n",

@@ -33,12 +33,12 @@ constexpr Export kExports[] = {
     {.name = "mergeMapsPSD",
      .purpose = "Lays one tile's PSD map over the map that collects all tiles.",
      .text = "source",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target anew: each pixel of the source that differs from the target's first "
                "pixel replaces the target's. Alpha stays the target's.",
      .statuses = kMerge,
-     .refuses = true,
      .example = "quillon call mergeMapsPSD 1002.psd --buffer all.psd",
      .output = "status   0\n"
                "meaning  success: the map was laid over the target\n",
@@ -54,9 +54,9 @@ constexpr Export kExports[] = {
      .valueDetails = "1 leaves red, blue, green; 2 blue, red, green; 3 green, blue, red. 2 and 3 "
                      "rotate, so each undoes the other. Between 0 and 1 no plane is written: the "
                      "picture is lost.",
+     .refuses = true,
      .writes = "The map anew. Bytes behind the three planes are left out.",
      .statuses = kSwap,
-     .refuses = true,
      .example = "quillon call swapRGBPSD all.psd --value 2",
      .output = "status   0\n"
                "meaning  success: the colour planes were reordered\n",

@@ -97,12 +97,12 @@ constexpr Export kExports[] = {
     {.name = "mergeMapsTIF",
      .purpose = "Folds one tile's TIFF map into the map that collects all tiles.",
      .text = "source",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, in place: its pixels that equal the source's first pixel take the "
                "source's; any other stays. The source is only read. `-20` is also printed.",
      .statuses = kMerge,
-     .refuses = true,
      .example = "quillon call mergeMapsTIF 1002.tif --buffer all.tif",
      .output = "status   0\n"
                "meaning  success: the map was folded into the target\n",
@@ -117,10 +117,10 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges green and blue, 2 red and blue, 3 red and green. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
+     .refuses = true,
      .writes = "The map, in place. A grey map and one of 16 or 32 bits stay as they are, with the "
                "same status 0. `-10` and `-101` are also printed.",
      .statuses = kSwap,
-     .refuses = true,
      .example = "quillon call swapRGBTIF all.tif --value 2",
      .output = "status   0\n"
                "meaning  success: the channels of an 8-bit colour map were exchanged\n",
@@ -134,13 +134,13 @@ constexpr Export kExports[] = {
      .takes = takesLayout,
      .valueDetails = "1 grey to grey, 3 colour to colour, 4 colour to grey, from the first "
                      "channel.",
+     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, created anew: a PSD where its extension holds `psd` or `PSD`, save in "
                "layout 3, else a TIFF. 0 to 1 becomes 0 to 65535. In a PSD width and height have "
                "changed places, which square maps do not show.",
      .statuses = kConvert,
-     .refuses = true,
      .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
                "reaches a host.",
      .example = "quillon call convertTIFF16 height.tif --value 1 --buffer height16.tif",
@@ -169,11 +169,11 @@ constexpr Export kExports[] = {
      .valueName = "channels",
      .takes = takesChannels,
      .valueDetails = "As many channels as the map has.",
+     .refuses = true,
      .writes = "Nothing, yet the map must be writable.",
      .statuses = kScale,
      .countOne = "is the scale",
      .countMany = "is the scale",
-     .refuses = true,
      .example = "quillon call getScale height.tif --value 1",
      .output = "status   233.48125\n"
                "meaning  success: 233.48125 is the scale\n",
