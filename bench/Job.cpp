@@ -9,7 +9,7 @@ std::function<float()> callOf(const Library& library, const ExportCall& call) {
         call.text, call.value,
         call.buffer.empty() ? std::nullopt : std::optional<std::string>(call.buffer)};
     return [&library, name = std::string(call.name), arguments] {
-        return library.call(name, arguments).status;
+        return library.call(name, arguments).result.status;
     };
 }
 
