@@ -43,15 +43,19 @@ TileAt tileAt(const std::uint8_t* corner) {
     return {placeOf(loadLeFloat(corner)).tile, placeOf(loadLeFloat(corner + 4)).tile};
 }
 
-TileSet findTiles(const VemoFile& vemo, const ChunkElements& faceUvs, int mode) {
-    TileFinder finder(mode, currentTileFilter());
-    finder.add(vemo.file.data.get() + faceUvs.offset, faceUvs.count);
-    return std::move(finder).found().tiles;
+std::string tilePath(const char* outPath, const UV_tile& tile) {
+    return FileNameExtract(outPath, 3) + tile.name + ".Vemo";
 }
 
 FileWriter createTileFile(const char* outPath, const UV_tile& tile) {
-    const std::string path = FileNameExtract(outPath, 3) + tile.name + ".Vemo";
-    return FileWriter(File::create(path.c_str()));
+    return FileWriter(File::create(tilePath(outPath, tile).c_str()));
+}
+
+// Whether one of the tiles' files is the mesh itself.
+bool areWrittenOver(const VemoPieces& vemo, const TileSet& tiles, const char* outPath) {
+    return std::any_of(tiles.begin(), tiles.end(), [&](const UV_tile& tile) {
+        return vemo.isSameAs(tilePath(outPath, tile).c_str());
+    });
 }
 
 float tileNotWritten(std::size_t position) {
@@ -79,7 +83,7 @@ std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::co
 
 // Fills the files of some tiles. What goes to all of them is read and worked out once, piece by
 // piece. Returns how many files, from the first on, are whole.
-std::size_t fillTileFiles(std::vector<TileFile>& files, const VemoFile& vemo,
+std::size_t fillTileFiles(std::vector<TileFile>& files, VemoPieces& vemo,
                           const ChunkElements& faceUvs, CornerPiece& piece) {
     std::size_t whole = files.size();
     const auto appendToEach = [&](auto bytesFor, std::size_t count) {
@@ -87,23 +91,24 @@ std::size_t fillTileFiles(std::vector<TileFile>& files, const VemoFile& vemo,
             if (!files[i].file.append(bytesFor(files[i].tile), count)) whole = i;
         }
     };
-    const std::uint8_t* mesh = vemo.file.data.get();
-    for (std::uint64_t at = 0; at < faceUvs.offset; at += kPieceBytes) {
-        appendToEach(
-            [&](TileAt) { return mesh + at; },
-            static_cast<std::size_t>(std::min<std::uint64_t>(kPieceBytes, faceUvs.offset - at)));
-    }
-    for (std::size_t face = 0; face < faceUvs.count; face += kPieceFaces) {
-        const std::size_t corners =
-            kFaceCorners * std::min(kPieceFaces, std::size_t{faceUvs.count} - face);
-        piece.split(mesh + faceUvs.offset + face * kFaceUvBytes, corners);
-        appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
-    }
+    const auto copy = [&](const std::uint8_t* bytes, std::size_t count) {
+        appendToEach([&](TileAt) { return bytes; }, count);
+    };
+    const auto split = [&](const std::uint8_t* faces, std::size_t count) {
+        for (std::size_t face = 0; face < count; face += kPieceFaces) {
+            const std::size_t corners = kFaceCorners * std::min(kPieceFaces, count - face);
+            piece.split(faces + face * kFaceUvBytes, corners);
+            appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
+        }
+    };
+    const bool isRead = vemo.forEachPiece(0, faceUvs.offset, 1, copy) &&
+                        vemo.forEachPiece(faceUvs, kFaceUvBytes, split);
+    if (!isRead) return 0;
     appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
     return whole;
 }
 
-float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, const VemoFile& vemo,
+float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, VemoPieces& vemo,
                              const ChunkElements& faceUvs) {
     const auto piece = std::make_unique<CornerPiece>();
     std::size_t position = 0;
@@ -111,6 +116,7 @@ float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, const Ve
         std::vector<TileFile> files = createTileFiles(next, tiles.end(), outPath);
         if (files.empty()) return tileNotWritten(position);
         const std::size_t whole = fillTileFiles(files, vemo, faceUvs, *piece);
+        if (!vemo.isGood()) return vemo_status::kUvExportMeshNotOpened;
         position += whole;
         if (whole < files.size()) return tileNotWritten(position);
     }
@@ -216,13 +222,17 @@ float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFi
 
 float GetUVsFromVemo(const char* path, const char* outPath, int mode) {
     UVTileStr.clear();
-    const VemoFile vemo = loadVemo(path);
-    if (!vemo.isOpen()) return vemo_status::kUvExportMeshNotOpened;
-    const auto faceUvs =
-        findElements(vemo.loaded(), kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+    VemoPieces vemo(path);
+    if (!vemo.isGood()) return vemo_status::kUvExportMeshNotOpened;
+    const auto faceUvs = findElements(vemo, kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+    if (!vemo.isGood()) return vemo_status::kUvExportMeshNotOpened;
     if (!faceUvs) return vemo_status::kChunkMissing;
 
-    return writeTilesWithLocalUvs(findTiles(vemo, *faceUvs, mode), outPath, vemo, *faceUvs);
+    const auto found = findTiles(vemo, *faceUvs, mode);
+    if (!found) return vemo_status::kUvExportMeshNotOpened;
+    if (areWrittenOver(vemo, found->tiles, outPath) && !vemo.keep())
+        return vemo_status::kUvExportMeshNotOpened;
+    return writeTilesWithLocalUvs(found->tiles, outPath, vemo, *faceUvs);
 }
 
 float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
@@ -232,7 +242,9 @@ float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
     const MaskInput input = readMaskInput(vemo);
     if (input.refused != vemo_status::kOk) return input.refused;
 
-    return writeTilesWithMask(findTiles(vemo, input.faceUvs, mode), outPath, vemo, input);
+    TileFinder finder(mode, currentTileFilter());
+    finder.add(vemo.file.data.get() + input.faceUvs.offset, input.faceUvs.count);
+    return writeTilesWithMask(std::move(finder).found().tiles, outPath, vemo, input);
 }
 
 void getUVTileString(int position, char* out) {

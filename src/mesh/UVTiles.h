@@ -4,6 +4,7 @@
 #include <array>
 #include <cstddef>
 #include <cstdint>
+#include <optional>
 #include <set>
 #include <string>
 #include <unordered_set>
@@ -66,6 +67,9 @@ private:
     std::unordered_set<std::uint64_t> far_;
     TileSet tiles_;
 };
+
+// The tiles of all faces, as the current filter lets them pass. Nothing when the disk fails.
+std::optional<TilesFound> findTiles(VemoPieces& vemo, const ChunkElements& faceUvs, int mode);
 
 // The filter that setUVtilesOut set.
 const TileFilter& currentTileFilter();

@@ -57,10 +57,26 @@ std::uint32_t VemoPieces::le32(std::uint64_t at) {
     return Bytes{piece_.get(), pieceBytes_}.le32(at - pieceStart_);
 }
 
+bool VemoPieces::keep() {
+    const std::size_t count = size - 1;
+    kept_.reset(new (std::nothrow) std::uint8_t[count]);
+    if (kept_ == nullptr || file_.readAt(0, kept_.get(), count) < count) failed_ = true;
+    return !failed_;
+}
+
 bool VemoPieces::read(std::uint64_t at, std::size_t count) {
     pieceStart_ = at;
-    pieceBytes_ = file_.readAt(at, piece_.get(), count);
+    pieceBytes_ = readAt(at, count);
     if (pieceBytes_ < count && at + pieceBytes_ + 1 == size) piece_[pieceBytes_++] = last_;
     if (pieceBytes_ < count) failed_ = true;
     return !failed_;
+}
+
+// Puts bytes at the piece's start. Returns how many there were.
+std::size_t VemoPieces::readAt(std::uint64_t at, std::size_t count) {
+    if (kept_ == nullptr) return file_.readAt(at, piece_.get(), count);
+    const std::size_t start = std::min(static_cast<std::size_t>(at), size - 1);
+    const std::size_t held = std::min(count, size - 1 - start);
+    std::copy_n(kept_.get() + start, held, piece_.get());
+    return held;
 }

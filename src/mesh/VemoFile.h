@@ -109,28 +109,44 @@ public:
         return Bytes{nullptr, size}.holds(at, count, elementBytes);
     }
 
+    // From now on reads from memory, for an operation that may write over the file. False when there
+    // is no memory for all of it, or the disk fails.
+    bool keep();
+
     // Hands all elements in file order to `use(bytes, count)`, some thousands a call. False when
     // the file could not be read to their end.
     template <typename Use>
     bool forEachPiece(const ChunkElements& elements, std::size_t elementBytes, Use use) {
+        return forEachPiece(elements.offset, elements.count, elementBytes, use);
+    }
+
+    // The same for any run of elements, or of bytes, that lies within the file.
+    template <typename Use>
+    bool forEachPiece(std::uint64_t offset, std::uint64_t elements, std::size_t elementBytes,
+                      Use use) {
         const std::size_t most = kPieceBytes / elementBytes;
-        for (std::uint64_t done = 0; done < elements.count;) {
+        for (std::uint64_t done = 0; done < elements;) {
             const auto count =
-                static_cast<std::size_t>(std::min<std::uint64_t>(most, elements.count - done));
-            if (!read(elements.offset + done * elementBytes, count * elementBytes)) return false;
+                static_cast<std::size_t>(std::min<std::uint64_t>(most, elements - done));
+            if (!read(offset + done * elementBytes, count * elementBytes)) return false;
             use(piece_.get(), count);
             done += count;
         }
         return true;
     }
 
+    // Whether `path` leads to this very file.
+    bool isSameAs(const char* path) const { return file_.isSameAs(path); }
+
     std::size_t size = 0;  // the repeated byte included
 
 private:
     bool read(std::uint64_t at, std::size_t count);
+    std::size_t readAt(std::uint64_t at, std::size_t count);
 
     bool failed_ = false;
     File file_;
+    std::unique_ptr<std::uint8_t[]> kept_;  // the whole file, once it is kept
     std::unique_ptr<std::uint8_t[]> piece_;
     std::uint64_t pieceStart_ = 0;
     std::size_t pieceBytes_ = 0;  // of the file, from pieceStart_ on

@@ -89,16 +89,20 @@ void clearUVtilesOut();
 // tile's name, then ".Vemo". The names of the tiles whose files were begun are kept for
 // getUVTileString.
 //
-//   path     mesh file, only read; whole in memory during the call
+//   path     mesh file, only read, unless a tile's file is the mesh itself: then it is taken whole
+//            into memory first
 //   returns  the number of tiles; kUvExportMeshNotOpened; kChunkMissing without a whole face UV
 //            chunk, before anything is written; kFirstTileNotWritten + k when the file of tile k
-//            cannot be created or filled: files of the tiles before it stay, whole
+//            cannot be created or filled: files of the tiles before it stay, whole. A disk that
+//            fails while the tiles are written is kUvExportMeshNotOpened, too: the last of them
+//            are not whole then.
 float GetUVsFromVemo(const char* path, const char* outPath, int mode);
 
 // Writes, for each tile of a mesh, the mesh as it is with its last 16 bytes, the empty chunk
 // header, replaced by a mask chunk and a new empty header. The mask shows the vertices that faces
 // of the tile use. Names, order and file names are those of GetUVsFromVemo.
 //
+//   path     mesh file, only read; whole in memory during the call
 //   returns  as GetUVsFromVemo; kChunkMissing also without a whole vertex chunk or when faces and
 //            face UVs differ in number; kFaceChunkMissing without a face chunk, or when a face
 //            names a vertex that does not exist

@@ -77,7 +77,7 @@ const std::map<std::string_view, Expectation> kExpectations = {
                 {kRead, {-1760}},
                 {kWrite, {1501, 1502, 1503}},
                 {kAllocate, {-1760, -9}}},
-      .spoiling = {kOpen, kWrite, kAllocate}}},
+      .spoiling = {kOpen, kRead, kWrite, kAllocate}}},
     {"getUVsMask",
      {.open = {{-1760}, {1501}, {1502}, {1503}},
       .other = {{kStat, {-1760}},

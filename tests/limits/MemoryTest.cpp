@@ -207,7 +207,7 @@ TEST(LittleMemory, IsNoReasonToFallForAHugeFile) {
         {{"setUVtilesOutput", "huge"}, -1},
         {{"getUVTile", "huge"}, -18},
         {{"getUVGroups", "huge"}, -18},
-        {{"getUVs", "huge", 2.0, "o.x"}, -1760},
+        {{"getUVs", "huge", 2.0, "o.x"}, -18},
         {{"getUVsMask", "huge", 2.0, "o.x"}, -1760},
         {{"mergeCrease", "huge", 0.0, "small"}, -1760},
         {{"mergeCrease", "small", 0.0, "huge"}, -2760},

@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "mesh/VemoOps.h"
 #include "support/Append.h"
@@ -220,9 +221,21 @@ TEST_F(UVExport, APositionThatDoesNotExistChangesNothing) {
     EXPECT_EQ(nameAt(0), "none");
 }
 
-TEST_F(UVExport, AnOutputOverTheInputIsWrittenFromWhatWasLoaded) {
-    const VemoBuilder input = VemoBuilder().flatFaceUvs({{1.5f, 0.5f}}).groups({1});
+// Two tiles, the second one over the mesh: both are written from what the mesh held.
+TEST_F(UVExport, AnOutputOverTheInputIsWrittenFromWhatTheInputHeld) {
+    const VemoBuilder input = VemoBuilder().flatFaceUvs({{1.5f, 0.5f}, {0.25f, 0.5f}}).groups({1});
     const std::string path = dir.write("body1002.Vemo", input.bytes());
+    EXPECT_EQ(GetUVsFromVemo(path.c_str(), dir.path("body.obj").c_str(), 2), 2.0f);
+    EXPECT_EQ(written("body1001.Vemo"),
+              VemoBuilder().flatFaceUvs({{-1, -1}, {0.25f, 0.5f}}).closing().bytes());
+    EXPECT_EQ(readBytes(path),
+              VemoBuilder().flatFaceUvs({{0.5f, 0.5f}, {-1, -1}}).closing().bytes());
+}
+
+TEST_F(UVExport, AnOutputThatIsALinkToTheInputIsWrittenFromWhatTheInputHeld) {
+    const std::string path =
+        dir.write("mesh.Vemo", VemoBuilder().flatFaceUvs({{1.5f, 0.5f}}).groups({1}).bytes());
+    std::filesystem::create_hard_link(path, dir.path("body1002.Vemo"));
     EXPECT_EQ(GetUVsFromVemo(path.c_str(), dir.path("body.obj").c_str(), 2), 1.0f);
     EXPECT_EQ(readBytes(path), VemoBuilder().flatFaceUvs({{0.5f, 0.5f}}).closing().bytes());
 }

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <array>
 #include <bit>
 #include <cmath>
 #include <limits>
@@ -37,6 +38,19 @@ protected:
 
 VemoBuilder threeTiles() {
     return VemoBuilder().flatFaceUvs({{0.5f, 0.5f}, {1.5f, 0.5f}, {0.2f, 1.7f}});
+}
+
+// The names of the tiles and of the last one, from faces that come `run` at a time.
+std::vector<std::string> tilesInRuns(const std::vector<std::array<float, 8>>& faces,
+                                     std::size_t run) {
+    TileFinder finder(0, {});
+    for (std::size_t i = 0; i < faces.size(); i += run)
+        finder.add(reinterpret_cast<const std::uint8_t*>(&faces[i]), run);
+    const TilesFound found = std::move(finder).found();
+    std::vector<std::string> names{found.lastName};
+    for (const UV_tile& tile : found.tiles)
+        names.push_back(tile.name);
+    return names;
 }
 
 struct PlaceCase {
@@ -159,6 +173,26 @@ TEST_F(UVTiles, TilesOfOneNumberAreOne) {
 TEST_F(UVTiles, AMeshWithoutFacesHasNone) {
     EXPECT_EQ(count(VemoBuilder().faceUvs({}), 2), 0.0f);
     EXPECT_EQ(name, "");
+}
+
+// Runs of faces in one tile are compared in blocks. Each face is also given by itself, which makes no
+// block: coordinates on and beside the borders, one odd face at each place of runs of each length.
+TEST(TileFinder, FindsTheSameTilesInRunsAsFaceByFace) {
+    const float odd[] = {0.0f, -0.0f,      0.99999994f, 1.0f, -0.25f, -1.0f,
+                         2.0f, 8388608.0f, -8388609.0f, 3e9f, NAN,    INFINITY};
+    for (const float home : {0.5f, 1.0f, 3.25f, -0.5f}) {
+        for (const std::size_t length : {1u, 7u, 8u, 9u, 16u, 17u, 31u}) {
+            for (std::size_t place = 0; place < length; ++place) {
+                for (const float coordinate : odd) {
+                    std::vector<std::array<float, 8>> faces(length);
+                    for (auto& face : faces)
+                        face = {home, home, 7, 7, 7, 7, 7, 7};
+                    faces[place][place % 2] = coordinate;
+                    EXPECT_EQ(tilesInRuns(faces, length), tilesInRuns(faces, 1));
+                }
+            }
+        }
+    }
 }
 
 TEST_F(UVTiles, AFaceThatReturnsToATileIsNotCountedAgain) {
