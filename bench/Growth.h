@@ -11,7 +11,8 @@ struct GrowthLine {
     std::string per;  // what the costs are for
     struct Step {
         std::string size;
-        double cost;  // nanoseconds
+        double cost;     // nanoseconds
+        double toLimit;  // ratio to the limit's cost at that size; 0 where the job has none
     };
     std::vector<Step> steps;
     std::string note;

@@ -26,8 +26,10 @@ PreparedRace::PreparedRace(const Job& job, Setup setup) : folder_(setup.folder) 
         OpenFile::create(file.path);
 }
 
-void PreparedRace::keepQuillonOnly() {
-    race_.contenders.erase(race_.contenders.begin() + 1, race_.contenders.end());
+void PreparedRace::keepQuillonAndLimit() {
+    std::erase_if(race_.contenders, [](const Contender& contender) {
+        return contender.role != Role::kQuillon && contender.role != Role::kLimit;
+    });
 }
 
 void reset(const Race& race) {

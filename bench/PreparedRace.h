@@ -12,8 +12,8 @@ public:
 
     const Race& race() const { return race_; }
 
-    // Leaves the export's own contender alone.
-    void keepQuillonOnly();
+    // Leaves out all others; the limit, where there is one, comes second.
+    void keepQuillonAndLimit();
 
 private:
     struct Folder {
