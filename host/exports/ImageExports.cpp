@@ -12,7 +12,7 @@ constexpr StatusMeaning kTarga[] = {
     {targa_status::kOk, true, "the Targa file was written"},
     {targa_status::kNotOpened, false, "the map cannot be opened"},
     {targa_status::kNotReopened, false,
-     "the map may not be written to; of the target there is only a header"},
+     "the map may not be written to, or its disk fails; the target is not whole"},
     {targa_status::kTargetNotWritten, false, "the target cannot be written, or is the map itself"},
     {targa_status::kNoSize, false, "the map names no height or no channels"},
     {targa_status::kPixelsMissing, false, "the map claims far more rows than the file holds"},

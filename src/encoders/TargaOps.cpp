@@ -91,23 +91,26 @@ struct RowBuffers {
 };
 
 // Writes the rows that the map has, the bottom one first, in pieces of several rows.
-bool writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
+float writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
     auto& [lastRow, pieceRows, rows, targaRows] = buffers;
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
     for (std::uint64_t row = 0; row < map.existingRows();) {
         const auto count = static_cast<std::size_t>(std::min(pieceRows, map.existingRows() - row));
-        in.readAt(map.offsetOf(row + count - 1), rows.data(), count * rowBytes);
+        const std::size_t bytes = count * rowBytes;
+        if (in.readAt(map.offsetOf(row + count - 1), rows.data(), bytes) < bytes)
+            return targa_status::kNotReopened;
         for (std::size_t i = 0; i < count; ++i) {
             convertPixels(&targaRows[i * lastRow.size()], &rows[(count - 1 - i) * rowBytes], width,
                           map.channels);
         }
-        if (!out.append(targaRows.data(), count * lastRow.size())) return false;
+        if (!out.append(targaRows.data(), count * lastRow.size()))
+            return targa_status::kTargetNotWritten;
         row += count;
         if (row == map.existingRows())
             std::copy_n(&targaRows[(count - 1) * lastRow.size()], lastRow.size(), lastRow.data());
     }
-    return true;
+    return targa_status::kOk;
 }
 
 // Writes the last row as often as rows are missing, in pieces, too: a row may be a single pixel.
@@ -124,9 +127,12 @@ bool writeMissingRows(FileReplacer& out, const Map& map, RowBuffers& buffers) {
     return true;
 }
 
-bool writeRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
-    if (map.width == 0 || map.rows == 0) return true;
-    return writeExistingRows(in, out, map, buffers) && writeMissingRows(out, map, buffers);
+float writeRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
+    if (map.width == 0 || map.rows == 0) return targa_status::kOk;
+    const float status = writeExistingRows(in, out, map, buffers);
+    if (status != targa_status::kOk) return status;
+    return writeMissingRows(out, map, buffers) ? targa_status::kOk
+                                               : targa_status::kTargetNotWritten;
 }
 
 }  // namespace
@@ -148,6 +154,7 @@ float convertToTarga(const char* inPath, const char* outPath) {
         return targa_status::kTargetNotWritten;
     const File in = File::openForRewriting(inPath);
     if (!in.isOpen()) return targa_status::kNotReopened;
-    const bool written = writeRows(in, out, map, buffers) && out.finish();
-    return written ? targa_status::kOk : targa_status::kTargetNotWritten;
+    const float status = writeRows(in, out, map, buffers);
+    if (status != targa_status::kOk) return status;
+    return out.finish() ? targa_status::kOk : targa_status::kTargetNotWritten;
 }

@@ -13,7 +13,7 @@ namespace targa_status {
 inline constexpr float kOk = 0.0f;
 inline constexpr float kTargetNotWritten = -5.0f;
 inline constexpr float kNotOpened = -10.0f;
-inline constexpr float kNotReopened = -101.0f;
+inline constexpr float kNotReopened = -101.0f;    // or the disk fails; the target is not whole
 inline constexpr float kNoSize = -257.0f;         // the directory names no height or no channels
 inline constexpr float kPixelsMissing = -279.0f;  // far more rows claimed than the file holds
 }
