@@ -39,7 +39,6 @@ float JpegBitmap::load_bitmap(const char* path) {
 
 bool JpegBitmap::keepFrom(const char* path) {
     if (!file_.isSameAs(path)) return true;
-    if (pixelBytes_ > PTRDIFF_MAX) return false;
     const auto count = static_cast<std::size_t>(pixelBytes_);
     kept_.reset(new (std::nothrow) std::uint8_t[count]);
     if (kept_ == nullptr) return false;

@@ -14,7 +14,7 @@ struct ComponentCodes {
     bitstring endOfBlock;
 };
 
-constexpr ComponentCodes makeComponentCodes(const HuffmanTable& HTDC, const HuffmanTable& HTAC) {
+consteval ComponentCodes makeComponentCodes(const HuffmanTable& HTDC, const HuffmanTable& HTAC) {
     return {makeValueCodes(HTDC), makeRunTable(HTAC), HTAC[kSixteenZeros], HTAC[kEndOfBlock]};
 }
 constexpr ComponentCodes kLuminanceCodes = makeComponentCodes(YDC_HT, YAC_HT);
@@ -23,7 +23,7 @@ constexpr ComponentCodes kChrominanceCodes = makeComponentCodes(CbDC_HT, CbAC_HT
 // For each column of coefficients and each set of rows, the places of these coefficients in the
 // zig-zag sequence.
 using PlacesOfRows = std::array<std::uint64_t, 256>;
-constexpr std::array<PlacesOfRows, 8> makePlaces() {
+consteval std::array<PlacesOfRows, 8> makePlaces() {
     std::array<PlacesOfRows, 8> places{};
     for (std::size_t column = 0; column < 8; ++column) {
         for (std::size_t rows = 1; rows < 256; ++rows) {

@@ -20,31 +20,32 @@ struct SegmentBytes {
     std::array<std::uint8_t, kBytes> bytes{};
     std::size_t used = 0;
 
-    constexpr void add(std::uint8_t byte) { bytes[used++] = byte; }
-    constexpr void add(std::span<const std::uint8_t> more) {
+    consteval void add(std::uint8_t byte) { bytes[used++] = byte; }
+    consteval void add(std::span<const std::uint8_t> more) {
         for (const std::uint8_t byte : more)
             add(byte);
+    }
+    // A Huffman table: its class (0 DC, 16 AC) and number (0 luminance, 1 chrominance), the counts of
+    // its codes by length, and their symbols.
+    consteval void addTable(std::uint8_t id, const CodeCounts& nrcodes,
+                            std::span<const std::uint8_t> values) {
+        add(id);
+        add(std::span(nrcodes).subspan(1));
+        add(values);
     }
 };
 
 constexpr std::size_t kHuffmanSegmentBytes = 420;
 
-// The Huffman segment: all four tables, each its class (0 DC, 16 AC) and number (0 luminance, 1
-// chrominance), the counts of its codes by length, and their symbols.
-constexpr std::array<std::uint8_t, kHuffmanSegmentBytes> set_DHTinfo() {
+// The Huffman segment: all four tables.
+consteval std::array<std::uint8_t, kHuffmanSegmentBytes> set_DHTinfo() {
     SegmentBytes<kHuffmanSegmentBytes> segment;
-    const auto addTable = [&segment](std::uint8_t id, const CodeCounts& nrcodes,
-                                     std::span<const std::uint8_t> values) {
-        segment.add(id);
-        segment.add(std::span(nrcodes).subspan(1));
-        segment.add(values);
-    };
     segment.add(std::array<std::uint8_t, 4>{0xFF, 0xC4, high(kHuffmanSegmentBytes - 2),
                                             low(kHuffmanSegmentBytes - 2)});
-    addTable(0x00, std_dc_luminance_nrcodes, std_dc_values);
-    addTable(0x10, std_ac_luminance_nrcodes, std_ac_luminance_values);
-    addTable(0x01, std_dc_chrominance_nrcodes, std_dc_values);
-    addTable(0x11, std_ac_chrominance_nrcodes, std_ac_chrominance_values);
+    segment.addTable(0x00, std_dc_luminance_nrcodes, std_dc_values);
+    segment.addTable(0x10, std_ac_luminance_nrcodes, std_ac_luminance_values);
+    segment.addTable(0x01, std_dc_chrominance_nrcodes, std_dc_values);
+    segment.addTable(0x11, std_ac_chrominance_nrcodes, std_ac_chrominance_values);
     return segment.bytes;
 }
 

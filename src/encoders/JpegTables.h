@@ -93,7 +93,7 @@ struct bitstring {
 
 // The code of each symbol, by its length the next one free. A symbol without a code has length 0.
 using HuffmanTable = std::array<bitstring, 256>;
-constexpr HuffmanTable compute_Huffman_table(const CodeCounts& nrcodes,
+consteval HuffmanTable compute_Huffman_table(const CodeCounts& nrcodes,
                                              std::span<const std::uint8_t> values) {
     HuffmanTable table{};
     std::uint16_t code = 0;
@@ -135,7 +135,7 @@ constexpr bitstring bitcode(std::int32_t value) {
 }
 
 // The coefficient that stands at a place of the zig-zag sequence, in natural order.
-constexpr std::array<std::uint8_t, 64> invertedZigzag() {
+consteval std::array<std::uint8_t, 64> invertedZigzag() {
     std::array<std::uint8_t, 64> natural{};
     for (std::uint8_t i = 0; i < 64; ++i)
         natural[zigzag[i]] = i;
@@ -158,7 +158,7 @@ inline constexpr std::size_t kKinds = 32;
 constexpr std::uint8_t kindOf(std::int32_t value) {
     return static_cast<std::uint8_t>(category(value) + (value < 0 ? kKinds / 2 : 0));
 }
-constexpr std::array<std::uint8_t, kValues> makeKinds() {
+consteval std::array<std::uint8_t, kValues> makeKinds() {
     std::array<std::uint8_t, kValues> kinds{};
     for (std::int32_t value = -kLargestValue; value <= kLargestValue; ++value)
         kinds[static_cast<std::uint32_t>(value + kLargestValue)] = kindOf(value);
@@ -173,7 +173,7 @@ inline std::uint8_t lookUpKind(std::int32_t value) {
 
 // The codes of values by kind, all of them after so many zeros.
 using ValueCodes = std::array<ValueCode, kKinds>;
-constexpr ValueCodes makeValueCodes(const HuffmanTable& codes, std::size_t zeros = 0) {
+consteval ValueCodes makeValueCodes(const HuffmanTable& codes, std::size_t zeros = 0) {
     constexpr std::uint32_t kMostBits = 11;
     ValueCodes kinds{};
     for (std::uint32_t bits = 0; bits <= kMostBits; ++bits) {
@@ -189,7 +189,7 @@ constexpr ValueCodes makeValueCodes(const HuffmanTable& codes, std::size_t zeros
 
 // The same by the zeros before a value, 0 to 15.
 using RunTable = std::array<ValueCodes, 16>;
-constexpr RunTable makeRunTable(const HuffmanTable& codes) {
+consteval RunTable makeRunTable(const HuffmanTable& codes) {
     RunTable table{};
     for (std::size_t zeros = 0; zeros < table.size(); ++zeros)
         table[zeros] = makeValueCodes(codes, zeros);

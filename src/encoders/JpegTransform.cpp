@@ -155,12 +155,12 @@ struct PairWeights {
     std::int32_t green;
     int doubled;
 };
-constexpr PairWeights inPairs(const Weights& weights) {
+consteval std::int32_t pairOf(std::int32_t low, std::int32_t high) {
+    return (low & 0xFFFF) | high * 65536;
+}
+consteval PairWeights inPairs(const Weights& weights) {
     const int halved = weights.blue > INT16_MAX || weights.red > INT16_MAX ? 1 : 0;
-    const auto pair = [](std::int32_t low, std::int32_t high) {
-        return (low & 0xFFFF) | high * 65536;
-    };
-    return {pair(weights.blue >> halved, weights.red >> halved), pair(weights.green >> 1, 0),
+    return {pairOf(weights.blue >> halved, weights.red >> halved), pairOf(weights.green >> 1, 0),
             halved};
 }
 constexpr PairWeights kPairWeights[] = {inPairs(kWeights[0]), inPairs(kWeights[1]),

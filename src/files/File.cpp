@@ -88,10 +88,12 @@ File::~File() {
 }
 
 bool File::isSameAs(const char* path) const {
-    struct stat mine {};
+    if (path == nullptr) return false;
     struct stat other {};
-    return path != nullptr && ::fstat(descriptor_, &mine) == 0 && ::stat(path, &other) == 0 &&
-           mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
+    if (::stat(path, &other) != 0) return errno != ENOENT && errno != ENOTDIR;
+    struct stat mine {};
+    if (::fstat(descriptor_, &mine) != 0) return true;
+    return mine.st_dev == other.st_dev && mine.st_ino == other.st_ino;
 }
 
 std::size_t File::readAt(std::uint64_t offset, std::uint8_t* bytes, std::size_t count) const {

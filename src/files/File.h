@@ -29,7 +29,8 @@ public:
     // disk that fails.
     std::uint64_t size() const { return size_; }
 
-    // Whether `path` leads to this very file, be it by another name.
+    // Whether `path` leads to this very file, be it by another name. Yes, too, when the system cannot
+    // tell: a file that is read must not be written over.
     bool isSameAs(const char* path) const;
 
     // Reads up to `count` bytes from `offset` on. Returns how many there were; fewer only at the

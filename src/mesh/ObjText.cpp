@@ -29,7 +29,7 @@ using IntegerText = std::array<char, 20>;
 
 __extension__ using Uint128 = unsigned __int128;
 
-constexpr std::array<Uint128, 51> powersOfFive() {
+consteval std::array<Uint128, 51> powersOfFive() {
     std::array<Uint128, 51> powers{1};
     for (std::size_t i = 1; i < powers.size(); ++i)
         powers[i] = 5 * powers[i - 1];

@@ -11,7 +11,7 @@ inline constexpr std::size_t kLargestPixelBytes = 12;  // three 32-bit samples
 //
 //   row, source  pixels * pixelBytes bytes each
 //   background   one pixel
-//   pixelBytes   1, 2, 3, 4, 6 or 12
+//   pixelBytes   1, 2, 3, 4, 6 or 12; for any other the row stays as it is
 void fillBackground(std::uint8_t* row, const std::uint8_t* source, const std::uint8_t* background,
                     std::size_t pixels, std::size_t pixelBytes);
 

@@ -54,7 +54,9 @@ Header withDirectory(std::initializer_list<Entry> entries) {
 
 // A size takes a 16-bit field as long as it fits in one.
 Entry size(std::uint16_t tag, std::uint32_t value) {
-    return {tag, value > std::numeric_limits<std::uint16_t>::max() ? kLong : kShort, 1, value};
+    const bool fits = value <= std::numeric_limits<std::uint16_t>::max();
+    const std::uint16_t type = fits ? kShort : kLong;
+    return {tag, type, 1, value};
 }
 
 }  // namespace

@@ -253,4 +253,15 @@ TEST_F(BmpThumb, HoldsNothingAfterwards) {
     EXPECT_EQ(openFiles(), before);
 }
 
+// The copy ends within the old image, whose rows above must not show: 320 of its 640 rows have a row
+// of the file to show.
+TEST_F(BmpThumb, BlackCoversTheOldImage) {
+    const ByteList lowerHalf =
+        BmpFile(800, 800).plain(9, 9, 9).cut(54 + std::size_t{400} * 800 * 3);
+    EXPECT_EQ(shrink(lowerHalf, 640), 0.0f);
+    ByteList pixels(std::size_t{320} * 640 * 3, 9);
+    pixels.resize(std::size_t{640} * 640 * 3);
+    EXPECT_TRUE(readBytes(map()) == ByteList(BmpFile(640, 640).pixels(pixels)));
+}
+
 }  // namespace

@@ -108,9 +108,10 @@ void writeRows(const std::string& path, const Picture& picture) {
 }
 
 void writeTiles(const std::string& path, const Picture& picture, unsigned tileWidth,
-                unsigned tileHeight, Imf::LevelMode mode = Imf::ONE_LEVEL) {
+                unsigned tileHeight, Imf::LevelMode mode = Imf::ONE_LEVEL,
+                Imf::LevelRoundingMode rounding = Imf::ROUND_DOWN) {
     Imf::Header header = headerOf(picture);
-    header.setTileDescription(Imf::TileDescription(tileWidth, tileHeight, mode));
+    header.setTileDescription(Imf::TileDescription(tileWidth, tileHeight, mode, rounding));
     Imf::TiledOutputFile file(path.c_str(), header);
     Pixels pixels(picture);
     file.setFrameBuffer(pixels.frame());
@@ -224,8 +225,13 @@ TEST_F(ExrRange, TilesLargerThanThePictureAreRead) {
 
 TEST_F(ExrRange, OfSeveralResolutionsTheFullOneCounts) {
     for (const Imf::LevelMode mode : {Imf::MIPMAP_LEVELS, Imf::RIPMAP_LEVELS}) {
-        writeTiles(path(), Picture{.width = 13, .height = 9, .samples = ramp(13 * 9)}, 4, 4, mode);
-        EXPECT_EQ(measureExrRange(path().c_str()), 999.0f) << mode;
+        for (const Imf::LevelRoundingMode rounding : {Imf::ROUND_DOWN, Imf::ROUND_UP}) {
+            for (const int width : {13, 16}) {
+                const Picture picture{.width = width, .height = 9, .samples = ramp(width * 9)};
+                writeTiles(path(), picture, 4, 4, mode, rounding);
+                EXPECT_EQ(measureExrRange(path().c_str()), 999.0f) << mode << ' ' << rounding;
+            }
+        }
     }
 }
 

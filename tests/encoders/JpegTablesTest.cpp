@@ -29,6 +29,11 @@ TEST(JpegTables, SymbolsWithoutACodeHaveNone) {
     EXPECT_EQ(CbAC_HT[0xFB].length, 0);
 }
 
+TEST(JpegTables, CodesDifferByLengthOrByValue) {
+    EXPECT_NE((bitstring{1, 0}), (bitstring{2, 0}));
+    EXPECT_NE((bitstring{1, 0}), (bitstring{1, 1}));
+}
+
 TEST(JpegTables, CategoryAndBitsOfAValue) {
     const struct {
         int value;

@@ -382,4 +382,14 @@ TEST_F(Jpeg, TheExportTakesFactorsFrom0To100) {
     }
 }
 
+// Only the left 65535 bytes of a row are turned upside down, so the upper rows of such a picture show
+// what the file has first.
+TEST_F(Jpeg, AWidePictureThatIsCutShortHasZerosForTheRest) {
+    const ByteList whole = noise(22000, 24);
+    ByteList cut(whole.begin(), whole.begin() + 54 + 5 * 66000);
+    const ByteList file = saved(cut);
+    cut.resize(whole.size());
+    EXPECT_TRUE(file == saved(cut));
+}
+
 }  // namespace

@@ -4,6 +4,7 @@
 
 #include "encoders/TargaOps.h"
 #include "support/CaptureStdout.h"
+#include "support/Faults.h"
 #include "support/TempDir.h"
 #include "support/TiffFile.h"
 
@@ -168,6 +169,12 @@ TEST_F(Targa, ATruncatedMapIsNeverReadPastItsEnd) {
         save(bytes);
         EXPECT_EQ(readBytes(dir.path("map.tif")), bytes) << length;
     }
+}
+
+TEST_F(Targa, ADiskThatIsFullBeforeTheMissingRowsIsTold) {
+    const FullDisk disk(1000);
+    EXPECT_EQ(save(map(60, 20).rgb8({1, 2, 3})), -5.0f);
+    EXPECT_EQ(written().size(), 1000u);
 }
 
 }  // namespace

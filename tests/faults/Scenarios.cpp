@@ -224,20 +224,27 @@ void addChangesInPlace(List& list) {
 
 void addConversions(List& list) {
     const auto add = [&](const char* kind, const char* exportName, double value,
-                         const ByteList& map, const std::string& target) {
+                         const ByteList& map, const std::string& target,
+                         const ByteList& old = text("old")) {
         list.add(std::string(exportName) + kind, {exportName, "one.map", value, target})
             .on("one.map", map)
-            .on(target, text("old"))
+            .on(target, old)
             .writes({target});
     };
+    const ByteList longer(20'000, 'o');
     add("Grey", "convertTIFF16", 1.0, tiffFloat(kSmall, 1), "out.tif");
     add("Colour", "convertTIFF16", 3.0, tiffFloat(kLarge, 3), "out.tif");
     add("Psd", "convertTIFF16", 4.0, tiffFloat(kSmall, 3), "out.psd");
+    add("OverALongerFile", "convertTIFF16", 1.0, tiffFloat(kSmall, 1), "out.tif", longer);
     add("", "convertTIFFSingle", 0.0, tiffFloat(kLarge, 3), "out.tif");
     add("", "saveAsTarga", 0.0, tiff8(kSmall, 3), "out.tga");
     add("Large", "saveAsTarga", 0.0, tiff8(kLarge, 3), "out.tga");
+    add("OverALongerFile", "saveAsTarga", 0.0, tiff8(kSmall, 3), "out.tga", longer);
     add("", "saveAsJpeg", 50.0, bmp(kSmall, 3), "out.jpg");
     add("Large", "saveAsJpeg", 0.0, bmp(kLarge, 3), "out.jpg");
+    list.add("saveAsJpegOverItself", {"saveAsJpeg", "one.map", 50.0, "one.map"})
+        .on("one.map", bmp(kSmall, 3))
+        .writes({"one.map"});
 }
 
 void addMeasurements(List& list) {

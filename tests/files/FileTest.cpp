@@ -295,4 +295,25 @@ TEST(LoadFile, ClosesTheFile) {
     EXPECT_EQ(openFiles(), before);
 }
 
+TEST(File, IsTheSameByAnyOfItsNames) {
+    const TempDir dir;
+    const std::string path = dir.write("f", ByteList{1});
+    std::filesystem::create_symlink(path, dir.path("link"));
+    const File file = File::openForReading(path.c_str());
+    EXPECT_TRUE(file.isSameAs(path.c_str()));
+    EXPECT_TRUE(file.isSameAs(dir.path("link").c_str()));
+    EXPECT_FALSE(file.isSameAs(dir.write("g", ByteList{1}).c_str()));
+    EXPECT_FALSE(file.isSameAs(dir.path("missing").c_str()));
+    EXPECT_FALSE(file.isSameAs(dir.path("f/below").c_str()));
+    EXPECT_FALSE(file.isSameAs(nullptr));
+}
+
+TEST(File, MayBeTheSameWhereTheSystemCannotTell) {
+    const TempDir dir;
+    const File file = File::openForReading(dir.write("f", ByteList{1}).c_str());
+    const std::string loop = dir.path("loop");
+    std::filesystem::create_symlink(loop, loop);
+    EXPECT_TRUE(file.isSameAs(loop.c_str()));
+}
+
 }  // namespace

@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 #include <stdlib.h>
+#include <sys/resource.h>
+#include <sys/time.h>
 #include <sys/wait.h>
 
 #include <cerrno>
+#include <csignal>
 #include <filesystem>
 #include <fstream>
 #include <memory>
@@ -172,6 +175,56 @@ TEST_F(OpenFileBrowser, GivesNothingWhereNoDialogIsInstalled) {
 TEST_F(OpenFileBrowser, AsksNothingWithoutATitle) {
     install("zenity", "printf '/maps/a.vws\\n'");
     EXPECT_EQ(choose(nullptr), std::nullopt);
+    EXPECT_THAT(argumentsOf("zenity"), IsEmpty());
+}
+
+// A timer of the host's whose signal comes every few milliseconds and interrupts what waits.
+class Alarms {
+public:
+    Alarms() {
+        struct sigaction action {};
+        action.sa_handler = [](int) {};
+        ::sigaction(SIGALRM, &action, &before_);
+        const itimerval often = {{0, 5000}, {0, 5000}};
+        ::setitimer(ITIMER_REAL, &often, nullptr);
+    }
+    Alarms(const Alarms&) = delete;
+    Alarms& operator=(const Alarms&) = delete;
+    ~Alarms() {
+        const itimerval never{};
+        ::setitimer(ITIMER_REAL, &never, nullptr);
+        ::sigaction(SIGALRM, &before_, nullptr);
+    }
+
+private:
+    struct sigaction before_ {};
+};
+
+// The dialog is slow to answer, and then to end.
+TEST_F(OpenFileBrowser, SignalsToTheHostDoNotDisturbIt) {
+    const std::string nap = "i=0; while [ $i -lt 20000 ]; do i=$((i + 1)); done; ";
+    install("zenity", nap + "printf '/maps/a.vws\\n'; exec >&-; " + nap);
+    const Alarms alarms;
+    EXPECT_EQ(choose(), "/maps/a.vws");
+}
+
+// Nobody can tell then whether the user cancelled.
+TEST_F(OpenFileBrowser, AHostThatLeavesItsChildrenToTheSystemGetsNothing) {
+    install("zenity", "printf '/maps/a.vws\\n'");
+    const auto before = std::signal(SIGCHLD, SIG_IGN);
+    EXPECT_EQ(choose(), std::nullopt);
+    std::signal(SIGCHLD, before);
+}
+
+TEST_F(OpenFileBrowser, AHostWithoutDescriptorsToSpareGetsNothing) {
+    install("zenity", "printf '/maps/a.vws\\n'");
+    rlimit before{};
+    ASSERT_EQ(::getrlimit(RLIMIT_NOFILE, &before), 0);
+    const rlimit none{0, before.rlim_max};
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &none), 0);
+    const auto chosen = choose();
+    ASSERT_EQ(::setrlimit(RLIMIT_NOFILE, &before), 0);
+    EXPECT_EQ(chosen, std::nullopt);
     EXPECT_THAT(argumentsOf("zenity"), IsEmpty());
 }
 

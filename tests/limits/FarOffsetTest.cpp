@@ -12,7 +12,9 @@
 
 #include "faults/Scenarios.h"
 #include "support/BmpFile.h"
+#include "support/PsdFile.h"
 #include "support/TiffFile.h"
+#include "support/VemoBuilder.h"
 
 namespace {
 
@@ -175,6 +177,40 @@ TEST_F(FarOffsets, BehindABmpDoNotMatterToAJpeg) {
     EXPECT_EQ(call("saveAsJpeg", "near.bmp", 50.0, "near.jpg"), 0.0f);
     EXPECT_EQ(call("saveAsJpeg", "far.bmp", 50.0, "far.jpg"), 0.0f);
     EXPECT_EQ(readBytes(stage.path("far.jpg")), readBytes(stage.path("near.jpg")));
+}
+
+// Columns are summed up in single precision. In a row of 3750000 that runs past its end, to column
+// 3860187 as Python's numpy has it; the next row starts at its own start again.
+TEST_F(FarOffsets, OfALongRowAreThoseOfTheSinglePrecisionSum) {
+    constexpr std::uint64_t kRowBytes = 3 * std::uint64_t{3750000};
+    SparseFile map(stage.path("map.bmp"));
+    map.put(0, BmpFile(1, 1).claimSize(3750000, 4).cut(54)).endAt(54 + 4 * kRowBytes);
+    map.put(54 + kRowBytes, {1, 2, 3}).put(54 + std::uint64_t{3} * 3860187, {4, 5, 6});
+    EXPECT_EQ(call("CreateThumbnailBMP", "map.bmp", 2000000.0), 0.0f);
+    EXPECT_THAT(map.bytes(54 + 6000000 - 6, 9), ElementsAre(0, 0, 0, 4, 5, 6, 1, 2, 3));
+    EXPECT_EQ(map.size(), 54u + 2 * 6000000);
+}
+
+// A PSD's places are signed 32-bit numbers.
+TEST_F(FarOffsets, OfAPsdBeyond2GiBAreRefused) {
+    SparseFile map(stage.path("map.psd"));
+    const ByteList head = PsdFile(1, 1).announceResources(0x7FFFFFD8).planes({1, 2, 3}).bytes();
+    map.put(0, {head.begin(), head.begin() + 34}).endAt(kTwoGiB + 100);
+    EXPECT_EQ(call("swapRGBPSD", "map.psd", 1.0), -1.0f);
+    EXPECT_EQ(map.size(), kTwoGiB + 100);
+}
+
+// The length of a first chunk leads to a second one beyond 4 GiB, where no search goes.
+TEST_F(FarOffsets, OfAChunkBeyond4GiBAreNotFound) {
+    const ByteList near = VemoBuilder().chunk(7, 0xFFFFFFDF, 0).bytes();
+    const ByteList uvs = VemoBuilder().flatFaceUvs({{0.5f, 0.5f}}).closing().bytes();
+    const ByteList chunk(uvs.begin() + 32, uvs.end());
+    SparseFile mesh(stage.path("mesh.vws"));
+    mesh.put(0, near).put(kFourGiB - 1, chunk);
+    EXPECT_EQ(call("getUVTile", "mesh.vws"), 1.0f);
+    SparseFile far(stage.path("far.vws"));
+    far.put(0, VemoBuilder().chunk(7, 0xFFFFFFE0, 0).bytes()).put(kFourGiB, chunk);
+    EXPECT_EQ(call("getUVTile", "far.vws"), -18.0f);
 }
 
 }  // namespace

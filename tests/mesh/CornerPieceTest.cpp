@@ -99,4 +99,13 @@ TEST(CornerPiece, BordersAndSpecialValuesAreAsOneByOne) {
     }
 }
 
+TEST(CornerPiece, TilesBesideAllCornersSeeNone) {
+    const auto piece = std::make_unique<CornerPiece>();
+    piece->split(bytesOf({1.5f, 1.5f, 2.5f, 2.5f}).data(), 2);
+    const std::uint32_t outside = 0xBF800000;
+    for (const TileAt tile : {TileAt{0, 1}, TileAt{3, 1}, TileAt{1, 0}, TileAt{1, 3}})
+        EXPECT_THAT(seen(*piece, tile, 4), ElementsAre(outside, outside, outside, outside))
+            << tile.u << ", " << tile.v;
+}
+
 }  // namespace

@@ -12,6 +12,7 @@
 #include <string>
 
 #include "support/ColourBlock.h"
+#include "support/Faults.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -184,6 +185,17 @@ TEST(ObjText, AFileThatCannotBeCreatedIsNotOpen) {
     const TempDir dir;
     EXPECT_FALSE(ObjText(dir.path("no/text.obj").c_str()).isOpen());
     EXPECT_FALSE(ObjText(nullptr).isOpen());
+}
+
+TEST(ObjText, AfterAFailureNothingMoreIsWritten) {
+    const TempDir dir;
+    const std::string path = dir.path("text.obj");
+    {
+        const FullDisk disk(100);
+        ObjText text(path.c_str());
+        text.add(repeated("0123456789", 60'000));
+    }
+    EXPECT_EQ(readBytes(path).size(), 100u);
 }
 
 }  // namespace

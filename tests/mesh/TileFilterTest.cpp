@@ -54,6 +54,8 @@ TEST(TileFilter, ListsNamesAndRanges) {
         {"8-9,2-3,3-4,8-8", {"2", "3", "4", "8", "9"}},
         {"2147483646-99999999999", {"2147483647"}},
         {"2-5,3-4", {"2", "3", "4", "5"}},
+        {"0-+-5", {"0"}},
+        {"3--99999999999", {}},
     };
     for (const FilterCase& test : cases)
         EXPECT_EQ(listed(test.text), test.listed) << test.text;

@@ -326,6 +326,24 @@ TEST_F(UVExport, MasksNeedOneFaceUvPerFace) {
               -18.0f);
 }
 
+TEST_F(UVExport, AMeshWithoutFacesHasNoMasks) {
+    EXPECT_EQ(writeMasks(VemoBuilder().vertices({{1, 2, 3}}).faces({}).flatFaceUvs({}).closing()),
+              0.0f);
+    EXPECT_EQ(writeMasks(VemoBuilder().vertices({}).faces({}).flatFaceUvs({}).closing()), 0.0f);
+    EXPECT_THAT(dir.names(), ElementsAre("mesh.in"));
+}
+
+// 1000 vertices, faces or face UVs where the file has room for a few.
+TEST_F(UVExport, MasksNeedEveryChunkWhole) {
+    for (const std::uint32_t id : {10001u, 20001u, 25001u}) {
+        VemoBuilder mesh;
+        for (const std::uint32_t chunk : {10001u, 20001u, 25001u})
+            mesh.chunk(chunk, 16, chunk == id ? 1000 : 0);
+        EXPECT_EQ(writeMasks(mesh.closing()), -18.0f) << id;
+    }
+    EXPECT_THAT(dir.names(), ElementsAre("mesh.in"));
+}
+
 // Every truncated length in a file of its own, so that the sanitizer sees the edge: none may crash,
 // and the mesh itself never changes.
 TEST_F(UVExport, ATruncatedMeshIsNeverReadPastItsEnd) {

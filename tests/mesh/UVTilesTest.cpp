@@ -170,6 +170,31 @@ TEST_F(UVTiles, TilesOfOneNumberAreOne) {
     EXPECT_EQ(count(mesh, 0), 2.0f);
 }
 
+TEST_F(UVTiles, RunsOfFacesInATileEndWithItsBorders) {
+    const VemoBuilder mesh = VemoBuilder().flatFaceUvs({{0.5f, 0.5f},
+                                                        {0.0f, 0.99999994f},
+                                                        {0.99999994f, 0.0f},
+                                                        {0.5f, 1.0f},
+                                                        {0.25f, 1.5f},
+                                                        {1.0f, 1.5f}});
+    EXPECT_EQ(count(mesh, 0), 3.0f);
+    EXPECT_EQ(name, "_u1_v1");
+}
+
+TEST_F(UVTiles, TilesFarOutCountLikeOthers) {
+    EXPECT_EQ(count(VemoBuilder().flatFaceUvs({{0.5f, 63.5f},
+                                               {0.5f, 64.5f},
+                                               {63.5f, 0.5f},
+                                               {64.5f, 0.5f},
+                                               {0.5f, 64.5f},
+                                               {64.5f, 0.5f}}),
+                    0),
+              4.0f);
+    EXPECT_EQ(name, "_u64_v0");
+    EXPECT_EQ(count(VemoBuilder().flatFaceUvs({{8388608.0f, 0.5f}, {8388609.0f, 0.5f}}), 0), 2.0f);
+    EXPECT_EQ(name, "_u8388609_v0");
+}
+
 TEST_F(UVTiles, AMeshWithoutFacesHasNone) {
     EXPECT_EQ(count(VemoBuilder().faceUvs({}), 2), 0.0f);
     EXPECT_EQ(name, "");

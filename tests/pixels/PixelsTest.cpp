@@ -38,4 +38,13 @@ TEST(FillBackground, ReplacesPixelsThatEqualTheBackgroundInEveryByte) {
     }
 }
 
+TEST(FillBackground, LeavesPixelsOfAnotherSizeAlone) {
+    for (const std::size_t pixelBytes : {0u, 5u, 8u, 24u}) {
+        ByteList row(24, 7);
+        const ByteList source(24, 1);
+        fillBackground(row.data(), source.data(), ByteList(24, 7).data(), 1, pixelBytes);
+        EXPECT_EQ(row, ByteList(24, 7)) << pixelBytes;
+    }
+}
+
 }  // namespace

@@ -103,6 +103,16 @@ TEST(PsdDamage, SourceAndTargetMustBothReachThePlacesOfTheOther) {
     EXPECT_EQ(readBytes(target), late);
 }
 
+// A map of 8-bit RGB by its mode, whose only plane is there.
+TEST(PsdDamage, ATargetWithoutThreePlanesIsNotMerged) {
+    const TempDir dir;
+    const ByteList onePlane = PsdFile(2, 2).channels(1).filled(4, 9);
+    const std::string source = dir.write("source", PsdFile(2, 2).filled(12, 1));
+    const std::string target = dir.write("target", onePlane);
+    EXPECT_EQ(mergePSD(source.c_str(), target.c_str()), -1.0f);
+    EXPECT_EQ(readBytes(target), onePlane);
+}
+
 // Products of these wrap to 0 or to a small number in 32 or in 64 bits.
 TEST(PsdDamage, SizesThatWouldWrapAreRefused) {
     struct Size {

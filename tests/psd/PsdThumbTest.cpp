@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "psd/PsdOps.h"
+#include "support/Faults.h"
 #include "support/PsdFile.h"
 
 namespace {
@@ -178,6 +179,36 @@ TEST(CreateThumb, EachHeaderGivesItsStatusAndStays) {
         EXPECT_EQ(createThumb(map.c_str(), 2), status);
         EXPECT_EQ(readBytes(map), file);
     }
+}
+
+// A full disk is not reported: the thumbnail ends where the disk did, at its headers or within its
+// first plane.
+TEST(CreateThumb, EndsWhereTheDiskIsFull) {
+    for (const std::size_t room : {10u, 1000u}) {
+        const TempDir dir;
+        const std::string map = dir.write("map.psd", PsdFile(2, 2).filled(12, 6));
+        {
+            const FullDisk disk(room);
+            EXPECT_EQ(createThumb(map.c_str(), 600), 0.0f);
+        }
+        EXPECT_EQ(readBytes(map).size(), room);
+    }
+}
+
+// Planes of 360000 bytes, larger than the pieces in which they are written. The picture's two rows
+// lie below 299 black ones.
+TEST(CreateThumb, AThumbnailOfManyPiecesIsWrittenWhole) {
+    const TempDir dir;
+    const std::string map =
+        dir.write("map.psd", PsdFile(2, 2).planes({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12}));
+    EXPECT_EQ(createThumb(map.c_str(), 600), 0.0f);
+    ByteList expected = PsdFile(600, 600).filled(3 * 360000, 0);
+    std::uint8_t sample = 1;
+    for (std::size_t plane = 0; plane < 3; ++plane) {
+        for (const std::size_t place : {179400u, 179401u, 180000u, 180001u})
+            expected[40 + plane * 360000 + place] = sample++;
+    }
+    EXPECT_TRUE(readBytes(map) == expected);
 }
 
 }  // namespace

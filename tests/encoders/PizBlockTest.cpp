@@ -1,0 +1,180 @@
+#include "encoders/PizBlock.h"
+
+#include <gtest/gtest.h>
+
+#include <utility>
+#include <vector>
+
+namespace {
+
+using ByteList = std::vector<std::uint8_t>;
+
+// The code lengths of a Huffman code, 6 bits each, the first in the highest bits.
+class Lengths {
+public:
+    Lengths& add(std::uint32_t number, int bits = 6) {
+        for (int bit = bits - 1; bit >= 0; --bit) {
+            if (used_ % 8 == 0) bytes_.push_back(0);
+            bytes_.back() =
+                static_cast<std::uint8_t>(bytes_.back() | (number >> bit & 1) << (7 - used_ % 8));
+            ++used_;
+        }
+        return *this;
+    }
+    // As many unused symbols, 6 to 261.
+    Lengths& skip(std::uint32_t symbols) { return add(63).add(symbols - 6, 8); }
+
+    const ByteList& bytes() const { return bytes_; }
+
+private:
+    ByteList bytes_;
+    int used_ = 0;
+};
+
+// A block in the making. Unless a setter says otherwise: no bitmap, the symbols 0 and 1 with codes of
+// one bit, and eight bits of samples.
+class Block {
+public:
+    Block& bitmap(std::uint16_t first, std::uint16_t last, std::size_t bytes) {
+        return firstByte_ = first, lastByte_ = last, bitmapBytes_ = bytes, *this;
+    }
+    Block& symbols(std::uint32_t lowest, std::uint32_t highest) {
+        return lowest_ = lowest, highest_ = highest, *this;
+    }
+    Block& sampleBits(std::uint32_t bits) { return sampleBits_ = bits, *this; }
+    Block& code(const Lengths& lengths) { return code_ = lengths.bytes(), *this; }
+    Block& samples(std::size_t bytes) { return samples_ = bytes, *this; }
+    Block& announce(std::uint32_t length) { return announced_ = length, *this; }
+
+    ByteList bytes() const {
+        ByteList rest;
+        put(rest, lowest_, 4);
+        put(rest, highest_, 4);
+        put(rest, 0, 4);
+        put(rest, sampleBits_, 4);
+        put(rest, 0, 4);
+        rest.insert(rest.end(), code_.begin(), code_.end());
+        rest.insert(rest.end(), samples_, 0x55);
+
+        ByteList all;
+        put(all, firstByte_, 2);
+        put(all, lastByte_, 2);
+        all.insert(all.end(), bitmapBytes_, 0xFF);
+        put(all, announced_ > 0 ? announced_ : static_cast<std::uint32_t>(rest.size()), 4);
+        all.insert(all.end(), rest.begin(), rest.end());
+        return all;
+    }
+
+private:
+    static void put(ByteList& bytes, std::uint32_t value, int count) {
+        for (int i = 0; i < count; ++i)
+            bytes.push_back(static_cast<std::uint8_t>(value >> 8 * i));
+    }
+
+    std::uint16_t firstByte_ = 8191;
+    std::uint16_t lastByte_ = 0;
+    std::size_t bitmapBytes_ = 0;
+    std::uint32_t lowest_ = 0;
+    std::uint32_t highest_ = 1;
+    std::uint32_t sampleBits_ = 8;
+    ByteList code_ = Lengths().add(1).add(1).bytes();
+    std::size_t samples_ = 1;
+    std::uint32_t announced_ = 0;
+};
+
+bool isSound(const ByteList& bytes) {
+    return isSoundPizBlock({bytes.data(), bytes.size()});
+}
+bool isSound(const Block& block) {
+    return isSound(block.bytes());
+}
+
+TEST(PizBlock, IsSoundWithOrWithoutABitmap) {
+    EXPECT_TRUE(isSound(Block()));
+    EXPECT_TRUE(isSound(Block().bitmap(3, 3, 1)));
+    EXPECT_TRUE(isSound(Block().bitmap(0, 8191, 8192)));
+}
+
+TEST(PizBlock, ABitmapOfMoreThan8192BytesIsRefused) {
+    EXPECT_FALSE(isSound(Block().bitmap(0, 8192, 8193)));
+    EXPECT_FALSE(isSound(Block().bitmap(9000, 8192, 0)));
+}
+
+TEST(PizBlock, EveryTruncatedLengthIsRefused) {
+    const ByteList whole = Block().bitmap(2, 4, 3).bytes();
+    for (std::size_t length = 0; length < whole.size(); ++length) {
+        const ByteList cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
+        EXPECT_FALSE(isSound(cut)) << length;
+    }
+}
+
+TEST(PizBlock, TheRestHasAtLeastItsHeader) {
+    EXPECT_FALSE(isSound(Block().announce(19)));
+    EXPECT_FALSE(isSound(Block().announce(20)));  // no code
+    EXPECT_FALSE(isSound(Block().announce(24)));  // one byte more than there is
+}
+
+// The loader counts bits in an int. Nothing behind the length is read of such a block.
+TEST(PizBlock, MoreBitsThanAnIntCountsAreRefused) {
+    const ByteList head = Block().announce(1u << 28).bytes();
+    EXPECT_FALSE(isSoundPizBlock({head.data(), std::size_t{1} << 29}));
+}
+
+TEST(PizBlock, SymbolsAreInOrderAndAtMost65536) {
+    EXPECT_FALSE(isSound(Block().symbols(1, 0)));
+    EXPECT_FALSE(isSound(Block().symbols(65536, 65537)));
+    EXPECT_TRUE(isSound(Block().symbols(65535, 65536)));
+}
+
+TEST(PizBlock, SamplesHaveBitsAndTheBytesForThem) {
+    EXPECT_FALSE(isSound(Block().sampleBits(0)));
+    EXPECT_TRUE(isSound(Block().sampleBits(1)));
+    EXPECT_FALSE(isSound(Block().sampleBits(9)));
+    EXPECT_TRUE(isSound(Block().sampleBits(9).samples(2)));
+}
+
+TEST(PizBlock, RunsOfUnusedSymbolsEndWithTheLast) {
+    // A run of 2 to 5, then one code.
+    for (std::uint32_t run = 2; run <= 5; ++run) {
+        const Lengths code = Lengths().add(57 + run).add(1).add(1);
+        EXPECT_TRUE(isSound(Block().symbols(0, run + 1).code(code))) << run;
+        EXPECT_FALSE(isSound(Block().symbols(0, run - 2).code(code))) << run;
+    }
+    const Lengths longRun = Lengths().add(1).add(1).skip(261);
+    EXPECT_TRUE(isSound(Block().symbols(0, 262).code(longRun)));
+    EXPECT_FALSE(isSound(Block().symbols(0, 261).code(longRun)));
+    EXPECT_TRUE(isSound(Block().symbols(0, 7).code(Lengths().add(1).add(1).skip(6))));
+}
+
+TEST(PizBlock, CodesOfUnlikeLengthsArePrefixFree) {
+    const auto code = [](std::initializer_list<std::uint32_t> lengths) {
+        Lengths all;
+        for (const std::uint32_t length : lengths)
+            all.add(length);
+        return Block().symbols(0, static_cast<std::uint32_t>(lengths.size()) - 1).code(all);
+    };
+    EXPECT_TRUE(isSound(code({1, 2, 3, 3})));
+    EXPECT_TRUE(isSound(code({3, 1, 3, 2})));
+    EXPECT_TRUE(isSound(code({0, 0})));         // no symbol is used
+    EXPECT_FALSE(isSound(code({1, 2, 3, 4})));  // no code ends the tree
+    EXPECT_FALSE(isSound(code({1, 1, 1, 1})));  // more codes than one bit has
+    EXPECT_FALSE(isSound(code({1, 1, 2, 2})));
+}
+
+// 2^k codes of 14 + k bits make up one slot, and one code of each length from 14 down to 1 the rest.
+Block oneSlotOf(std::uint32_t bitsBeyondTheSlot) {
+    Lengths code;
+    const std::uint32_t codes = std::uint32_t{1} << bitsBeyondTheSlot;
+    for (std::uint32_t i = 0; i < codes; ++i)
+        code.add(14 + bitsBeyondTheSlot);
+    for (std::uint32_t length = 1; length <= 14; ++length)
+        code.add(length);
+    return Block().symbols(0, codes + 13).code(code);
+}
+
+TEST(PizBlock, MoreThan4096CodesThatBeginAlikeAreRefused) {
+    EXPECT_TRUE(isSound(oneSlotOf(12)));
+    EXPECT_FALSE(isSound(oneSlotOf(13)));
+}
+
+}  // namespace
