@@ -8,7 +8,7 @@
 #include <vector>
 
 #include "Library.h"
-#include "Page.h"
+#include "page/Page.h"
 #include "Progress.h"
 #include "Report.h"
 

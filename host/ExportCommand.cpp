@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "CallLog.h"
-#include "ExportPage.h"
+#include "page/ExportPage.h"
 #include "Failure.h"
 #include "Interrupt.h"
 #include "Leftovers.h"

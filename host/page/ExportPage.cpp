@@ -1,4 +1,4 @@
-#include "ExportPage.h"
+#include "page/ExportPage.h"
 
 #include <algorithm>
 #include <array>

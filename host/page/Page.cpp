@@ -1,4 +1,4 @@
-#include "Page.h"
+#include "page/Page.h"
 
 #include <cstdio>
 #include <string_view>

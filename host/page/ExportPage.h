@@ -6,7 +6,7 @@
 
 #include "CallLog.h"
 #include "Leftovers.h"
-#include "Page.h"
+#include "page/Page.h"
 #include "TileSheet.h"
 
 class ExportPage {
