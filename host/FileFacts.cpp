@@ -4,12 +4,10 @@
 #include <bit>
 #include <cctype>
 #include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <utility>
 
 #include "DiskFile.h"
-#include "Failure.h"
 #include "Meanings.h"
 #include "bytes/Bytes.h"
 #include "mesh/VemoFile.h"
@@ -29,19 +27,12 @@ std::string number(std::uint64_t value) {
 // Fields of a file, noted as they are read. What the file does not have reads as 0.
 class Fields {
 public:
-    explicit Fields(const std::string& path) : file_(path, std::ios::binary) {
-        if (!file_) throw Failure("cannot read " + path);
-        facts_.bytes = fs::file_size(path);
-    }
+    explicit Fields(const std::string& path) : file_(path, "file") { facts_.bytes = file_.size(); }
 
     // A part of the file; it lasts until the next one.
     Bytes part(std::uint64_t offset, std::size_t count) {
-        const std::uint64_t left = offset < facts_.bytes ? facts_.bytes - offset : 0;
-        part_.assign(static_cast<std::size_t>(std::min<std::uint64_t>(left, count)), 0);
-        file_.clear();
-        file_.seekg(static_cast<std::streamoff>(std::min(offset, facts_.bytes)));
-        file_.read(reinterpret_cast<char*>(part_.data()),
-                   static_cast<std::streamsize>(part_.size()));
+        part_.resize(count);
+        part_.resize(file_.read(offset, part_));
         return {part_.data(), part_.size()};
     }
 
@@ -95,7 +86,7 @@ private:
         return value;
     }
 
-    std::ifstream file_;
+    InputFile file_;
     std::vector<std::uint8_t> part_;
     FileFacts facts_;
 };
@@ -126,6 +117,12 @@ std::string named(const std::pair<std::uint32_t, const char*> (&names)[kCount], 
     return number(id);
 }
 
+// Notes what is left of a file whose next `what` is not whole; false for one that is.
+bool endsWithin(const char* what, const Bytes& read, std::uint64_t offset, Fields& fields) {
+    if (read.overran) fields.add(offset, read.size, "rest", std::string("too short for ") + what);
+    return read.overran;
+}
+
 bool isChunkId(std::uint32_t id) {
     return std::ranges::any_of(kChunks, [&](const auto& chunk) { return chunk.first == id; });
 }
@@ -137,10 +134,7 @@ void readVemo(Fields& fields) {
         const std::uint32_t id = header.le32(0);
         const std::uint32_t length = header.le32(4);
         const std::uint32_t count = header.le32(8);
-        if (header.overran) {
-            fields.add(offset, header.size, "rest", "too short for a chunk");
-            return;
-        }
+        if (endsWithin("a chunk", header, offset, fields)) return;
         const bool closes = id == 0 && length == 0;
         fields.add(offset, closes ? kChunkHeaderBytes : length,
                    closes ? "closing header" : named(kChunks, id),
@@ -190,10 +184,7 @@ void readTiff(Fields& fields) {
         const std::uint16_t type = entry.le16(2);
         const std::uint32_t count = entry.le32(4);
         const std::uint32_t value = entry.le32(8);
-        if (entry.overran) {
-            fields.add(offset, entry.size, "rest", "too short for an entry");
-            return;
-        }
+        if (endsWithin("an entry", entry, offset, fields)) return;
         fields.add(offset, 12, named(kTags, tag), valuesOf(fields, type, count, value));
         noteTiffSize(fields, tag, count, value);
     }
@@ -387,7 +378,6 @@ FileKind kindOf(Fields& fields, const std::string& path) {
 }  // namespace
 
 FileFacts factsOf(const std::string& path) {
-    requireFile(path, "file");
     Fields fields(path);
     fields.facts().kind = kindOf(fields, path);
     fields.facts().format = "no format that Quillon knows";

@@ -33,6 +33,6 @@ struct FileFacts {
 };
 
 // The kind is told by the first bytes, that of a mesh by its first chunk; where they tell nothing, by
-// the extension, so that a map with a broken start shows what is wrong with it. Only headers are read, however long the file is. Throws Failure
-// for what is no file or cannot be read.
+// the extension, so that a map with a broken start shows what is wrong with it. Only headers are
+// read, however long the file is. Throws Failure for what is no file or cannot be read.
 FileFacts factsOf(const std::string& path);
