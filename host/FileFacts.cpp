@@ -158,10 +158,11 @@ std::string valuesOf(Fields& fields, std::uint16_t type, std::uint32_t count, st
     return text;
 }
 
-void noteTiffSize(Fields& fields, std::uint16_t tag, std::uint32_t count, std::uint32_t value) {
-    PictureSize& picture = *fields.facts().picture;
+void noteTiffPicture(Fields& fields, std::uint16_t tag, std::uint32_t count, std::uint32_t value) {
+    PictureFacts& picture = *fields.facts().picture;
     if (tag == tiff_tag::kImageWidth) picture.width = value;
     if (tag == tiff_tag::kImageLength) picture.height = value;
+    if (tag == tiff_tag::kStripOffsets) picture.samplesAt = value;
     if (tag != tiff_tag::kBitsPerSample) return;
     picture.channels = count;
     picture.depth = count == 1 ? value : fields.part(value, 2).le16(0);
@@ -186,12 +187,12 @@ void readTiff(Fields& fields) {
         const std::uint32_t value = entry.le32(8);
         if (endsWithin("an entry", entry, offset, fields)) return;
         fields.add(offset, 12, named(kTags, tag), valuesOf(fields, type, count, value));
-        noteTiffSize(fields, tag, count, value);
+        noteTiffPicture(fields, tag, count, value);
     }
 }
 
 void readPsd(Fields& fields) {
-    PictureSize& picture = fields.facts().picture.emplace();
+    PictureFacts& picture = fields.facts().picture.emplace();
     fields.text(0, 4, "signature");
     fields.be16(4, "version");
     picture.channels = fields.be16(12, "channels");
@@ -204,14 +205,16 @@ void readPsd(Fields& fields) {
         offset += 4 + std::uint64_t{fields.be32(offset, block)};
     fields.be16(offset, "compression");
     offset += 2;
+    picture.samplesAt = offset;
     if (fields.has(offset)) fields.add(offset, fields.facts().bytes - offset, "image data", "");
 }
 
 void readBmp(Fields& fields) {
-    PictureSize& picture = fields.facts().picture.emplace();
+    PictureFacts& picture = fields.facts().picture.emplace();
     fields.text(0, 2, "signature");
     fields.le32(2, "file size");
     const std::uint32_t pixels = fields.le32(10, "pixel offset");
+    picture.samplesAt = pixels;
     fields.le32(14, "header bytes");
     picture.width = fields.signedLe32(18, "width");
     picture.height = fields.signedLe32(22, "height");
@@ -225,7 +228,7 @@ void readBmp(Fields& fields) {
 }
 
 void readTarga(Fields& fields) {
-    PictureSize& picture = fields.facts().picture.emplace();
+    PictureFacts& picture = fields.facts().picture.emplace();
     const std::uint8_t idBytes = fields.byte(0, "image id bytes");
     fields.byte(1, "colour map");
     fields.byte(2, "image type");
@@ -261,7 +264,7 @@ void readJpeg(Fields& fields) {
         fields.add(offset, 2u + length,
                    std::string("FF") + kDigits[marker >> 4] + kDigits[marker & 15],
                    frame ? "frame of " + size : "");
-        if (frame) fields.facts().picture = PictureSize{width, height, channels, segment.u8(4)};
+        if (frame) fields.facts().picture = PictureFacts{width, height, channels, segment.u8(4)};
         if (marker == kStartOfScan || length < 2) return;
         offset += 2u + length;
     }
@@ -305,7 +308,7 @@ std::string attributeValue(Fields& fields, const std::string& type, std::uint64_
 
 void noteExrSize(Fields& fields, const std::string& attribute, std::uint64_t offset,
                  const std::string& value) {
-    PictureSize& picture = *fields.facts().picture;
+    PictureFacts& picture = *fields.facts().picture;
     if (attribute == "channels")
         picture.channels = value.empty() ? 0 : std::ranges::count(value, ',') + 1;
     if (attribute != "dataWindow") return;

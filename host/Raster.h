@@ -3,15 +3,22 @@
 
 #include <algorithm>
 #include <cmath>
+#include <cstddef>
 #include <cstdint>
 
-#include "Vector.h"
+// What is painted on, in pixels.
+struct Canvas {
+    std::uint32_t width;
+    std::uint32_t height;
+};
 
-// A corner on the map, in pixels from its upper left, with what is interpolated between corners.
+// A corner, in pixels from the canvas's upper left, with what is interpolated between corners: a
+// value that can be added and scaled.
+template <typename Value>
 struct Corner {
     double x;
     double y;
-    Vector value;
+    Value value;
 };
 
 // How far a point lies to one side of the line from a to b, as a linear function of the point.
@@ -20,18 +27,19 @@ struct Edge {
     double perY;
     double constant;
 
-    Edge(const Corner& a, const Corner& b)
+    template <typename Value>
+    Edge(const Corner<Value>& a, const Corner<Value>& b)
         : perX(a.y - b.y), perY(b.x - a.x), constant(a.x * b.y - b.x * a.y) {}
     double at(double x, double y) const { return perX * x + perY * y + constant; }
 };
 
-struct Range {
+struct PixelRange {
     std::uint32_t first;
     std::uint32_t end;
 };
 
 // The pixels whose centres may lie between the smallest and the largest of three coordinates.
-inline Range pixelsBetween(double a, double b, double c, std::uint32_t size) {
+inline PixelRange pixelsBetween(double a, double b, double c, std::uint32_t size) {
     const double last = size;
     const double low = std::clamp(std::floor(std::min({a, b, c})), 0.0, last);
     const double high = std::clamp(std::ceil(std::max({a, b, c})), 0.0, last);
@@ -41,19 +49,19 @@ inline Range pixelsBetween(double a, double b, double c, std::uint32_t size) {
 // Calls `paint(pixel, value)` for each pixel whose centre the triangle covers, in whichever sense
 // its corners run. Its sides count as covered, and a side seen from the other triangle is the exact
 // negative, so that triangles with a common side leave no gap.
-template <typename Paint>
-void rasterize(const Corner& a, const Corner& second, const Corner& third, std::uint32_t size,
-               Paint paint) {
+template <typename Value, typename Paint>
+void rasterize(const Corner<Value>& a, const Corner<Value>& second, const Corner<Value>& third,
+               const Canvas& canvas, Paint paint) {
     const double area = Edge(a, second).at(third.x, third.y);
     if (!std::isfinite(area) || area == 0.0) return;
-    const Corner& b = area > 0.0 ? second : third;
-    const Corner& c = area > 0.0 ? third : second;
+    const Corner<Value>& b = area > 0.0 ? second : third;
+    const Corner<Value>& c = area > 0.0 ? third : second;
 
     const Edge towardA(b, c);
     const Edge towardB(c, a);
     const Edge towardC(a, b);
-    const Range columns = pixelsBetween(a.x, b.x, c.x, size);
-    const Range rows = pixelsBetween(a.y, b.y, c.y, size);
+    const PixelRange columns = pixelsBetween(a.x, b.x, c.x, canvas.width);
+    const PixelRange rows = pixelsBetween(a.y, b.y, c.y, canvas.height);
     for (std::uint32_t row = rows.first; row < rows.end; ++row) {
         for (std::uint32_t column = columns.first; column < columns.end; ++column) {
             const double x = column + 0.5;
@@ -65,8 +73,8 @@ void rasterize(const Corner& a, const Corner& second, const Corner& third, std::
             // The area, as this point sees it: in a sliver rounding makes the two differ.
             const double shares = shareA + shareB + shareC;
             if (!(shares > 0.0)) continue;
-            const Vector sum = a.value * shareA + b.value * shareB + c.value * shareC;
-            paint(std::size_t{row} * size + column, sum * (1.0 / shares));
+            const Value sum = a.value * shareA + b.value * shareB + c.value * shareC;
+            paint(std::size_t{row} * canvas.width + column, sum * (1.0 / shares));
         }
     }
 }

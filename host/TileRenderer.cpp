@@ -48,16 +48,17 @@ template <typename Store>
 void paintFaces(const VemoMesh& tile, const std::vector<Vector>& values, TileMap& map,
                 Store store) {
     const double side = map.size;
+    const Canvas canvas{map.size, map.size};
     for (std::size_t i = 0; i < tile.faces.size(); ++i) {
         const Face& face = tile.faces[i];
         const FaceUvs& uvs = tile.uvs[i];
         if (!liesInTile(face, uvs)) continue;
         const auto cornerAt = [&](std::size_t corner) {
-            return Corner{uvs[corner].u * side, (1.0 - uvs[corner].v) * side,
-                          values[static_cast<std::size_t>(face.vertices[corner])]};
+            return Corner<Vector>{uvs[corner].u * side, (1.0 - uvs[corner].v) * side,
+                                  values[static_cast<std::size_t>(face.vertices[corner])]};
         };
         forEachTriangle(face, [&](const std::size_t(&corners)[3]) {
-            rasterize(cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2]), map.size,
+            rasterize(cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2]), canvas,
                       [&](std::size_t pixel, const Vector& value) {
                           store(&map.pixels[pixel * map.pixelBytes], value);
                       });

@@ -1,32 +1,68 @@
 #pragma once
-// The page of an export, put together while the export goes on. Its pictures are JPEG files that
-// the library makes of BMP files.
+// The page of one or more exports of a mesh, put together while they go on. Its pictures are JPEG
+// files that the library makes; neither they nor the copies that are timed count as calls of the
+// export.
 
+#include <map>
+#include <optional>
 #include <string>
 
 #include "CallLog.h"
 #include "Leftovers.h"
+#include "Library.h"
+#include "VemoMesh.h"
+#include "page/MapPicture.h"
+#include "page/ModelPicture.h"
 #include "page/Page.h"
-#include "TileSheet.h"
+
+// More tiles than this are not shown.
+inline constexpr std::size_t kMostTilesOnPage = 200;
 
 class ExportPage {
 public:
-    // What is written for the pictures goes to `working`.
-    ExportPage(CallLog& log, Leftovers& working) : log_(log), working_(working) {}
+    ExportPage(const Library& library, std::string title);
 
-    // The picture of one tile. `path` is where its files may lie, without an extension.
-    void addTile(const std::string& path, const std::string& name, const TilePlace& place,
-                 const TileMap& map);
+    // An export begins, whose calls are in `log`. What is written for the pictures lies in `folder`
+    // and is noted in `working`.
+    void beginChapter(const std::string& title, const VemoMesh& mesh, const std::string& folder,
+                      const CallLog& log, Leftovers& working);
+    void endChapter();
 
-    // Writes the page. `sheet` is the merged map, `path` as above for its picture.
-    void write(const std::string& page, const std::string& title, const std::string& sheet,
-               const std::string& path, const TileSheet& layout);
+    // A tile and its part of a map.
+    void addTile(const std::string& name, const VemoMesh& tile, const std::string& map,
+                 const MapPart& part);
+
+    // To be called before a call that reads the file at `path`.
+    void timeCopyOf(const std::string& path);
+
+    // The map as a call of a row left it, small.
+    void addBetween(const std::string& map, const std::string& caption);
+
+    // The row of calls that ends with the latest, and what it made: nothing, a map, a JPEG file.
+    void addStep();
+    void addStep(const std::string& map);
+    void addJpegStep(const std::string& jpeg);
+
+    // Writes the page.
+    void write(const std::string& path);
 
 private:
-    PagePicture pictureOf(const std::string& bmp, const std::string& jpeg,
-                          const std::string& caption);
+    PagePicture pictureOf(const Picture& picture, const std::string& caption);
+    std::string workFile(const char* name) const;
+    PageCall callAt(std::size_t index) const;
+    std::string lead() const;
 
-    CallLog& log_;
-    Leftovers& working_;
+    // Where an export is that goes on.
+    struct Work {
+        const CallLog& log;
+        std::string folder;
+        std::map<std::size_t, double> copies;  // of the calls, by their positions
+        std::vector<PagePicture> between;
+    };
+
+    const Library& library_;
     Page page_;
+    std::optional<VemoMesh> mesh_;
+    std::optional<FaceColours> colours_;
+    std::optional<Work> work_;
 };
