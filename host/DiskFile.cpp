@@ -28,6 +28,13 @@ void requireFile(const std::string& path, const char* what) {
     if (!fs::is_regular_file(status)) throw Failure(path + " is not a file");
 }
 
+void requireFreePath(const std::string& path) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(path, ignored);
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        throw Failure(path + " is in the way: it is not a file");
+}
+
 InputFile::InputFile(std::string path, const char* what) : path_(std::move(path)) {
     requireFile(path_, what);
     file_.reset(std::fopen(path_.c_str(), "rb"));

@@ -15,6 +15,9 @@ void requireFile(const std::string& path, const char* what);
 // A file's bytes, as many as it really has. `what` as above.
 std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what);
 
+// Throws Failure when something that is no file, a folder say, lies where one is to be written.
+void requireFreePath(const std::string& path);
+
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };

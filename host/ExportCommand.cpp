@@ -9,6 +9,7 @@
 #include <vector>
 
 #include "CallLog.h"
+#include "DiskFile.h"
 #include "Failure.h"
 #include "Interrupt.h"
 #include "Leftovers.h"
@@ -144,14 +145,10 @@ std::vector<std::string> MapExport::outputs() const {
     return paths;
 }
 
-// An earlier output is replaced; a folder of that name must not be.
+// An earlier output is replaced.
 void MapExport::requireFreeOutputs() const {
-    for (const std::string& path : outputs()) {
-        std::error_code ignored;
-        const fs::file_status status = fs::status(path, ignored);
-        if (fs::exists(status) && !fs::is_regular_file(status))
-            throw Failure(path + " is in the way: it is not a file");
-    }
+    for (const std::string& path : outputs())
+        requireFreePath(path);
 }
 
 std::size_t MapExport::findTiles() {
@@ -196,7 +193,7 @@ void MapExport::makeWorkingFolder() {
 void MapExport::writeTileMeshes(std::size_t count) {
     const std::string outPath = (fs::path(workingFolder_) / (stem_ + ".Vemo")).string();
     const CallArguments arguments{.text = options_.mesh, .value = naming(), .buffer = outPath};
-    if (page_) page_->timeCopyOf(options_.mesh);
+    const std::size_t position = log_.calls().size();
     const CallResult written = log_.call("getUVs", arguments);
     // A count of 1501 and more is also the status of a file that was not written.
     const bool allWritten = written.status == static_cast<float>(count);
@@ -204,6 +201,9 @@ void MapExport::writeTileMeshes(std::size_t count) {
     log_.require("clearUVString");
     if (!allWritten) throw Failure(failureSentence("getUVs", arguments, written.status));
     if (tiles_.size() < count) throw Failure("getUVString named fewer tiles than getUVs wrote");
+    for (const Tile& tile : tiles_) {
+        if (page_) page_->timeCopyOf(tile.meshFile, position);
+    }
 }
 
 // The library knows the names of all files that it began, also when it could not write them all.
@@ -294,7 +294,7 @@ void MapExport::reorderChannels() {
 
 // A call that works through a map, which has to succeed.
 CallResult MapExport::process(std::string_view name, const CallArguments& arguments) {
-    if (page_) page_->timeCopyOf(*arguments.text);
+    if (page_) page_->timeCopyOf(*arguments.text, log_.calls().size());
     return log_.require(name, arguments);
 }
 

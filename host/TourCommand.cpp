@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "DiskFile.h"
 #include "ExportCommand.h"
 
 namespace fs = std::filesystem;
@@ -40,6 +41,7 @@ ExportOptions heightsOf(const TourOptions& tour) {
 void runTour(const Library& library, const TourOptions& options, Report& report) {
     const std::string name = fs::path(options.mesh).stem().string();
     const std::string path = (fs::path(options.out) / (name + ".html")).string();
+    requireFreePath(path);
     ExportPage page(library, "The maps of " + name);
     exportMap(library, normalsOf(options), report, &page);
     if (printsLines(options.output)) std::puts("");

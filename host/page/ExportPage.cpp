@@ -83,9 +83,8 @@ void ExportPage::addTile(const std::string& name, const VemoMesh& tile, const st
     card->pictures.push_back(pictureOf(pictureOfMap(map, part, kTileSide), caption));
 }
 
-void ExportPage::timeCopyOf(const std::string& path) {
-    const double time = copyMilliseconds(path, workFile(kCopyFile));
-    work_->copies[work_->log.calls().size()] = time;
+void ExportPage::timeCopyOf(const std::string& path, std::size_t position) {
+    work_->copies[position] += copyMilliseconds(path, workFile(kCopyFile));
 }
 
 void ExportPage::addBetween(const std::string& map, const std::string& caption) {

@@ -32,8 +32,8 @@ public:
     void addTile(const std::string& name, const VemoMesh& tile, const std::string& map,
                  const MapPart& part);
 
-    // To be called before a call that reads the file at `path`.
-    void timeCopyOf(const std::string& path);
+    // Adds the time of copying a file to what the call at a position of the log is compared with.
+    void timeCopyOf(const std::string& path, std::size_t position);
 
     // The map as a call of a row left it, small.
     void addBetween(const std::string& map, const std::string& caption);

@@ -13,8 +13,8 @@ namespace {
 constexpr Rgb kGrey{150, 154, 160};
 constexpr Rgb kBackdrop{27, 31, 38};  // of the pictures, in light and in dark
 
-// The view: turned to the right about y, then tilted down, in radians.
-constexpr double kTurn = 0.62;
+// The view: turned about y, then tilted down, in radians.
+constexpr double kTurn = -0.62;
 constexpr double kTilt = 0.42;
 constexpr double kMargin = 0.06;  // of the picture's sides
 

@@ -30,7 +30,7 @@ private:
     std::vector<Rgb> colours_;
 };
 
-// The model from the front right and a little above, y up, lit from the upper left.
+// The model from the front left and a little above, y up, lit from the upper left.
 Picture pictureOfModel(const VemoMesh& mesh, const FaceColours& colours, std::uint32_t width,
                        std::uint32_t height);
 

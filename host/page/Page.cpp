@@ -41,8 +41,8 @@ figcaption { padding: 5px 12px 6px; font-size: 13px; color: var(--soft); overflo
 .strip figcaption { padding: 1px 8px 2px; font-size: 12px; }
 .own { width: fit-content; max-width: 100%; }
 .own img { width: auto; max-width: 100%; }
-table { width: 100%; border-collapse: collapse; font-size: 14px; background: var(--card);
-        border: 1px solid var(--line); border-radius: 10px; }
+table { width: 100%; border-spacing: 0; font-size: 14px; background: var(--card);
+        border: 1px solid var(--line); border-radius: 10px; overflow: hidden; }
 th { text-align: left; font-weight: 600; color: var(--soft); }
 th, td { padding: 7px 12px; border-bottom: 1px solid var(--line); vertical-align: middle; }
 tr:last-child td { border-bottom: 0; }
@@ -53,12 +53,22 @@ td.detail { color: var(--soft); overflow-wrap: anywhere; }
 td.bars { width: 46%; }
 .bar { display: block; height: 9px; min-width: 2px; border-radius: 2px; background: var(--accent); }
 .bar.copy { background: var(--copy); margin-top: 3px; }
-.key { display: inline-block; width: 22px; height: 9px; margin: 0 6px 0 14px; border-radius: 2px;
+.key { display: inline-block; width: 22px; height: 9px; margin: 0 7px 0 16px; border-radius: 2px;
        background: var(--accent); }
 .key.copy { background: var(--copy); }
+.key:first-child { margin-left: 0; }
 details { margin-top: 18px; }
 summary { cursor: pointer; color: var(--soft); margin-bottom: 10px; }
 footer { margin-top: 48px; color: var(--soft); font-size: 13px; }
+)";
+
+constexpr std::string_view kComparisonHead = R"(<h2>Time beside copying</h2>
+<p class="lead"><span class="key"></span>the call<span class="key copy"></span>copying the same bytes
+on the same disk: the file that the call reads, of getUVs the files that it wrote. Each call was timed
+once, each copy is the faster of two.</p>
+<table>
+<tr><th>Export</th><th></th><th class="number">Call</th><th class="number">Copying</th>
+<th class="number">Ratio</th></tr>
 )";
 
 std::string imageOf(const PagePicture& picture) {
@@ -138,7 +148,7 @@ std::string stepOf(const PageStep& step) {
     std::string html = "<section class=\"step\">\n<div class=\"head\"><h3><code>" +
                        nameOf(step.calls) + "</code></h3><span class=\"times\"><b>" +
                        millisecondsOf(timeOf(step.calls)) + "</b>";
-    if (const auto copy = copyTimeOf(step.calls)) html += " &#183; a copy " + millisecondsOf(*copy);
+    if (const auto copy = copyTimeOf(step.calls)) html += ", copying " + millisecondsOf(*copy);
     html += "</span></div>\n<p class=\"does\">" + escaped(step.does) + "</p>\n";
     html += stripOf(step.between);
     if (step.after) html += figureOf(*step.after);
@@ -146,7 +156,9 @@ std::string stepOf(const PageStep& step) {
 }
 
 std::string chapterOf(const PageChapter& chapter) {
-    std::string html = "<h2>" + escaped(chapter.title) + "</h2>\n";
+    std::string html = "<h2>" + escaped(chapter.title) +
+                       "</h2>\n<p class=\"lead\">Each picture is the file as the call left it; the "
+                       "one above is what the call began with.</p>\n";
     for (const PageStep& step : chapter.steps)
         html += stepOf(step);
     return html;
@@ -191,12 +203,7 @@ std::string comparisonOf(const Page& page) {
         for (const auto& run : timedRunsOf(chapter))
             longest = std::max({longest, timeOf(run), *copyTimeOf(run)});
     }
-    std::string html =
-        "<h2>Beside a copy</h2>\n<p class=\"lead\">What each call took"
-        "<span class=\"key\"></span>the call<span class=\"key copy\"></span>a copy of the file "
-        "that it reads, made on the same disk right before.</p>\n<table>\n<tr><th>Export</th>"
-        "<th></th><th class=\"number\">Call</th><th class=\"number\">Copy</th>"
-        "<th class=\"number\">Copies</th></tr>\n";
+    std::string html(kComparisonHead);
     for (const PageChapter& chapter : page.chapters) {
         html +=
             "<tr class=\"chapter\"><td colspan=\"5\">" + escaped(chapter.title) + "</td></tr>\n";
