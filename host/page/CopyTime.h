@@ -3,6 +3,6 @@
 
 #include <string>
 
-// Copies `from` to the new file `to`, twice, with large reads and writes, and returns the shorter
-// time in milliseconds. Throws Failure when a file cannot be read or written.
+// Copies `from` to the new file `to` with large reads and writes, three times, and returns the
+// shortest time in milliseconds. Throws Failure when a file cannot be read or written.
 double copyMilliseconds(const std::string& from, const std::string& to);
