@@ -1,6 +1,7 @@
 #include "DiskFile.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -8,18 +9,24 @@
 
 #include "Failure.h"
 #include "Interrupt.h"
+#include "files/File.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::size_t kPieceBytes = 256 * 1024;
 
 Failure failure(const std::string& action, const std::string& path, int error) {
     return Failure("cannot " + action + ' ' + path + ": " + std::strerror(error));
 }
 
 }  // namespace
+
+std::string extensionOf(const std::string& path) {
+    std::string extension = fs::path(path).extension().string();
+    std::ranges::transform(extension, extension.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension;
+}
 
 void requireFile(const std::string& path, const char* what) {
     std::error_code error;

@@ -9,6 +9,9 @@
 #include <string>
 #include <vector>
 
+// What a path ends with, its letters small: ".tif", or nothing.
+std::string extensionOf(const std::string& path);
+
 // Throws Failure unless `path` is an existing regular file; `what` says what it should be.
 void requireFile(const std::string& path, const char* what);
 

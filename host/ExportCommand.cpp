@@ -31,9 +31,8 @@ struct Tile {
 };
 
 std::string titleOf(const ExportOptions& options) {
-    std::string title = options.map == MapKind::kNormal ? "Normals" : "Heights";
-    if (options.format == MapFormat::kTiff) return title + " as TIFF";
-    return title + (options.format == MapFormat::kPsd ? " as PSD" : " as BMP");
+    const std::string kind = options.map == MapKind::kNormal ? "Normals" : "Heights";
+    return kind + " as " + infoOf(options.format).title;
 }
 
 class MapExport {

@@ -2,8 +2,6 @@
 
 #include <algorithm>
 #include <bit>
-#include <cctype>
-#include <filesystem>
 #include <string_view>
 #include <utility>
 
@@ -12,8 +10,6 @@
 #include "bytes/Bytes.h"
 #include "mesh/VemoFile.h"
 #include "tiff/TiffTags.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -357,9 +353,7 @@ constexpr std::pair<std::string_view, FileKind> kExtensions[] = {
     {".jpg", FileKind::kJpeg},  {".jpeg", FileKind::kJpeg}, {".tga", FileKind::kTarga}};
 
 FileKind kindByExtension(const std::string& path) {
-    std::string extension = fs::path(path).extension().string();
-    std::ranges::transform(extension, extension.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string extension = extensionOf(path);
     for (const auto& [known, kind] : kExtensions) {
         if (known == extension) return kind;
     }

@@ -338,7 +338,7 @@ void CommandLine::addExportKinds() {
     oneOf(export_->add_option("--format", formatName_, "tiff, psd or bmp")
               ->type_name("FORMAT")
               ->capture_default_str(),
-          {"tiff", "psd", "bmp"});
+          formatNames());
     oneOf(export_->add_option("--order", exportOptions_.order, "Colour channels as bgr, rbg or grb")
               ->type_name("ORDER"),
           {"bgr", "rbg", "grb"});

@@ -6,6 +6,7 @@
 #include <vector>
 
 #include "DiskFile.h"
+#include "files/File.h"
 
 namespace {
 
@@ -31,7 +32,7 @@ double timedCopy(const std::string& from, const std::string& to, std::vector<std
 }  // namespace
 
 double copyMilliseconds(const std::string& from, const std::string& to) {
-    std::vector<std::uint8_t> piece(std::size_t{256} * 1024);
+    std::vector<std::uint8_t> piece(kPieceBytes);
     double fastest = timedCopy(from, to, piece);
     for (int repeat = 0; repeat < 2; ++repeat)
         fastest = std::min(fastest, timedCopy(from, to, piece));

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <vector>
 
+#include "BmpWriter.h"
 #include "DiskFile.h"
 #include "Failure.h"
 #include "FileFacts.h"
@@ -27,7 +28,7 @@ Layout layoutOf(const FileFacts& facts) {
     const auto at = static_cast<std::int64_t>(picture.samplesAt);
     const std::int64_t bytes = picture.depth / 8;
     if (facts.kind == FileKind::kBmp) {  // bottom row and blue first
-        const std::int64_t row = (3 * picture.width + 3) / 4 * 4;
+        const std::int64_t row = bmpRowBytes(static_cast<std::uint32_t>(picture.width));
         return {SampleKind::kByte, at + row * (picture.height - 1) + 2, -row, 3, -1, 1};
     }
     if (facts.kind == FileKind::kPsd) {  // a plane for each channel
