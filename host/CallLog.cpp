@@ -21,7 +21,13 @@ std::string leftPadded(const std::string& text, std::size_t width) {
     return std::string(width - std::min(text.size(), width), ' ') + text;
 }
 
-// What a call worked on, such as "tile.tif to map.tif" or "3 gives 1004".
+// What a line starts with; equal for calls that make a row.
+std::string startOf(const std::string& name, const std::string& status) {
+    return padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
+}
+
+}  // namespace
+
 std::string detailOf(const CallRecord& call) {
     const Export& entry = requireExport(call.name);
     const CallArguments& arguments = call.arguments;
@@ -37,13 +43,6 @@ std::string detailOf(const CallRecord& call) {
     return detail;
 }
 
-// What a line starts with; equal for calls that make a row.
-std::string startOf(const std::string& name, const std::string& status) {
-    return padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
-}
-
-}  // namespace
-
 std::string lineOf(const CallRecord& call) {
     const std::string start = startOf(call.name, statusText(call.result.status));
     const std::string detail = detailOf(call);
@@ -55,9 +54,9 @@ CallResult CallLog::call(std::string_view name, const CallArguments& arguments) 
     const std::string status = statusText(made.result.status);
     const std::string detail = detailOf(made);
     report_.addCall(made);
-    calls_.push_back({made.name, detail, status, made.milliseconds});
     print(made.name, status, detail);
-    return std::move(made.result);
+    calls_.push_back(std::move(made));
+    return calls_.back().result;
 }
 
 CallResult CallLog::require(std::string_view name, const CallArguments& arguments) {

@@ -8,7 +8,6 @@
 #include <vector>
 
 #include "Library.h"
-#include "Page.h"
 #include "Progress.h"
 #include "Report.h"
 
@@ -35,19 +34,22 @@ public:
     // Prints what is still held back of the last row of calls.
     void finishRow();
 
-    // The calls, in order, with the time that each took.
-    const std::vector<PageCall>& calls() const { return calls_; }
+    // The calls, in order.
+    const std::vector<CallRecord>& calls() const { return calls_; }
 
 private:
     const Library& library_;
     Progress& progress_;
     Report& report_;
     OutputStyle style_;
-    std::vector<PageCall> calls_;
+    std::vector<CallRecord> calls_;
     std::string row_;          // export and status of the calls under way
     std::string heldBack_;     // the line of the latest of them, unless it is printed already
     std::size_t leftOut_ = 0;  // how many calls between the first and that one have no line
 };
+
+// What a call worked on, such as "tile.tif to map.tif" or "position 3 gives 1004".
+std::string detailOf(const CallRecord& call);
 
 // The line of a call, without a line end.
 std::string lineOf(const CallRecord& call);

@@ -22,7 +22,8 @@ _quillon() {
     candidates=(${(f)"$($words[1] complete "${(@)words[2,CURRENT]}" 2>/dev/null)"})
     if (( $#candidates )); then compadd -a candidates; else _files; fi
 }
-compdef _quillon quillon
+# As an autoloaded function it is called at once; read by a startup file it is only made known.
+if [[ $funcstack[1] == _quillon ]]; then _quillon "$@"; else compdef _quillon quillon; fi
 )script";
 
 constexpr const char* kFish = R"script(# Completions of quillon for fish.

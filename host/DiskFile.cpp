@@ -1,6 +1,7 @@
 #include "DiskFile.h"
 
 #include <algorithm>
+#include <cctype>
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
@@ -8,18 +9,24 @@
 
 #include "Failure.h"
 #include "Interrupt.h"
+#include "files/File.h"
 
 namespace fs = std::filesystem;
 
 namespace {
-
-constexpr std::size_t kPieceBytes = 256 * 1024;
 
 Failure failure(const std::string& action, const std::string& path, int error) {
     return Failure("cannot " + action + ' ' + path + ": " + std::strerror(error));
 }
 
 }  // namespace
+
+std::string extensionOf(const std::string& path) {
+    std::string extension = fs::path(path).extension().string();
+    std::ranges::transform(extension, extension.begin(),
+                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    return extension;
+}
 
 void requireFile(const std::string& path, const char* what) {
     std::error_code error;
@@ -28,21 +35,35 @@ void requireFile(const std::string& path, const char* what) {
     if (!fs::is_regular_file(status)) throw Failure(path + " is not a file");
 }
 
-std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what) {
-    requireFile(path, what);
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                               std::fclose);
-    if (file == nullptr) throw failure("read", path, errno);
+void requireFreePath(const std::string& path) {
+    std::error_code ignored;
+    const fs::file_status status = fs::status(path, ignored);
+    if (fs::exists(status) && !fs::is_regular_file(status))
+        throw Failure(path + " is in the way: it is not a file");
+}
 
-    std::vector<std::uint8_t> bytes;
-    for (;;) {
-        const std::size_t size = bytes.size();
-        bytes.resize(size + kPieceBytes);
-        const std::size_t count = std::fread(&bytes[size], 1, kPieceBytes, file.get());
-        bytes.resize(size + count);
-        if (count < kPieceBytes) break;
-    }
-    if (std::ferror(file.get())) throw failure("read", path, errno);
+InputFile::InputFile(std::string path, const char* what) : path_(std::move(path)) {
+    requireFile(path_, what);
+    file_.reset(std::fopen(path_.c_str(), "rb"));
+    if (file_ == nullptr) throw failure("read", path_, errno);
+    size_ = fs::file_size(path_);
+}
+
+std::size_t InputFile::read(std::uint64_t offset, std::span<std::uint8_t> bytes) {
+    const std::uint64_t left = offset < size_ ? size_ - offset : 0;
+    const auto wanted = static_cast<std::size_t>(std::min<std::uint64_t>(left, bytes.size()));
+    if (wanted > 0 && ::fseeko(file_.get(), static_cast<off_t>(offset), SEEK_SET) != 0)
+        throw failure("read", path_, errno);
+    const std::size_t count = std::fread(bytes.data(), 1, wanted, file_.get());
+    if (count < wanted && std::ferror(file_.get())) throw failure("read", path_, errno);
+    std::ranges::fill(bytes.subspan(count), std::uint8_t{0});
+    return count;
+}
+
+std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what) {
+    InputFile file(path, what);
+    std::vector<std::uint8_t> bytes(file.size());
+    bytes.resize(file.read(0, bytes));
     return bytes;
 }
 

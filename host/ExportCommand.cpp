@@ -9,7 +9,7 @@
 #include <vector>
 
 #include "CallLog.h"
-#include "ExportPage.h"
+#include "DiskFile.h"
 #include "Failure.h"
 #include "Interrupt.h"
 #include "Leftovers.h"
@@ -17,6 +17,7 @@
 #include "Progress.h"
 #include "SheetWriter.h"
 #include "TiffWriter.h"
+#include "page/ExportPage.h"
 
 namespace fs = std::filesystem;
 
@@ -29,13 +30,15 @@ struct Tile {
     TilePlace place{};
 };
 
-void printSize(const std::string& path) {
-    std::printf("%s  %s bytes\n", path.c_str(), std::to_string(fs::file_size(path)).c_str());
+std::string titleOf(const ExportOptions& options) {
+    const std::string kind = options.map == MapKind::kNormal ? "Normals" : "Heights";
+    return kind + " as " + infoOf(options.format).title;
 }
 
 class MapExport {
 public:
-    MapExport(const Library& library, const ExportOptions& options, Report& report)
+    MapExport(const Library& library, const ExportOptions& options, Report& report,
+              ExportPage* page)
         : options_(options),
           stem_(fs::path(options.mesh).stem().string()),
           format_(infoOf(options.format)),
@@ -50,7 +53,7 @@ public:
           log_(library, progress_, report, options.output),
           unfinished_(log_),
           working_(log_),
-          page_(log_, working_) {}
+          page_(page) {}
 
     void run();
 
@@ -60,6 +63,7 @@ private:
     std::vector<std::string> outputs() const;
     void requireFreeOutputs() const;
     std::size_t findTiles();
+    void requireShowable(std::size_t count) const;
     void makeOutFolder();
     void makeWorkingFolder();
     void writeTileMeshes(std::size_t count);
@@ -68,16 +72,18 @@ private:
     void requireMergeable(const TileSheet& sheet) const;
     void requireVisibleThumbnail(const TileSheet& sheet) const;
     void renderTiles(const TileSheet& sheet);
+    void showTile(const Tile& tile, const VemoMesh& mesh, const TileSheet& sheet);
     void mergeTiles();
     void reorderChannels();
+    CallResult process(std::string_view name, const CallArguments& arguments);
     void requireWholeMap() const;
-    void makeExtras(const TileSheet& sheet);
+    void makeExtras();
     void measureScale();
     void convertTo16Bits();
     void saveTarga();
     void makeThumbnail();
     void saveJpeg();
-    void writePage(const TileSheet& sheet);
+    void finishPage();
     void finish();
     void reportOutputs() const;
     std::vector<std::string> remainingFiles() const;
@@ -100,22 +106,24 @@ private:
     CallLog log_;
     Leftovers unfinished_;  // the outputs, and their folder if it was made for them
     Leftovers working_;
-    ExportPage page_;
+    ExportPage* page_;  // null: none is wanted
 };
 
 void MapExport::run() {
     requireFreeOutputs();
     const std::size_t count = findTiles();
+    if (page_) requireShowable(count);
     const VemoMesh mesh = readVemo(options_.mesh);
     makeOutFolder();
     makeWorkingFolder();
+    if (page_) page_->beginChapter(titleOf(options_), mesh, workingFolder_, log_, working_);
     writeTileMeshes(count);
     const TileSheet sheet = layOutSheet(mesh);
     renderTiles(sheet);
     mergeTiles();
     if (!options_.order.empty()) reorderChannels();
     requireWholeMap();
-    makeExtras(sheet);
+    makeExtras();
     finish();
 }
 
@@ -136,14 +144,10 @@ std::vector<std::string> MapExport::outputs() const {
     return paths;
 }
 
-// An earlier output is replaced; a folder of that name must not be.
+// An earlier output is replaced.
 void MapExport::requireFreeOutputs() const {
-    for (const std::string& path : outputs()) {
-        std::error_code ignored;
-        const fs::file_status status = fs::status(path, ignored);
-        if (fs::exists(status) && !fs::is_regular_file(status))
-            throw Failure(path + " is in the way: it is not a file");
-    }
+    for (const std::string& path : outputs())
+        requireFreePath(path);
 }
 
 std::size_t MapExport::findTiles() {
@@ -155,6 +159,13 @@ std::size_t MapExport::findTiles() {
     throw Failure(filteredOut
                       ? "no tile of " + options_.mesh + " is in the filter " + options_.tiles
                       : options_.mesh + " has no faces, so there is no tile to export");
+}
+
+void MapExport::requireShowable(std::size_t count) const {
+    if (count > kMostTilesOnPage)
+        throw Failure(options_.mesh + " has " + std::to_string(count) +
+                      " tiles to export, and a page shows up to " +
+                      std::to_string(kMostTilesOnPage) + "; choose some with --tiles");
 }
 
 void MapExport::makeOutFolder() {
@@ -181,6 +192,7 @@ void MapExport::makeWorkingFolder() {
 void MapExport::writeTileMeshes(std::size_t count) {
     const std::string outPath = (fs::path(workingFolder_) / (stem_ + ".Vemo")).string();
     const CallArguments arguments{.text = options_.mesh, .value = naming(), .buffer = outPath};
+    const std::size_t position = log_.calls().size();
     const CallResult written = log_.call("getUVs", arguments);
     // A count of 1501 and more is also the status of a file that was not written.
     const bool allWritten = written.status == static_cast<float>(count);
@@ -188,6 +200,9 @@ void MapExport::writeTileMeshes(std::size_t count) {
     log_.require("clearUVString");
     if (!allWritten) throw Failure(failureSentence("getUVs", arguments, written.status));
     if (tiles_.size() < count) throw Failure("getUVString named fewer tiles than getUVs wrote");
+    for (const Tile& tile : tiles_) {
+        if (page_) page_->timeCopyOf(tile.meshFile, position);
+    }
 }
 
 // The library knows the names of all files that it began, also when it could not write them all.
@@ -240,31 +255,46 @@ void MapExport::renderTiles(const TileSheet& sheet) {
     for (const Tile& tile : tiles_) {
         stopIfInterrupted();
         progress_.show("rendering", done++, tiles_.size(), tile.name);
-        const TileMap map = renderTile(readVemo(tile.meshFile), options_.map, sheet.cellSize());
+        const VemoMesh mesh = readVemo(tile.meshFile);
+        const TileMap map = renderTile(mesh, options_.map, sheet.cellSize());
         working_.add(tile.mapFile);
         writeSheet(tile.mapFile, options_.format, sheet, sheet.cellOf(tile.place), map);
-        if (options_.page)
-            page_.addTile((fs::path(workingFolder_) / ("tile" + tile.name)).string(), tile.name,
-                          tile.place, map);
+        if (page_) showTile(tile, mesh, sheet);
     }
     log_.print("(rendered)", std::to_string(tiles_.size()),
                "maps of " + std::to_string(sheet.width()) + " x " + std::to_string(sheet.height()) +
                    " pixels, as Morvane does");
 }
 
+void MapExport::showTile(const Tile& tile, const VemoMesh& mesh, const TileSheet& sheet) {
+    const Cell cell = sheet.cellOf(tile.place);
+    const std::uint32_t size = sheet.cellSize();
+    page_->addTile(tile.name, mesh, tile.mapFile, {cell.left, cell.top, size, size});
+}
+
 void MapExport::mergeTiles() {
     unfinished_.add(map_);
-    log_.require("FileCopyTo", {.text = tiles_.front().mapFile, .buffer = map_});
+    process("FileCopyTo", {.text = tiles_.front().mapFile, .buffer = map_});
+    if (page_) page_->addBetween(map_, tiles_.front().name);
     for (std::size_t i = 1; i < tiles_.size(); ++i) {
         stopIfInterrupted();
         progress_.show("merging", i, tiles_.size(), tiles_[i].name);
-        log_.require(format_.merge, {.text = tiles_[i].mapFile, .buffer = map_});
+        process(format_.merge, {.text = tiles_[i].mapFile, .buffer = map_});
+        if (page_) page_->addBetween(map_, "+ " + tiles_[i].name);
     }
+    if (page_) page_->addStep(map_);
 }
 
 void MapExport::reorderChannels() {
     for (const int mode : swapsFor(options_.format, options_.order))
-        log_.require(format_.swap, {.text = map_, .value = static_cast<double>(mode)});
+        process(format_.swap, {.text = map_, .value = static_cast<double>(mode)});
+    if (page_) page_->addStep(map_);
+}
+
+// A call that works through a map, which has to succeed.
+CallResult MapExport::process(std::string_view name, const CallArguments& arguments) {
+    if (page_) page_->timeCopyOf(*arguments.text, log_.calls().size());
+    return log_.require(name, arguments);
 }
 
 // The library does not report every full disk. A map is as long as each of the tiles' own.
@@ -273,48 +303,54 @@ void MapExport::requireWholeMap() const {
         throw Failure("cannot write " + map_ + ": the disk took only a part of it");
 }
 
-void MapExport::makeExtras(const TileSheet& sheet) {
+void MapExport::makeExtras() {
     stopIfInterrupted();
     if (options_.map == MapKind::kHeight && options_.format == MapFormat::kTiff) measureScale();
     if (options_.sixteenBits) convertTo16Bits();
     if (options_.targa) saveTarga();
     if (options_.thumbnail > 0) makeThumbnail();
     if (options_.jpeg) saveJpeg();
-    if (options_.page) writePage(sheet);
+    if (page_) finishPage();
     stopIfInterrupted();
 }
 
 void MapExport::measureScale() {
-    scale_ = log_.require("getScale", {.text = map_, .value = 1.0}).status;
+    scale_ = process("getScale", {.text = map_, .value = 1.0}).status;
+    if (page_) page_->addStep();
 }
 
 void MapExport::convertTo16Bits() {
     unfinished_.add(sixteenBitMap_);
     constexpr double kGreyToGrey = 1.0;
-    log_.require("convertTIFF16", {.text = map_, .value = kGreyToGrey, .buffer = sixteenBitMap_});
+    process("convertTIFF16", {.text = map_, .value = kGreyToGrey, .buffer = sixteenBitMap_});
+    if (page_) page_->addStep(sixteenBitMap_);
 }
 
 void MapExport::saveTarga() {
     unfinished_.add(targa_);
-    log_.require("saveAsTarga", {.text = map_, .buffer = targa_});
+    process("saveAsTarga", {.text = map_, .buffer = targa_});
+    if (page_) page_->addStep();
 }
 
 void MapExport::makeThumbnail() {
     unfinished_.add(thumbnail_);
-    log_.require("FileCopyTo", {.text = map_, .buffer = thumbnail_});
+    process("FileCopyTo", {.text = map_, .buffer = thumbnail_});
     const auto size = static_cast<double>(options_.thumbnail);
-    log_.require("CreateThumbnailBMP", {.text = thumbnail_, .value = size});
+    process("CreateThumbnailBMP", {.text = thumbnail_, .value = size});
+    if (page_) page_->addStep(thumbnail_);
 }
 
 void MapExport::saveJpeg() {
     unfinished_.add(jpeg_);
-    log_.require("saveAsJpeg", {.text = map_, .value = *options_.jpeg, .buffer = jpeg_});
+    process("saveAsJpeg", {.text = map_, .value = *options_.jpeg, .buffer = jpeg_});
+    if (page_) page_->addJpegStep(jpeg_);
 }
 
-void MapExport::writePage(const TileSheet& sheet) {
+void MapExport::finishPage() {
+    page_->endChapter();
+    if (!options_.page) return;
     unfinished_.add(pagePath_);
-    page_.write(pagePath_, "The normals of " + stem_, map_,
-                (fs::path(workingFolder_) / "sheet").string(), sheet);
+    page_->write(pagePath_);
 }
 
 void MapExport::finish() {
@@ -360,7 +396,14 @@ void MapExport::printOutputs() const {
 
 }  // namespace
 
-void exportMap(const Library& library, const ExportOptions& options, Report& report) {
+void exportMap(const Library& library, const ExportOptions& options, Report& report,
+               ExportPage* page) {
     noteInterrupts();
-    MapExport(library, options, report).run();
+    MapExport(library, options, report, page).run();
+}
+
+void exportMap(const Library& library, const ExportOptions& options, Report& report) {
+    if (!options.page) return exportMap(library, options, report, nullptr);
+    ExportPage page(library, "The maps of " + fs::path(options.mesh).stem().string());
+    exportMap(library, options, report, &page);
 }

@@ -3,6 +3,7 @@
 
 #include "ExportOptions.h"
 #include "Library.h"
+#include "page/ExportPage.h"
 
 // Leaves in the folder <mesh>_normal or <mesh>_height with the format's extension, and beside it
 // what the options ask for: <mesh>_height_16bit.tif, <mesh>_normal.tga,
@@ -11,3 +12,7 @@
 //
 //   report  gets the calls, the files that were made and, of a height map in floats, the scale
 void exportMap(const Library& library, const ExportOptions& options, Report& report);
+
+// The same, and shows on `page` what happens, as one of its chapters; null: on none.
+void exportMap(const Library& library, const ExportOptions& options, Report& report,
+               ExportPage* page);

@@ -25,7 +25,6 @@ void requireConsistent(const ExportOptions& options) {
         {options.sixteenBits && psd, "a PSD height map has 16 bits as it is; leave --bits out"},
         {options.thumbnail > 0 && !bmp, "--thumbnail counts with --format bmp only"},
         {options.jpeg && !bmp, "--jpeg counts with --format bmp only, from which it is made"},
-        {options.page && !bmp, "--page counts with --format bmp only: its pictures are made of it"},
     };
     for (const auto& rule : kRules) {
         if (rule.wrong) throw WrongUsage(rule.sentence);

@@ -2,20 +2,14 @@
 
 #include <algorithm>
 #include <bit>
-#include <cctype>
-#include <filesystem>
-#include <fstream>
 #include <string_view>
 #include <utility>
 
 #include "DiskFile.h"
-#include "Failure.h"
 #include "Meanings.h"
 #include "bytes/Bytes.h"
 #include "mesh/VemoFile.h"
 #include "tiff/TiffTags.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -29,19 +23,12 @@ std::string number(std::uint64_t value) {
 // Fields of a file, noted as they are read. What the file does not have reads as 0.
 class Fields {
 public:
-    explicit Fields(const std::string& path) : file_(path, std::ios::binary) {
-        if (!file_) throw Failure("cannot read " + path);
-        facts_.bytes = fs::file_size(path);
-    }
+    explicit Fields(const std::string& path) : file_(path, "file") { facts_.bytes = file_.size(); }
 
     // A part of the file; it lasts until the next one.
     Bytes part(std::uint64_t offset, std::size_t count) {
-        const std::uint64_t left = offset < facts_.bytes ? facts_.bytes - offset : 0;
-        part_.assign(static_cast<std::size_t>(std::min<std::uint64_t>(left, count)), 0);
-        file_.clear();
-        file_.seekg(static_cast<std::streamoff>(std::min(offset, facts_.bytes)));
-        file_.read(reinterpret_cast<char*>(part_.data()),
-                   static_cast<std::streamsize>(part_.size()));
+        part_.resize(count);
+        part_.resize(file_.read(offset, part_));
         return {part_.data(), part_.size()};
     }
 
@@ -95,7 +82,7 @@ private:
         return value;
     }
 
-    std::ifstream file_;
+    InputFile file_;
     std::vector<std::uint8_t> part_;
     FileFacts facts_;
 };
@@ -126,6 +113,12 @@ std::string named(const std::pair<std::uint32_t, const char*> (&names)[kCount], 
     return number(id);
 }
 
+// Notes what is left of a file whose next `what` is not whole; false for one that is.
+bool endsWithin(const char* what, const Bytes& read, std::uint64_t offset, Fields& fields) {
+    if (read.overran) fields.add(offset, read.size, "rest", std::string("too short for ") + what);
+    return read.overran;
+}
+
 bool isChunkId(std::uint32_t id) {
     return std::ranges::any_of(kChunks, [&](const auto& chunk) { return chunk.first == id; });
 }
@@ -137,10 +130,7 @@ void readVemo(Fields& fields) {
         const std::uint32_t id = header.le32(0);
         const std::uint32_t length = header.le32(4);
         const std::uint32_t count = header.le32(8);
-        if (header.overran) {
-            fields.add(offset, header.size, "rest", "too short for a chunk");
-            return;
-        }
+        if (endsWithin("a chunk", header, offset, fields)) return;
         const bool closes = id == 0 && length == 0;
         fields.add(offset, closes ? kChunkHeaderBytes : length,
                    closes ? "closing header" : named(kChunks, id),
@@ -164,10 +154,11 @@ std::string valuesOf(Fields& fields, std::uint16_t type, std::uint32_t count, st
     return text;
 }
 
-void noteTiffSize(Fields& fields, std::uint16_t tag, std::uint32_t count, std::uint32_t value) {
-    PictureSize& picture = *fields.facts().picture;
+void noteTiffPicture(Fields& fields, std::uint16_t tag, std::uint32_t count, std::uint32_t value) {
+    PictureFacts& picture = *fields.facts().picture;
     if (tag == tiff_tag::kImageWidth) picture.width = value;
     if (tag == tiff_tag::kImageLength) picture.height = value;
+    if (tag == tiff_tag::kStripOffsets) picture.samplesAt = value;
     if (tag != tiff_tag::kBitsPerSample) return;
     picture.channels = count;
     picture.depth = count == 1 ? value : fields.part(value, 2).le16(0);
@@ -190,17 +181,14 @@ void readTiff(Fields& fields) {
         const std::uint16_t type = entry.le16(2);
         const std::uint32_t count = entry.le32(4);
         const std::uint32_t value = entry.le32(8);
-        if (entry.overran) {
-            fields.add(offset, entry.size, "rest", "too short for an entry");
-            return;
-        }
+        if (endsWithin("an entry", entry, offset, fields)) return;
         fields.add(offset, 12, named(kTags, tag), valuesOf(fields, type, count, value));
-        noteTiffSize(fields, tag, count, value);
+        noteTiffPicture(fields, tag, count, value);
     }
 }
 
 void readPsd(Fields& fields) {
-    PictureSize& picture = fields.facts().picture.emplace();
+    PictureFacts& picture = fields.facts().picture.emplace();
     fields.text(0, 4, "signature");
     fields.be16(4, "version");
     picture.channels = fields.be16(12, "channels");
@@ -213,14 +201,16 @@ void readPsd(Fields& fields) {
         offset += 4 + std::uint64_t{fields.be32(offset, block)};
     fields.be16(offset, "compression");
     offset += 2;
+    picture.samplesAt = offset;
     if (fields.has(offset)) fields.add(offset, fields.facts().bytes - offset, "image data", "");
 }
 
 void readBmp(Fields& fields) {
-    PictureSize& picture = fields.facts().picture.emplace();
+    PictureFacts& picture = fields.facts().picture.emplace();
     fields.text(0, 2, "signature");
     fields.le32(2, "file size");
     const std::uint32_t pixels = fields.le32(10, "pixel offset");
+    picture.samplesAt = pixels;
     fields.le32(14, "header bytes");
     picture.width = fields.signedLe32(18, "width");
     picture.height = fields.signedLe32(22, "height");
@@ -234,7 +224,7 @@ void readBmp(Fields& fields) {
 }
 
 void readTarga(Fields& fields) {
-    PictureSize& picture = fields.facts().picture.emplace();
+    PictureFacts& picture = fields.facts().picture.emplace();
     const std::uint8_t idBytes = fields.byte(0, "image id bytes");
     fields.byte(1, "colour map");
     fields.byte(2, "image type");
@@ -270,7 +260,7 @@ void readJpeg(Fields& fields) {
         fields.add(offset, 2u + length,
                    std::string("FF") + kDigits[marker >> 4] + kDigits[marker & 15],
                    frame ? "frame of " + size : "");
-        if (frame) fields.facts().picture = PictureSize{width, height, channels, segment.u8(4)};
+        if (frame) fields.facts().picture = PictureFacts{width, height, channels, segment.u8(4)};
         if (marker == kStartOfScan || length < 2) return;
         offset += 2u + length;
     }
@@ -314,7 +304,7 @@ std::string attributeValue(Fields& fields, const std::string& type, std::uint64_
 
 void noteExrSize(Fields& fields, const std::string& attribute, std::uint64_t offset,
                  const std::string& value) {
-    PictureSize& picture = *fields.facts().picture;
+    PictureFacts& picture = *fields.facts().picture;
     if (attribute == "channels")
         picture.channels = value.empty() ? 0 : std::ranges::count(value, ',') + 1;
     if (attribute != "dataWindow") return;
@@ -363,9 +353,7 @@ constexpr std::pair<std::string_view, FileKind> kExtensions[] = {
     {".jpg", FileKind::kJpeg},  {".jpeg", FileKind::kJpeg}, {".tga", FileKind::kTarga}};
 
 FileKind kindByExtension(const std::string& path) {
-    std::string extension = fs::path(path).extension().string();
-    std::ranges::transform(extension, extension.begin(),
-                           [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+    const std::string extension = extensionOf(path);
     for (const auto& [known, kind] : kExtensions) {
         if (known == extension) return kind;
     }
@@ -387,7 +375,6 @@ FileKind kindOf(Fields& fields, const std::string& path) {
 }  // namespace
 
 FileFacts factsOf(const std::string& path) {
-    requireFile(path, "file");
     Fields fields(path);
     fields.facts().kind = kindOf(fields, path);
     fields.facts().format = "no format that Quillon knows";

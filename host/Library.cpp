@@ -12,10 +12,6 @@
 #include <utility>
 #include <vector>
 
-#ifdef __APPLE__
-#include <mach-o/dyld.h>
-#endif
-
 #include "Failure.h"
 #include "export/Quillon.h"
 
@@ -30,23 +26,11 @@ constexpr std::size_t kBlockBytes = 64 * 1024;
 // differ.
 constexpr const char* kUntouched = "\x1A untouched \x1A";
 
-#ifdef __APPLE__
-constexpr const char* kLibraryName = "libQuillon.dylib";
-
-fs::path programPath() {
-    std::uint32_t size = 0;
-    ::_NSGetExecutablePath(nullptr, &size);
-    std::string path(size, '\0');
-    ::_NSGetExecutablePath(path.data(), &size);
-    return fs::canonical(path.c_str());
-}
-#else
 constexpr const char* kLibraryName = "libQuillon.so";
 
 fs::path programPath() {
     return fs::canonical("/proc/self/exe");
 }
-#endif
 
 // A block with a text in it, large enough for whatever this call can bring an export to write.
 std::vector<char> blockFor(const CallArguments& arguments, const std::string& content) {

@@ -1,17 +1,17 @@
 #include "MapFormat.h"
 
 #include <algorithm>
-#include <cctype>
-#include <filesystem>
 #include <iterator>
+
+#include "DiskFile.h"
 
 namespace {
 
 // In the order of MapFormat.
 constexpr MapFormatInfo kFormats[] = {
-    {"tiff", ".tif", "mergeMapsTIF", "swapRGBTIF"},
-    {"psd", ".psd", "mergeMapsPSD", "swapRGBPSD"},
-    {"bmp", ".bmp", "mergeMapsBMP", "swapRGBBMP"},
+    {"tiff", "TIFF", ".tif", "mergeMapsTIF", "swapRGBTIF"},
+    {"psd", "PSD", ".psd", "mergeMapsPSD", "swapRGBPSD"},
+    {"bmp", "BMP", ".bmp", "mergeMapsBMP", "swapRGBBMP"},
 };
 
 template <typename Matches>
@@ -21,25 +21,25 @@ std::optional<MapFormat> formatWhere(Matches matches) {
     return static_cast<MapFormat>(found - std::begin(kFormats));
 }
 
-std::string lowerCase(std::string text) {
-    std::ranges::transform(text, text.begin(), [](char c) {
-        return static_cast<char>(std::tolower(static_cast<unsigned char>(c)));
-    });
-    return text;
-}
-
 }  // namespace
 
 const MapFormatInfo& infoOf(MapFormat format) {
     return kFormats[static_cast<std::size_t>(format)];
 }
 
+std::vector<std::string> formatNames() {
+    std::vector<std::string> names;
+    for (const MapFormatInfo& info : kFormats)
+        names.emplace_back(info.name);
+    return names;
+}
+
 std::optional<MapFormat> formatNamed(std::string_view name) {
-    return formatWhere([&](const MapFormatInfo& info) { return info.name == name; });
+    return formatWhere([&](const MapFormatInfo& info) { return name == info.name; });
 }
 
 std::optional<MapFormat> formatOfPath(const std::string& path) {
-    const std::string extension = lowerCase(std::filesystem::path(path).extension().string());
+    const std::string extension = extensionOf(path);
     if (extension == ".tiff") return MapFormat::kTiff;
     return formatWhere([&](const MapFormatInfo& info) { return info.extension == extension; });
 }

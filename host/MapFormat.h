@@ -9,13 +9,17 @@
 enum class MapFormat { kTiff, kPsd, kBmp };
 
 struct MapFormatInfo {
-    std::string_view name;       // as the command line has it
+    const char* name;            // as the command line has it
+    const char* title;           // as people have it
     std::string_view extension;  // of the files that are written
     std::string_view merge;      // the exports
     std::string_view swap;
 };
 
 const MapFormatInfo& infoOf(MapFormat format);
+
+// The names, in the order of MapFormat.
+std::vector<std::string> formatNames();
 
 // By its name; nothing for a name that none has.
 std::optional<MapFormat> formatNamed(std::string_view name);

@@ -75,8 +75,8 @@ void Merge::run() {
     log_.finishRow();
     report_.addFile(options_.target);
     if (!printsLines(options_.output)) return;
-    std::printf("\n%s  %s bytes\n", options_.target.c_str(),
-                std::to_string(fs::file_size(options_.target)).c_str());
+    std::puts("");
+    printSize(options_.target);
 }
 
 void Merge::fold(const std::string& source) {

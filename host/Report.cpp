@@ -34,6 +34,11 @@ void printJson(const Json& value) {
     std::fwrite(line.data(), 1, line.size(), stdout);
 }
 
+void printSize(const std::string& path) {
+    std::printf("%s  %s bytes\n", path.c_str(),
+                std::to_string(std::filesystem::file_size(path)).c_str());
+}
+
 void Report::addFile(const std::string& path) {
     object_["files"].push_back({{"path", path}, {"bytes", std::filesystem::file_size(path)}});
 }

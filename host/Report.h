@@ -30,6 +30,9 @@ Json jsonOf(float status);
 // Prints the value on a line of its own. Bytes that are no UTF-8 come out as U+FFFD.
 void printJson(const Json& value);
 
+// Prints "maps/all.tif  608 bytes".
+void printSize(const std::string& path);
+
 // The object that a command's --json prints. What is set stays in it when the command then fails.
 class Report {
 public:

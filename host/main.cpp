@@ -23,6 +23,7 @@
 #include "Reference.h"
 #include "Report.h"
 #include "ScriptCommand.h"
+#include "TourCommand.h"
 
 namespace {
 
@@ -39,6 +40,7 @@ constexpr const char* kExamples = R"(Examples:
   quillon script calls.txt
   quillon import model.obj model.Vemo --tile-per-group
   quillon export model.Vemo --out maps
+  quillon tour model.Vemo --out maps
   quillon merge all.tif 1001.tif 1002.tif
   quillon --library build/release/libQuillon.so call Version
 
@@ -136,6 +138,15 @@ working files. Of a height map in 32 bits the displacement scale is told.
 Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0.
 )";
 
+constexpr const char* kTourExamples = R"(Examples:
+  quillon tour model.Vemo --out maps
+
+Exports the normals as BMP, their channels swapped for hosts in which z is up, with a
+thumbnail and a JPEG, and the heights as TIFF, with their scale and 16 bits besides.
+maps/model.html shows the model, its tiles, every step and the time that each call took
+beside the time of copying its file.
+)";
+
 constexpr const char* kMergeExamples = R"(Examples:
   quillon merge all.tif 1001.tif 1002.tif 1003.tif
   quillon merge maps/all.psd maps/10*.psd
@@ -162,8 +173,11 @@ private:
     void addExport();
     void addExportKinds();
     void addExportExtras();
+    void addTour();
     void addMerge();
     void addCompletions();
+    void addMeshOutAndSize(CLI::App& command, std::string& mesh, std::string& out,
+                           std::uint32_t& size);
     void addOutput(CLI::App& command, bool withVerbose);
     void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
 
@@ -207,6 +221,9 @@ private:
     std::string mapKind_ = "normal";
     std::string formatName_ = "tiff";
 
+    CLI::App* tour_ = nullptr;
+    TourOptions tourOptions_;
+
     CLI::App* merge_ = nullptr;
     MergeOptions mergeOptions_;
 };
@@ -225,6 +242,7 @@ CommandLine::CommandLine() {
     addInspect();
     addImport();
     addExport();
+    addTour();
     addMerge();
     addCompletions();
 }
@@ -280,16 +298,7 @@ void CommandLine::addImport() {
 void CommandLine::addExport() {
     ExportOptions& options = exportOptions_;
     export_ = app_.add_subcommand("export", "Export a map of all UV tiles of a mesh");
-    export_->add_option("MESH", options.mesh, "Vemo file")->required()->type_name("");
-    export_->add_option("--out", options.out, "Folder for the map; created when it is missing")
-        ->required()
-        ->type_name("DIR");
-    export_
-        ->add_option("--size", options.size,
-                     "Pixels of the map's longer side, at most: 16 to 16384")
-        ->check(CLI::Range(16, 16384).description(""))
-        ->type_name("PIXELS")
-        ->capture_default_str();
+    addMeshOutAndSize(*export_, options.mesh, options.out, options.size);
     export_->add_option("--naming", options.naming, "How tiles are named: 0 to 3, see below")
         ->check(CLI::Range(0, 3).description(""))
         ->type_name("MODE")
@@ -301,6 +310,26 @@ void CommandLine::addExport() {
     export_->footer(kExportExamples);
 }
 
+void CommandLine::addTour() {
+    TourOptions& options = tourOptions_;
+    tour_ = app_.add_subcommand("tour", "Export two maps of a mesh and show how, on a page");
+    addMeshOutAndSize(*tour_, options.mesh, options.out, options.size);
+    addOutput(*tour_, true);
+    tour_->footer(kTourExamples);
+}
+
+void CommandLine::addMeshOutAndSize(CLI::App& command, std::string& mesh, std::string& out,
+                                    std::uint32_t& size) {
+    command.add_option("MESH", mesh, "Vemo file")->required()->type_name("");
+    command.add_option("--out", out, "Folder for the maps; created when it is missing")
+        ->required()
+        ->type_name("DIR");
+    command.add_option("--size", size, "Pixels of a map's longer side, at most: 16 to 16384")
+        ->check(CLI::Range(16, 16384).description(""))
+        ->type_name("PIXELS")
+        ->capture_default_str();
+}
+
 void CommandLine::addExportKinds() {
     oneOf(export_->add_option("--map", mapKind_, "normal or height")
               ->type_name("KIND")
@@ -309,7 +338,7 @@ void CommandLine::addExportKinds() {
     oneOf(export_->add_option("--format", formatName_, "tiff, psd or bmp")
               ->type_name("FORMAT")
               ->capture_default_str(),
-          {"tiff", "psd", "bmp"});
+          formatNames());
     oneOf(export_->add_option("--order", exportOptions_.order, "Colour channels as bgr, rbg or grb")
               ->type_name("ORDER"),
           {"bgr", "rbg", "grb"});
@@ -337,7 +366,7 @@ void CommandLine::addExportExtras() {
         ->default_str("50")
         ->check(CLI::Range(0, 100).description(""))
         ->type_name("QUALITY");
-    export_->add_flag("--page", options.page, "A page that shows a BMP export in pictures");
+    export_->add_flag("--page", options.page, "A page that shows the export in pictures");
     export_->add_flag("--keep-tiles", options.keepTiles, "Leave the working files");
     addOutput(*export_, true);
 }
@@ -413,6 +442,9 @@ int CommandLine::carryOut(Report& report) {
     } else if (merge_->parsed()) {
         mergeOptions_.output = output();
         mergeMaps(openLibrary(), mergeOptions_, report);
+    } else if (tour_->parsed()) {
+        tourOptions_.output = output();
+        runTour(openLibrary(), tourOptions_, report);
     } else {
         exportOptions_.output = output();
         exportOptions_.map = mapKind_ == "height" ? MapKind::kHeight : MapKind::kNormal;

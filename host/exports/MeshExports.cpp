@@ -52,6 +52,21 @@ constexpr StatusMeaning kMergeCrease[] = {
     {kMergeTargetNotCreated, false, "the target cannot be written"},
     {kChunkMissing, false, "one of the files is too short to be a mesh file"}};
 
+// Of the exports that write a mesh per tile, what all have in common.
+constexpr Export tileExport(Export entry) {
+    entry.text = "mesh";
+    entry.value = kNamingMode;
+    entry.valueName = "naming";
+    entry.valueDetails = kNamingModes;
+    entry.refuses = true;
+    entry.writesTiles = true;
+    entry.buffer = BufferUse::kPath;
+    entry.bufferIs = "output path";
+    entry.countOne = "tile was written";
+    entry.countMany = "tiles were written";
+    return entry;
+}
+
 constexpr Export kExports[] = {
     {.name = "clearUVtilesOutput",
      .purpose = "Forgets the tile filter, so that every tile counts again.",
@@ -130,47 +145,30 @@ constexpr Export kExports[] = {
      .output = "status   0\n"
                "meaning  success: the list of tile names is empty\n",
      .next = "It cannot fail."},
-    {.name = "getUVs",
-     .purpose = "Writes a mesh once per tile, with that tile's UVs brought to 0 to 1.",
-     .text = "mesh",
-     .value = kNamingMode,
-     .valueName = "naming",
-     .valueDetails = kNamingModes,
-     .refuses = true,
-     .writesTiles = true,
-     .buffer = BufferUse::kPath,
-     .bufferIs = "output path",
-     .writes = "A mesh file per tile, named after `buffer1`: without its extension, then the "
-               "tile's name, then `.Vemo`. Corners outside the tile have the UV -1, -1. Chunks "
-               "behind the face UVs are left out. The names are kept for getUVString.",
-     .statuses = kGetUVs,
-     .countOne = "tile was written",
-     .countMany = "tiles were written",
-     .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
-     .output = "status   2\n"
-               "meaning  success: 2 tiles were written\n",
-     .next = "From 1501 on see whether the folder of `buffer1` is there and may be written to, and "
+    tileExport(
+        {.name = "getUVs",
+         .purpose = "Writes a mesh once per tile, with that tile's UVs brought to 0 to 1.",
+         .writes = "A mesh file per tile, named after `buffer1`: without its extension, then the "
+                   "tile's name, then `.Vemo`. Corners outside the tile have the UV -1, -1. Chunks "
+                   "behind the face UVs are left out. The names are kept for getUVString.",
+         .statuses = kGetUVs,
+         .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
+         .output = "status   2\n"
+                   "meaning  success: 2 tiles were written\n",
+         .next =
+             "From 1501 on see whether the folder of `buffer1` is there and may be written to, and "
              "whether the disk is full; files of tiles before that one are whole. Below 0: quillon "
-             "inspect tells which chunks the mesh has."},
-    {.name = "getUVsMask",
-     .purpose = "Writes a mesh once per tile, with a mask of that tile's vertices.",
-     .text = "mesh",
-     .value = kNamingMode,
-     .valueName = "naming",
-     .valueDetails = kNamingModes,
-     .refuses = true,
-     .writesTiles = true,
-     .buffer = BufferUse::kPath,
-     .bufferIs = "output path",
-     .writes = "A mesh file per tile, named as by getUVs: the mesh as it is, then a byte per "
-               "vertex, 0 in the tile and 255 outside. The names are kept for getUVString.",
-     .statuses = kGetUVsMask,
-     .countOne = "tile was written",
-     .countMany = "tiles were written",
-     .example = "quillon call getUVsMask model.Vemo --value 2 --buffer maps/mask.Vemo",
-     .output = "status   2\n"
-               "meaning  success: 2 tiles were written\n",
-     .next = "As for getUVs. -19 also for a face that names a vertex which does not exist."},
+             "inspect tells which chunks the mesh has."}),
+    tileExport(
+        {.name = "getUVsMask",
+         .purpose = "Writes a mesh once per tile, with a mask of that tile's vertices.",
+         .writes = "A mesh file per tile, named as by getUVs: the mesh as it is, then a byte per "
+                   "vertex, 0 in the tile and 255 outside. The names are kept for getUVString.",
+         .statuses = kGetUVsMask,
+         .example = "quillon call getUVsMask model.Vemo --value 2 --buffer maps/mask.Vemo",
+         .output = "status   2\n"
+                   "meaning  success: 2 tiles were written\n",
+         .next = "As for getUVs. -19 also for a face that names a vertex which does not exist."}),
     {.name = "mergeCrease",
      .purpose = "Appends a mesh file to another.",
      .text = "mesh to append",

@@ -201,7 +201,6 @@ TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
         {{"--thumbnail", "64"}, "--thumbnail counts with --format bmp only"},
         {{"--thumbnail", "64", "--format", "psd"}, "--thumbnail counts with --format bmp only"},
         {{"--jpeg", "30"}, "--jpeg counts with --format bmp only"},
-        {{"--page", "--format", "psd"}, "--page counts with --format bmp only"},
     };
     const TempDir dir;
     const std::string mesh = dir.write("two.Vemo", twoQuads());

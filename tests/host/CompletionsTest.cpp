@@ -19,7 +19,7 @@ std::string offered(std::vector<std::string> words) {
 // Each row: the words behind "quillon", the last one unfinished, and what is offered for it.
 TEST(Completions, OfferWhatTheCommandLineTakes) {
     const std::vector<std::pair<std::vector<std::string>, const char*>> kCases = {
-        {{""}, "call script describe reference inspect import export merge completions "},
+        {{""}, "call script describe reference inspect import export tour merge completions "},
         {{"ex"}, "export "},
         {{"--"}, "--help --version --library "},
         {{"--library", "x.so", "ca"}, "call "},

@@ -3,42 +3,15 @@
 #include <gmock/gmock.h>
 
 #include "host/ExportedQuads.h"
+#include "host/MagickPicture.h"
 
 namespace {
 
 using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
-using ::testing::StartsWith;
 
 using Format = ExportedQuads;
-
-// The samples of a picture, top row first, as ImageMagick reads them; `as` is one of its raw kinds.
-ByteList samplesOf(const TempDir& dir, const std::string& path, std::vector<std::string> as) {
-    const std::string raw = dir.path("samples.raw");
-    std::vector<std::string> arguments = {"/usr/bin/env", "convert", path + "[0]"};
-    as.back() += raw;
-    arguments.insert(arguments.end(), as.begin(), as.end());
-    const Ended ended = run(arguments);
-    EXPECT_EQ(ended.exitStatus, 0) << ended.err;
-    ByteList samples = readBytes(raw);
-    std::filesystem::remove(raw);
-    return samples;
-}
-
-// A picture of 8-bit RGB.
-struct Picture {
-    Picture(const TempDir& dir, const std::string& path, std::size_t pixelsInARow)
-        : width(pixelsInARow), samples(samplesOf(dir, path, {"-depth", "8", "rgb:"})) {}
-
-    Rgb at(std::size_t x, std::size_t y) const {
-        const std::size_t first = 3 * (y * width + x);
-        return {samples.at(first), samples.at(first + 1), samples.at(first + 2)};
-    }
-
-    std::size_t width;
-    ByteList samples;
-};
 
 std::vector<std::string> namesIn(const std::string& folder) {
     std::vector<std::string> names;
@@ -211,26 +184,6 @@ TEST_F(Format, ABmpIsSavedAsJpegBesides) {
 
 TEST_F(Format, AJpegWithoutAQualityIsOfTheMiddleOne) {
     EXPECT_THAT(succeed({"--format", "bmp", "--jpeg"}).out, HasSubstr("quality 50\n"));
-}
-
-TEST_F(Format, APageShowsTheTilesTheSheetAndTheCalls) {
-    succeed({"--format", "bmp", "--page"});
-    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.bmp", "two_normal.html"));
-    const ByteList bytes = readBytes(out + "/two_normal.html");
-    const std::string page(bytes.begin(), bytes.end());
-    EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n"));
-    EXPECT_THAT(page, EndsWith("</html>\n"));
-    EXPECT_THAT(page, HasSubstr("<h1>The normals of two</h1>"));
-    EXPECT_THAT(page, HasSubstr("<figcaption>1001</figcaption>"));
-    EXPECT_THAT(page, HasSubstr("<figcaption>1002</figcaption>"));
-    EXPECT_THAT(page, HasSubstr("<td class=\"name\">mergeMapsBMP</td>"));
-    // Three pictures, each a whole JPEG: FF D8 FF E0 is "/9j/4" in base64. Nothing is fetched.
-    std::size_t pictures = 0;
-    constexpr std::string_view kJpeg = "src=\"data:image/jpeg;base64,/9j/4";
-    for (std::size_t at = page.find(kJpeg); at != page.npos; at = page.find(kJpeg, at + 1))
-        ++pictures;
-    EXPECT_EQ(pictures, 3u);
-    EXPECT_EQ(page.find("http"), page.npos);
 }
 
 TEST_F(Format, ASheetTooThinForItsThumbnailIsASentence) {
