@@ -5,9 +5,9 @@
 #include <utility>
 #include <vector>
 
-namespace {
+#include "support/Append.h"
 
-using ByteList = std::vector<std::uint8_t>;
+namespace {
 
 // The code lengths of a Huffman code, 6 bits each, the first in the highest bits.
 class Lengths {
@@ -53,15 +53,15 @@ public:
         put(rest, 0, 4);
         put(rest, sampleBits_, 4);
         put(rest, 0, 4);
-        rest.insert(rest.end(), code_.begin(), code_.end());
-        rest.insert(rest.end(), samples_, 0x55);
+        append(rest, code_);
+        append(rest, ByteList(samples_, 0x55));
 
         ByteList all;
         put(all, firstByte_, 2);
         put(all, lastByte_, 2);
-        all.insert(all.end(), bitmapBytes_, 0xFF);
+        append(all, ByteList(bitmapBytes_, 0xFF));
         put(all, announced_ > 0 ? announced_ : static_cast<std::uint32_t>(rest.size()), 4);
-        all.insert(all.end(), rest.begin(), rest.end());
+        append(all, rest);
         return all;
     }
 
