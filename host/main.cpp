@@ -157,6 +157,14 @@ at the bottom left (BMP). Where several tiles have a pixel, the first one wins, 
 last. A tile that does not fit stops the work with what was merged before it.
 )";
 
+// "tiff, psd or bmp".
+std::string listed(const std::vector<std::string>& words) {
+    std::string list = words.front();
+    for (std::size_t i = 1; i < words.size(); ++i)
+        list += (i + 1 < words.size() ? ", " : " or ") + words[i];
+    return list;
+}
+
 class CommandLine {
 public:
     CommandLine();
@@ -179,6 +187,7 @@ private:
     void addMeshOutAndSize(CLI::App& command, std::string& mesh, std::string& out,
                            std::uint32_t& size);
     void addOutput(CLI::App& command, bool withVerbose);
+    // Lets an option take these words only, names them behind its description and when it completes.
     void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
 
     Library openLibrary(LibraryPrints prints) const {
@@ -331,15 +340,13 @@ void CommandLine::addMeshOutAndSize(CLI::App& command, std::string& mesh, std::s
 }
 
 void CommandLine::addExportKinds() {
-    oneOf(export_->add_option("--map", mapKind_, "normal or height")
-              ->type_name("KIND")
-              ->capture_default_str(),
+    oneOf(export_->add_option("--map", mapKind_, "")->type_name("KIND")->capture_default_str(),
           {"normal", "height"});
-    oneOf(export_->add_option("--format", formatName_, "tiff, psd or bmp")
+    oneOf(export_->add_option("--format", formatName_, "")
               ->type_name("FORMAT")
               ->capture_default_str(),
           formatNames());
-    oneOf(export_->add_option("--order", exportOptions_.order, "Colour channels as bgr, rbg or grb")
+    oneOf(export_->add_option("--order", exportOptions_.order, "Colour channels as ")
               ->type_name("ORDER"),
           {"bgr", "rbg", "grb"});
 }
@@ -385,13 +392,14 @@ void CommandLine::addMerge() {
 
 void CommandLine::addCompletions() {
     completions_ = app_.add_subcommand("completions", "Print the completions for a shell");
-    oneOf(completions_->add_option("SHELL", shell_, "bash, zsh or fish")->required()->type_name(""),
+    oneOf(completions_->add_option("SHELL", shell_, "")->required()->type_name(""),
           {"bash", "zsh", "fish"});
     completions_->footer(kCompletionsExamples);
 }
 
 void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& choices) {
     option->check(CLI::IsMember(choices).description(""));
+    option->description(option->get_description() + listed(choices));
     choices_[option] = choices;
 }
 
