@@ -277,6 +277,17 @@ TEST_F(UVExport, AMaskFollowsTheFirstCornerOfEachFace) {
     EXPECT_THAT(dir.names(), ElementsAre("mesh.in", "outu1v0.Vemo"));
 }
 
+TEST_F(UVExport, AQuadMayEndWithTheFirstVertex) {
+    EXPECT_EQ(writeMasks(VemoBuilder()
+                             .vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}})
+                             .faces({{1, 2, 3, 0}})
+                             .flatFaceUvs({{0.5f, 0.5f}})
+                             .closing()),
+              1.0f);
+    const ByteList file = written("out1001.Vemo");
+    EXPECT_EQ(ByteList(file.end() - 20, file.end() - 16), (ByteList{0, 0, 0, 0}));
+}
+
 TEST_F(UVExport, MasksNeedAllThreeChunks) {
     const auto uvs = [](VemoBuilder vemo) { return vemo.flatFaceUvs({{0.5f, 0.5f}}).closing(); };
     EXPECT_EQ(writeMasks(uvs(VemoBuilder().faces({{0, 0, 0, 0}}))), -18.0f);

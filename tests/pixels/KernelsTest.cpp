@@ -5,6 +5,7 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
+#include <bit>
 #include <cstring>
 #include <iterator>
 #include <limits>
@@ -220,6 +221,20 @@ TEST(MarkLevelsKernel, PassesOverNoSampleOfAnotherLevel) {
         EXPECT_TRUE(levels->test(level)) << scaled;
         EXPECT_EQ(levels->count(), expected) << scaled;
     }
+}
+
+// 0.50195312 is the lowest sample of level 32896, although (32896 - 0.5) / 65535 is, in single
+// precision, the next float above it.
+TEST(MarkLevelsKernel, KnowsTheLowestSampleOfALevel) {
+    const auto levels = std::make_unique<LevelSet>();
+    std::vector<float> samples(240000);
+    for (std::size_t i = 0; i < samples.size(); ++i)
+        samples[i] = static_cast<float>(32000 + i % 896) / 65535.0f;
+    markLevels(*levels, samples.data(), samples.size());
+    markLevels(*levels, samples.data(), samples.size());
+    markLevels(*levels, std::vector<float>(48, std::bit_cast<float>(0x3F008000u)).data(), 48);
+    EXPECT_TRUE(levels->test(32896));
+    EXPECT_EQ(levels->count(), 897u);
 }
 
 TEST(MarkLevelsKernel, KnowsRunsUpToTheEndsOfTheRange) {

@@ -112,6 +112,15 @@ TEST_F(Conversion, AMapOfManyPiecesIsConvertedWhole) {
     EXPECT_EQ(writtenFrom(198), expected);
 }
 
+// Six entries before the sizes leave the last of them a place in the 198 bytes, seven do not.
+TEST_F(Conversion, ASizePastTheEndOfTheNewHeaderHasNoPlace) {
+    TiffFile map = hostMap(2, 1).grey32({0.5f, 0.5f});  // has the first
+    for (std::uint16_t tag = 1; tag <= 5; ++tag)
+        map.entry(tag, 1, 0);
+    EXPECT_EQ(convert(map, 1, 0), 0.0f);
+    EXPECT_EQ(convert(map.entry(6, 1, 0), 1, 0), -257.0f);
+}
+
 TEST_F(Conversion, ADirectoryBehindThePixelsHasNoPlaceForTheSizes) {
     const TiffFile map = TiffFile(9, 6).grey32(std::vector<float>(54, 0.5f));
     EXPECT_EQ(convert(map, 1, 0), -257.0f);
