@@ -39,8 +39,9 @@ struct Map {
     std::uint64_t rows;  // as claimed
 
     std::uint64_t rowBytes() const { return width * channels; }
-    // For a map that has columns.
-    std::uint64_t existingRows() const { return std::min(rows, fileBytes / rowBytes()); }
+    std::uint64_t existingRows() const {
+        return rowBytes() == 0 ? 0 : std::min(rows, fileBytes / rowBytes());
+    }
     // Rows count from the bottom one up.
     std::uint64_t offsetOf(std::uint64_t row) const { return fileBytes - (row + 1) * rowBytes(); }
     std::uint64_t targaBytes() const { return rows * width * kPixelBytes; }
@@ -60,7 +61,7 @@ bool namesHeight(const TiffHeader& header) {
 }
 
 bool inventsItsSize(const Map& map) {
-    return map.rows > 0 && map.width > 0 && map.existingRows() < map.rows &&
+    return map.existingRows() < map.rows &&
            map.targaBytes() > kMostInventedBytes + kMostTimesTheFile * map.fileBytes;
 }
 
