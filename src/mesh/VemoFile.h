@@ -92,7 +92,7 @@ std::optional<ChunkElements> findElements(Mesh&& mesh, std::uint32_t id, ZeroLen
     return chunkElements(mesh, *chunk, elementBytes);
 }
 
-// A mesh file read in pieces, for operations that go through it once: however large the mesh, its
+// A mesh file read in pieces, for operations that go through it in order: however large the mesh, its
 // bytes pass through a block that stays in the processor's cache. Reads as a loaded file does, the
 // repeated byte included.
 class VemoPieces {
