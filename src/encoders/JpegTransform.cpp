@@ -4,9 +4,9 @@
 #include <utility>
 
 #include "bytes/Bytes.h"
+#include "pixels/WideVectors.h"
 
 #if defined(__x86_64__)
-#include <cpuid.h>
 #include <immintrin.h>
 #endif
 
@@ -205,18 +205,6 @@ QUILLON_PART void weigh(Lanes<4>::Ints& sample, const Lanes<4>::Ints& pixels,
         _mm256_shuffle_epi8(_mm256_set_m128i(half(4 * kPixelBytes), half(0)), spread));
 }
 
-// Whether processor and system let programs use vectors of 32 bytes.
-bool hasWideVectors() {
-    constexpr unsigned kKept = 6;  // by the system: the low and the high halves
-    unsigned a = 0, b = 0, c = 0, d = 0;
-    if (__get_cpuid(1, &a, &b, &c, &d) == 0 || (c & bit_OSXSAVE) == 0) return false;
-    unsigned kept = 0;
-    unsigned keptHigh = 0;
-    __asm__("xgetbv" : "=a"(kept), "=d"(keptHigh) : "c"(0));
-    if ((kept & kKept) != kKept) return false;
-    return __get_cpuid_count(7, 0, &a, &b, &c, &d) != 0 && (b & bit_AVX2) != 0;
-}
-
 [[gnu::target("avx2")]] void transformWide(const std::uint8_t* pixels, std::ptrdiff_t rowStep,
                                            const Divisors& divisors, QuantisedBlock& block) {
     Lanes<8>::Floats lines[1][kSide];
@@ -268,8 +256,7 @@ void transformPixels(const std::uint8_t* pixels, std::ptrdiff_t rowStep, const D
 
 TransformPixels* wideTransform() {
 #if defined(__x86_64__)
-    static const bool available = hasWideVectors();
-    return available ? transformWide : nullptr;
+    return hasWideVectors() ? transformWide : nullptr;
 #else
     return nullptr;
 #endif

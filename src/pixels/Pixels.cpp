@@ -5,6 +5,7 @@
 #include <utility>
 
 #include "pixels/Lanes.h"
+#include "pixels/WideKernels.h"
 
 namespace {
 
@@ -56,7 +57,7 @@ void copyExchanged(std::uint8_t* to, const std::uint8_t* from, std::size_t pixel
                    const Exchange& exchange) {
     constexpr std::size_t kBlockPixels = kBlockBytes / 3;
     const Exchanger exchanger(exchange);
-    std::size_t done = 0;
+    std::size_t done = copyExchangedWide(to, from, pixels, exchange);
     for (; pixels - done > kBlockPixels; done += kBlockPixels)
         exchanger.copyBlock(to + 3 * done, from + 3 * done);
     for (; done < pixels; ++done) {

@@ -4,7 +4,7 @@
 #include <limits>
 #include <vector>
 
-#include "pixels/Samples.h"
+#include "pixels/LevelSet.h"
 #include "tiff/FloatMap.h"
 #include "tiff/TiffOps.h"
 
@@ -30,7 +30,7 @@ float getScaleTiff(const char* path, int channels) {
     std::vector<float> samples = pieceOfSamples();
     const bool read = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
         if (!readSamples(map, offset, pixels, samples)) return false;
-        markLevels(levels, samples.data(), pixels * map.channels());
+        levels.addSamples(samples.data(), pixels * map.channels());
         return true;
     });
     return read ? scaleOfLevels(levels.count()) : tiff_status::kNotReopened;

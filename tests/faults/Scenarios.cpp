@@ -183,6 +183,9 @@ void addMeshServices(List& list) {
             .shownBy(firstTile)
             .shownBy(secondTile);
     }
+    list.add("getUVsOverItself", {"getUVs", "tile1002.Vemo", 2.0, "tile.tif"}, 3.0f)
+        .on("tile1002.Vemo", mesh())
+        .writes(tiles);
     list.add({"mergeCrease", "mesh.vws", 0.0, "all.vws"})
         .on("mesh.vws", mesh())
         .on("all.vws", mesh())

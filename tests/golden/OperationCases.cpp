@@ -36,6 +36,7 @@
 #include "mesh/UVTiles.h"
 #include "mesh/VemoFile.h"
 #include "mesh/VemoOps.h"
+#include "pixels/LevelSet.h"
 #include "pixels/Pixels.h"
 #include "pixels/Planes.h"
 #include "pixels/Samples.h"
@@ -187,7 +188,7 @@ void quantising(Case& test) {
 void markingLevels(Case& test) {
     LevelSet marked;
     const std::vector<float> samples = numbers(test.random, test.random.below(60));
-    markLevels(marked, samples.data(), samples.size());
+    marked.addSamples(samples.data(), samples.size());
     for (std::uint32_t level = 0; level < 65536; ++level) {
         if (marked.test(static_cast<std::uint16_t>(level)))
             test.result.add(static_cast<std::uint16_t>(level));

@@ -51,9 +51,12 @@ TEST(Names, MayLackAnExtension) {
     const auto bare = [](const std::string& name) { return name.substr(0, name.find('.')); };
     Stage stage;
     for (Scenario scenario : scenarios()) {
-        // A map is a PSD or a TIFF by its extension; what is a file tells EmptyFolder by a dot.
+        // A map is a PSD or a TIFF by its extension; what is a file tells EmptyFolder by a dot; a
+        // mesh is no tile of its own without one.
         const std::string_view name = scenario.call.exportName;
-        if (name == "convertTIFF16" || name == "EmptyFolder" || scenario.call.text == ".") continue;
+        if (name == "convertTIFF16" || name == "EmptyFolder" || scenario.call.text == "." ||
+            scenario.name == "getUVsOverItself")
+            continue;
         const Outcome expected = play(stage, scenario);
         Entries files;
         for (const auto& [file, bytes] : scenario.files)

@@ -5,17 +5,14 @@
 #include <gtest/gtest.h>
 
 #include <algorithm>
-#include <bit>
 #include <cstring>
 #include <iterator>
-#include <limits>
-#include <memory>
 #include <random>
-#include <set>
 #include <vector>
 
 #include "pixels/Pixels.h"
 #include "pixels/Samples.h"
+#include "support/SomeSamples.h"
 
 namespace {
 
@@ -128,28 +125,6 @@ TEST(CopyReversedKernel, IsThePlainLoop) {
     }
 }
 
-// Samples in and out of the range of levels, on the borders between two, and ones that are no
-// numbers; runs of equal pixels between them.
-std::vector<float> someSamples(std::mt19937& random, std::size_t count, std::size_t channels) {
-    const float infinity = std::numeric_limits<float>::infinity();
-    const float nan = std::numeric_limits<float>::quiet_NaN();
-    const float odd[] = {0.0f,     -0.0f,     1.0f, 1.5f, -0.2f,  3e38f,    -3e38f,
-                         infinity, -infinity, nan,  -nan, 1e-45f, 65536.0f, 32768.5f};
-    std::vector<float> samples(count);
-    for (std::size_t i = 0; i < count; ++i) {
-        const unsigned choice = random() % 64;
-        if (choice < 54 && i >= channels)
-            samples[i] = samples[i - channels];
-        else if (choice < 58)
-            samples[i] = odd[random() % std::size(odd)];
-        else if (choice < 60)
-            samples[i] = (static_cast<float>(random() % 65536) + 0.5f) / 65535.0f;
-        else
-            samples[i] = static_cast<float>(random() % 1000) / 999.0f;
-    }
-    return samples;
-}
-
 TEST(Quantise16Kernel, IsTheLevelOfEachSample) {
     std::mt19937 random(1);
     for (const std::size_t step : {1u, 3u}) {
@@ -182,71 +157,6 @@ TEST(TakeFirstSamplesKernel, IsTheFirstOfEachThree) {
                 ASSERT_EQ(std::memcmp(&taken[start + 4 * i], &samples[3 * i], 4), 0) << i;
         }
     }
-}
-
-TEST(MarkLevelsKernel, MarksTheLevelOfEachSampleAndNoOther) {
-    std::mt19937 random(1);
-    for (const std::size_t channels : {1u, 3u}) {
-        for (std::size_t count = 0; count <= 4 * kMostPixels; ++count) {
-            const std::vector<float> samples = someSamples(random, count, channels);
-            const auto levels = std::make_unique<LevelSet>();
-            markLevels(*levels, samples.data(), count);
-            std::set<std::uint16_t> expected;
-            for (const float sample : samples)
-                expected.insert(levelOf(sample));
-            ASSERT_EQ(levels->count(), expected.size());
-            for (const std::uint16_t level : expected)
-                ASSERT_TRUE(levels->test(level)) << level;
-        }
-    }
-}
-
-// Samples within a long run of levels that are all there are passed over: a set that is added to
-// for so long that it knows such runs, then with samples right at their ends.
-TEST(MarkLevelsKernel, PassesOverNoSampleOfAnotherLevel) {
-    const auto levels = std::make_unique<LevelSet>();
-    std::vector<float> samples(240000);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<float>(20000 + i % 3000) / 65535.0f;
-    markLevels(*levels, samples.data(), samples.size());
-    markLevels(*levels, samples.data(), samples.size());
-    ASSERT_EQ(levels->count(), 3000u);
-
-    // The last of the run, then one that is new, over and over: 22999.4 is its own, 22999.6 is not.
-    std::size_t expected = 3000;
-    for (const float scaled : {22999.4f, 22999.6f, 19999.6f, 19999.4f, 23005.0f, 23001.0f}) {
-        markLevels(*levels, std::vector<float>(48, scaled / 65535.0f).data(), 48);
-        const auto level = static_cast<std::uint16_t>(scaled + 0.5f);
-        expected += level > 22999 || level < 20000 ? 1 : 0;
-        EXPECT_TRUE(levels->test(level)) << scaled;
-        EXPECT_EQ(levels->count(), expected) << scaled;
-    }
-}
-
-// 0.50195312 is the lowest sample of level 32896, although (32896 - 0.5) / 65535 is, in single
-// precision, the next float above it.
-TEST(MarkLevelsKernel, KnowsTheLowestSampleOfALevel) {
-    const auto levels = std::make_unique<LevelSet>();
-    std::vector<float> samples(240000);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<float>(32000 + i % 896) / 65535.0f;
-    markLevels(*levels, samples.data(), samples.size());
-    markLevels(*levels, samples.data(), samples.size());
-    markLevels(*levels, std::vector<float>(48, std::bit_cast<float>(0x3F008000u)).data(), 48);
-    EXPECT_TRUE(levels->test(32896));
-    EXPECT_EQ(levels->count(), 897u);
-}
-
-TEST(MarkLevelsKernel, KnowsRunsUpToTheEndsOfTheRange) {
-    const auto levels = std::make_unique<LevelSet>();
-    std::vector<float> samples(4 * 65536);
-    for (std::size_t i = 0; i < samples.size(); ++i)
-        samples[i] = static_cast<float>(i % 65536) / 65535.0f;
-    samples[0] = std::numeric_limits<float>::quiet_NaN();
-    samples[1] = std::numeric_limits<float>::infinity();
-    for (int time = 0; time < 3; ++time)
-        markLevels(*levels, samples.data(), samples.size());
-    EXPECT_EQ(levels->count(), 65536u);
 }
 
 }  // namespace

@@ -56,14 +56,4 @@ TEST(Quantise16, TakesEachStepsSampleInTheOrderOfBytesWanted) {
     EXPECT_THAT(out, ElementsAre(0x80, 0x00, 0x40, 0x00));
 }
 
-TEST(MarkLevels, AddsToTheSet) {
-    LevelSet levels;
-    const float samples[] = {0.0f, 0.5f, 0.5f, 7.0f};
-    markLevels(levels, samples, 2);
-    EXPECT_EQ(levels.count(), 2u);
-    markLevels(levels, samples + 2, 2);
-    EXPECT_EQ(levels.count(), 3u);
-    EXPECT_TRUE(levels.test(0) && levels.test(32768) && levels.test(65535));
-}
-
 }  // namespace
