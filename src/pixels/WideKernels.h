@@ -1,7 +1,8 @@
 #pragma once
-// WideKernels: loops of Pixels.cpp, Samples.cpp and LevelSet.cpp once more, with vectors of 32 bytes. Each works
-// from the start on, as far as whole vectors go, and returns how many pixels or samples that were:
-// none where the processor lacks such vectors. The plain loop does the rest, with the same result.
+// WideKernels: loops of Pixels.cpp, Samples.cpp and LevelSet.cpp once more, with vectors of 32 bytes.
+// Each works from the start on, as far as whole vectors go, and returns how many pixels or samples
+// that were: none where the processor lacks such vectors. The plain loop does the rest, with the same
+// result.
 
 #include <cstddef>
 #include <cstdint>
