@@ -43,11 +43,14 @@ int roundsAt(const Setup& setup, int rounds) {
     return setup.side < 4096 ? rounds * 5 : rounds;
 }
 
+// The least of the rounds: disturbances only add to it, and most to large files, whose pages a
+// virtual machine may take back between two runs.
 Cost costOf(const Job& job, const Setup& setup, int rounds) {
     PreparedRace prepared(job, setup);
     prepared.keepQuillonAndLimit();
     const std::vector<Result> results = run(prepared.race(), roundsAt(setup, rounds));
-    return {results.front().cpu, results.size() > 1 ? results.back().ratio : 0.0,
+    const double seconds = results.front().leastCpu;
+    return {seconds, results.size() > 1 ? seconds / results.back().leastCpu : 0.0,
             prepared.race().amount, prepared.race().bytesWritten};
 }
 

@@ -99,8 +99,9 @@ std::vector<Result> run(const Race& race, int rounds) {
             ratios.push_back(times[0][round].cpu / times[i][round].cpu);
         }
         const Contender& contender = race.contenders[i];
+        const double leastCpu = *std::min_element(cpu.begin(), cpu.end());
         results.push_back({contender.role, contender.name, contender.target, medianOf(cpu),
-                           medianOf(wall), medianOf(ratios)});
+                           leastCpu, medianOf(wall), medianOf(ratios)});
     }
     return results;
 }

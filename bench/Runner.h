@@ -9,9 +9,10 @@ struct Result {
     Role role;
     std::string name;
     double target;
-    double cpu;    // seconds, median over the rounds
-    double wall;   // the same
-    double ratio;  // of quillon's time to this one's, median of the ratios within each round
+    double cpu;       // seconds, median over the rounds
+    double leastCpu;  // of the rounds
+    double wall;      // median
+    double ratio;     // of quillon's time to this one's, median of the ratios within each round
 };
 
 // Runs every contender once and throws Failure when one of them computes something else than the
