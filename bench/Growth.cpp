@@ -10,7 +10,7 @@
 
 namespace {
 
-constexpr double kMostSpread = 1.2;  // of the costs, the highest to the lowest
+constexpr double kEven = 1.2;  // costs that differ by no more than this factor are the same
 
 // The rest of the memory is left to everything else.
 constexpr double kShareOfMemory = 0.4;
@@ -54,19 +54,37 @@ Cost costOf(const Job& job, const Setup& setup, int rounds) {
             prepared.race().amount, prepared.race().bytesWritten};
 }
 
-template <typename Value>
-double spreadOf(const std::vector<GrowthLine::Step>& steps, Value value) {
-    const auto [lowest, highest] =
-        std::minmax_element(steps.begin(), steps.end(),
-                            [&](const auto& a, const auto& b) { return value(a) < value(b); });
-    return value(*lowest) > 0 ? value(*highest) / value(*lowest) : 0.0;
+// How numbers vary from one size to the next larger ones. All 0 where there are none.
+struct Variation {
+    double spread = 0.0;  // the highest to the lowest
+    double rise = 0.0;    // at most, from a size to a larger one
+
+    bool isEven() const { return spread > 0.0 && spread <= kEven; }
+    bool rises() const { return rise == 0.0 || rise > kEven; }
+};
+
+Variation variationOf(const std::vector<GrowthLine::Step>& steps,
+                      double GrowthLine::Step::*number) {
+    Variation variation;
+    double lowest = 0.0;
+    double highest = 0.0;
+    for (const GrowthLine::Step& step : steps) {
+        const double now = step.*number;
+        if (now <= 0.0) return {};
+        lowest = lowest == 0.0 ? now : std::min(lowest, now);
+        highest = std::max(highest, now);
+        variation.rise = std::max(variation.rise, now / lowest);
+    }
+    if (lowest > 0.0) variation.spread = highest / lowest;
+    return variation;
 }
 
 // Files that fit into the processor's cache are moved faster, and fewer pages are fetched for holes:
 // where the limit's cost varies with the size, so does that of any program.
-const char* verdictOf(double spread, double spreadToLimit) {
-    if (spread <= kMostSpread) return "linear";
-    return spreadToLimit > 0 && spreadToLimit <= kMostSpread ? "as the limit" : "not linear";
+const char* verdictOf(const Variation& cost, const Variation& toLimit) {
+    if (cost.isEven()) return "linear";
+    if (toLimit.isEven()) return "as the limit";
+    return cost.rises() && toLimit.rises() ? "rises" : "no rise";
 }
 
 }  // namespace
@@ -108,11 +126,11 @@ std::string tableOf(const std::vector<GrowthLine>& lines) {
         for (const GrowthLine::Step& step : line.steps)
             row.push_back(text("%s: %.3f", step.size.c_str(), step.cost));
         row.resize(5, "-");
-        const double spread = spreadOf(line.steps, [](const auto& step) { return step.cost; });
-        const double toLimit = spreadOf(line.steps, [](const auto& step) { return step.toLimit; });
-        row.push_back(text("%.2f", spread));
-        row.push_back(toLimit > 0 ? text("%.2f", toLimit) : "-");
-        row.push_back(std::string(verdictOf(spread, toLimit)) +
+        const Variation cost = variationOf(line.steps, &GrowthLine::Step::cost);
+        const Variation toLimit = variationOf(line.steps, &GrowthLine::Step::toLimit);
+        row.push_back(text("%.2f", cost.spread));
+        row.push_back(toLimit.spread > 0.0 ? text("%.2f", toLimit.spread) : "-");
+        row.push_back(std::string(verdictOf(cost, toLimit)) +
                       (line.note.empty() ? "" : ", " + line.note));
         rows.push_back(row);
     }

@@ -24,7 +24,7 @@ namespace {
 constexpr std::uint32_t kSide = 4096;
 constexpr std::uint32_t kQuickSide = 1024;
 constexpr std::uint32_t kLargestSide = 16384;
-constexpr int kRounds = 9;
+constexpr int kRounds = 15;
 constexpr int kQuickRounds = 3;
 
 constexpr int kInterrupted = 130;  // as shells report it
