@@ -4,10 +4,10 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include "bmp/BmpHeader.h"
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 #include "pixels/Pixels.h"
 
 namespace {
@@ -65,18 +65,20 @@ using Background = std::array<std::uint8_t, kBmpPixelBytes>;
 
 void mergeRows(const File& source, const File& target, const StoredRows& rows,
                const Background& background) {
-    const auto sourceBytes = std::make_unique<std::uint8_t[]>(kPieceBytes);
-    const auto targetBytes = std::make_unique<std::uint8_t[]>(kPieceBytes);
+    const PieceBuffer sourceBuffer;
+    const PieceBuffer targetBuffer;
     for (std::uint64_t done = 0; done < rows.bytes;) {
         const Piece piece = pieceAfter(rows, done);
-        if (source.readAt(piece.offset, sourceBytes.get(), piece.bytes) < piece.bytes ||
-            target.readAt(piece.offset, targetBytes.get(), piece.bytes) < piece.bytes)
+        std::uint8_t* const sourceBytes = sourceBuffer.placeFor(piece.offset);
+        std::uint8_t* const targetBytes = targetBuffer.placeFor(piece.offset);
+        if (source.readAt(piece.offset, sourceBytes, piece.bytes) < piece.bytes ||
+            target.readAt(piece.offset, targetBytes, piece.bytes) < piece.bytes)
             return;
         forEachRow(rows, piece, [&](std::size_t start, std::size_t pixels) {
-            fillBackground(targetBytes.get() + start, sourceBytes.get() + start, background.data(),
-                           pixels, kBmpPixelBytes);
+            fillBackground(targetBytes + start, sourceBytes + start, background.data(), pixels,
+                           kBmpPixelBytes);
         });
-        if (!target.writeAt(piece.offset, targetBytes.get(), piece.bytes)) return;
+        if (!target.writeAt(piece.offset, targetBytes, piece.bytes)) return;
         done += piece.bytes;
     }
 }
@@ -95,14 +97,15 @@ Exchange exchangeOf(std::int32_t mode) {
 }
 
 void swapRows(const File& file, const StoredRows& rows, Exchange exchange) {
-    const auto bytes = std::make_unique<std::uint8_t[]>(kPieceBytes);
+    const PieceBuffer buffer;
     for (std::uint64_t done = 0; done < rows.bytes;) {
         const Piece piece = pieceAfter(rows, done);
-        if (file.readAt(piece.offset, bytes.get(), piece.bytes) < piece.bytes) return;
+        std::uint8_t* const bytes = buffer.placeFor(piece.offset);
+        if (file.readAt(piece.offset, bytes, piece.bytes) < piece.bytes) return;
         forEachRow(rows, piece, [&](std::size_t start, std::size_t pixels) {
-            exchangeSamples(bytes.get() + start, pixels, exchange);
+            exchangeSamples(bytes + start, pixels, exchange);
         });
-        if (!file.writeAt(piece.offset, bytes.get(), piece.bytes)) return;
+        if (!file.writeAt(piece.offset, bytes, piece.bytes)) return;
         done += piece.bytes;
     }
 }

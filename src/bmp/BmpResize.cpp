@@ -7,6 +7,7 @@
 #include "bmp/BmpOps.h"
 #include "bmp/BmpWriter.h"
 #include "bytes/Numbers.h"
+#include "files/PieceBuffer.h"
 
 namespace {
 
@@ -70,15 +71,16 @@ public:
     explicit ReadAhead(const File& file)
         : file_(file),
           fileBytes_(file.size()),
-          buffer_(static_cast<std::size_t>(
-              std::clamp<std::int64_t>(bmpHdr.rowStride, kBmpPixelBytes, kPieceBytes))) {}
+          most_(static_cast<std::size_t>(
+              std::clamp<std::int64_t>(bmpHdr.rowStride, kBmpPixelBytes, kPieceBytes))),
+          buffer_(most_) {}
 
     // Whether there is a pixel at `offset`, and a byte beyond it; others are black.
     bool hasPixel(std::uint64_t offset) const { return offset + kBmpPixelBytes < fileBytes_; }
 
     const std::uint8_t* pixel(std::uint64_t offset) {
         if (offset < start_ || offset + kBmpPixelBytes > start_ + held_) read(offset);
-        return &buffer_[static_cast<std::size_t>(offset - start_)];
+        return bytes_ + (offset - start_);
     }
 
     // Whether the disk failed; what it did not give is black.
@@ -87,16 +89,18 @@ public:
 private:
     void read(std::uint64_t offset) {
         start_ = offset;
-        held_ = file_.readAt(offset, buffer_.data(), buffer_.size());
-        failed_ = failed_ || held_ < std::min<std::uint64_t>(buffer_.size(), fileBytes_ - offset);
-        std::fill(buffer_.begin() + static_cast<std::ptrdiff_t>(held_), buffer_.end(),
-                  std::uint8_t{0});
+        bytes_ = buffer_.placeFor(offset);
+        held_ = file_.readAt(offset, bytes_, most_);
+        failed_ = failed_ || held_ < std::min<std::uint64_t>(most_, fileBytes_ - offset);
+        std::fill(bytes_ + held_, bytes_ + most_, std::uint8_t{0});
     }
 
     const File& file_;
     std::uint64_t fileBytes_;
-    std::vector<std::uint8_t> buffer_;
-    std::uint64_t start_ = 0;  // of what the buffer holds, in the file
+    std::size_t most_;  // bytes at once
+    PieceBuffer buffer_;
+    std::uint8_t* bytes_ = nullptr;  // held_ of them, which lie at start_ in the file
+    std::uint64_t start_ = 0;
     std::size_t held_ = 0;
     bool failed_ = false;
 };

@@ -32,15 +32,13 @@ bool canBeWritten(const NewImage& image) {
 }
 
 BmpWriter::BmpWriter(const char* path)
-    : piece_(std::make_unique<std::uint8_t[]>(kPieceBytes)),
-      file_(File::create(path)),
+    : file_(File::create(path)),
       oldBytes_(0),
       offset_(bmpHdr.pixelOffset),
       written_(bmpHdr.pixelOffset) {}
 
 BmpWriter::BmpWriter(File image)
-    : piece_(std::make_unique<std::uint8_t[]>(kPieceBytes)),
-      file_(std::move(image)),
+    : file_(std::move(image)),
       oldBytes_(file_.size()),
       offset_(bmpHdr.pixelOffset),
       written_(bmpHdr.pixelOffset) {
@@ -51,7 +49,7 @@ BmpWriter::BmpWriter(File image)
 void BmpWriter::append(const std::uint8_t* bytes, std::size_t count) {
     while (count > 0) {
         const std::size_t taken = std::min(count, kPieceBytes - used_);
-        std::memcpy(piece_.get() + used_, bytes, taken);
+        std::memcpy(nextPlace(), bytes, taken);
         used_ += taken;
         bytes += taken;
         count -= taken;
@@ -64,7 +62,7 @@ void BmpWriter::appendBlack(std::uint64_t bytes) {
     while (bytes > 0 && (bytes < kPieceBytes - used_ || offset_ + used_ < oldBytes_)) {
         const auto taken =
             static_cast<std::size_t>(std::min<std::uint64_t>(bytes, kPieceBytes - used_));
-        std::memset(piece_.get() + used_, 0, taken);
+        std::memset(nextPlace(), 0, taken);
         used_ += taken;
         bytes -= taken;
         if (used_ == kPieceBytes) flush();
@@ -86,7 +84,7 @@ bool BmpWriter::finish(const NewImage& image) {
 void BmpWriter::flush() {
     // After a failure the rest is only counted: a full disk takes nothing more.
     if (used_ > 0 && !failed_) {
-        const std::size_t taken = file_.writeUpTo(offset_, piece_.get(), used_);
+        const std::size_t taken = file_.writeUpTo(offset_, piece_.placeFor(offset_), used_);
         failed_ = taken < used_;
         written_ = offset_ + taken;
     }

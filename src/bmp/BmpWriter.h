@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <memory>
 
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 
 // The sizes of an image that is to be written. A width or height of 0 or below has no pixels.
 struct NewImage {
@@ -45,10 +45,11 @@ public:
     bool finish(const NewImage& image);
 
 private:
+    std::uint8_t* nextPlace() const { return piece_.placeFor(offset_) + used_; }
     void flush();
 
     // In this order: the memory is there before the file is emptied.
-    std::unique_ptr<std::uint8_t[]> piece_;
+    PieceBuffer piece_;
     File file_;
     std::uint64_t oldBytes_;  // of the file as it was
     std::size_t used_ = 0;    // bytes of the piece

@@ -7,6 +7,7 @@
 
 #include "bytes/Bytes.h"
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffOps.h"
@@ -76,52 +77,56 @@ void convertPixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixel
 // The memory for a conversion: rows as they are read and as they are written.
 struct RowBuffers {
     explicit RowBuffers(const Map& map)
-        : lastRow(map.rows > 0 ? static_cast<std::size_t>(map.width) * kPixelBytes : 0) {
-        if (lastRow.empty()) return;
-        pieceRows = std::min(std::max<std::uint64_t>(kPieceBytes / lastRow.size(), 1), map.rows);
-        const std::uint64_t readRows = std::min(pieceRows, map.existingRows());
-        rows.resize(static_cast<std::size_t>(readRows * map.rowBytes()));
-        targaRows.resize(static_cast<std::size_t>(pieceRows) * lastRow.size());
+        : lastRow(map.rows > 0 ? static_cast<std::size_t>(map.width) * kPixelBytes : 0),
+          pieceRows(rowsAtOnce(map, lastRow.size())),
+          rows(static_cast<std::size_t>(std::min(pieceRows, map.existingRows()) * map.rowBytes())),
+          targaRows(static_cast<std::size_t>(pieceRows) * lastRow.size()) {}
+
+    static std::uint64_t rowsAtOnce(const Map& map, std::size_t targaRowBytes) {
+        if (targaRowBytes == 0) return 0;
+        return std::min(std::max<std::uint64_t>(kPieceBytes / targaRowBytes, 1), map.rows);
     }
 
     std::vector<std::uint8_t> lastRow;  // as it was written
-    std::uint64_t pieceRows = 0;
-    std::vector<std::uint8_t> rows;
-    std::vector<std::uint8_t> targaRows;
+    std::uint64_t pieceRows;
+    PieceBuffer rows;
+    PieceBuffer targaRows;
 };
 
 // Writes the rows that the map has, the bottom one first, in pieces of several rows.
 float writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
-    auto& [lastRow, pieceRows, rows, targaRows] = buffers;
+    auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
     for (std::uint64_t row = 0; row < map.existingRows();) {
         const auto count = static_cast<std::size_t>(std::min(pieceRows, map.existingRows() - row));
+        const std::uint64_t offset = map.offsetOf(row + count - 1);
+        std::uint8_t* const rows = rowBuffer.placeFor(offset);
         const std::size_t bytes = count * rowBytes;
-        if (in.readAt(map.offsetOf(row + count - 1), rows.data(), bytes) < bytes)
-            return targa_status::kNotReopened;
+        if (in.readAt(offset, rows, bytes) < bytes) return targa_status::kNotReopened;
+        std::uint8_t* const targaRows = targaBuffer.placeFor(out.length());
         for (std::size_t i = 0; i < count; ++i) {
-            convertPixels(&targaRows[i * lastRow.size()], &rows[(count - 1 - i) * rowBytes], width,
+            convertPixels(targaRows + i * lastRow.size(), rows + (count - 1 - i) * rowBytes, width,
                           map.channels);
         }
-        if (!out.append(targaRows.data(), count * lastRow.size()))
-            return targa_status::kTargetNotWritten;
+        if (!out.append(targaRows, count * lastRow.size())) return targa_status::kTargetNotWritten;
         row += count;
         if (row == map.existingRows())
-            std::copy_n(&targaRows[(count - 1) * lastRow.size()], lastRow.size(), lastRow.data());
+            std::copy_n(targaRows + (count - 1) * lastRow.size(), lastRow.size(), lastRow.data());
     }
     return targa_status::kOk;
 }
 
 // Writes the last row as often as rows are missing, in pieces, too: a row may be a single pixel.
 bool writeMissingRows(FileReplacer& out, const Map& map, RowBuffers& buffers) {
-    auto& [lastRow, pieceRows, rows, targaRows] = buffers;
+    auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
     if (map.existingRows() == map.rows) return true;
-    for (auto place = targaRows.begin(); place != targaRows.end();)
-        place = std::copy(lastRow.begin(), lastRow.end(), place);
+    std::uint8_t* const targaRows = targaBuffer.placeFor(out.length());
+    for (std::uint64_t i = 0; i < pieceRows; ++i)
+        std::copy(lastRow.begin(), lastRow.end(), targaRows + i * lastRow.size());
     for (std::uint64_t row = map.existingRows(); row < map.rows;) {
         const auto count = static_cast<std::size_t>(std::min(pieceRows, map.rows - row));
-        if (!out.append(targaRows.data(), count * lastRow.size())) return false;
+        if (!out.append(targaRows, count * lastRow.size())) return false;
         row += count;
     }
     return true;

@@ -61,6 +61,9 @@ public:
 
     bool isOpen() const { return file_.isOpen(); }
 
+    // Where the next bytes will lie.
+    std::uint64_t length() const { return length_; }
+
     // Writes all of `count` bytes behind what was written before; false if the disk took fewer.
     bool append(const std::uint8_t* bytes, std::size_t count);
 
@@ -80,6 +83,7 @@ public:
     ~FileReplacer();
 
     bool isOpen() const { return file_.isOpen(); }
+    std::uint64_t length() const { return length_; }
     bool append(const std::uint8_t* bytes, std::size_t count);
 
     // False if the rest of an older file could not be cut off.

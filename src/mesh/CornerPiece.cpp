@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <bit>
+#include <utility>
 
 #include "bytes/Bytes.h"
 #include "mesh/UVTiles.h"
@@ -76,14 +77,13 @@ void selectCorners(const std::int32_t* tiles, TileAt tile, const std::uint32_t* 
 
 }  // namespace
 
-CornerPiece::CornerPiece() {
-    outside_.fill(kOutsideBits);
-}
-
-void CornerPiece::split(const std::uint8_t* corners, std::size_t count) {
+void CornerPiece::split(const std::uint8_t* corners, std::size_t count, std::uint64_t offset) {
     count_ = count;
+    locals_.moveFor(offset);
+    seen_.moveFor(offset);
+    if (outside_.moveFor(offset)) std::fill_n(outside_.data, 2 * kPieceCorners, kOutsideBits);
     const auto splitAll = allNear(corners, 2 * count) ? splitNear : splitAny;
-    splitAll(corners, 2 * count, tiles_.data(), locals_.data());
+    splitAll(corners, 2 * count, tiles_.data(), locals_.data);
 
     lowest_ = highest_ = {tiles_[0], tiles_[1]};
     for (std::size_t i = 0; i < 2 * count; i += 2) {
@@ -95,12 +95,18 @@ void CornerPiece::split(const std::uint8_t* corners, std::size_t count) {
 const std::uint8_t* CornerPiece::seenFrom(TileAt tile) {
     const bool mayBeInside =
         tile.u >= lowest_.u && tile.u <= highest_.u && tile.v >= lowest_.v && tile.v <= highest_.v;
-    if (!mayBeInside) return bytesOf(outside_);
-    if (lowest_ == highest_) return bytesOf(locals_);
-    selectCorners(tiles_.data(), tile, locals_.data(), seen_.data(), count_);
-    return bytesOf(seen_);
+    if (!mayBeInside) return outside_.bytes();
+    if (lowest_ == highest_) return locals_.bytes();
+    selectCorners(tiles_.data(), tile, locals_.data, seen_.data, count_);
+    return seen_.bytes();
 }
 
-const std::uint8_t* CornerPiece::bytesOf(const Coordinates& coordinates) {
-    return reinterpret_cast<const std::uint8_t*>(coordinates.data());
+bool CornerPiece::Coordinates::moveFor(std::uint64_t offset) {
+    auto* const before =
+        std::exchange(data, reinterpret_cast<std::uint32_t*>(buffer.placeFor(offset)));
+    return data != before;
+}
+
+const std::uint8_t* CornerPiece::Coordinates::bytes() const {
+    return reinterpret_cast<const std::uint8_t*>(data);
 }

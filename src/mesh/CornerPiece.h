@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "files/PieceBuffer.h"
+
 inline constexpr std::size_t kCornerBytes = 8;
 inline constexpr std::size_t kPieceCorners = 8192;
 
@@ -18,10 +20,9 @@ struct TileAt {
 
 class CornerPiece {
 public:
-    CornerPiece();
-
-    // Takes the first `count` corners, up to kPieceCorners, from a mesh file's bytes.
-    void split(const std::uint8_t* corners, std::size_t count);
+    // Takes the first `count` corners, up to kPieceCorners, from a mesh file's bytes. They will be
+    // written at `offset` of the tiles' files.
+    void split(const std::uint8_t* corners, std::size_t count, std::uint64_t offset);
 
     // The corners of the last split as the file of one tile shows them: those inside with their
     // place within the tile, the others -1 and -1. Lives until the next call.
@@ -29,9 +30,16 @@ public:
 
 private:
     using Tiles = std::array<std::int32_t, 2 * kPieceCorners>;
-    using Coordinates = std::array<std::uint32_t, 2 * kPieceCorners>;  // floats, as their bits
 
-    static const std::uint8_t* bytesOf(const Coordinates& coordinates);
+    // The coordinates of a piece's corners: floats, as their bits.
+    struct Coordinates {
+        PieceBuffer buffer{kPieceCorners * kCornerBytes};
+        std::uint32_t* data = nullptr;
+
+        // Whether the place is another one than before.
+        bool moveFor(std::uint64_t offset);
+        const std::uint8_t* bytes() const;
+    };
 
     std::size_t count_ = 0;
     TileAt lowest_{};  // of the tiles in the piece, column and row for themselves
@@ -39,5 +47,5 @@ private:
     Tiles tiles_;          // the column and the row of each corner
     Coordinates locals_;   // the places within the tiles
     Coordinates outside_;  // corners that all lie in other tiles
-    Coordinates seen_;
+    Coordinates seen_;     // by the tile asked for last
 };

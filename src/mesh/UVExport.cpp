@@ -97,7 +97,7 @@ std::size_t fillTileFiles(std::vector<TileFile>& files, VemoPieces& vemo,
     const auto split = [&](const std::uint8_t* faces, std::size_t count) {
         for (std::size_t face = 0; face < count; face += kPieceFaces) {
             const std::size_t corners = kFaceCorners * std::min(kPieceFaces, count - face);
-            piece.split(faces + face * kFaceUvBytes, corners);
+            piece.split(faces + face * kFaceUvBytes, corners, files.front().file.length());
             appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
         }
     };

@@ -42,7 +42,6 @@ VemoFile loadVemo(const char* path) {
 
 VemoPieces::VemoPieces(const char* path) : file_(File::openForReading(path)) {
     if (!file_.isOpen()) return;
-    piece_.reset(new (std::nothrow) std::uint8_t[kPieceBytes]);
     const std::uint64_t bytes = file_.size();
     failed_ = bytes > 0 && file_.readAt(bytes - 1, &last_, 1) == 0;
     size = static_cast<std::size_t>(bytes) + 1;
@@ -54,7 +53,7 @@ std::uint32_t VemoPieces::le32(std::uint64_t at) {
         const auto left = static_cast<std::size_t>(at < size ? size - at : 0);
         read(at, std::min(kHeaderPieceBytes, left));
     }
-    return Bytes{piece_.get(), pieceBytes_}.le32(at - pieceStart_);
+    return Bytes{piece_, pieceBytes_}.le32(at - pieceStart_);
 }
 
 bool VemoPieces::keep() {
@@ -65,6 +64,7 @@ bool VemoPieces::keep() {
 }
 
 bool VemoPieces::read(std::uint64_t at, std::size_t count) {
+    piece_ = buffer_.placeFor(at);
     pieceStart_ = at;
     pieceBytes_ = readAt(at, count);
     if (pieceBytes_ < count && at + pieceBytes_ + 1 == size) piece_[pieceBytes_++] = last_;
@@ -74,9 +74,9 @@ bool VemoPieces::read(std::uint64_t at, std::size_t count) {
 
 // Puts bytes at the piece's start. Returns how many there were.
 std::size_t VemoPieces::readAt(std::uint64_t at, std::size_t count) {
-    if (kept_ == nullptr) return file_.readAt(at, piece_.get(), count);
+    if (kept_ == nullptr) return file_.readAt(at, piece_, count);
     const std::size_t start = std::min(static_cast<std::size_t>(at), size - 1);
     const std::size_t held = std::min(count, size - 1 - start);
-    std::copy_n(kept_.get() + start, held, piece_.get());
+    std::copy_n(kept_.get() + start, held, piece_);
     return held;
 }

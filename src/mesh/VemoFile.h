@@ -9,6 +9,7 @@
 
 #include "bytes/Bytes.h"
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 
 inline constexpr std::uint32_t kVertexChunk = 10001;
 inline constexpr std::uint32_t kFaceChunk = 20001;
@@ -100,7 +101,7 @@ public:
     explicit VemoPieces(const char* path);
 
     // Open, and read so far without the disk failing.
-    bool isGood() const { return file_.isOpen() && piece_ != nullptr && !failed_; }
+    bool isGood() const { return file_.isOpen() && buffer_.hasMemory() && !failed_; }
 
     // A value of the chunk headers; bytes past the end read as 0.
     std::uint32_t le32(std::uint64_t at);
@@ -129,7 +130,7 @@ public:
             const auto count =
                 static_cast<std::size_t>(std::min<std::uint64_t>(most, elements - done));
             if (!read(offset + done * elementBytes, count * elementBytes)) return false;
-            use(piece_.get(), count);
+            use(piece_, count);
             done += count;
         }
         return true;
@@ -147,7 +148,8 @@ private:
     bool failed_ = false;
     File file_;
     std::unique_ptr<std::uint8_t[]> kept_;  // the whole file, once it is kept
-    std::unique_ptr<std::uint8_t[]> piece_;
+    PieceBuffer buffer_ = PieceBuffer::ifThereIsMemory();
+    std::uint8_t* piece_ = nullptr;  // in the buffer
     std::uint64_t pieceStart_ = 0;
     std::size_t pieceBytes_ = 0;  // of the file, from pieceStart_ on
     std::uint8_t last_ = 0;       // the file's last byte, which is repeated behind it

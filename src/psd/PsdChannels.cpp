@@ -2,10 +2,10 @@
 
 #include <algorithm>
 #include <array>
-#include <memory>
 
 #include "bytes/Numbers.h"
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -56,7 +56,7 @@ public:
 
     // Reorders the pixels before `end`. Those of a piece that cannot be read stay as they are, the
     // file ends where the disk takes no more. `done` is how many were reordered.
-    End run(std::size_t end, std::size_t& done) const {
+    End run(std::size_t end, std::size_t& done) {
         for (done = 0; done < end; done += kPiece) {
             const std::size_t count = std::min(kPiece, end - done);
             if (!read(done, count)) return End::kNotRead;
@@ -68,12 +68,11 @@ public:
 private:
     static constexpr std::size_t kPiece = kPieceBytes / 4;  // of each plane
 
-    std::uint8_t* pieceOf(std::size_t plane) const { return &bytes_[plane * kPiece]; }
-
-    bool read(std::size_t start, std::size_t count) const {
+    bool read(std::size_t start, std::size_t count) {
         for (std::size_t plane = 0; plane < order_.size(); ++plane) {
             const std::size_t place = planes_.placeOf(plane, start);
-            if (planes_.file.readAt(place, pieceOf(plane), count) < count) return false;
+            pieces_[plane] = buffers_[plane].placeFor(place);
+            if (planes_.file.readAt(place, pieces_[plane], count) < count) return false;
         }
         return true;
     }
@@ -81,7 +80,7 @@ private:
     bool write(std::size_t start, std::size_t count) const {
         for (std::size_t plane = 0; plane < order_.size(); ++plane) {
             const std::size_t place = planes_.placeOf(plane, start);
-            if (planes_.file.writeAt(place, pieceOf(order_[plane]), count)) continue;
+            if (planes_.file.writeAt(place, pieces_[order_[plane]], count)) continue;
             planes_.file.cut(place);
             return false;
         }
@@ -90,12 +89,14 @@ private:
 
     const ColourPlanes& planes_;
     const Order order_;
-    std::unique_ptr<std::uint8_t[]> bytes_{new std::uint8_t[3 * kPiece]};
+    const std::array<PieceBuffer, 3> buffers_{PieceBuffer(kPiece), PieceBuffer(kPiece),
+                                              PieceBuffer(kPiece)};
+    std::array<std::uint8_t*, 3> pieces_{};  // as they were read
 };
 
 float reorder(const ColourPlanes& planes, const Order& order) {
-    const Reorder there(planes, order);
-    const Reorder back(planes, inverseOf(order));
+    Reorder there(planes, order);
+    Reorder back(planes, inverseOf(order));
     std::size_t done = 0;
     const Reorder::End end = there.run(planes.pixels, done);
     if (end == Reorder::End::kDone) planes.file.cut(planes.placeOf(3, 0));

@@ -1,8 +1,9 @@
 // Laying tiles over a map, and repairing a map's borders.
 
 #include <algorithm>
-#include <memory>
+#include <vector>
 
+#include "files/PieceBuffer.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -38,36 +39,44 @@ struct Planes {
 // The same piece of each plane of a file.
 class Piece {
 public:
-    explicit Piece(const Planes& planes)
-        : planes_(planes), bytes_(new std::uint8_t[planes.count * kBytes]) {}
+    explicit Piece(const Planes& planes) : planes_(planes) {
+        for (std::size_t plane = 0; plane < planes.count; ++plane)
+            buffers_.emplace_back(kBytes);
+    }
 
     static constexpr std::size_t kBytes = kPieceBytes / 4;  // of each plane
 
     // False when there are fewer bytes.
     bool read(const File& file, std::size_t start, std::size_t count) {
+        start_ = start;
         for (std::size_t plane = 0; plane < planes_.count; ++plane) {
-            if (file.readAt(planes_.placeOf(plane, start), at(plane), count) < count) return false;
+            if (file.readAt(placeInFile(plane), at(plane), count) < count) return false;
         }
         return true;
     }
 
-    // False when the disk took fewer bytes. The file then ends before them.
-    bool write(const File& file, std::size_t start, std::size_t count) const {
+    // Writes it where it was read, or else at the start. False when the disk took fewer bytes. The
+    // file then ends before them.
+    bool write(const File& file, std::size_t count) const {
         for (std::size_t plane = 0; plane < planes_.count; ++plane) {
-            const std::size_t place = planes_.placeOf(plane, start);
-            if (!file.writeAt(place, at(plane), count)) {
-                file.cut(place);
+            if (!file.writeAt(placeInFile(plane), at(plane), count)) {
+                file.cut(placeInFile(plane));
                 return false;
             }
         }
         return true;
     }
 
-    std::uint8_t* at(std::size_t plane) const { return &bytes_[plane * kBytes]; }
+    std::uint8_t* at(std::size_t plane) const {
+        return buffers_[plane].placeFor(placeInFile(plane));
+    }
 
 private:
+    std::size_t placeInFile(std::size_t plane) const { return planes_.placeOf(plane, start_); }
+
     const Planes& planes_;
-    std::unique_ptr<std::uint8_t[]> bytes_;
+    std::vector<PieceBuffer> buffers_;  // one for each plane
+    std::size_t start_ = 0;             // in each plane
 };
 
 void copyFirstSamples(const Planes& planes, const Piece& from, const Piece& to) {
@@ -101,9 +110,9 @@ float mergePlanes(const File& source, const File& target, const Planes& planes) 
             copyFirstSamples(planes, map, firstPixel);
             copyFirstSamples(planes, background, map);
         }
-        if (!map.write(target, start, count)) return kOk;
+        if (!map.write(target, count)) return kOk;
     }
-    firstPixel.write(target, 0, planes.sampleBytes);
+    firstPixel.write(target, planes.sampleBytes);
     return kOk;
 }
 

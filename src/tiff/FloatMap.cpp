@@ -24,15 +24,13 @@ FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& r
     return {tiff_status::kOk, std::move(header), std::move(file), strip};
 }
 
-std::vector<float> pieceOfSamples() {
-    return std::vector<float>(kPieceBytes / sizeof(float));
-}
-
 // Samples lie in a file as they lie in memory on both processors.
 static_assert(std::endian::native == std::endian::little);
 
-bool readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
-                 std::vector<float>& samples) {
+const float* readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
+                         const PieceBuffer& buffer) {
+    std::uint8_t* const place = buffer.placeFor(offset);
     const std::size_t bytes = pixels * map.strip.pixelBytes;
-    return map.file.readAt(offset, reinterpret_cast<std::uint8_t*>(samples.data()), bytes) == bytes;
+    if (map.file.readAt(offset, place, bytes) < bytes) return nullptr;
+    return static_cast<const float*>(static_cast<const void*>(place));
 }

@@ -3,9 +3,9 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <vector>
 
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffOps.h"
 #include "tiff/TiffStrip.h"
@@ -29,9 +29,7 @@ using OpenFile = File (*)(const char* path);
 FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& rules,
                       OpenFile open);
 
-// A buffer for the samples of one piece of a map.
-std::vector<float> pieceOfSamples();
-
-// Reads the samples of some pixels; false when the file does not have them any more.
-bool readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
-                 std::vector<float>& samples);
+// Reads the samples of up to a piece of pixels, which stay in the buffer until the next call. Null
+// when the file does not have them any more.
+const float* readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
+                         const PieceBuffer& buffer);

@@ -4,6 +4,7 @@
 
 #include "bytes/Bytes.h"
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 #include "pixels/Samples.h"
 #include "tiff/FloatMap.h"
 #include "tiff/TiffOps.h"
@@ -26,16 +27,18 @@ float writeConverted(const FloatMap& map, const char* target, const Header& head
                      std::size_t outPixelBytes, Convert convert) {
     if (map.file.isSameAs(target)) return tiff_status::kTargetNotWritten;
     // The memory is there before the old target is written over.
-    std::vector<float> samples = pieceOfSamples();
-    std::vector<std::uint8_t> converted(kPieceBytes);
+    const PieceBuffer sampleBuffer;
+    const PieceBuffer convertedBuffer;
     FileReplacer out(target);
     if (!out.isOpen() || !out.append(header.data(), header.size()))
         return tiff_status::kTargetNotWritten;
 
     const bool done = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
-        if (!readSamples(map, offset, pixels, samples)) return false;
-        convert(converted.data(), samples.data(), pixels);
-        return out.append(converted.data(), pixels * outPixelBytes);
+        const float* const samples = readSamples(map, offset, pixels, sampleBuffer);
+        if (samples == nullptr) return false;
+        std::uint8_t* const converted = convertedBuffer.placeFor(out.length());
+        convert(converted, samples, pixels);
+        return out.append(converted, pixels * outPixelBytes);
     });
     return done && out.finish() ? tiff_status::kOk : tiff_status::kTargetNotWritten;
 }

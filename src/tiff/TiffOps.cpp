@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
-#include <vector>
 
 #include "files/File.h"
+#include "files/PieceBuffer.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffStrip.h"
@@ -45,14 +45,16 @@ bool mergePixels(const File& source, const File& target, const Strip& strip) {
     if (source.readAt(strip.offset, background.data(), strip.pixelBytes) < strip.pixelBytes)
         return false;
 
-    std::vector<std::uint8_t> tile(kPieceBytes);
-    std::vector<std::uint8_t> map(kPieceBytes);
+    const PieceBuffer tileBuffer;
+    const PieceBuffer mapBuffer;
     return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
+        std::uint8_t* const tile = tileBuffer.placeFor(offset);
+        std::uint8_t* const map = mapBuffer.placeFor(offset);
         const std::size_t bytes = pixels * strip.pixelBytes;
-        if (source.readAt(offset, tile.data(), bytes) < bytes) return false;
-        if (target.readAt(offset, map.data(), bytes) < bytes) return false;
-        fillBackground(map.data(), tile.data(), background.data(), pixels, strip.pixelBytes);
-        return target.writeAt(offset, map.data(), bytes);
+        if (source.readAt(offset, tile, bytes) < bytes) return false;
+        if (target.readAt(offset, map, bytes) < bytes) return false;
+        fillBackground(map, tile, background.data(), pixels, strip.pixelBytes);
+        return target.writeAt(offset, map, bytes);
     });
 }
 
@@ -70,12 +72,13 @@ Exchange exchangeOf(int mode) {
 }
 
 bool swapPixels(const File& file, const Strip& strip, Exchange exchange) {
-    std::vector<std::uint8_t> piece(kPieceBytes);
+    const PieceBuffer buffer;
     return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
+        std::uint8_t* const piece = buffer.placeFor(offset);
         const std::size_t bytes = pixels * strip.pixelBytes;
-        if (file.readAt(offset, piece.data(), bytes) < bytes) return false;
-        exchangeSamples(piece.data(), pixels, exchange);
-        return file.writeAt(offset, piece.data(), bytes);
+        if (file.readAt(offset, piece, bytes) < bytes) return false;
+        exchangeSamples(piece, pixels, exchange);
+        return file.writeAt(offset, piece, bytes);
     });
 }
 

@@ -2,7 +2,6 @@
 
 #include <cmath>
 #include <limits>
-#include <vector>
 
 #include "pixels/LevelSet.h"
 #include "tiff/FloatMap.h"
@@ -27,10 +26,11 @@ float getScaleTiff(const char* path, int channels) {
     if (map.refused != tiff_status::kOk) return map.refused;
 
     LevelSet levels;
-    std::vector<float> samples = pieceOfSamples();
+    const PieceBuffer buffer;
     const bool read = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
-        if (!readSamples(map, offset, pixels, samples)) return false;
-        levels.addSamples(samples.data(), pixels * map.channels());
+        const float* const samples = readSamples(map, offset, pixels, buffer);
+        if (samples == nullptr) return false;
+        levels.addSamples(samples, pixels * map.channels());
         return true;
     });
     return read ? scaleOfLevels(levels.count()) : tiff_status::kNotReopened;

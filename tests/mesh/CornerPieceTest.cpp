@@ -47,7 +47,7 @@ void expectAsOneByOne(const std::vector<float>& coordinates, std::size_t misalig
     std::vector<std::uint8_t> moved(bytes.size() + misaligned);
     std::memcpy(moved.data() + misaligned, bytes.data(), bytes.size());
     const auto piece = std::make_unique<CornerPiece>();
-    piece->split(moved.data() + misaligned, coordinates.size() / 2);
+    piece->split(moved.data() + misaligned, coordinates.size() / 2, 36 + misaligned);
     for (const TileAt tile : {TileAt{0, 0}, TileAt{1, 0}, TileAt{-1, 0}, TileAt{-2, 3},
                               TileAt{2, 2}, TileAt{0, 2147483647}, TileAt{-2147483647 - 1, 0}})
         EXPECT_EQ(seen(*piece, tile, coordinates.size()), seenOneByOne(coordinates, tile))
@@ -56,7 +56,7 @@ void expectAsOneByOne(const std::vector<float>& coordinates, std::size_t misalig
 
 TEST(CornerPiece, CornersOfOtherTilesAreMinusOne) {
     const auto piece = std::make_unique<CornerPiece>();
-    piece->split(bytesOf({0.5f, 0.25f, 1.5f, 0.75f, 0.125f, 0.0f}).data(), 3);
+    piece->split(bytesOf({0.5f, 0.25f, 1.5f, 0.75f, 0.125f, 0.0f}).data(), 3, 0);
 
     const std::uint32_t half = 0x3F000000, quarter = 0x3E800000, threeQuarters = 0x3F400000;
     const std::uint32_t eighth = 0x3E000000, outside = 0xBF800000;
@@ -69,7 +69,7 @@ TEST(CornerPiece, CornersOfOtherTilesAreMinusOne) {
 
 TEST(CornerPiece, APieceWithinOneTileIsThatTilesAlone) {
     const auto piece = std::make_unique<CornerPiece>();
-    piece->split(bytesOf({2.5f, 0.0f, 2.5f, 0.5f}).data(), 2);
+    piece->split(bytesOf({2.5f, 0.0f, 2.5f, 0.5f}).data(), 2, 0);
     EXPECT_THAT(seen(*piece, {2, 0}, 4), ElementsAre(0x3F000000u, 0u, 0x3F000000u, 0x3F000000u));
     EXPECT_THAT(seen(*piece, {0, 0}, 2), ElementsAre(0xBF800000u, 0xBF800000u));
 }
@@ -101,11 +101,26 @@ TEST(CornerPiece, BordersAndSpecialValuesAreAsOneByOne) {
 
 TEST(CornerPiece, TilesBesideAllCornersSeeNone) {
     const auto piece = std::make_unique<CornerPiece>();
-    piece->split(bytesOf({1.5f, 1.5f, 2.5f, 2.5f}).data(), 2);
+    piece->split(bytesOf({1.5f, 1.5f, 2.5f, 2.5f}).data(), 2, 0);
     const std::uint32_t outside = 0xBF800000;
     for (const TileAt tile : {TileAt{0, 1}, TileAt{3, 1}, TileAt{1, 0}, TileAt{1, 3}})
         EXPECT_THAT(seen(*piece, tile, 4), ElementsAre(outside, outside, outside, outside))
             << tile.u << ", " << tile.v;
+}
+
+// Where a piece lies in memory depends on where it is written.
+TEST(CornerPiece, PiecesForDifferentPlacesInTheFilesAreAsOneByOne) {
+    const auto piece = std::make_unique<CornerPiece>();
+    const std::uint32_t half = 0x3F000000, quarter = 0x3E800000, threeQuarters = 0x3F400000;
+    const std::uint32_t outside = 0xBF800000;
+    for (const std::uint64_t offset : {0u, 224u, 4095u, 5000u}) {
+        SCOPED_TRACE(offset);
+        piece->split(bytesOf({0.5f, 0.25f, 1.5f, 0.75f}).data(), 2, offset);
+        EXPECT_THAT(seen(*piece, {0, 0}, 4), ElementsAre(half, quarter, outside, outside));
+        EXPECT_THAT(seen(*piece, {7, 0}, 4), ElementsAre(outside, outside, outside, outside));
+        piece->split(bytesOf({1.5f, 0.75f}).data(), 1, offset + 16);
+        EXPECT_THAT(seen(*piece, {1, 0}, 2), ElementsAre(half, threeQuarters));
+    }
 }
 
 }  // namespace
