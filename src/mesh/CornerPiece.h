@@ -36,7 +36,8 @@ private:
         PieceBuffer buffer{kPieceCorners * kCornerBytes};
         std::uint32_t* data = nullptr;
 
-        // Whether the place is another one than before.
+        // Takes the place from which they are written to `offset`. True when it is another one
+        // than before, with other bytes.
         bool moveFor(std::uint64_t offset);
         const std::uint8_t* bytes() const;
     };
