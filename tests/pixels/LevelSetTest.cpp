@@ -118,6 +118,23 @@ TEST(LevelSet, PassesOverNoSampleOfAnotherLevel) {
     }
 }
 
+// A run ends where a level is missing, however many there are behind it.
+TEST(LevelSet, PassesOverNoSampleOfALevelBetweenKnownOnes) {
+    const auto levels = std::make_unique<LevelSet>();
+    std::vector<float> samples;
+    for (int i = 0; i < 240000; ++i) {
+        const int level = 1000 + i % 32;
+        if (level != 1016 && level != 1024) samples.push_back(static_cast<float>(level) / 65535.0f);
+    }
+    add(*levels, samples);
+    ASSERT_EQ(levels->count(), 30u);
+
+    add(*levels, std::vector<float>(48, 1016.0f / 65535.0f));
+    add(*levels, std::vector<float>(48, 1024.0f / 65535.0f));
+    EXPECT_TRUE(levels->test(1016) && levels->test(1024));
+    EXPECT_EQ(levels->count(), 32u);
+}
+
 // 0.50195312 is the lowest sample of level 32896, although (32896 - 0.5) / 65535 is, in single
 // precision, the next float above it.
 TEST(LevelSet, KnowsTheLowestSampleOfALevel) {
