@@ -60,6 +60,7 @@ struct Variation {
     double rise = 0.0;    // at most, from a size to a larger one
 
     bool isEven() const { return spread > 0.0 && spread <= kEven; }
+    // Also where there are no numbers: then others decide.
     bool rises() const { return rise == 0.0 || rise > kEven; }
 };
 
