@@ -19,8 +19,9 @@ FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& r
     if (!file.isOpen()) return refusal(tiff_status::kNotReopened);
 
     const Strip strip = stripOf(header.info, channels * sizeof(float));
-    if (strip.pixels == 0) return refusal(tiff_status::kNoPixels);
-    if (strip.end() > file.size()) return refusal(tiff_status::kPixelsMissing);
+    if (hasPixels(header.info) && header.info.stripOffset < 0)
+        return refusal(tiff_status::kStripTooFar);
+    if (strip.pixels > 0 && strip.end() > file.size()) return refusal(tiff_status::kPixelsMissing);
     return {tiff_status::kOk, std::move(header), std::move(file), strip};
 }
 

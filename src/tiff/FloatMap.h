@@ -1,5 +1,6 @@
 #pragma once
-// FloatMap: a map of 32-bit float samples, open for reading, all of whose pixels are there.
+// FloatMap: a map of 32-bit float samples, open for reading, all of whose pixels are there. A map
+// whose width or length is below 1, or without a directory, has no pixels.
 
 #include <cstddef>
 #include <cstdint>
@@ -25,7 +26,7 @@ using OpenFile = File (*)(const char* path);
 // Opens a map whose pixels are taken to have `channels` samples, whatever the file says.
 //
 //   returns  with `refused` kOk, kNotOpened, a refused tag, kNotReopened when `open` fails,
-//            kNoPixels or kPixelsMissing
+//            kStripTooFar or kPixelsMissing
 FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& rules,
                       OpenFile open);
 

@@ -1,5 +1,6 @@
 // Maps made from float maps: 16-bit maps and single channels.
 
+#include <optional>
 #include <vector>
 
 #include "bytes/Bytes.h"
@@ -55,23 +56,32 @@ Header psdHeaderFor(const TiffHeader& map) {
 }
 
 // The map's sizes take the places in the new header that they have in the map's own: its directory
-// is taken to start at byte 8 and to list the new header's tags in the same order. Empty when a
-// place lies outside the new header.
-Header tiffHeaderFor(const TiffHeader& map, Header header, std::uint32_t pixelBytes) {
-    const auto byteCount = static_cast<std::uint32_t>(map.info.width) *
-                           static_cast<std::uint32_t>(map.info.length) * pixelBytes;
+// is taken to start at byte 8 and to list the new header's tags in the same order. The new byte count
+// takes the place of the map's last one. Empty when a place lies outside the new header.
+Header tiffHeaderFor(const TiffHeader& map, Header header, std::uint32_t byteCount) {
+    const auto holds = [&](std::uint64_t place, std::size_t bytes) {
+        return place + bytes <= header.size();
+    };
+    std::optional<std::uint64_t> byteCountPlace;
     for (const TiffEntry& entry : map.entries) {
         const bool isSize = entry.tag == tiff_tag::kImageWidth ||
                             entry.tag == tiff_tag::kImageLength ||
                             entry.tag == tiff_tag::kRowsPerStrip;
-        const bool isByteCount = entry.tag == tiff_tag::kStripByteCounts;
-        if (!isSize && !isByteCount) continue;
-        if (entry.valueOffset + 4 > header.size()) return {};
-        std::uint8_t* place = &header[static_cast<std::size_t>(entry.valueOffset)];
-        if (isSize) storeLe16(place, static_cast<std::uint16_t>(entry.value));
-        if (isByteCount) storeLe32(place, byteCount);
+        if (isSize && !holds(entry.valueOffset, 2)) return {};
+        if (isSize)
+            storeLe16(&header[static_cast<std::size_t>(entry.valueOffset)],
+                      static_cast<std::uint16_t>(entry.value));
+        if (entry.tag == tiff_tag::kStripByteCounts) byteCountPlace = entry.valueOffset;
     }
+    if (!byteCountPlace) return header;
+    if (!holds(*byteCountPlace, 4)) return {};
+    storeLe32(&header[static_cast<std::size_t>(*byteCountPlace)], byteCount);
     return header;
+}
+
+// How many bytes a map's pixels take when each takes `pixelBytes`, as a TIFF's 32-bit field has it.
+std::uint32_t byteCountOf(const FloatMap& map, std::size_t pixelBytes) {
+    return static_cast<std::uint32_t>(map.strip.pixels * pixelBytes);
 }
 
 }  // namespace
@@ -80,7 +90,8 @@ float singleChannelTiff(const char* source, const char* target) {
     const FloatMap map = openFloatMap(source, 3, {.floatOnly = true}, File::openForRewriting);
     if (map.refused != tiff_status::kOk) return map.refused;
     const Header header = greyTiffHeaderFloat(static_cast<std::uint32_t>(map.header.info.width),
-                                              static_cast<std::uint32_t>(map.header.info.length));
+                                              static_cast<std::uint32_t>(map.header.info.length),
+                                              byteCountOf(map, sizeof(float)));
     return writeConverted(map, target, header, sizeof(float), takeFirstSamples);
 }
 
@@ -92,11 +103,11 @@ float convertTiff(const char* in, const char* out, int mode, int isPsd) {
     const FloatMap map = openFloatMap(in, channelsIn, {.floatOnly = true}, File::openForReading);
     if (map.refused != tiff_status::kOk) return map.refused;
 
-    const auto outPixelBytes = static_cast<std::uint32_t>(2 * channelsOut);
+    const std::size_t outPixelBytes = 2 * channelsOut;
     const Header header =
         psd ? psdHeaderFor(map.header)
             : tiffHeaderFor(map.header, colour ? rgbTiffHeader16() : greyTiffHeader16(),
-                            outPixelBytes);
+                            byteCountOf(map, outPixelBytes));
     if (header.empty()) return tiff_status::kSizeNotPlaced;
     return writeConverted(map, out, header, outPixelBytes,
                           [&](std::uint8_t* to, const float* samples, std::size_t pixels) {

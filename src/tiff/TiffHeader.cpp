@@ -16,13 +16,14 @@ constexpr std::size_t kEntryBytes = 12;
 constexpr std::uint32_t kUncompressed = 1;
 constexpr std::uint32_t kPhotometricRgb = 2;
 
-// The part of a file in which the directory is looked for. What is not there reads as 0.
+// The part of a file in which the directory is looked for. What is not there reads as 0, except
+// that a file shorter than the head of 1000 bytes repeats its last byte up to there.
 class Head {
 public:
     Head(File file, bool wholeFile) : file_(std::move(file)), wholeFile_(wholeFile) {
         const std::size_t count = file_.readAt(0, first_.data(), first_.size());
         wasRead_ = count == std::min<std::uint64_t>(first_.size(), file_.size());
-        if (count > 0)
+        if (count > 0 && !wholeFile)
             std::fill(first_.data() + count, first_.data() + first_.size(), first_[count - 1]);
     }
 

@@ -34,11 +34,12 @@ struct TiffHeader {
 struct TiffRules {
     // 32-bit samples only. A bad sample count is then answered with kFloatBadSampleCount.
     bool floatOnly = false;
-    // The directory may lie anywhere; else it is looked for in the first kTiffHeadBytes only.
+    // The directory may be anywhere, and bytes past the end of the file read as 0; else it is
+    // looked for in the first kTiffHeadBytes only.
     bool directoryAnywhere = false;
 };
 
-// A shorter file counts as going on with its last byte up to here.
+// A shorter file counts as repeating its last byte up to here.
 inline constexpr std::size_t kTiffHeadBytes = 1000;
 
 // Reads the directory of the file at `path`.

@@ -9,11 +9,11 @@
 //   279 strip bytes   339 sample format
 // The byte order mark and the field types are not looked at.
 
-// The host's scripts test these numbers. A refused tag answers with its own number negated
-// (-259: compressed), save where any depth is accepted: there a bad sample count stays positive.
+// The host's scripts test these numbers. A refused tag returns its own number negated
+// (-259: compressed), except where any depth is accepted: there a bad sample count stays positive.
 namespace tiff_status {
 inline constexpr float kOk = 0.0f;
-inline constexpr float kNoPixels = -1.0f;            // readers of float maps: a size below 1
+inline constexpr float kNoPixels = -1.0f;            // getScaleTiff: a size below 1
 inline constexpr float kNotOpened = -10.0f;          // first or only file
 inline constexpr float kTargetNotOpened = -20.0f;    // also printed on standard output
 inline constexpr float kSizesDiffer = -30.0f;        // also: the target has no directory
@@ -27,6 +27,7 @@ inline constexpr float kCompressed = -259.0f;
 inline constexpr float kBadPhotometric = -262.0f;  // a palette or beyond
 inline constexpr float kSizeNotPlaced = -257.0f;  // conversion to TIFF: sizes too far into the file
 inline constexpr float kSeveralStrips = -273.0f;
+inline constexpr float kStripTooFar = -274.0f;    // readers of float maps: from 2 GiB on
 inline constexpr float kPixelsMissing = -279.0f;  // the file ends before the last row
 inline constexpr float kBadSampleFormatCount = -339.0f;
 }
@@ -55,30 +56,32 @@ float mergeTiff(const char* source, const char* target);
 float swapChannels(const char* path, int mode);
 
 // Float maps. The next three read 32-bit samples only. They take a pixel to have as many channels
-// as the caller says, and refuse a file that ends before its last row, or that has none, before
-// anything is written: kPixelsMissing, kNoPixels. Source and target must be two files.
+// as the caller says. A map whose strip starts at 2 GiB or beyond, or that ends before its last
+// row, is refused before anything is written: kStripTooFar, kPixelsMissing. A map without pixels (a
+// width or length below 1, no directory) converts to a header alone. Source and target must be two
+// files. An old target is written over; what it has behind the new file's end is cut off at the end.
 
 // Writes the first channel of a three-channel float map as a one-channel float map.
 //
 //   source   path, only read, yet it must be writable
-//   target   path, created anew: a header of 222 bytes, then the samples
-//   returns  kOk, kNotOpened, a refused tag, kNoPixels, kPixelsMissing, kNotReopened,
+//   target   path, created or replaced: a header of 222 bytes, then the samples
+//   returns  kOk, kNotOpened, a refused tag, kStripTooFar, kPixelsMissing, kNotReopened,
 //            kTargetNotWritten
 float singleChannelTiff(const char* source, const char* target);
 
 // Turns a float map into a 16-bit map.
 //
 //   in       path, only read
-//   out      path, created anew: the header, then the levels of the samples (0 to 1 becomes 0 to
-//            65535). A TIFF, little-endian, with a header of 198 (grey) or 234 bytes (colour), or a
-//            PSD, big-endian, with one of 40.
+//   out      path, created or replaced: the header, then the levels of the samples (0 to 1 becomes
+//            0 to 65535). A TIFF, little-endian, with a header of 198 (grey) or 234 bytes (colour),
+//            or a PSD, big-endian, with one of 40.
 //   mode     1: grey to grey, 3: colour to colour, 4: colour to grey, the first channel
-//   isPsd    not 0: PSD, save in mode 3, which is always a TIFF. The PSD's height is the map's
+//   isPsd    not 0: PSD, except in mode 3, which is always a TIFF. The PSD's height is the map's
 //            width and its width the map's length: square maps do not show it, and the files in the
 //            field have it so.
-//   returns  kOk, kNotOpened, a refused tag, kNoPixels, kPixelsMissing, kNotReopened,
-//            kTargetNotWritten; kSizeNotPlaced when a TIFF is wanted and the map's directory is not
-//            where the host writes it, first in the file
+//   returns  kOk, kNotOpened, a refused tag, kStripTooFar, kPixelsMissing, kNotReopened,
+//            kTargetNotWritten; kSizeNotPlaced when a TIFF is wanted and a size or the byte count of
+//            the map's directory has a place that the new header does not have
 float convertTiff(const char* in, const char* out, int mode, int isPsd);
 
 // Measures the scale of a displacement map from the number of different 16-bit levels in it: few
@@ -86,6 +89,6 @@ float convertTiff(const char* in, const char* out, int mode, int isPsd);
 //
 //   path      only read, yet it must be writable
 //   channels  1 or 3; all samples count, whatever the channel
-//   returns   the scale, above 0; or kNotOpened, a refused tag, kNoPixels, kPixelsMissing,
-//             kNotReopened
+//   returns   the scale, above 0; or kNotOpened, a refused tag, kNoPixels, kStripTooFar,
+//             kPixelsMissing, kNotReopened
 float getScaleTiff(const char* path, int channels);

@@ -24,6 +24,7 @@ float getScaleTiff(const char* path, int channels) {
         openFloatMap(path, channels == 1 ? 1 : 3, {.floatOnly = true, .directoryAnywhere = true},
                      File::openForRewriting);
     if (map.refused != tiff_status::kOk) return map.refused;
+    if (map.strip.pixels == 0) return tiff_status::kNoPixels;
 
     LevelSet levels;
     const PieceBuffer buffer;

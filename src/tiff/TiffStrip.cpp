@@ -7,8 +7,12 @@ constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 58;
 
 }  // namespace
 
+bool hasPixels(const TiffInfo& info) {
+    return info.width >= 1 && info.length >= 1;
+}
+
 Strip stripOf(const TiffInfo& info, std::size_t pixelBytes) {
-    if (info.width < 1 || info.length < 1 || info.stripOffset < 0) return {0, 0, pixelBytes};
+    if (!hasPixels(info) || info.stripOffset < 0) return {0, 0, pixelBytes};
     const std::uint64_t pixels =
         static_cast<std::uint64_t>(info.width) * static_cast<std::uint64_t>(info.length);
     return {static_cast<std::uint64_t>(info.stripOffset), std::min(pixels, kMostPixels),

@@ -17,6 +17,9 @@ struct Strip {
     std::uint64_t end() const { return offset + pixels * pixelBytes; }
 };
 
+// Whether width and length are both at least 1.
+bool hasPixels(const TiffInfo& info);
+
 // A map of `info`'s size whose pixels have `pixelBytes` each. No pixels when a size is below 1 or
 // the strip starts at a negative offset; a map larger than any file counts as one that ends there.
 Strip stripOf(const TiffInfo& info, std::size_t pixelBytes);

@@ -69,7 +69,7 @@ std::vector<std::uint8_t> greyTiffHeader16() {
         {kImageLength, kShort, 1, 256},
         {kBitsPerSample, kShort, 1, 16},
         {kCompression, kShort, 1, 1},
-        {kPhotometric, kShort, 1, 0},
+        {kPhotometric, kShort, 1, 1},  // 0 is black
         {kStripOffsets, kLong, 1, 198},
         {kSamplesPerPixel, kShort, 1, 1},
         {kRowsPerStrip, kShort, 1, 256},
@@ -123,7 +123,8 @@ std::vector<std::uint8_t> greyPsdHeader16() {
     };
 }
 
-std::vector<std::uint8_t> greyTiffHeaderFloat(std::uint32_t width, std::uint32_t length) {
+std::vector<std::uint8_t> greyTiffHeaderFloat(std::uint32_t width, std::uint32_t length,
+                                              std::uint32_t pixelBytes) {
     using namespace tiff_tag;
     Header header = withDirectory({
         {kNewSubfileType, kLong, 1, 0},
@@ -135,7 +136,7 @@ std::vector<std::uint8_t> greyTiffHeaderFloat(std::uint32_t width, std::uint32_t
         {kStripOffsets, kLong, 1, 222},
         {kSamplesPerPixel, kShort, 1, 1},
         size(kRowsPerStrip, length),
-        {kStripByteCounts, kLong, 1, width * length * 4},
+        {kStripByteCounts, kLong, 1, pixelBytes},
         {kXResolution, kRational, 1, 194},
         {kYResolution, kRational, 1, 202},
         {kPlanarConfiguration, kShort, 1, 1},

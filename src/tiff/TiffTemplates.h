@@ -14,5 +14,6 @@ std::vector<std::uint8_t> rgbTiffHeader16();
 // 40 bytes: a PSD of 128 x 128 grey 16-bit pixels. Height at byte 14, width at byte 18, big-endian.
 std::vector<std::uint8_t> greyPsdHeader16();
 
-// 222 bytes: a TIFF of `width` x `length` grey float pixels.
-std::vector<std::uint8_t> greyTiffHeaderFloat(std::uint32_t width, std::uint32_t length);
+// 222 bytes: a TIFF of `width` x `length` grey float pixels, `pixelBytes` in all.
+std::vector<std::uint8_t> greyTiffHeaderFloat(std::uint32_t width, std::uint32_t length,
+                                              std::uint32_t pixelBytes);

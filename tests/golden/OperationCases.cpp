@@ -310,7 +310,7 @@ void scales(Case& test) {
 void templates(Case& test) {
     test.result.add(greyTiffHeader16()).add(rgbTiffHeader16()).add(greyPsdHeader16());
     const std::uint32_t width = test.random.word();
-    test.result.add(greyTiffHeaderFloat(width, test.random.word()));
+    test.result.add(greyTiffHeaderFloat(width, test.random.word(), 0));
 }
 
 void swappingTiff(Case& test) {
@@ -621,9 +621,7 @@ void checkingExr(Case& test) {
     }
     if (file.size() < 8) return;
     ExrLayout layout;
-    test.result.add(checkExr({file.data(), file.size()}, layout))
-        .add(layout.tiled)
-        .add(layout.increasingRows);
+    test.result.add(checkExr(file, layout)).add(layout.tiled).add(layout.increasingRows);
     test.result.add(layout.width)
         .add(layout.height)
         .add(layout.tileWidth)

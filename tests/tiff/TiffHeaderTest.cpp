@@ -140,6 +140,14 @@ TEST_F(ReadTiffHeader, AShortFileGoesOnWithItsLastByte) {
     EXPECT_EQ(read(bytes).info.width, 0x03030303);
 }
 
+TEST_F(ReadTiffHeader, WhereTheDirectoryMayBeAnywhereMissingBytesAreZero) {
+    const ByteList bytes = {'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0, 1, 3, 0, 1, 0, 0, 0, 3};
+    const std::string path = dir.write("map.tif", bytes);
+    const TiffRules anywhere{.directoryAnywhere = true};
+    EXPECT_EQ(readTiffHeader(path.c_str(), -10.0f, anywhere).info.width, 3);
+    EXPECT_EQ(readTiffHeader(path.c_str(), -10.0f).info.width, 0x03030303);
+}
+
 TEST_F(ReadTiffHeader, AnEmptyFileIsEmpty) {
     EXPECT_TRUE(read(ByteList{}).entries.empty());
 }

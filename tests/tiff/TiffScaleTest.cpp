@@ -106,7 +106,17 @@ TEST_F(GetScale, RefusesWhatItCannotMeasure) {
     EXPECT_EQ(scale(TiffFile(map).claimEntries(0), 1), -1.0f);
     EXPECT_EQ(scale(TiffFile(map).entry(256, 1, 0), 1), -1.0f);
     EXPECT_EQ(scale(TiffFile(map).entry(273, 1, 4000), 1), -279.0f);
+    EXPECT_EQ(scale(TiffFile(map).entry(273, 1, 0x80000000), 1), -274.0f);
     EXPECT_EQ(scale(TiffFile(map).entry(257, 1, 60000), 3), -279.0f);
+}
+
+// The file ends within its directory's width of 0x0101: what is missing is 0, not the last byte, and
+// the map has no length.
+TEST_F(GetScale, WhatIsBehindTheEndOfTheFileIsZero) {
+    ByteList bytes = {'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0, 1, 3, 0, 1, 0, 0, 0, 1, 1};
+    EXPECT_EQ(getScaleTiff(dir.write("map.tif", bytes).c_str(), 1), -1.0f);
+    bytes[8] = 200;  // as many entries as reach beyond the first 1000 bytes
+    EXPECT_EQ(getScaleTiff(dir.write("map.tif", bytes).c_str(), 1), -1.0f);
 }
 
 TEST_F(GetScale, LeavesTheMapAsItIs) {

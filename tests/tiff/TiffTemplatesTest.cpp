@@ -28,7 +28,7 @@ TEST(TiffTemplates, AGreySixteenBitMapHasAHeaderOf198Bytes) {
         0x01, 0x01, 3, 0, 1, 0, 0, 0, 0x00, 0x01, 0x00, 0x00,  // 257 SHORT 256
         0x02, 0x01, 3, 0, 1, 0, 0, 0, 0x10, 0x00, 0x00, 0x00,  // 258 SHORT 16
         0x03, 0x01, 3, 0, 1, 0, 0, 0, 0x01, 0x00, 0x00, 0x00,  // 259 SHORT 1
-        0x06, 0x01, 3, 0, 1, 0, 0, 0, 0x00, 0x00, 0x00, 0x00,  // 262 SHORT 0
+        0x06, 0x01, 3, 0, 1, 0, 0, 0, 0x01, 0x00, 0x00, 0x00,  // 262 SHORT 1: 0 is black
         0x11, 0x01, 4, 0, 1, 0, 0, 0, 0xC6, 0x00, 0x00, 0x00,  // 273 LONG 198
         0x15, 0x01, 3, 0, 1, 0, 0, 0, 0x01, 0x00, 0x00, 0x00,  // 277 SHORT 1
         0x16, 0x01, 3, 0, 1, 0, 0, 0, 0x00, 0x01, 0x00, 0x00,  // 278 SHORT 256
@@ -98,13 +98,13 @@ TEST(TiffTemplates, AGreyFloatMapHasAHeaderOf222Bytes) {
         0,    0,    0, 0,                                      // no further directory
     };
     const ByteList halves = {0, 0, 0, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0, 0x3F};
-    const ByteList header = greyTiffHeaderFloat(4096, 4096);
+    const ByteList header = greyTiffHeaderFloat(4096, 4096, 67108864);
     EXPECT_EQ(header.size(), 222u);
     EXPECT_EQ(header, joined({kStart, entries, kResolutions, halves}));
 }
 
 TEST(TiffTemplates, AFloatMapsSizesAreItsOwn) {
-    ByteList expected = greyTiffHeaderFloat(4096, 4096);
+    ByteList expected = greyTiffHeaderFloat(4096, 4096, 67108864);
     const auto set = [&](std::size_t at, ByteList bytes) {
         std::copy(bytes.begin(), bytes.end(), expected.begin() + static_cast<std::ptrdiff_t>(at));
     };
@@ -112,11 +112,11 @@ TEST(TiffTemplates, AFloatMapsSizesAreItsOwn) {
     set(42, {0x02, 0x00, 0, 0});   // length 2
     set(114, {0x02, 0x00, 0, 0});  // rows per strip 2
     set(126, {0x60, 0x09, 0, 0});  // 2400 bytes
-    EXPECT_EQ(greyTiffHeaderFloat(300, 2), expected);
+    EXPECT_EQ(greyTiffHeaderFloat(300, 2, 2400), expected);
 }
 
 TEST(TiffTemplates, ASizeBeyond65535TakesALong) {
-    const ByteList header = greyTiffHeaderFloat(70000, 1);
+    const ByteList header = greyTiffHeaderFloat(70000, 1, 280000);
     EXPECT_EQ(ByteList(header.begin() + 22, header.begin() + 34),
               (ByteList{0x00, 0x01, 4, 0, 1, 0, 0, 0, 0x70, 0x11, 0x01, 0x00}));
 }
