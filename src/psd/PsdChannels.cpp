@@ -22,10 +22,6 @@ constexpr int kOneGrey = 1;  // one channel, and the colour mode grey
 
 constexpr int kThreeBytes = 24;  // channels x depth
 
-bool hasColourPlanes(const PsdLayout& file) {
-    return file.holdsAnnouncedPlanes() && file.holds(file.dataOffset, 3);
-}
-
 // The colour planes of a map on disk.
 struct ColourPlanes {
     const File& file;
@@ -141,7 +137,7 @@ float swapChannelsPSD(const char* path, int mode) {
     const float status = openPSD(path, map);
     if (status != kOk) return status;
     if (map.header.depth * map.header.channels != kThreeBytes) return kNotThreeBytes;
-    if (!hasColourPlanes(map)) return kNotOpened;
+    if (!map.holdsColourPlanes()) return kNotOpened;
 
     const File rewritten = File::openForRewriting(path);
     if (!rewritten.isOpen()) return kNotWritten;
@@ -165,7 +161,7 @@ float GrayscalePSD(const char* input, const char* output, std::int32_t level) {
     if (status != kOk) return status;
     if (fHeader.colourMode != kRgbMode) return kGrayscaleNotRgb;
     const PsdView file = viewOfImg();
-    if (!hasColourPlanes(file)) return kNotOpened;
+    if (!file.holdsColourPlanes()) return kNotOpened;
 
     writeShort(kChannelsField, kOneGrey);
     writeShort(kColourModeField, kOneGrey);
@@ -179,7 +175,7 @@ float convertPSD(const char* path, float fromColour, float toColour, bool invert
     const float status = loadPSD(path);
     if (status != kOk) return status;
     const PsdView file = viewOfImg();
-    if (!hasColourPlanes(file)) return kNotOpened;
+    if (!file.holdsColourPlanes()) return kNotOpened;
 
     std::uint8_t* const planes = img.data() + file.dataOffset;
     const auto pixels = static_cast<std::size_t>(file.pixels());

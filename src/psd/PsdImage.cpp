@@ -36,7 +36,6 @@ Bytes bytesOfImg() {
 // where there are no more. Stops as readPSDHeader does.
 template <typename BytesAt>
 float readHeader(std::uint64_t fileBytes, BytesAt bytesAt, PsdHeader& header, std::int32_t& end) {
-    header = {};
     end = 0;
     Bytes head = bytesAt(0, kColourTableLengthEnd);
     header.signature = head.le32(0);
@@ -143,14 +142,6 @@ bool bigEndian() {
 
 bool littleEndian() {
     return true;
-}
-
-bool PsdLayout::holdsAnnouncedPlanes() const {
-    if (header.depth <= 0 || header.width == 0) return true;
-    const auto depth = static_cast<std::uint64_t>(header.depth);
-    const std::uint64_t rowBytes = (header.width * depth + 7) / 8;
-    const std::uint64_t rows = std::uint64_t{header.height} * header.channels;
-    return Bytes{nullptr, fileBytes}.holds(dataOffset, rows, rowBytes);
 }
 
 bool PsdLayout::holds(std::size_t offset, std::size_t bytesPerPixel) const {

@@ -50,7 +50,7 @@ void emptyImg();
 bool loadImg(const char* path);
 
 // Reads the header at the start of `img` into `fHeader` and stops at the first field that is
-// refused; fields not reached are 0. `offst` is 0, then the end of the image resources, then the
+// refused; fields not reached keep what the file before had there. `offst` is 0, then the end of the image resources, then the
 // end of the layers, then the start of the image data, as far as the reading came.
 //
 //   returns  kOk, kNotOpened (no signature, or cut short), kBadVersion, kHasColourTable,
@@ -80,11 +80,11 @@ struct PsdLayout {
 
     std::uint64_t pixels() const { return std::uint64_t{header.width} * header.height; }
 
-    // Whether the file goes on to the end of the planes that its header announces.
-    bool holdsAnnouncedPlanes() const;
-
     // Whether `bytesPerPixel` bytes for each pixel lie within the file, from `offset` on.
     bool holds(std::size_t offset, std::size_t bytesPerPixel) const;
+
+    // Whether red, green and blue, as planes of bytes, are all in the file.
+    bool holdsColourPlanes() const { return holds(dataOffset, 3); }
 };
 
 // A file that stays on disk, and its header.

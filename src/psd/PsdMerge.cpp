@@ -20,10 +20,6 @@ bool sameSize(const PsdHeader& a, const PsdHeader& b) {
     return a.width == b.width && a.height == b.height;
 }
 
-bool haveAnnouncedPlanes(const PsdLayout& a, const PsdLayout& b) {
-    return a.holdsAnnouncedPlanes() && b.holdsAnnouncedPlanes();
-}
-
 // The planes that a merge works on, at the same place in both files.
 struct Planes {
     std::size_t offset;
@@ -157,7 +153,6 @@ float mergePSD(const char* source, const char* target) {
 
     const int kind = tile.header.depth * tile.header.colourMode;
     if (kind != kRgb8 && kind != kGray16) return kUnknownKind;
-    if (!haveAnnouncedPlanes(map, tile)) return kNotOpened;
     const std::size_t offset = kind == kRgb8 ? map.dataOffset : tile.dataOffset;
     const std::size_t pixelBytes = kind == kRgb8 ? 3 : 2;
     if (!map.holds(offset, pixelBytes) || !tile.holds(offset, pixelBytes)) return kNotOpened;
@@ -179,15 +174,17 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     const PsdImage displaced = takeImg();
 
     if (!loadImg(plain)) return kNotOpened;
-    readPSDHeader();  // only the size matters
+    readPSDHeader();  // its status does not matter: a size that is not read counts as that of `shifted`
     if (!sameSize(displaced.header, fHeader)) return kSizesDiffer;
     const PsdView repaired = viewOfImg();
     const std::size_t offset = repaired.dataOffset;
-    if (!haveAnnouncedPlanes(displaced, repaired) || !repaired.holds(offset, 3)) return kNotOpened;
+    if (!repaired.holds(offset, 3)) return kNotOpened;
     const auto pixels = static_cast<std::size_t>(repaired.pixels());
-    const std::size_t rowsRead =
-        horizontal ? fHeader.height - kRowsKeptAtBottom : kDisplacement + kSeamRows;
-    if (displaced.bytes.size() < offset + 2 * pixels + rowsRead * fHeader.width) return kNotOpened;
+    const std::size_t lastRow = fHeader.height - kRowsKeptAtBottom - 1;
+    const std::size_t bytesRead = horizontal
+                                      ? lastRow * fHeader.width + kDisplacement + kSeamColumns
+                                      : (kDisplacement + kSeamRows) * fHeader.width;
+    if (displaced.bytes.size() < offset + 2 * pixels + bytesRead) return kNotOpened;
 
     const auto repair = horizontal ? repairColumns : repairRows;
     for (std::size_t plane = 0; plane < 3; ++plane) {

@@ -23,8 +23,9 @@
 // What stands before the image data comes back as it was, save for the fields that an operation
 // says it changes.
 //
-// A file that ends before its image data, or before the end of a plane that it announces or that
-// the operation works on, is refused as kNotOpened before anything is written.
+// A file that ends before its image data, or before the end of a plane that the operation works on,
+// is refused as kNotOpened before anything is written. Planes that the header announces beyond those
+// need not be there.
 //
 // Every operation may be given the same path twice. Merging and swapping write over the planes on
 // disk, piece by piece; any other file is rewritten as a whole, the old one gone once the new one is
@@ -73,9 +74,11 @@ float mergePSD(const char* source, const char* target);
 //
 // Of `plain` only the size must be right. Other faults of its header do not matter: planes are
 // taken to start where the reading of its header stopped (at 0 for a colour table, after the layers
-// for a compressed file). A header that is refused before its size is read has the size 0.
+// for a compressed file). A header that is refused before its size is read, for its signature or
+// its version, counts as having the size of `shifted`.
 //
-//   shifted  path of the displaced map; rewritten with the repaired picture, header of `plain`
+//   shifted  path of the displaced map; rewritten with the repaired picture, header of `plain`. Of
+//            its planes only the bytes that are copied must be there.
 //   plain    path of the map with the broken borders, only read
 //   returns  kOk; kNotOpened; kBadVersion, kHasColourTable, kCompressed (`shifted`); kBadSize when
 //            `shifted` is lower or narrower than 100 pixels; kSizesDiffer; kNotWritten

@@ -114,7 +114,7 @@ float createThumb(const char* path, int size) {
     const float status = loadPSD(path);
     if (status != kOk) return status;
     const PsdView map = viewOfImg();
-    if (!map.holdsAnnouncedPlanes() || !map.holds(map.dataOffset, 3)) return kNotOpened;
+    if (!map.holdsColourPlanes()) return kNotOpened;
 
     const auto side = static_cast<std::uint32_t>(size);
     const Thumb thumb = thumbOf(map.header, side);

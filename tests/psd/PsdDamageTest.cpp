@@ -55,18 +55,31 @@ TEST(PsdDamage, EveryTruncatedRgbMapIsRefused) {
     expectEveryTruncationRefused(PsdFile(3, 2).resources(5).layers(3).filled(18, 9));
 }
 
-TEST(PsdDamage, ACutAlphaPlaneIsRefused) {
+// Operations work on the three colour planes; what the header announces beyond them may be missing.
+TEST(PsdDamage, OnlyThePlanesThatAreWorkedOnMustBeThere) {
     const TempDir dir;
-    const ByteList whole = PsdFile(3, 2).channels(4).filled(24, 9);
-    const ByteList cut = PsdFile(3, 2).channels(4).filled(23, 9);
-    const std::string path = dir.write("map", cut);
-    const std::string good = dir.write("good", whole);
-    EXPECT_EQ(mergePSD(good.c_str(), path.c_str()), -1.0f);
-    EXPECT_EQ(mergePSD(path.c_str(), good.c_str()), -1.0f);
-    EXPECT_EQ(GrayscalePSD(path.c_str(), path.c_str(), 0), -1.0f);
-    EXPECT_EQ(convertPSD(path.c_str(), 0, 0, true), -1.0f);
-    EXPECT_EQ(createThumb(path.c_str(), 2), -1.0f);
-    EXPECT_EQ(readBytes(path), cut);
+    const ByteList noAlpha = PsdFile(3, 2).channels(4).filled(18, 9);
+    const std::string map = dir.write("map", noAlpha);
+    const std::string good = dir.write("good", PsdFile(3, 2).channels(4).filled(24, 9));
+    EXPECT_EQ(mergePSD(good.c_str(), map.c_str()), 0.0f);
+    EXPECT_EQ(mergePSD(map.c_str(), good.c_str()), 0.0f);
+    EXPECT_EQ(convertPSD(map.c_str(), 0, 0, false), 0.0f);
+    EXPECT_EQ(GrayscalePSD(map.c_str(), dir.path("grey").c_str(), 0), 0.0f);
+    EXPECT_EQ(readBytes(map), noAlpha);
+    EXPECT_EQ(createThumb(map.c_str(), 2), 0.0f);
+}
+
+// A thumbnail keeps the four channels of its map in the header and has three planes.
+TEST(PsdDamage, TheThumbnailOfAFourChannelMapIsTakenAgain) {
+    const TempDir dir;
+    const std::string map = dir.write("map", PsdFile(8, 8).channels(4).filled(256, 9));
+    EXPECT_EQ(createThumb(map.c_str(), 4), 0.0f);
+    EXPECT_EQ(imageData(map).size(), 48u);
+    EXPECT_EQ(createThumb(map.c_str(), 2), 0.0f);
+    EXPECT_EQ(convertPSD(map.c_str(), 0x090909, 0x010203, false), 0.0f);
+    EXPECT_EQ(imageData(map), (ByteList{1, 1, 1, 1, 2, 2, 2, 2, 3, 3, 3, 3}));
+    EXPECT_EQ(GrayscalePSD(map.c_str(), map.c_str(), 0), 0.0f);
+    EXPECT_EQ(imageData(map), (ByteList{2, 2, 2, 2}));
 }
 
 TEST(PsdDamage, EveryTruncatedGreyMapIsNotMerged) {
@@ -132,19 +145,18 @@ TEST(PsdDamage, SizesThatWouldWrapAreRefused) {
     EXPECT_EQ(readBytes(map), four);
 }
 
-TEST(PsdDamage, DepthsAndChannelsBeyondSenseAreRefusedOrHarmless) {
+// Planes count as bytes whatever the depth: 9 bits a sample do not ask for nine bits of planes.
+TEST(PsdDamage, DepthAndChannelsDoNotChangeHowManyPlanesAreAskedFor) {
     const TempDir dir;
     struct Kind {
         std::uint16_t channels, depth;
-        float status;
     };
-    for (const auto& [channels, depth, status] :
-         {Kind{0xFFFF, 0x7FFF, -1.0f}, Kind{0xFFFF, 8, -1.0f}, Kind{3, 0x7FFF, -1.0f},
-          Kind{3, 9, -1.0f}, Kind{3, 0x8000, 0.0f}, Kind{3, 0, 0.0f}, Kind{0, 8, 0.0f},
-          Kind{24, 1, 0.0f}, Kind{25, 1, -1.0f}}) {
+    for (const auto& [channels, depth] :
+         {Kind{0xFFFF, 0x7FFF}, Kind{0xFFFF, 8}, Kind{3, 0x7FFF}, Kind{3, 9}, Kind{3, 0x8000},
+          Kind{3, 0}, Kind{0, 8}, Kind{24, 1}, Kind{25, 1}}) {
         const ByteList file = PsdFile(8, 1).channels(channels).depth(depth).filled(24, 9);
         const std::string map = dir.write("map", file);
-        EXPECT_EQ(convertPSD(map.c_str(), 0, 0, false), status) << channels << " x " << depth;
+        EXPECT_EQ(convertPSD(map.c_str(), 0, 0, false), 0.0f) << channels << " x " << depth;
         EXPECT_EQ(readBytes(map), file);
     }
 }

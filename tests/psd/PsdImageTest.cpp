@@ -68,13 +68,13 @@ TEST(PsdHeader, OffsetStopsWhereTheReadingStops) {
     EXPECT_EQ(offst, 55);
 }
 
-TEST(PsdHeader, FieldsBeforeTheRefusedOneStay) {
+TEST(PsdHeader, FieldsBeforeTheRefusedOneAreStoredAndTheOthersKept) {
     headerStatus(PsdFile(3, 2).colourTable(768));
     EXPECT_EQ(fHeader.width, 3u);
     EXPECT_EQ(fHeader.colourTableBytes, 768u);
     headerStatus(PsdFile(7, 6).version(2));
     EXPECT_EQ(fHeader.version, 2);
-    EXPECT_EQ(fHeader.width, 0u);
+    EXPECT_EQ(fHeader.width, 3u) << "of the file before";
 }
 
 TEST(PsdHeader, BlocksLongerThanTheFileAreRefused) {

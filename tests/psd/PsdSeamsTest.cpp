@@ -131,15 +131,14 @@ TEST(MergeSeamlessPsd, RefusalsLeaveBothFilesAsTheyWere) {
         {"small before the second file is looked at", flat(99, 99), {}, -9.0f},
         {"higher", good, flat(100, 101), -6.0f},
         {"wider", good, flat(101, 100), -6.0f},
-        {"not a PSD, so without a size", good, flat(100, 100).signature("abcd"), -6.0f},
-        {"large documents, not read up to the size", good, flat(100, 100).version(2), -6.0f},
+        {"empty plain map, which has no planes", good, {}, -1.0f},
         {"version", flat(100, 100).version(2), good, -2.0f},
         {"colour table", flat(100, 100).colourTable(8), good, -3.0f},
         {"compressed", flat(100, 100).compression(1), good, -4.0f},
         {"empty", {}, good, -1.0f},
-        {"displaced map cut short", PsdFile(100, 100).filled(29999, 1), good, -1.0f},
+        {"displaced map cut short", PsdFile(100, 100).filled(29851, 1), good, -1.0f},
         {"plain map cut short", good, PsdFile(100, 100).filled(29999, 1), -1.0f},
-        {"displaced map too short for the place", good, flat(100, 100).resources(101), -1.0f},
+        {"displaced map too short for the place", good, flat(100, 100).resources(149), -1.0f},
         {"plain map of one plane", good, PsdFile(100, 100).channels(1).filled(10000, 1), -1.0f},
     };
     for (const Refusal& refusal : refusals) {
@@ -151,6 +150,51 @@ TEST(MergeSeamlessPsd, RefusalsLeaveBothFilesAsTheyWere) {
         EXPECT_TRUE(readBytes(shifted) == refusal.shifted) << refusal.what;
         EXPECT_TRUE(readBytes(plain) == refusal.plain) << refusal.what;
     }
+}
+
+// The last byte read is column 51 of the last row but one, in the plane of blue: 2 x 10000 + 9852.
+TEST(MergeSeamlessPsd, OfTheDisplacedMapOnlyTheBytesThatAreCopiedMustBeThere) {
+    const TempDir dir;
+    const std::string shifted = dir.write("shifted", PsdFile(100, 100).filled(29852, 1));
+    const std::string plain = dir.write("plain", flat(100, 100));
+    EXPECT_EQ(mergeSeamlessPSD(shifted.c_str(), plain.c_str(), true), 0.0f);
+    dir.write("shifted", PsdFile(100, 100).filled(26000, 1));
+    EXPECT_EQ(mergeSeamlessPSD(shifted.c_str(), plain.c_str(), false), 0.0f);
+    dir.write("shifted", PsdFile(100, 100).filled(25999, 1));
+    EXPECT_EQ(mergeSeamlessPSD(shifted.c_str(), plain.c_str(), false), -1.0f);
+}
+
+// Its size then counts as that of the displaced map, and its planes as starting at byte 0: the plane
+// of red takes columns 50 and 51, 48 and 49 of the displaced file's first bytes.
+TEST(MergeSeamlessPsd, APlainFileThatIsNoPsdCountsAsPlanesAlone) {
+    const std::vector<ByteList> plains = {
+        flat(100, 100).signature("abcd"), flat(100, 100).version(2),
+        flat(7, 9).version(2).filled(30000, 5), ByteList(30000, 7)};
+    for (const ByteList& plain : plains) {
+        const TempDir dir;
+        const ByteList displaced = places(100, 100);
+        const std::string shiftedPath = dir.write("shifted", displaced);
+        const std::string plainPath = dir.write("plain", plain);
+        EXPECT_EQ(mergeSeamlessPSD(shiftedPath.c_str(), plainPath.c_str(), true), 0.0f);
+        const ByteList result = readBytes(shiftedPath);
+        ASSERT_EQ(result.size(), plain.size());
+        EXPECT_EQ(result[199], plain[199]);
+        EXPECT_EQ(result[200], displaced[250]);
+        EXPECT_EQ(result[201], displaced[251]);
+        EXPECT_EQ(result[202], plain[202]);
+        EXPECT_EQ(result[298], displaced[248]);
+        EXPECT_EQ(result[20200], displaced[20250]) << "the plane of blue starts at 20000";
+        EXPECT_EQ(result[29999], plain[29999]);
+    }
+}
+
+TEST(MergeSeamlessPsd, APlainFileThatIsNoPsdMustHoldThreePlanes) {
+    const TempDir dir;
+    const ByteList displaced = places(100, 100);
+    const std::string shifted = dir.write("shifted", displaced);
+    const std::string plain = dir.write("plain", ByteList(29999, 7));
+    EXPECT_EQ(mergeSeamlessPSD(shifted.c_str(), plain.c_str(), true), -1.0f);
+    EXPECT_EQ(readBytes(shifted), displaced);
 }
 
 // The compression field counts as the first two bytes of the first plane.
