@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <array>
+#include <cstdio>
 #include <cstring>
 #include <iterator>
 #include <memory>
@@ -47,10 +48,6 @@ std::string tilePath(const char* outPath, const UV_tile& tile) {
     return FileNameExtract(outPath, 3) + tile.name + ".Vemo";
 }
 
-FileWriter createTileFile(const char* outPath, const UV_tile& tile) {
-    return FileWriter(File::create(tilePath(outPath, tile).c_str()));
-}
-
 // Whether one of the tiles' files is the mesh itself.
 bool areWrittenOver(const VemoPieces& vemo, const TileSet& tiles, const char* outPath) {
     return std::any_of(tiles.begin(), tiles.end(), [&](const UV_tile& tile) {
@@ -62,9 +59,35 @@ float tileNotWritten(std::size_t position) {
     return vemo_status::kFirstTileNotWritten + static_cast<float>(position);
 }
 
-struct TileFile {
-    TileAt tile;
-    FileWriter file;
+// A tile's file while it is written. One that goes before it is kept is removed from the disk.
+class TileFile {
+public:
+    TileFile(const char* outPath, const UV_tile& tile)
+        : tile_(tileAt(tile)), path_(tilePath(outPath, tile)), file_(File::create(path_.c_str())) {}
+    TileFile(TileFile&&) = default;
+    TileFile& operator=(TileFile&&) = delete;
+    ~TileFile() {
+        if (isOpen()) std::remove(path_.c_str());
+    }
+
+    bool isOpen() const { return file_.isOpen(); }
+    TileAt tile() const { return tile_; }
+    std::uint64_t length() const { return length_; }
+
+    // Appends all of the bytes, or none that count: the same call may then be made again.
+    bool append(const std::uint8_t* bytes, std::size_t count) {
+        const bool written = file_.writeAt(length_, bytes, count);
+        if (written) length_ += count;
+        return written;
+    }
+
+    void keep() { file_ = File(); }
+
+private:
+    TileAt tile_;
+    std::string path_;
+    File file_;
+    std::uint64_t length_ = 0;
 };
 
 // Creates the files of the tiles from `next` on, as many as may be open at once, and advances
@@ -73,8 +96,8 @@ std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::co
                                       const char* outPath) {
     std::vector<TileFile> files;
     for (; next != end && files.size() < kMostOpenTiles; ++next) {
-        TileFile created{tileAt(*next), createTileFile(outPath, *next)};
-        if (!created.file.isOpen()) break;
+        TileFile created(outPath, *next);
+        if (!created.isOpen()) break;
         UVTileStr.push_back(next->name);
         files.push_back(std::move(created));
     }
@@ -82,30 +105,34 @@ std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::co
 }
 
 // Fills the files of some tiles. What goes to all of them is read and worked out once, piece by
-// piece. Returns how many files, from the first on, are whole.
-std::size_t fillTileFiles(std::vector<TileFile>& files, VemoPieces& vemo,
-                          const ChunkElements& faceUvs, CornerPiece& piece) {
-    std::size_t whole = files.size();
+// piece. On a full disk the last file goes, as often as it takes, and so makes room for the ones
+// before it. Those that are left in the end are whole and kept; none when the mesh cannot be read.
+void fillTileFiles(std::vector<TileFile>& files, VemoPieces& vemo, const ChunkElements& faceUvs,
+                   CornerPiece& piece) {
     const auto appendToEach = [&](auto bytesFor, std::size_t count) {
-        for (std::size_t i = 0; i < whole; ++i) {
-            if (!files[i].file.append(bytesFor(files[i].tile), count)) whole = i;
+        for (std::size_t i = 0; i < files.size();) {
+            if (files[i].append(bytesFor(files[i].tile()), count))
+                ++i;
+            else
+                files.pop_back();
         }
     };
     const auto copy = [&](const std::uint8_t* bytes, std::size_t count) {
         appendToEach([&](TileAt) { return bytes; }, count);
     };
     const auto split = [&](const std::uint8_t* faces, std::size_t count) {
-        for (std::size_t face = 0; face < count; face += kPieceFaces) {
+        for (std::size_t face = 0; face < count && !files.empty(); face += kPieceFaces) {
             const std::size_t corners = kFaceCorners * std::min(kPieceFaces, count - face);
-            piece.split(faces + face * kFaceUvBytes, corners, files.front().file.length());
+            piece.split(faces + face * kFaceUvBytes, corners, files.front().length());
             appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
         }
     };
     const bool isRead = vemo.forEachPiece(0, faceUvs.offset, 1, copy) &&
                         vemo.forEachPiece(faceUvs, kFaceUvBytes, split);
-    if (!isRead) return 0;
+    if (!isRead) files.clear();
     appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
-    return whole;
+    for (TileFile& file : files)
+        file.keep();
 }
 
 float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, VemoPieces& vemo,
@@ -115,10 +142,12 @@ float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, VemoPiec
     for (auto next = tiles.begin(); next != tiles.end();) {
         std::vector<TileFile> files = createTileFiles(next, tiles.end(), outPath);
         if (files.empty()) return tileNotWritten(position);
-        const std::size_t whole = fillTileFiles(files, vemo, faceUvs, *piece);
-        if (!vemo.isGood()) return vemo_status::kUvExportMeshNotOpened;
-        position += whole;
-        if (whole < files.size()) return tileNotWritten(position);
+        const std::size_t begun = files.size();
+        fillTileFiles(files, vemo, faceUvs, *piece);
+        position += files.size();
+        if (files.size() == begun) continue;
+        UVTileStr.resize(position + 1);  // the one that failed counts as begun
+        return vemo.isGood() ? tileNotWritten(position) : vemo_status::kUvExportMeshNotOpened;
     }
     return static_cast<float>(tiles.size());
 }
@@ -207,13 +236,14 @@ float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFi
     const std::size_t meshBytes = vemo.file.size - kClosingHeader.size();
     for (auto tile = tiles.begin(); tile != tiles.end(); ++tile) {
         const std::size_t position = UVTileStr.size();
-        TileFile out{tileAt(*tile), createTileFile(outPath, *tile)};
-        if (!out.file.isOpen()) return tileNotWritten(position);
+        TileFile out(outPath, *tile);
+        if (!out.isOpen()) return tileNotWritten(position);
         UVTileStr.push_back(tile->name);
-        maskTile(&maskChunk[kChunkHeaderBytes], out.tile, faceTiles, vemo, input);
-        if (!out.file.append(vemo.file.data.get(), meshBytes) ||
-            !out.file.append(maskChunk.data(), maskChunk.size()))
+        maskTile(&maskChunk[kChunkHeaderBytes], out.tile(), faceTiles, vemo, input);
+        if (!out.append(vemo.file.data.get(), meshBytes) ||
+            !out.append(maskChunk.data(), maskChunk.size()))
             return tileNotWritten(position);
+        out.keep();
     }
     return static_cast<float>(tiles.size());
 }

@@ -90,12 +90,12 @@ void clearUVtilesOut();
 // getUVTileString.
 //
 //   path     mesh file, only read, unless a tile's file is the mesh itself: then it is taken whole
-//            into memory first
+//            into memory first, and lost when the disk cannot take that file
 //   returns  the number of tiles; kUvExportMeshNotOpened; kChunkMissing without a whole face UV
 //            chunk, before anything is written; kFirstTileNotWritten + k when the file of tile k
-//            cannot be created or filled: files of the tiles before it stay, whole. A disk that
-//            fails while the tiles are written is kUvExportMeshNotOpened, too: the last of them
-//            are not whole then.
+//            cannot be created or filled, on a full disk for one: files of the tiles before it
+//            stay, whole, and of the others nothing is left. A mesh that cannot be read to its end
+//            is kUvExportMeshNotOpened, too; the files that are there then are whole.
 float GetUVsFromVemo(const char* path, const char* outPath, int mode);
 
 // Writes, for each tile of a mesh, the mesh as it is with its last 16 bytes, the empty chunk

@@ -10,10 +10,12 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <filesystem>
 #include <new>
 #include <utility>
 
@@ -100,7 +102,31 @@ ssize_t moved(SystemCall call, std::size_t count, Move move) {
     }
 }
 
+char smallDisk[4096] = "";  // a folder, or none
+std::uintmax_t smallDiskBytes = 0;
+
+bool fillsSmallDisk(int descriptor, std::size_t count, off_t offset) {
+    struct stat status {};
+    if (smallDisk[0] == '\0' || ::fstat(descriptor, &status) != 0) return false;
+    const off_t growth = std::max<off_t>(offset + static_cast<off_t>(count) - status.st_size, 0);
+    std::uintmax_t used = static_cast<std::uintmax_t>(growth);
+    for (const auto& entry : std::filesystem::directory_iterator(smallDisk))
+        used += entry.file_size();
+    if (used <= smallDiskBytes) return false;
+    errno = ENOSPC;
+    return true;
+}
+
 }  // namespace
+
+SmallDisk::SmallDisk(const char* folder, std::size_t bytes) {
+    std::snprintf(smallDisk, sizeof smallDisk, "%s", folder);
+    smallDiskBytes = bytes;
+}
+
+SmallDisk::~SmallDisk() {
+    smallDisk[0] = '\0';
+}
 
 Watch::Watch(const std::optional<Fault>& fault) {
     asked = {};
@@ -158,6 +184,7 @@ int ftruncate(int descriptor, off_t length) noexcept {
 
 ssize_t pwrite(int descriptor, const void* bytes, std::size_t count, off_t offset) {
     static const auto real = theSystems<ssize_t(int, const void*, std::size_t, off_t)>("pwrite");
+    if (fillsSmallDisk(descriptor, count, offset)) return -1;
     return moved(SystemCall::kWrite, count,
                  [&](std::size_t part) { return real(descriptor, bytes, part, offset); });
 }

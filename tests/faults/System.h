@@ -39,6 +39,16 @@ struct Fault {
     std::size_t position = 1;  // which call of its kind goes wrong first
 };
 
+// The folder is a disk of its own that holds so many bytes: a write that would make the files in it
+// longer than that together fails as on a full disk, and a file that is removed makes room.
+class SmallDisk {
+public:
+    SmallDisk(const char* folder, std::size_t bytes);
+    SmallDisk(const SmallDisk&) = delete;
+    SmallDisk& operator=(const SmallDisk&) = delete;
+    ~SmallDisk();
+};
+
 // What was asked for while a Watch lived.
 struct Asked {
     std::array<std::size_t, kSystemCalls> calls{};

@@ -192,6 +192,9 @@ TEST_F(UVExport, ATileThatTheDiskCannotTakeIsTheOneReported) {
     const VemoBuilder mesh = VemoBuilder().flatFaceUvs({{0.5f, 0.5f}, {1.5f, 0.5f}, {2.5f, 0.5f}});
     EXPECT_EQ(writeUvs(mesh), 1502.0f);
     EXPECT_EQ(written("out1001.Vemo").size(), mesh.bytes().size() + 16);
+    EXPECT_THAT(dir.names(), ElementsAre("mesh.in", "out1001.Vemo"));
+    EXPECT_EQ(nameAt(1), "1002") << "it was begun";
+    EXPECT_EQ(nameAt(2), "none");
 }
 
 TEST_F(UVExport, AMissingMeshHasAStatusOfItsOwn) {
@@ -264,7 +267,7 @@ TEST_F(UVExport, AMaskFileIsTheMeshWithAMaskBeforeItsClosing) {
 TEST_F(UVExport, AMaskThatTheDiskCannotTakeIsTheOneReported) {
     std::filesystem::create_symlink("/dev/full", dir.path("out1002.Vemo"));
     EXPECT_EQ(writeMasks(quadAndTriangle()), 1502.0f);
-    EXPECT_TRUE(dir.has("out1001.Vemo"));
+    EXPECT_THAT(dir.names(), ElementsAre("mesh.in", "out1001.Vemo"));
 }
 
 TEST_F(UVExport, AMaskFollowsTheFirstCornerOfEachFace) {
