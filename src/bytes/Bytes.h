@@ -45,6 +45,10 @@ inline void storeLe32(std::uint8_t* p, std::uint32_t value) {
     p[2] = static_cast<std::uint8_t>(value >> 16);
     p[3] = static_cast<std::uint8_t>(value >> 24);
 }
+inline void storeLe64(std::uint8_t* p, std::uint64_t value) {
+    storeLe32(p, static_cast<std::uint32_t>(value));
+    storeLe32(p + 4, static_cast<std::uint32_t>(value >> 32));
+}
 inline void storeBe32(std::uint8_t* p, std::uint32_t value) {
     p[0] = static_cast<std::uint8_t>(value >> 24);
     p[1] = static_cast<std::uint8_t>(value >> 16);

@@ -6,6 +6,7 @@
 #include <string_view>
 #include <vector>
 
+#include "bytes/Bytes.h"
 #include "encoders/ExrLoader.h"
 #include "encoders/PizBlock.h"
 
@@ -146,6 +147,7 @@ int readHeader(Bytes& file, Header& header, ExrLayout& layout) {
 struct Level {
     std::uint32_t x, y;
     std::uint32_t columns, rows;  // of tiles
+    std::uint64_t firstTile;      // how many the levels before it have
 };
 
 std::uint32_t levelCount(std::uint32_t size, bool roundsUp) {
@@ -163,12 +165,15 @@ std::uint32_t levelSize(std::uint32_t size, std::uint32_t level, bool roundsUp) 
 
 std::vector<Level> levelsOf(const Header& header, std::uint32_t width, std::uint32_t height) {
     std::vector<Level> levels;
+    std::uint64_t tilesBefore = 0;
     const auto add = [&](std::uint32_t x, std::uint32_t y) {
         const auto tiles = [](std::uint32_t size, std::uint32_t tile) {
             return (size + tile - 1) / tile;
         };
         levels.push_back({x, y, tiles(levelSize(width, x, header.roundsUp), header.tileWidth),
-                          tiles(levelSize(height, y, header.roundsUp), header.tileHeight)});
+                          tiles(levelSize(height, y, header.roundsUp), header.tileHeight),
+                          tilesBefore});
+        tilesBefore += std::uint64_t{levels.back().columns} * levels.back().rows;
     };
     const bool ripmap = header.levelMode == kRipmap;
     const std::uint32_t longer = ripmap ? width : std::max(width, height);
@@ -201,6 +206,29 @@ std::uint64_t offsetAt(Bytes& file, std::uint64_t at) {
     return file.le32(at) | std::uint64_t{file.le32(at + 4)} << 32;
 }
 
+// A writer fills in the table of chunk offsets at its end: one that was interrupted leaves zeros
+// there. Its chunks follow the table one after the other, and each says where it belongs, from which
+// the table is made again.
+//
+//   placeBytes  of the numbers that a chunk starts with, before its length
+//   entryOf     the position in the table of the chunk at an offset
+template <typename EntryOf>
+void completeTable(std::span<std::uint8_t> bytes, std::uint64_t table, std::uint64_t chunks,
+                   std::uint64_t placeBytes, EntryOf entryOf) {
+    Bytes file{bytes.data(), bytes.size()};
+    bool complete = true;
+    for (std::uint64_t i = 0; i < chunks && complete; ++i)
+        complete = offsetAt(file, table + 8 * i) != 0;
+    std::uint64_t offset = table + 8 * chunks;
+    for (std::uint64_t i = 0; i < chunks && !complete; ++i) {
+        const std::uint64_t entry = entryOf(file, offset);
+        const std::uint32_t length = file.le32(offset + placeBytes);
+        if (file.overran || entry >= chunks) return;
+        storeLe64(&bytes[static_cast<std::size_t>(table + 8 * entry)], offset);
+        offset += placeBytes + 4 + length;
+    }
+}
+
 std::uint32_t rowsPerChunk(int compression) {
     if (compression == kZip) return 16;
     return compression == kPiz ? 32 : 1;
@@ -215,12 +243,17 @@ bool isSound(const std::optional<Bytes>& chunk, const Header& header, std::uint6
     return header.compression != kPiz || chunk->size == raw || isSoundPizBlock(*chunk);
 }
 
-bool checkRows(Bytes file, const Header& header, std::uint32_t width, std::uint32_t height) {
+bool checkRows(std::span<std::uint8_t> bytes, const Header& header, std::uint32_t width,
+               std::uint32_t height) {
+    Bytes file{bytes.data(), bytes.size()};
     const std::uint32_t step = rowsPerChunk(header.compression);
     const std::uint32_t chunks = (height + step - 1) / step;
     const bool countIsRight =
         header.chunkCount <= 0 || static_cast<std::uint32_t>(header.chunkCount) == chunks;
     if (!countIsRight || !file.holds(header.end, chunks, 8)) return false;
+    completeTable(bytes, header.end, chunks, 4, [&](Bytes& chunk, std::uint64_t at) {
+        return (chunk.le32(at) - static_cast<std::uint32_t>(header.top)) / step;
+    });
     for (std::uint32_t chunk = 0; chunk < chunks; ++chunk) {
         const std::uint32_t first = chunk * step;
         const std::uint64_t rows = std::min(step, height - first);
@@ -242,16 +275,33 @@ std::uint64_t tilePixels(const Header& header, const Level& level, std::uint32_t
                                    levelHeight - std::uint64_t{row} * header.tileHeight);
 }
 
-bool checkTiles(Bytes file, const Header& header, std::uint32_t width, std::uint32_t height) {
+// The position in the table of the tile that the chunk at an offset holds; beyond the table when
+// there is no such tile.
+std::uint64_t tileEntry(Bytes& chunk, std::uint64_t at, const std::vector<Level>& levels) {
+    const std::uint32_t column = chunk.le32(at);
+    const std::uint32_t row = chunk.le32(at + 4);
+    const std::uint32_t x = chunk.le32(at + 8);
+    const std::uint32_t y = chunk.le32(at + 12);
+    const auto level = std::find_if(levels.begin(), levels.end(), [&](const Level& candidate) {
+        return candidate.x == x && candidate.y == y;
+    });
+    if (level == levels.end() || column >= level->columns || row >= level->rows) return UINT64_MAX;
+    return level->firstTile + std::uint64_t{row} * level->columns + column;
+}
+
+bool checkTiles(std::span<std::uint8_t> bytes, const Header& header, std::uint32_t width,
+                std::uint32_t height) {
+    Bytes file{bytes.data(), bytes.size()};
     const std::vector<Level> levels = levelsOf(header, width, height);
-    std::uint64_t tiles = 0;
-    for (const Level& level : levels)
-        tiles += std::uint64_t{level.columns} * level.rows;
+    const Level& last = levels.back();
+    const std::uint64_t tiles = last.firstTile + std::uint64_t{last.columns} * last.rows;
     const std::uint64_t tileBytes =
         std::uint64_t{header.tileWidth} * header.tileHeight * 4 * header.pixelTypes.size();
     const std::uint64_t most = kMostTimesTheFile * file.size + kMostBytesBesides;
     if (!file.holds(header.end, tiles, 8) || tiles > most / tileBytes) return false;
 
+    completeTable(bytes, header.end, tiles, 16,
+                  [&](Bytes& chunk, std::uint64_t at) { return tileEntry(chunk, at, levels); });
     std::uint64_t entry = header.end;
     for (const Level& level : levels) {
         for (std::uint32_t row = 0; row < level.rows; ++row) {
@@ -268,7 +318,8 @@ bool checkTiles(Bytes file, const Header& header, std::uint32_t width, std::uint
 
 }  // namespace
 
-int checkExr(Bytes file, ExrLayout& layout) {
+int checkExr(std::span<std::uint8_t> bytes, ExrLayout& layout) {
+    Bytes file{bytes.data(), bytes.size()};
     layout = {};
     layout.tiled = (file.u8(5) & kTiledFlag) != 0;
     Header header;
@@ -279,8 +330,8 @@ int checkExr(Bytes file, ExrLayout& layout) {
     const auto height = static_cast<std::uint32_t>(header.bottom - header.top + 1);
     const std::uint64_t samples = std::uint64_t{width} * height * header.pixelTypes.size();
     if (samples > (kMostTimesTheFile * file.size + kMostBytesBesides) / 4) return kBadData;
-    const bool whole = layout.tiled ? checkTiles(file, header, width, height)
-                                    : checkRows(file, header, width, height);
+    const bool whole = layout.tiled ? checkTiles(bytes, header, width, height)
+                                    : checkRows(bytes, header, width, height);
     if (!whole) return kBadData;
 
     layout.width = static_cast<std::int32_t>(width);

@@ -8,7 +8,8 @@
 // the chunks. A scanline chunk is its first row (4 bytes), its length (4), its data; a tile's
 // starts with column, row and level (4 x 4).
 
-#include "bytes/Bytes.h"
+#include <cstdint>
+#include <span>
 
 // What the check found out on the way, for laying out tiles.
 struct ExrLayout {
@@ -22,7 +23,9 @@ struct ExrLayout {
     std::uint32_t firstPixelType = 0;  // 0 whole numbers, 1 half, 2 float
 };
 
-// `file` starts with the magic and is single-part and not deep.
+// Checks a file in memory. A table of chunk offsets that holds zeros, as an interrupted writer leaves
+// it, is filled in there.
 //
+//   file     starts with the magic and is single-part and not deep
 //   returns  kOk, kBadData, kUnknownFormat, kBadHeader, kUnknownFeature (exr_status)
-int checkExr(Bytes file, ExrLayout& layout);
+int checkExr(std::span<std::uint8_t> file, ExrLayout& layout);

@@ -202,7 +202,7 @@ int showAllRows(const EXRHeader& header, const FileBytes& file, const ExrLayout&
     return kOk;
 }
 
-int load(const FileBytes& file, ExrSize& size, const ExrLook& look) {
+int load(FileBytes& file, ExrSize& size, const ExrLook& look) {
     EXRVersion version;
     int status = ParseEXRVersionFromMemory(&version, file.data.get(), file.size);
     if (status != TINYEXR_SUCCESS) return status;
@@ -228,7 +228,7 @@ int load(const FileBytes& file, ExrSize& size, const ExrLook& look) {
 
 int LoadMultiChannelEXRFromFile(const char* path, ExrSize& size, const ExrLook& look) {
     if (path == nullptr) return kNoPath;
-    const FileBytes file = loadFile(path, kZeroTail);
+    FileBytes file = loadFile(path, kZeroTail);
     if (file.data == nullptr) return kNotOpened;
     try {
         return load(file, size, look);

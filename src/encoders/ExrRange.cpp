@@ -51,5 +51,6 @@ float measureExrRange(const char* path) {
     const int status = LoadMultiChannelEXRFromFile(
         path, size, [&](std::span<const float> samples) { extremes.look(samples); });
     if (status != exr_status::kOk) return static_cast<float>(status);
+    if (size.height < 1 || size.width < 1) return exr_range::kNoPixels;
     return extremes.range();
 }

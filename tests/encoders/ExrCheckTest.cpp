@@ -74,9 +74,9 @@ public:
     ExrFile& rows() { return chunks({numbers({0}), numbers({1})}); }
 
     int check() const { return check(bytes_); }
-    static int check(const ByteList& bytes) {
+    static int check(ByteList bytes) {
         ExrLayout layout;
-        return checkExr({bytes.data(), bytes.size()}, layout);
+        return checkExr(bytes, layout);
     }
     const ByteList& bytes() const { return bytes_; }
 
@@ -89,9 +89,9 @@ ExrFile scanlines() {
 }
 
 TEST(ExrCheck, AFileOfTwoRowsIsSound) {
-    const ExrFile file = scanlines().whole().rows();
+    ByteList file = scanlines().whole().rows().bytes();
     ExrLayout layout;
-    EXPECT_EQ(checkExr({file.bytes().data(), file.bytes().size()}, layout), 0);
+    EXPECT_EQ(checkExr(file, layout), 0);
     EXPECT_FALSE(layout.tiled);
     EXPECT_TRUE(layout.increasingRows);
     EXPECT_EQ(layout.width, 1);
@@ -105,6 +105,38 @@ TEST(ExrCheck, EveryTruncatedLengthIsRefused) {
     for (std::size_t length = 8; length < whole.size(); ++length) {
         const ByteList cut(whole.begin(), whole.begin() + static_cast<std::ptrdiff_t>(length));
         EXPECT_LT(ExrFile::check(cut), 0) << length;
+    }
+}
+
+// Two rows of 12 bytes each end the file, and the table before them has 8 bytes for each.
+TEST(ExrCheck, ATableWithZerosIsFilledIn) {
+    const ByteList whole = scanlines().whole().rows().bytes();
+    const std::size_t table = whole.size() - 2 * 12 - 2 * 8;
+    ExrLayout layout;
+    for (const std::size_t zeroed : {table, table + 8}) {
+        ByteList file = whole;
+        std::fill_n(file.begin() + static_cast<std::ptrdiff_t>(zeroed), 8, std::uint8_t{0});
+        EXPECT_EQ(checkExr(file, layout), 0);
+        EXPECT_EQ(file, whole);
+    }
+}
+
+// A row that the picture does not have, one that comes twice, and one that leaves the file.
+TEST(ExrCheck, ATableIsNotFilledInFromChunksThatAreNotThere) {
+    const ByteList whole = scanlines().whole().rows().bytes();
+    const std::size_t table = whole.size() - 2 * 12 - 2 * 8;
+    ByteList zeros = whole;
+    std::fill_n(zeros.begin() + static_cast<std::ptrdiff_t>(table), 16, std::uint8_t{0});
+    EXPECT_EQ(ExrFile::check(zeros), 0);
+    const std::size_t firstRow = table + 16;
+    for (const auto& [at, value] : {std::pair<std::size_t, int>{firstRow, 2},
+                                    {firstRow, 1},
+                                    {firstRow + 4, 5},
+                                    {firstRow + 7, 0x7F},
+                                    {firstRow + 3, 0x80}}) {
+        ByteList bent = zeros;
+        bent[at] = static_cast<std::uint8_t>(value);
+        EXPECT_EQ(ExrFile::check(bent), -4) << at << ' ' << value;
     }
 }
 

@@ -18,6 +18,7 @@
 #include <random>
 #include <string_view>
 
+#include "bytes/Bytes.h"
 #include "encoders/ExrLoader.h"
 #include "support/Faults.h"
 #include "support/TempDir.h"
@@ -455,6 +456,61 @@ TEST_F(ExrRange, ChunksThatLieElsewhereAreRefused) {
         ByteList bent = bytes;
         bent[at] ^= 0x40;
         EXPECT_EQ(rangeOfBytes(bent), -4.0f) << at;
+    }
+}
+
+// Where a file of `chunks` chunks has the table of their offsets: its lowest offset lies right behind
+// it.
+std::size_t tableOf(const ByteList& bytes, std::size_t chunks) {
+    for (std::size_t at = 8; at + 8 * chunks <= bytes.size(); ++at) {
+        std::uint64_t lowest = UINT64_MAX;
+        for (std::size_t i = 0; i < chunks; ++i)
+            lowest = std::min(lowest, loadLe64(&bytes[at + 8 * i]));
+        if (lowest == at + 8 * chunks) return at;
+    }
+    ADD_FAILURE() << "no table";
+    return 0;
+}
+
+// What a writer leaves that is interrupted before it fills the table in.
+TEST_F(ExrRange, AFileWhoseTableOfChunksHoldsZerosIsMeasured) {
+    for (const Imf::Compression compression : kCompressions) {
+        for (const Imf::LineOrder order : {Imf::INCREASING_Y, Imf::DECREASING_Y}) {
+            const Picture picture{.width = 9,
+                                  .height = 70,
+                                  .samples = ramp(630),
+                                  .type = Imf::HALF,
+                                  .compression = compression,
+                                  .order = order,
+                                  .corner = {-3, -20}};
+            ByteList bytes = bytesOf(picture);
+            const float range = rangeOfBytes(bytes);
+            const std::size_t chunks = compression == Imf::ZIP_COMPRESSION   ? 5
+                                       : compression == Imf::PIZ_COMPRESSION ? 3
+                                                                             : 70;
+            const std::size_t table = tableOf(bytes, chunks);
+            std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(table), 8, std::uint8_t{0});
+            EXPECT_EQ(rangeOfBytes(bytes), range) << compression << ", the first offset";
+            std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(table), 8 * chunks,
+                        std::uint8_t{0});
+            EXPECT_EQ(rangeOfBytes(bytes), range) << compression << ", all offsets";
+            EXPECT_EQ(readBytes(path()), bytes) << "the file itself stays";
+        }
+    }
+}
+
+TEST_F(ExrRange, TilesWhoseTableHoldsZerosAreMeasured) {
+    const Picture picture{.width = 40, .height = 24, .samples = ramp(960), .type = Imf::HALF};
+    // Tiles of 8 x 8: 15 of them, and with smaller pictures of 20 x 12, 10 x 6, 5 x 3, 2 x 1 and 1 x 1
+    // 6, 2 and three times 1 more.
+    for (const auto& [mode, chunks] : {std::pair{Imf::ONE_LEVEL, 15u}, {Imf::MIPMAP_LEVELS, 26u}}) {
+        writeTiles(path(), picture, 8, 8, mode);
+        ByteList bytes = readBytes(path());
+        const float range = rangeOfBytes(bytes);
+        const std::size_t table = tableOf(bytes, chunks);
+        std::fill_n(bytes.begin() + static_cast<std::ptrdiff_t>(table), 8 * chunks,
+                    std::uint8_t{0});
+        EXPECT_EQ(rangeOfBytes(bytes), range) << mode;
     }
 }
 
