@@ -1,8 +1,7 @@
-// transcript: calls a library's exports, or the operations behind them, with generated inputs and
-// writes down what came of it, so that two processors, compilers or builds can be compared.
+// transcript: calls a library's exports with generated inputs and writes down what came of it, so
+// that two processors, compilers or builds can be compared.
 //
 //   transcript exports LIBRARY TRANSCRIPT [DIGESTS]   writes TRANSCRIPT; compares it with the digests
-//   transcript operations TRANSCRIPT [DIGESTS]
 //   transcript digests TRANSCRIPT                     prints a transcript's digests
 //   transcript compare TRANSCRIPT OTHER               compares two transcripts line by line
 //
@@ -17,7 +16,6 @@
 #include <stdexcept>
 
 #include "golden/ExportCases.h"
-#include "golden/OperationCases.h"
 #include "golden/Transcript.h"
 
 namespace {
@@ -61,20 +59,15 @@ int run(const Arguments& words) {
             std::cout << line << '\n';
         return 0;
     }
-    if (mode != "exports" && mode != "operations") throw std::out_of_range(mode);
+    if (mode != "exports") throw std::out_of_range(mode);
 
-    const bool exports = mode == "exports";
-    const std::size_t next = exports ? 2 : 1;
-    const std::string& transcript = words.at(next);
+    const std::string& transcript = words.at(2);
     {
         std::ofstream lines = create(transcript);
-        if (exports)
-            writeExportCases(loaded(words.at(1)), lines);
-        else
-            writeOperationCases(lines);
+        writeExportCases(loaded(words.at(1)), lines);
         if (!lines.flush()) throw std::runtime_error("cannot write " + transcript);
     }
-    return words.size() > next + 1 ? compareDigests(transcript, words.at(next + 1)) : 0;
+    return words.size() > 3 ? compareDigests(transcript, words.at(3)) : 0;
 }
 
 }  // namespace
@@ -83,9 +76,8 @@ int main(int count, char** words) {
     try {
         return run(Arguments(words + 1, words + count));
     } catch (const std::out_of_range&) {
-        std::cerr << "transcript exports LIBRARY TRANSCRIPT [DIGESTS] | operations TRANSCRIPT "
-                     "[DIGESTS] | "
-                     "digests TRANSCRIPT | compare TRANSCRIPT OTHER\n";
+        std::cerr << "transcript exports LIBRARY TRANSCRIPT [DIGESTS] | digests TRANSCRIPT | "
+                     "compare TRANSCRIPT OTHER\n";
         return 2;
     } catch (const std::exception& failure) {
         std::cerr << "transcript: " << failure.what() << '\n';
