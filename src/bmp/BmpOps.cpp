@@ -6,81 +6,82 @@
 #include <array>
 
 #include "bmp/BmpHeader.h"
-#include "files/File.h"
-#include "files/PieceBuffer.h"
+#include "files/Piece.h"
 #include "pixels/Pixels.h"
 
 namespace {
 
-// The rows of an image as far as its file has them; the last one may be cut short.
+// The rows of an image as far as its file has their pixels; the last one may be cut short.
 struct StoredRows {
     std::uint64_t offset = 0;  // of the bottom row, from the start of the file
-    std::uint64_t bytes = 0;   // of all together
     std::uint64_t stride = 0;
-    std::uint64_t pixelBytes = 0;  // of a row, without its padding
+    std::uint64_t width = 0;        // in pixels
+    std::uint64_t rows = 0;         // whole ones
+    std::uint64_t pixelsAbove = 0;  // of the one that is cut short
+
+    bool isEmpty() const { return rows == 0 && pixelsAbove == 0; }
 };
 
 StoredRows rowsWithin(const BmpHeader& header, std::uint64_t fileBytes) {
     if (header.width < 1 || header.height < 1 || fileBytes <= header.pixelOffset) return {};
     const auto stride = static_cast<std::uint64_t>(header.rowStride);
+    const auto width = static_cast<std::uint64_t>(header.width);
     const auto height = static_cast<std::uint64_t>(header.height);
     const std::uint64_t available = fileBytes - header.pixelOffset;
-    const std::uint64_t bytes = height > available / stride ? available : height * stride;
-    return {header.pixelOffset, bytes, stride,
-            kBmpPixelBytes * static_cast<std::uint64_t>(header.width)};
+    const std::uint64_t padding = stride - kBmpPixelBytes * width;  // the last row may lack it
+    const std::uint64_t rows = std::min(height, (available + padding) / stride);
+    const bool isCut = rows < height && available > rows * stride;
+    return {header.pixelOffset, stride, width, rows,
+            isCut ? (available - rows * stride) / kBmpPixelBytes : 0};
 }
 
-// What is moved at once: whole rows, or whole pixels of one row that is too long. Only the end of
-// the file can leave less.
-struct Piece {
+// A run of whole rows, or of pixels of a single row, without the padding at its end.
+struct Run {
     std::uint64_t offset;  // in the file
-    std::size_t bytes;
-    std::uint64_t column;  // of the first byte, in bytes from the start of its row
+    std::size_t rows;
+    std::size_t pixels;  // of each row
+    std::size_t stride;
+
+    std::size_t bytes() const { return (rows - 1) * stride + kBmpPixelBytes * pixels; }
 };
 
-// The piece that follows the first `done` bytes of the rows.
-Piece pieceAfter(const StoredRows& rows, std::uint64_t done) {
-    const std::uint64_t column = done % rows.stride;
-    const std::uint64_t wanted =
-        rows.stride <= kPieceBytes
-            ? kPieceBytes / rows.stride * rows.stride
-            : std::min<std::uint64_t>(kPieceBytes / kBmpPixelBytes * kBmpPixelBytes,
-                                      rows.stride - column);
-    const std::uint64_t bytes = std::min(wanted, rows.bytes - done);
-    return {rows.offset + done, static_cast<std::size_t>(bytes), column};
-}
-
-// Calls `work(start, pixels)` for the pixels of each row in a piece; `start` counts bytes from the
-// start of the piece.
-template <typename Work>
-void forEachRow(const StoredRows& rows, const Piece& piece, Work work) {
-    const std::uint64_t rowBytes = rows.pixelBytes - std::min(rows.pixelBytes, piece.column);
-    for (std::uint64_t start = 0; start < piece.bytes; start += rows.stride) {
-        const std::uint64_t bytes = std::min(rowBytes, piece.bytes - start);
-        work(static_cast<std::size_t>(start), static_cast<std::size_t>(bytes / kBmpPixelBytes));
-    }
+// Calls `use(run)` for runs of at most a piece, in order, as long as it returns true.
+template <typename Use>
+void forEachRun(const StoredRows& image, Use use) {
+    const auto stride = static_cast<std::size_t>(image.stride);
+    const auto useRows = [&](std::uint64_t offset, std::size_t rows) {
+        return use(Run{offset, rows, static_cast<std::size_t>(image.width), stride});
+    };
+    const auto usePixels = [&](std::uint64_t offset, std::size_t pixels) {
+        return use(Run{offset, 1, pixels, stride});
+    };
+    const auto useLongRow = [&](std::uint64_t offset, std::size_t) {
+        return forEachPiece(offset, image.width, kBmpPixelBytes, usePixels);
+    };
+    const bool goesOn = stride <= kPieceBytes
+                            ? forEachPiece(image.offset, image.rows, stride, useRows)
+                            : forEachPiece(image.offset, image.rows, stride, useLongRow);
+    if (goesOn)
+        forEachPiece(image.offset + image.rows * image.stride, image.pixelsAbove, kBmpPixelBytes,
+                     usePixels);
 }
 
 using Background = std::array<std::uint8_t, kBmpPixelBytes>;
 
-void mergeRows(const File& source, const File& target, const StoredRows& rows,
+void mergeRows(const File& source, const File& target, const StoredRows& image,
                const Background& background) {
-    const PieceBuffer sourceBuffer;
-    const PieceBuffer targetBuffer;
-    for (std::uint64_t done = 0; done < rows.bytes;) {
-        const Piece piece = pieceAfter(rows, done);
-        std::uint8_t* const sourceBytes = sourceBuffer.placeFor(piece.offset);
-        std::uint8_t* const targetBytes = targetBuffer.placeFor(piece.offset);
-        if (source.readAt(piece.offset, sourceBytes, piece.bytes) < piece.bytes ||
-            target.readAt(piece.offset, targetBytes, piece.bytes) < piece.bytes)
-            return;
-        forEachRow(rows, piece, [&](std::size_t start, std::size_t pixels) {
-            fillBackground(targetBytes + start, sourceBytes + start, background.data(), pixels,
+    Piece tile;
+    Piece map;
+    forEachRun(image, [&](const Run& run) {
+        if (!tile.read(source, run.offset, run.bytes()) ||
+            !map.read(target, run.offset, run.bytes()))
+            return false;
+        for (std::size_t at = 0; at < run.bytes(); at += run.stride) {
+            fillBackground(map.data() + at, tile.data() + at, background.data(), run.pixels,
                            kBmpPixelBytes);
-        });
-        if (!target.writeAt(piece.offset, targetBytes, piece.bytes)) return;
-        done += piece.bytes;
-    }
+        }
+        return map.write(target);
+    });
 }
 
 Exchange exchangeOf(std::int32_t mode) {
@@ -96,18 +97,14 @@ Exchange exchangeOf(std::int32_t mode) {
     }
 }
 
-void swapRows(const File& file, const StoredRows& rows, Exchange exchange) {
-    const PieceBuffer buffer;
-    for (std::uint64_t done = 0; done < rows.bytes;) {
-        const Piece piece = pieceAfter(rows, done);
-        std::uint8_t* const bytes = buffer.placeFor(piece.offset);
-        if (file.readAt(piece.offset, bytes, piece.bytes) < piece.bytes) return;
-        forEachRow(rows, piece, [&](std::size_t start, std::size_t pixels) {
-            exchangeSamples(bytes + start, pixels, exchange);
-        });
-        if (!file.writeAt(piece.offset, bytes, piece.bytes)) return;
-        done += piece.bytes;
-    }
+void swapRows(const File& file, const StoredRows& image, Exchange exchange) {
+    Piece piece;
+    forEachRun(image, [&](const Run& run) {
+        if (!piece.read(file, run.offset, run.bytes())) return false;
+        for (std::size_t at = 0; at < run.bytes(); at += run.stride)
+            exchangeSamples(piece.data() + at, run.pixels, exchange);
+        return piece.write(file);
+    });
 }
 
 }  // namespace
@@ -130,9 +127,9 @@ float mergeBMP(const char* source, const char* target) {
     if (!targetFile.isOpen()) return bmp_status::kTargetNotReopened;
 
     const StoredRows rows = rowsWithin(to, std::min(sourceFile.size(), targetFile.size()));
-    if (rows.bytes == 0) return bmp_status::kOk;
+    if (rows.isEmpty()) return bmp_status::kOk;
     Background background{};
-    if (sourceFile.readAt(rows.offset, background.data(), background.size()) == 0)
+    if (sourceFile.readAt(rows.offset, background.data(), background.size()) < background.size())
         return bmp_status::kNotReopened;
     mergeRows(sourceFile, targetFile, rows, background);
     return bmp_status::kOk;

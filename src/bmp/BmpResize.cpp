@@ -1,13 +1,13 @@
 // The operations that make another image of one: the crop and the thumbnail.
 
 #include <algorithm>
-#include <vector>
+#include <cstring>
 
 #include "bmp/BmpHeader.h"
 #include "bmp/BmpOps.h"
 #include "bmp/BmpWriter.h"
 #include "bytes/Numbers.h"
-#include "files/PieceBuffer.h"
+#include "files/Piece.h"
 
 namespace {
 
@@ -70,17 +70,18 @@ public:
     // As many bytes are read at once as a row has.
     explicit ReadAhead(const File& file)
         : file_(file),
-          fileBytes_(file.size()),
           most_(static_cast<std::size_t>(
               std::clamp<std::int64_t>(bmpHdr.rowStride, kBmpPixelBytes, kPieceBytes))),
-          buffer_(most_) {}
+          piece_(most_) {}
 
     // Whether there is a pixel at `offset`, and a byte beyond it; others are black.
-    bool hasPixel(std::uint64_t offset) const { return offset + kBmpPixelBytes < fileBytes_; }
+    bool hasPixel(std::uint64_t offset) const { return offset + kBmpPixelBytes < file_.size(); }
 
     const std::uint8_t* pixel(std::uint64_t offset) {
-        if (offset < start_ || offset + kBmpPixelBytes > start_ + held_) read(offset);
-        return bytes_ + (offset - start_);
+        const bool isHeld =
+            offset >= piece_.offset() && offset + kBmpPixelBytes <= piece_.offset() + piece_.size();
+        if (!isHeld) read(offset);
+        return piece_.data() + (offset - piece_.offset());
     }
 
     // Whether the disk failed; what it did not give is black.
@@ -88,20 +89,16 @@ public:
 
 private:
     void read(std::uint64_t offset) {
-        start_ = offset;
-        bytes_ = buffer_.placeFor(offset);
-        held_ = file_.readAt(offset, bytes_, most_);
-        failed_ = failed_ || held_ < std::min<std::uint64_t>(most_, fileBytes_ - offset);
-        std::fill(bytes_ + held_, bytes_ + most_, std::uint8_t{0});
+        const auto count =
+            static_cast<std::size_t>(std::min<std::uint64_t>(most_, file_.size() - offset));
+        if (piece_.read(file_, offset, count)) return;
+        failed_ = true;
+        std::memset(piece_.moveTo(offset, count), 0, count);
     }
 
     const File& file_;
-    std::uint64_t fileBytes_;
     std::size_t most_;  // bytes at once
-    PieceBuffer buffer_;
-    std::uint8_t* bytes_ = nullptr;  // held_ of them, which lie at start_ in the file
-    std::uint64_t start_ = 0;
-    std::size_t held_ = 0;
+    Piece piece_;
     bool failed_ = false;
 };
 
@@ -157,8 +154,8 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
     const NewImage image = newImage(newWidth, saturatedInt(static_cast<double>(height)));
     if (!canBeWritten(image)) return bmp_status::kSizeRefused;
 
-    BmpWriter writer(output);
-    if (!writer.isOpen()) return bmp_status::kOutputNotWritten;
+    BmpWriter writer;
+    if (!writer.create(output)) return bmp_status::kOutputNotWritten;
     appendBand(writer, image, xOffset);
     return writer.finish(image) ? bmp_status::kOk : bmp_status::kOutputNotWritten;
 }
@@ -178,8 +175,8 @@ float createBMPthumb(const char* path, std::int32_t size) {
 
     // An image that cannot be written stays whole; the host's scripts take that as done.
     ReadAhead image(file);
-    BmpWriter writer(File::openForRewriting(path));
-    if (!writer.isOpen()) return bmp_status::kOk;
+    BmpWriter writer;
+    if (!writer.writeOver(File::openForRewriting(path))) return bmp_status::kOk;
     appendSamples(writer, thumb, image);
     if (image.failed()) return bmp_status::kThumbNotOpened;
     writer.finish(thumb.image);

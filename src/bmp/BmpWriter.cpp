@@ -31,63 +31,34 @@ bool canBeWritten(const NewImage& image) {
     return image.pixelBytes <= UINT32_MAX - bmpHdr.pixelOffset;
 }
 
-BmpWriter::BmpWriter(const char* path)
-    : file_(File::create(path)),
-      oldBytes_(0),
-      offset_(bmpHdr.pixelOffset),
-      written_(bmpHdr.pixelOffset) {}
-
-BmpWriter::BmpWriter(File image)
-    : file_(std::move(image)),
-      oldBytes_(file_.size()),
-      offset_(bmpHdr.pixelOffset),
-      written_(bmpHdr.pixelOffset) {
-    const std::uint8_t noSignature[] = {0, 0};
-    if (offset_ >= sizeof noSignature) failed_ = !file_.writeAt(0, noSignature, sizeof noSignature);
+bool BmpWriter::create(const char* path) {
+    return rows_.start(File::create(path), bmpHdr.pixelOffset);
 }
 
-void BmpWriter::append(const std::uint8_t* bytes, std::size_t count) {
-    while (count > 0) {
-        const std::size_t taken = std::min(count, kPieceBytes - used_);
-        std::memcpy(nextPlace(), bytes, taken);
-        used_ += taken;
-        bytes += taken;
-        count -= taken;
-        if (used_ == kPieceBytes) flush();
-    }
+bool BmpWriter::writeOver(File image) {
+    oldBytes_ = image.size();
+    if (!rows_.start(std::move(image), bmpHdr.pixelOffset)) return false;
+    const std::uint8_t noSignature[] = {0, 0};
+    return bmpHdr.pixelOffset < sizeof noSignature ||
+           rows_.file().writeAt(0, noSignature, sizeof noSignature);
 }
 
 void BmpWriter::appendBlack(std::uint64_t bytes) {
     // Over the old image, and little of it anywhere, black is written like anything else.
-    while (bytes > 0 && (bytes < kPieceBytes - used_ || offset_ + used_ < oldBytes_)) {
-        const auto taken =
-            static_cast<std::size_t>(std::min<std::uint64_t>(bytes, kPieceBytes - used_));
-        std::memset(nextPlace(), 0, taken);
-        used_ += taken;
+    while (bytes > 0 && (bytes < kPieceBytes || rows_.offset() < oldBytes_)) {
+        const auto taken = static_cast<std::size_t>(std::min<std::uint64_t>(bytes, kPieceBytes));
+        std::memset(rows_.room(taken), 0, taken);
         bytes -= taken;
-        if (used_ == kPieceBytes) flush();
     }
-    if (bytes == 0) return;
-    flush();
-    offset_ += bytes;
+    if (bytes > 0) rows_.skip(bytes);
 }
 
 bool BmpWriter::finish(const NewImage& image) {
-    flush();
+    const std::uint64_t end = rows_.offset();
+    bool isWhole = rows_.flush();
     const std::uint8_t black = 0;
-    if (!failed_ && written_ < offset_) failed_ = !file_.writeAt(offset_ - 1, &black, 1);
-    if (!file_.cut(failed_ ? written_ : offset_)) failed_ = true;
+    if (isWhole && rows_.written() < end) isWhole = rows_.file().writeAt(end - 1, &black, 1);
+    if (!rows_.file().cut(isWhole ? end : rows_.written())) isWhole = false;
     patchSizes(image);
-    return file_.writeAt(0, bmpV.data.get(), bmpHdr.pixelOffset) && !failed_;
-}
-
-void BmpWriter::flush() {
-    // After a failure the rest is only counted: a full disk takes nothing more.
-    if (used_ > 0 && !failed_) {
-        const std::size_t taken = file_.writeUpTo(offset_, piece_.placeFor(offset_), used_);
-        failed_ = taken < used_;
-        written_ = offset_ + taken;
-    }
-    offset_ += used_;
-    used_ = 0;
+    return rows_.file().writeAt(0, bmpV.data.get(), bmpHdr.pixelOffset) && isWhole;
 }

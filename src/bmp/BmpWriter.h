@@ -4,8 +4,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "files/File.h"
-#include "files/PieceBuffer.h"
+#include "files/PieceWriter.h"
 
 // The sizes of an image that is to be written. A width or height of 0 or below has no pixels.
 struct NewImage {
@@ -22,22 +21,19 @@ NewImage newImage(std::int32_t width, std::int32_t height);
 // Whether the file's size fits into its 32-bit field.
 bool canBeWritten(const NewImage& image);
 
-// Writes a file's rows in large pieces, then what stands before them: until then an interrupted
-// output is no BMP. Black beyond the end of the file as it was is skipped rather than written: a
-// file's unwritten bytes are zero, so a damaged file that promises rows of black costs neither time
-// nor disk.
+// Writes a file's rows, then what is before them: until then an interrupted output is no BMP. Black
+// beyond the end of the file as it was is skipped rather than written: a file's unwritten bytes are
+// zero, so a damaged file that promises rows of black costs neither time nor disk.
 class BmpWriter {
 public:
-    // Empties the file at `path` and starts where bmpV has its pixels.
-    explicit BmpWriter(const char* path);
+    // Empties the file at `path` and starts where bmpV has its pixels. Returns whether it is open.
+    bool create(const char* path);
 
     // Starts there, too, but writes over an open image, which can be read on behind what has been
-    // appended. What is left of it is cut off in the end.
-    explicit BmpWriter(File image);
+    // appended. What is left of it is cut off by finish. False when nothing can be written to it.
+    bool writeOver(File image);
 
-    bool isOpen() const { return file_.isOpen(); }
-
-    void append(const std::uint8_t* bytes, std::size_t count);
+    void append(const std::uint8_t* bytes, std::size_t count) { rows_.append(bytes, count); }
     void appendBlack(std::uint64_t bytes);
 
     // Gives bmpV's headers the sizes of `image` and writes all that bmpV has before its pixels;
@@ -45,15 +41,6 @@ public:
     bool finish(const NewImage& image);
 
 private:
-    std::uint8_t* nextPlace() const { return piece_.placeFor(offset_) + used_; }
-    void flush();
-
-    // In this order: the memory is there before the file is emptied.
-    PieceBuffer piece_;
-    File file_;
-    std::uint64_t oldBytes_;  // of the file as it was
-    std::size_t used_ = 0;    // bytes of the piece
-    std::uint64_t offset_;    // of the piece in the file
-    std::uint64_t written_;   // where the last piece in the file ends
-    bool failed_ = false;
+    PieceWriter rows_;
+    std::uint64_t oldBytes_ = 0;  // of the file as it was
 };

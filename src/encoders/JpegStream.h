@@ -11,7 +11,7 @@
 
 #include "bytes/Bytes.h"
 #include "encoders/JpegTables.h"
-#include "files/File.h"
+#include "files/FileWriter.h"
 
 // Packs codes into bytes, the highest bit first.
 //

@@ -6,7 +6,7 @@
 #include <vector>
 
 #include "bytes/Bytes.h"
-#include "files/File.h"
+#include "files/FileWriter.h"
 #include "files/PieceBuffer.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
@@ -94,7 +94,7 @@ struct RowBuffers {
 };
 
 // Writes the rows that the map has, the bottom one first, in pieces of several rows.
-float writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
+float writeExistingRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
     auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
@@ -118,7 +118,7 @@ float writeExistingRows(const File& in, FileReplacer& out, const Map& map, RowBu
 }
 
 // Writes the last row as often as rows are missing, in pieces, too: a row may be a single pixel.
-bool writeMissingRows(FileReplacer& out, const Map& map, RowBuffers& buffers) {
+bool writeMissingRows(FileWriter& out, const Map& map, RowBuffers& buffers) {
     auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
     if (map.existingRows() == map.rows) return true;
     std::uint8_t* const targaRows = targaBuffer.placeFor(out.length());
@@ -132,7 +132,7 @@ bool writeMissingRows(FileReplacer& out, const Map& map, RowBuffers& buffers) {
     return true;
 }
 
-float writeRows(const File& in, FileReplacer& out, const Map& map, RowBuffers& buffers) {
+float writeRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
     if (map.width == 0 || map.rows == 0) return targa_status::kOk;
     const float status = writeExistingRows(in, out, map, buffers);
     if (status != targa_status::kOk) return status;
@@ -153,7 +153,7 @@ float convertToTarga(const char* inPath, const char* outPath) {
     if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
 
     RowBuffers buffers(map);  // there before the old target is gone
-    FileReplacer out(outPath);
+    FileWriter out(File::createOver(outPath));
     const auto targa = targaHeader(header.info);
     if (!out.isOpen() || !out.append(targa.data(), targa.size()))
         return targa_status::kTargetNotWritten;

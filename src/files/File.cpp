@@ -124,22 +124,6 @@ bool File::cut(std::uint64_t length) const {
     return refused == 0;
 }
 
-bool FileWriter::append(const std::uint8_t* bytes, std::size_t count) {
-    const bool written = file_.writeAt(length_, bytes, count);
-    length_ += count;
-    return written;
-}
-
-FileReplacer::~FileReplacer() {
-    if (isOpen()) finish();
-}
-
-bool FileReplacer::append(const std::uint8_t* bytes, std::size_t count) {
-    const std::size_t written = file_.writeUpTo(length_, bytes, count);
-    length_ += written;
-    return written == count;
-}
-
 FileBytes loadFile(const char* path, std::size_t spare) {
     const File file = File::openForReading(path);
     if (!file.isOpen()) return {};

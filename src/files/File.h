@@ -54,46 +54,6 @@ private:
     std::uint64_t size_ = 0;
 };
 
-// A new file, written from its start to its end.
-class FileWriter {
-public:
-    explicit FileWriter(File file) : file_(std::move(file)) {}
-
-    bool isOpen() const { return file_.isOpen(); }
-
-    // Where the next bytes will lie.
-    std::uint64_t length() const { return length_; }
-
-    // Writes all of `count` bytes behind what was written before; false if the disk took fewer.
-    bool append(const std::uint8_t* bytes, std::size_t count);
-
-private:
-    File file_;
-    std::uint64_t length_ = 0;
-};
-
-// The same over a file that may be there already: its blocks are written over, which is cheaper than
-// giving them back and asking for new ones. What an older file has behind the bytes appended is cut
-// off by finish, or else in the end.
-class FileReplacer {
-public:
-    explicit FileReplacer(const char* path) : file_(File::createOver(path)) {}
-    FileReplacer(const FileReplacer&) = delete;
-    FileReplacer& operator=(const FileReplacer&) = delete;
-    ~FileReplacer();
-
-    bool isOpen() const { return file_.isOpen(); }
-    std::uint64_t length() const { return length_; }
-    bool append(const std::uint8_t* bytes, std::size_t count);
-
-    // False if the rest of an older file could not be cut off.
-    bool finish() const { return file_.cut(length_); }
-
-private:
-    File file_;
-    std::uint64_t length_ = 0;
-};
-
 // A file's bytes in memory, as many as the file really had.
 struct FileBytes {
     std::unique_ptr<std::uint8_t[]> data;  // null when the file could not be opened, held or read

@@ -102,8 +102,8 @@ const std::uint8_t* CornerPiece::seenFrom(TileAt tile) {
 }
 
 bool CornerPiece::Coordinates::moveFor(std::uint64_t offset) {
-    auto* const before =
-        std::exchange(data, reinterpret_cast<std::uint32_t*>(buffer.placeFor(offset)));
+    std::uint8_t* const place = piece.moveTo(offset, kPieceCorners * kCornerBytes);
+    auto* const before = std::exchange(data, reinterpret_cast<std::uint32_t*>(place));
     return data != before;
 }
 

@@ -6,7 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "files/PieceBuffer.h"
+#include "files/Piece.h"
 
 inline constexpr std::size_t kCornerBytes = 8;
 inline constexpr std::size_t kPieceCorners = 8192;
@@ -33,7 +33,7 @@ private:
 
     // The coordinates of a piece's corners: floats, as their bits.
     struct Coordinates {
-        PieceBuffer buffer{kPieceCorners * kCornerBytes};
+        Piece piece{kPieceCorners * kCornerBytes};
         std::uint32_t* data = nullptr;
 
         // Takes the place from which they are written to `offset`. True when it is another one

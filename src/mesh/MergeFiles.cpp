@@ -1,6 +1,6 @@
 // Two meshes in one file: how the host gets the creases of one mesh into another.
 
-#include "files/File.h"
+#include "files/FileWriter.h"
 #include "mesh/VemoFile.h"
 #include "mesh/VemoOps.h"
 

@@ -42,16 +42,15 @@ struct ObjChunks {
     bool cutShort = false;     // the file ended first
 };
 
-ObjChunks findObjChunks(const Bytes& bytes) {
+ObjChunks findObjChunks(VemoFile& vemo) {
     ObjChunks found;
     std::uint64_t position = kFirstChunk;
     const auto take = [&](std::uint32_t id, std::size_t elementBytes,
                           std::optional<ChunkElements>& elements) {
-        Bytes reader = bytes;
-        found.lastId = reader.le32(position);
-        found.cutShort = reader.overran;
+        found.lastId = vemo.le32(position);
+        found.cutShort = position + 4 > vemo.size();
         if (found.cutShort || found.lastId != id) return false;
-        elements = chunkElements(reader, position, elementBytes);
+        elements = vemo.elementsOf(position, elementBytes);
         found.cutShort = !elements;
         if (elements) position = elements->offset + elements->count * elementBytes;
         return elements.has_value();
@@ -64,11 +63,10 @@ ObjChunks findObjChunks(const Bytes& bytes) {
 
 // The count in the header of the third chunk, found by the lengths of the first two; 0 when the
 // file has no third.
-std::uint32_t thirdChunkCount(Bytes bytes) {
-    const std::uint64_t second = kFirstChunk + std::uint64_t{bytes.le32(kFirstChunk + 4)};
-    const std::uint64_t third = second + bytes.le32(second + 4);
-    const std::uint32_t count = bytes.le32(third + 8);
-    return bytes.overran ? 0 : count;
+std::uint32_t thirdChunkCount(VemoFile& vemo) {
+    const std::uint64_t second = kFirstChunk + std::uint64_t{vemo.le32(kFirstChunk + 4)};
+    const std::uint64_t third = second + vemo.le32(second + 4);
+    return third + 12 <= vemo.size() ? vemo.le32(third + 8) : 0;
 }
 
 void addCounts(ObjText& obj, std::uint32_t vertices, std::uint32_t faces) {
@@ -119,15 +117,15 @@ void addFaceGroups(ObjText& obj, const std::uint8_t* face, std::uint32_t count) 
 
 float GetFaceIDsVemo(const char* in_path, double level) {
     faceID.clear();
-    const VemoFile vemo = loadVemo(in_path);
-    if (!vemo.isOpen()) return vemo_status::kObjMeshNotOpened;
-    const auto faces = chunkElements(vemo.loaded(), kFirstChunk, kFaceBytes);
+    VemoFile vemo(in_path);
+    if (!vemo.keep()) return vemo_status::kObjMeshNotOpened;
+    const auto faces = vemo.elementsOf(kFirstChunk, kFaceBytes);
     if (!faces) return vemo_status::kChunkMissing;
 
     const std::uint32_t perCorner = facesPerCorner(level);
     const std::uint32_t fromQuad = saturatedProduct(4, perCorner);
     const std::uint32_t fromTriangle = saturatedProduct(3, perCorner);
-    const std::uint8_t* face = vemo.file.data.get() + faces->offset;
+    const std::uint8_t* face = vemo.data() + faces->offset;
     faceID.resize(faces->count);
     for (std::uint32_t& count : faceID) {
         count = isQuad(face) ? fromQuad : fromTriangle;
@@ -137,22 +135,21 @@ float GetFaceIDsVemo(const char* in_path, double level) {
 }
 
 float writeOBJfromVemo(const char* in_path, char* out_path) {
-    const VemoFile vemo = loadVemo(in_path);
-    if (!vemo.isOpen()) return vemo_status::kObjMeshNotOpened;
-    const ObjChunks mesh = findObjChunks(vemo.loaded());
+    VemoFile vemo(in_path);
+    if (!vemo.keep()) return vemo_status::kObjMeshNotOpened;
+    const ObjChunks mesh = findObjChunks(vemo);
     if (mesh.cutShort) return vemo_status::kChunkMissing;
     const auto unexpectedChunk = static_cast<float>(mesh.lastId);
     if (!mesh.vertices) return unexpectedChunk;
 
-    ObjText obj(out_path);
-    if (!obj.isOpen()) return vemo_status::kTextNotCreated;
-    const std::uint8_t* bytes = vemo.file.data.get();
-    addCounts(obj, mesh.vertices->count, thirdChunkCount(vemo.loaded()));
-    addVertices(obj, bytes + mesh.vertices->offset, mesh.vertices->count);
+    ObjText obj;
+    if (!obj.create(out_path)) return vemo_status::kTextNotCreated;
+    addCounts(obj, mesh.vertices->count, thirdChunkCount(vemo));
+    addVertices(obj, vemo.data() + mesh.vertices->offset, mesh.vertices->count);
     if (!mesh.colours) return unexpectedChunk;
-    obj.addColourBlock(bytes + mesh.colours->offset, mesh.colours->count);
+    obj.addColourBlock(vemo.data() + mesh.colours->offset, mesh.colours->count);
     if (!mesh.faces) return unexpectedChunk;
-    addFaceGroups(obj, bytes + mesh.faces->offset, mesh.faces->count);
+    addFaceGroups(obj, vemo.data() + mesh.faces->offset, mesh.faces->count);
     faceID.clear();
     return vemo_status::kOk;
 }

@@ -2,24 +2,25 @@
 // ObjText: OBJ text on its way into a new file. Nothing in it depends on the locale.
 
 #include <cstdint>
-#include <memory>
 #include <string_view>
 
-#include "files/File.h"
+#include "files/PieceWriter.h"
 
-// Collects text and writes it in large pieces, the last one when it goes out of scope. Once the
-// disk has refused a piece the rest is dropped.
+// The last text is written when it goes out of scope. Once the disk has refused some the rest is
+// dropped.
 class ObjText {
 public:
-    explicit ObjText(const char* path);
+    ObjText() = default;
     ObjText(const ObjText&) = delete;
     ObjText& operator=(const ObjText&) = delete;
-    ~ObjText();
+    ~ObjText() { out_.flush(); }
 
     // Whether the file could be created.
-    bool isOpen() const { return file_.isOpen(); }
+    bool create(const char* path) { return out_.start(File::create(path)); }
 
-    void add(std::string_view text);
+    void add(std::string_view text) {
+        out_.append(reinterpret_cast<const std::uint8_t*>(text.data()), text.size());
+    }
     void addInteger(std::int64_t value);
     void addFloat(float value);  // as "%g" under the C locale; "nan" for a NaN of either sign
 
@@ -27,10 +28,5 @@ public:
     void addColourBlock(const std::uint8_t* colours, std::uint32_t count);
 
 private:
-    void flush();
-
-    std::unique_ptr<char[]> piece_;  // had before the file is touched
-    std::size_t length_ = 0;
-    FileWriter file_;
-    bool refused_ = false;
+    PieceWriter out_;  // its memory is there before the file is touched
 };

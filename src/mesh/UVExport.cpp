@@ -12,8 +12,8 @@
 
 #include "bytes/Bytes.h"
 #include "bytes/Text.h"
-#include "files/File.h"
 #include "files/FileOps.h"
+#include "files/FileWriter.h"
 #include "mesh/CornerPiece.h"
 #include "mesh/UVTiles.h"
 #include "mesh/VemoFile.h"
@@ -49,7 +49,7 @@ std::string tilePath(const char* outPath, const UV_tile& tile) {
 }
 
 // Whether one of the tiles' files is the mesh itself.
-bool areWrittenOver(const VemoPieces& vemo, const TileSet& tiles, const char* outPath) {
+bool areWrittenOver(const VemoFile& vemo, const TileSet& tiles, const char* outPath) {
     return std::any_of(tiles.begin(), tiles.end(), [&](const UV_tile& tile) {
         return vemo.isSameAs(tilePath(outPath, tile).c_str());
     });
@@ -72,22 +72,22 @@ public:
 
     bool isOpen() const { return file_.isOpen(); }
     TileAt tile() const { return tile_; }
-    std::uint64_t length() const { return length_; }
+    std::uint64_t length() const { return file_.length(); }
 
     // Appends all of the bytes, or none that count: the same call may then be made again.
     bool append(const std::uint8_t* bytes, std::size_t count) {
-        const bool written = file_.writeAt(length_, bytes, count);
-        if (written) length_ += count;
-        return written;
+        const std::uint64_t before = length();
+        if (file_.append(bytes, count)) return true;
+        file_.goBackTo(before);
+        return false;
     }
 
-    void keep() { file_ = File(); }
+    void keep() { file_.finish(); }
 
 private:
     TileAt tile_;
     std::string path_;
-    File file_;
-    std::uint64_t length_ = 0;
+    FileWriter file_;
 };
 
 // Creates the files of the tiles from `next` on, as many as may be open at once, and advances
@@ -107,7 +107,7 @@ std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::co
 // Fills the files of some tiles. What goes to all of them is read and worked out once, piece by
 // piece. On a full disk the last file goes, as often as it takes, and so makes room for the ones
 // before it. Those that are left in the end are whole and kept; none when the mesh cannot be read.
-void fillTileFiles(std::vector<TileFile>& files, VemoPieces& vemo, const ChunkElements& faceUvs,
+void fillTileFiles(std::vector<TileFile>& files, VemoFile& vemo, const ChunkElements& faceUvs,
                    CornerPiece& piece) {
     const auto appendToEach = [&](auto bytesFor, std::size_t count) {
         for (std::size_t i = 0; i < files.size();) {
@@ -127,15 +127,15 @@ void fillTileFiles(std::vector<TileFile>& files, VemoPieces& vemo, const ChunkEl
             appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
         }
     };
-    const bool isRead = vemo.forEachPiece(0, faceUvs.offset, 1, copy) &&
-                        vemo.forEachPiece(faceUvs, kFaceUvBytes, split);
+    const bool isRead = vemo.forEachElement(0, faceUvs.offset, 1, copy) &&
+                        vemo.forEachElement(faceUvs, kFaceUvBytes, split);
     if (!isRead) files.clear();
     appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
     for (TileFile& file : files)
         file.keep();
 }
 
-float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, VemoPieces& vemo,
+float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, VemoFile& vemo,
                              const ChunkElements& faceUvs) {
     const auto piece = std::make_unique<CornerPiece>();
     std::size_t position = 0;
@@ -172,32 +172,32 @@ void forEachVertex(const std::uint8_t* face, Use use) {
 
 bool facesNameVertices(const VemoFile& vemo, const MaskInput& input) {
     std::uint32_t highest = 0;  // a negative index is the highest of all
-    const std::uint8_t* face = vemo.file.data.get() + input.faces.offset;
+    const std::uint8_t* face = vemo.data() + input.faces.offset;
     for (std::uint32_t i = 0; i < input.faces.count; ++i, face += kFaceBytes)
         forEachVertex(face, [&](std::uint32_t index) { highest = std::max(highest, index); });
     return input.faces.count == 0 || highest < input.vertices.count;
 }
 
-MaskInput readMaskInput(const VemoFile& vemo) {
+MaskInput readMaskInput(VemoFile& vemo) {
+    const auto refusal = [](float status) { return MaskInput{status, {}, {}, {}}; };
     const auto find = [&](std::uint32_t id, std::uint32_t start) {
-        return findChunk(vemo.loaded(), id, start, ZeroLength::kCountsAs16);
+        return vemo.findChunk(id, start, ZeroLength::kCountsAs16);
     };
     const auto vertexChunk = find(kVertexChunk, kFirstChunk);
-    if (!vertexChunk) return {vemo_status::kChunkMissing, {}, {}, {}};
+    if (!vertexChunk) return refusal(vemo_status::kChunkMissing);
     const auto faceChunk = find(kFaceChunk, *vertexChunk);
-    if (!faceChunk) return {vemo_status::kFaceChunkMissing, {}, {}, {}};
+    if (!faceChunk) return refusal(vemo_status::kFaceChunkMissing);
     const auto uvChunk = find(kFaceUvChunk, *faceChunk);
-    if (!uvChunk) return {vemo_status::kChunkMissing, {}, {}, {}};
+    if (!uvChunk) return refusal(vemo_status::kChunkMissing);
 
-    const auto vertices = chunkElements(vemo.loaded(), *vertexChunk, kVertexBytes);
-    const auto faces = chunkElements(vemo.loaded(), *faceChunk, kFaceBytes);
-    const auto faceUvs = chunkElements(vemo.loaded(), *uvChunk, kFaceUvBytes);
+    const auto vertices = vemo.elementsOf(*vertexChunk, kVertexBytes);
+    const auto faces = vemo.elementsOf(*faceChunk, kFaceBytes);
+    const auto faceUvs = vemo.elementsOf(*uvChunk, kFaceUvBytes);
     if (!vertices || !faces || !faceUvs || faces->count != faceUvs->count)
-        return {vemo_status::kChunkMissing, {}, {}, {}};
+        return refusal(vemo_status::kChunkMissing);
 
-    MaskInput input{vemo_status::kOk, *vertices, *faces, *faceUvs};
-    if (!facesNameVertices(vemo, input)) input.refused = vemo_status::kFaceChunkMissing;
-    return input;
+    const MaskInput input{vemo_status::kOk, *vertices, *faces, *faceUvs};
+    return facesNameVertices(vemo, input) ? input : refusal(vemo_status::kFaceChunkMissing);
 }
 
 // A whole mask chunk and the closing header after it; the mask itself shows no vertex yet.
@@ -212,7 +212,7 @@ std::vector<std::uint8_t> emptyMaskChunk(std::uint32_t vertices) {
 void maskTile(std::uint8_t* mask, TileAt tile, const std::vector<TileAt>& faceTiles,
               const VemoFile& vemo, const MaskInput& input) {
     std::fill_n(mask, input.vertices.count, kOutsideTile);
-    const std::uint8_t* face = vemo.file.data.get() + input.faces.offset;
+    const std::uint8_t* face = vemo.data() + input.faces.offset;
     for (std::size_t i = 0; i < faceTiles.size(); ++i, face += kFaceBytes) {
         if (faceTiles[i] == tile)
             forEachVertex(face, [&](std::uint32_t index) { mask[index] = kInsideTile; });
@@ -221,7 +221,7 @@ void maskTile(std::uint8_t* mask, TileAt tile, const std::vector<TileAt>& faceTi
 
 std::vector<TileAt> tilesOfFaces(const VemoFile& vemo, const ChunkElements& faceUvs) {
     std::vector<TileAt> tiles(faceUvs.count);
-    const std::uint8_t* face = vemo.file.data.get() + faceUvs.offset;
+    const std::uint8_t* face = vemo.data() + faceUvs.offset;
     for (TileAt& tile : tiles) {
         tile = tileAt(face);
         face += kFaceUvBytes;
@@ -233,15 +233,14 @@ float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFi
                          const MaskInput& input) {
     const std::vector<TileAt> faceTiles = tilesOfFaces(vemo, input.faceUvs);
     std::vector<std::uint8_t> maskChunk = emptyMaskChunk(input.vertices.count);
-    const std::size_t meshBytes = vemo.file.size - kClosingHeader.size();
+    const std::size_t meshBytes = vemo.size() - 1 - kClosingHeader.size();
     for (auto tile = tiles.begin(); tile != tiles.end(); ++tile) {
         const std::size_t position = UVTileStr.size();
         TileFile out(outPath, *tile);
         if (!out.isOpen()) return tileNotWritten(position);
         UVTileStr.push_back(tile->name);
         maskTile(&maskChunk[kChunkHeaderBytes], out.tile(), faceTiles, vemo, input);
-        if (!out.append(vemo.file.data.get(), meshBytes) ||
-            !out.append(maskChunk.data(), maskChunk.size()))
+        if (!out.append(vemo.data(), meshBytes) || !out.append(maskChunk.data(), maskChunk.size()))
             return tileNotWritten(position);
         out.keep();
     }
@@ -251,30 +250,30 @@ float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFi
 }  // namespace
 
 float GetUVsFromVemo(const char* path, const char* outPath, int mode) {
+    constexpr float kNotOpened = vemo_status::kUvExportMeshNotOpened;
     UVTileStr.clear();
-    VemoPieces vemo(path);
-    if (!vemo.isGood()) return vemo_status::kUvExportMeshNotOpened;
-    const auto faceUvs = findElements(vemo, kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
-    if (!vemo.isGood()) return vemo_status::kUvExportMeshNotOpened;
-    if (!faceUvs) return vemo_status::kChunkMissing;
+    VemoFile vemo(path);
+    if (!vemo.isGood()) return kNotOpened;
+    const auto faceUvs = vemo.findElements(kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+    if (!faceUvs) return whyMissing(vemo, kNotOpened);
 
     const auto found = findTiles(vemo, *faceUvs, mode);
-    if (!found) return vemo_status::kUvExportMeshNotOpened;
-    if (areWrittenOver(vemo, found->tiles, outPath) && !vemo.keep())
-        return vemo_status::kUvExportMeshNotOpened;
+    if (!found) return kNotOpened;
+    if (areWrittenOver(vemo, found->tiles, outPath) && !vemo.keep()) return kNotOpened;
     return writeTilesWithLocalUvs(found->tiles, outPath, vemo, *faceUvs);
 }
 
 float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {
+    constexpr float kNotOpened = vemo_status::kUvExportMeshNotOpened;
     UVTileStr.clear();
-    const VemoFile vemo = loadVemo(path);
-    if (!vemo.isOpen()) return vemo_status::kUvExportMeshNotOpened;
+    VemoFile vemo(path);
+    if (!vemo.keep()) return kNotOpened;
     const MaskInput input = readMaskInput(vemo);
     if (input.refused != vemo_status::kOk) return input.refused;
 
-    TileFinder finder(mode, currentTileFilter());
-    finder.add(vemo.file.data.get() + input.faceUvs.offset, input.faceUvs.count);
-    return writeTilesWithMask(std::move(finder).found().tiles, outPath, vemo, input);
+    const auto found = findTiles(vemo, input.faceUvs, mode);
+    if (!found) return kNotOpened;
+    return writeTilesWithMask(found->tiles, outPath, vemo, input);
 }
 
 void getUVTileString(int position, char* out) {

@@ -5,6 +5,7 @@
 #include <cstring>
 #include <utility>
 
+#include "bytes/Bytes.h"
 #include "bytes/Numbers.h"
 #include "bytes/Text.h"
 #include "mesh/VemoOps.h"
@@ -80,10 +81,6 @@ std::string placeName(const char* beforeU, std::int64_t u, const char* beforeV, 
     return name;
 }
 
-float whyMissing(const VemoPieces& vemo) {
-    return vemo.isGood() ? vemo_status::kChunkMissing : vemo_status::kMeshNotOpened;
-}
-
 }  // namespace
 
 TilePlace placeOf(float coordinate) {
@@ -147,24 +144,20 @@ TilesFound TileFinder::found() && {
     return {std::move(tiles_), std::move(last)};
 }
 
-std::optional<TilesFound> findTiles(VemoPieces& vemo, const ChunkElements& faceUvs, int mode) {
+std::optional<TilesFound> findTiles(VemoFile& vemo, const ChunkElements& faceUvs, int mode) {
     TileFinder finder(mode, UVtilesOut);
     const auto add = [&](const std::uint8_t* faces, std::size_t count) {
         finder.add(faces, count);
     };
-    if (!vemo.forEachPiece(faceUvs, kFaceUvBytes, add)) return {};
+    if (!vemo.forEachElement(faceUvs, kFaceUvBytes, add)) return {};
     return std::move(finder).found();
 }
 
-const TileFilter& currentTileFilter() {
-    return UVtilesOut;
-}
-
 float GetUVTile(const char* path, char* out, int mode) {
-    VemoPieces vemo(path);
+    VemoFile vemo(path);
     if (!vemo.isGood()) return vemo_status::kMeshNotOpened;
-    const auto faceUvs = findElements(vemo, kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
-    if (!faceUvs) return whyMissing(vemo);
+    const auto faceUvs = vemo.findElements(kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
+    if (!faceUvs) return whyMissing(vemo, vemo_status::kMeshNotOpened);
 
     const auto found = findTiles(vemo, *faceUvs, mode);
     if (!found) return vemo_status::kMeshNotOpened;
@@ -173,18 +166,18 @@ float GetUVTile(const char* path, char* out, int mode) {
 }
 
 float GetUVGroup(const char* path) {
-    VemoPieces vemo(path);
+    VemoFile vemo(path);
     if (!vemo.isGood()) return vemo_status::kMeshNotOpened;
     const auto groups =
-        findElements(vemo, kFaceGroupChunk, ZeroLength::kCountsAs16, kFaceGroupBytes);
-    if (!groups) return whyMissing(vemo);
+        vemo.findElements(kFaceGroupChunk, ZeroLength::kCountsAs16, kFaceGroupBytes);
+    if (!groups) return whyMissing(vemo, vemo_status::kMeshNotOpened);
 
     std::bitset<65536> ids;
     const auto add = [&](const std::uint8_t* group, std::size_t count) {
         for (std::size_t i = 0; i < count; ++i, group += kFaceGroupBytes)
             ids.set(loadLe16(group));
     };
-    if (!vemo.forEachPiece(*groups, kFaceGroupBytes, add)) return vemo_status::kMeshNotOpened;
+    if (!vemo.forEachElement(*groups, kFaceGroupBytes, add)) return vemo_status::kMeshNotOpened;
     return static_cast<float>(ids.count());
 }
 

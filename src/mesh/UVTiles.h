@@ -69,7 +69,4 @@ private:
 };
 
 // The tiles of all faces, as the current filter lets them pass. Nothing when the disk fails.
-std::optional<TilesFound> findTiles(VemoPieces& vemo, const ChunkElements& faceUvs, int mode);
-
-// The filter that setUVtilesOut set.
-const TileFilter& currentTileFilter();
+std::optional<TilesFound> findTiles(VemoFile& vemo, const ChunkElements& faceUvs, int mode);

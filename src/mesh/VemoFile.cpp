@@ -1,6 +1,10 @@
 #include "mesh/VemoFile.h"
 
-#include <new>
+#include <algorithm>
+#include <bit>
+
+#include "bytes/Bytes.h"
+#include "mesh/VemoOps.h"
 
 namespace {
 
@@ -34,49 +38,76 @@ int readanInt(char b) {
     return unsignedByte(b);
 }
 
-VemoFile loadVemo(const char* path) {
-    VemoFile vemo{loadFile(path, 1)};
-    if (vemo.file.size > 0) vemo.file.data[vemo.file.size] = vemo.file.data[vemo.file.size - 1];
-    return vemo;
-}
-
-VemoPieces::VemoPieces(const char* path) : file_(File::openForReading(path)) {
+VemoFile::VemoFile(const char* path) : file_(File::openForReading(path)) {
     if (!file_.isOpen()) return;
     const std::uint64_t bytes = file_.size();
     failed_ = bytes > 0 && file_.readAt(bytes - 1, &last_, 1) == 0;
-    size = static_cast<std::size_t>(bytes) + 1;
+    size_ = static_cast<std::size_t>(bytes) + 1;
 }
 
-std::uint32_t VemoPieces::le32(std::uint64_t at) {
-    const bool held = at >= pieceStart_ && at - pieceStart_ + 4 <= pieceBytes_;
-    if (!held) {
-        const auto left = static_cast<std::size_t>(at < size ? size - at : 0);
-        read(at, std::min(kHeaderPieceBytes, left));
+bool VemoFile::keep() {
+    if (!isGood()) return false;
+    kept_.reset(new (std::nothrow) std::uint8_t[size_]);
+    failed_ = kept_ == nullptr || file_.readAt(0, kept_.get(), size_ - 1) < size_ - 1;
+    if (!failed_) kept_[size_ - 1] = last_;
+    return !failed_;
+}
+
+std::uint32_t VemoFile::le32(std::uint64_t at) {
+    if (kept_ != nullptr) return Bytes{kept_.get(), size_}.le32(at);
+    const bool isHeld = at >= piece_.offset() && at + 4 <= piece_.offset() + piece_.size();
+    if (!isHeld && at < size_) {
+        const std::uint64_t left = size_ - at;
+        read(at, static_cast<std::size_t>(std::min<std::uint64_t>(kHeaderPieceBytes, left)));
     }
-    return Bytes{piece_, pieceBytes_}.le32(at - pieceStart_);
+    return at < size_ ? Bytes{piece_.data(), piece_.size()}.le32(at - piece_.offset()) : 0;
 }
 
-bool VemoPieces::keep() {
-    const std::size_t count = size - 1;
-    kept_.reset(new (std::nothrow) std::uint8_t[count]);
-    if (kept_ == nullptr || file_.readAt(0, kept_.get(), count) < count) failed_ = true;
-    return !failed_;
+std::optional<std::uint32_t> VemoFile::findChunk(std::uint32_t id, std::uint32_t start,
+                                                 ZeroLength zeroLength) {
+    std::uint64_t position = start;
+    while (position < size_ && position <= UINT32_MAX) {
+        if (le32(position) == id) return static_cast<std::uint32_t>(position);
+        std::uint32_t length = le32(position + 4);
+        if (length == 0) {
+            if (zeroLength == ZeroLength::kEndsSearch) return {};
+            length = kChunkHeaderBytes;
+        }
+        position += length;
+    }
+    return {};
 }
 
-bool VemoPieces::read(std::uint64_t at, std::size_t count) {
-    piece_ = buffer_.placeFor(at);
-    pieceStart_ = at;
-    pieceBytes_ = readAt(at, count);
-    if (pieceBytes_ < count && at + pieceBytes_ + 1 == size) piece_[pieceBytes_++] = last_;
-    if (pieceBytes_ < count) failed_ = true;
-    return !failed_;
+std::optional<ChunkElements> VemoFile::elementsOf(std::uint64_t chunk, std::size_t elementBytes) {
+    if (chunk + kChunkHeaderBytes > size_) return {};
+    const ChunkElements elements{chunk + kChunkHeaderBytes, le32(chunk + 8)};
+    if (!Bytes{nullptr, size_}.holds(elements.offset, elements.count, elementBytes)) return {};
+    return elements;
 }
 
-// Puts bytes at the piece's start. Returns how many there were.
-std::size_t VemoPieces::readAt(std::uint64_t at, std::size_t count) {
-    if (kept_ == nullptr) return file_.readAt(at, piece_, count);
-    const std::size_t start = std::min(static_cast<std::size_t>(at), size - 1);
-    const std::size_t held = std::min(count, size - 1 - start);
-    std::copy_n(kept_.get() + start, held, piece_);
-    return held;
+std::optional<ChunkElements> VemoFile::findElements(std::uint32_t id, ZeroLength zeroLength,
+                                                    std::size_t elementBytes) {
+    const auto chunk = findChunk(id, kFirstChunk, zeroLength);
+    if (!chunk) return {};
+    return elementsOf(*chunk, elementBytes);
+}
+
+// The bytes are there, with the last one repeated.
+bool VemoFile::read(std::uint64_t at, std::size_t count) {
+    std::uint8_t* const bytes = piece_.moveTo(at, count);
+    if (kept_ != nullptr) {
+        std::copy_n(kept_.get() + at, count, bytes);
+        return true;
+    }
+    const bool repeatsLast = at + count == size_;
+    const std::size_t stored = repeatsLast ? count - 1 : count;
+    if (repeatsLast) bytes[stored] = last_;
+    if (file_.readAt(at, bytes, stored) == stored) return true;
+    piece_.moveTo(at, 0);
+    failed_ = true;
+    return false;
+}
+
+float whyMissing(const VemoFile& vemo, float notOpened) {
+    return vemo.isGood() ? vemo_status::kChunkMissing : notOpened;
 }

@@ -130,8 +130,8 @@ void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones
     }
 }
 
-void pickBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* picked,
-               std::size_t count) {
+void gatherBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* indices,
+                 std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
-        to[i] = from[picked[i]];
+        to[i] = from[indices[i]];
 }

@@ -36,6 +36,6 @@ void replaceInPlanes(std::uint8_t* planes, const Rgb& from, const Rgb& to, bool 
 void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones,
                 std::size_t pixels);
 
-// Copies the bytes at the places `picked` of `from`.
-void pickBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* picked,
-               std::size_t count);
+// Copies the bytes at the places `indices` of `from`.
+void gatherBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* indices,
+                 std::size_t count);

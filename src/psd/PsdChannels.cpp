@@ -4,8 +4,6 @@
 #include <array>
 
 #include "bytes/Numbers.h"
-#include "files/File.h"
-#include "files/PieceBuffer.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -22,17 +20,6 @@ constexpr int kOneGrey = 1;  // one channel, and the colour mode grey
 
 constexpr int kThreeBytes = 24;  // channels x depth
 
-// The colour planes of a map on disk.
-struct ColourPlanes {
-    const File& file;
-    std::size_t offset;
-    std::size_t pixels;
-
-    std::size_t placeOf(std::size_t plane, std::size_t pixel) const {
-        return offset + plane * pixels + pixel;
-    }
-};
-
 // For each plane, which of the old ones takes its place.
 using Order = std::array<std::size_t, 3>;
 
@@ -43,62 +30,31 @@ Order inverseOf(const Order& order) {
     return inverse;
 }
 
-// Puts pieces of the planes into another order.
-class Reorder {
-public:
-    Reorder(const ColourPlanes& planes, const Order& order) : planes_(planes), order_(order) {}
+enum class End { kDone, kNotRead, kNotWritten };
 
-    enum class End { kDone, kNotRead, kNotWritten };
-
-    // Reorders the pixels before `end`. Those of a piece that cannot be read stay as they are, the
-    // file ends where the disk takes no more. `done` is how many were reordered.
-    End run(std::size_t end, std::size_t& done) {
-        for (done = 0; done < end; done += kPiece) {
-            const std::size_t count = std::min(kPiece, end - done);
-            if (!read(done, count)) return End::kNotRead;
-            if (!write(done, count)) return End::kNotWritten;
+// Puts the planes into another order, up to byte `end` of each. A piece that cannot be read stays as
+// it is, and the file ends where the disk takes no more. `done` is how far it came.
+End reorder(const File& file, const Planes& planes, const Order& order, std::size_t end,
+            std::size_t& done) {
+    PlanePieces pieces(planes);
+    for (done = 0; done < end; done += PlanePieces::kBytes) {
+        const std::size_t count = std::min(PlanePieces::kBytes, end - done);
+        if (!pieces.read(file, done, count)) return End::kNotRead;
+        for (std::size_t plane = 0; plane < order.size(); ++plane) {
+            if (!pieces.write(file, plane, order[plane])) return End::kNotWritten;
         }
-        return End::kDone;
     }
+    return End::kDone;
+}
 
-private:
-    static constexpr std::size_t kPiece = kPieceBytes / 4;  // of each plane
-
-    bool read(std::size_t start, std::size_t count) {
-        for (std::size_t plane = 0; plane < order_.size(); ++plane) {
-            const std::size_t place = planes_.placeOf(plane, start);
-            pieces_[plane] = buffers_[plane].placeFor(place);
-            if (planes_.file.readAt(place, pieces_[plane], count) < count) return false;
-        }
-        return true;
-    }
-
-    bool write(std::size_t start, std::size_t count) const {
-        for (std::size_t plane = 0; plane < order_.size(); ++plane) {
-            const std::size_t place = planes_.placeOf(plane, start);
-            if (planes_.file.writeAt(place, pieces_[order_[plane]], count)) continue;
-            planes_.file.cut(place);
-            return false;
-        }
-        return true;
-    }
-
-    const ColourPlanes& planes_;
-    const Order order_;
-    const std::array<PieceBuffer, 3> buffers_{PieceBuffer(kPiece), PieceBuffer(kPiece),
-                                              PieceBuffer(kPiece)};
-    std::array<std::uint8_t*, 3> pieces_{};  // as they were read
-};
-
-float reorder(const ColourPlanes& planes, const Order& order) {
-    Reorder there(planes, order);
-    Reorder back(planes, inverseOf(order));
+// A swap that cannot be read to its end is undone.
+float swapPlanes(const File& file, const Planes& planes, const Order& order) {
     std::size_t done = 0;
-    const Reorder::End end = there.run(planes.pixels, done);
-    if (end == Reorder::End::kDone) planes.file.cut(planes.placeOf(3, 0));
-    if (end != Reorder::End::kNotRead) return kOk;
+    const End end = reorder(file, planes, order, planes.bytes, done);
+    if (end == End::kDone) file.cut(planes.placeOf(3, 0));
+    if (end != End::kNotRead) return kOk;
     std::size_t undone = 0;
-    back.run(done, undone);
+    reorder(file, planes, inverseOf(order), done, undone);
     return kNotOpened;
 }
 
@@ -141,14 +97,14 @@ float swapChannelsPSD(const char* path, int mode) {
 
     const File rewritten = File::openForRewriting(path);
     if (!rewritten.isOpen()) return kNotWritten;
-    const ColourPlanes planes{rewritten, map.dataOffset, static_cast<std::size_t>(map.pixels())};
+    const Planes planes{map.dataOffset, static_cast<std::size_t>(map.pixels()), 3};
     switch (mode) {
         case 1:
-            return reorder(planes, {0, 2, 1});
+            return swapPlanes(rewritten, planes, {0, 2, 1});
         case 2:
-            return reorder(planes, {2, 0, 1});
+            return swapPlanes(rewritten, planes, {2, 0, 1});
         case 3:
-            return reorder(planes, {1, 2, 0});
+            return swapPlanes(rewritten, planes, {1, 2, 0});
         default:
             rewritten.cut(map.dataOffset);
             return kOk;
@@ -160,25 +116,25 @@ float GrayscalePSD(const char* input, const char* output, std::int32_t level) {
     const float status = loadPSD(input);
     if (status != kOk) return status;
     if (fHeader.colourMode != kRgbMode) return kGrayscaleNotRgb;
-    const PsdView file = viewOfImg();
+    const PsdLayout file = layoutOfImg();
     if (!file.holdsColourPlanes()) return kNotOpened;
 
     writeShort(kChannelsField, kOneGrey);
     writeShort(kColourModeField, kOneGrey);
     const auto pixels = static_cast<std::size_t>(file.pixels());
     greyPlanes(img.data() + file.dataOffset, tonesFor(level), pixels);
-    return writePSD(output, {file.bytes.first(file.dataOffset + pixels)});
+    return writePSD(output, {img.data(), file.dataOffset + pixels});
 }
 
 float convertPSD(const char* path, float fromColour, float toColour, bool invert) {
     const ImgInUse inUse;
     const float status = loadPSD(path);
     if (status != kOk) return status;
-    const PsdView file = viewOfImg();
+    const PsdLayout file = layoutOfImg();
     if (!file.holdsColourPlanes()) return kNotOpened;
 
     std::uint8_t* const planes = img.data() + file.dataOffset;
     const auto pixels = static_cast<std::size_t>(file.pixels());
     replaceInPlanes(planes, unpacked(fromColour), unpacked(toColour), invert, pixels);
-    return writePSD(path, {img});
+    return writePSD(path, img);
 }

@@ -7,7 +7,7 @@
 #include <utility>
 
 #include "bytes/Bytes.h"
-#include "files/File.h"
+#include "files/FileWriter.h"
 #include "psd/PsdOps.h"
 
 using namespace psd_status;
@@ -72,10 +72,6 @@ float readHeader(std::uint64_t fileBytes, BytesAt bytesAt, PsdHeader& header, st
     if (header.compression != 0) return kCompressed;
     end += 2;
     return kOk;
-}
-
-PsdLayout layoutOfImg() {
-    return {fHeader, static_cast<std::size_t>(offst), img.size()};
 }
 
 }  // namespace
@@ -162,20 +158,40 @@ float openPSD(const char* path, PsdOnDisk& psd) {
     return status;
 }
 
-PsdView viewOfImg() {
-    return {layoutOfImg(), img};
+PsdLayout layoutOfImg() {
+    return {fHeader, static_cast<std::size_t>(offst), img.size()};
 }
 
-PsdImage takeImg() {
-    const PsdLayout layout = layoutOfImg();
-    return {layout, std::exchange(img, {})};
+PlanePieces::PlanePieces(const Planes& planes) : planes_(planes) {
+    for (std::size_t plane = 0; plane < planes.count; ++plane)
+        pieces_.emplace_back(kBytes);
 }
 
-float writePSD(const char* path, std::initializer_list<std::span<const std::uint8_t>> parts) {
+bool PlanePieces::read(const File& file, std::size_t start, std::size_t count) {
+    start_ = start;
+    for (std::size_t plane = 0; plane < planes_.count; ++plane) {
+        if (!pieces_[plane].read(file, planes_.placeOf(plane, start), count)) return false;
+    }
+    return true;
+}
+
+bool PlanePieces::write(const File& file, std::size_t to, std::size_t from) const {
+    const std::size_t place = planes_.placeOf(to, start_);
+    if (file.writeAt(place, pieces_[from].data(), pieces_[from].size())) return true;
+    file.cut(place);
+    return false;
+}
+
+bool PlanePieces::write(const File& file) const {
+    for (std::size_t plane = 0; plane < planes_.count; ++plane) {
+        if (!write(file, plane, plane)) return false;
+    }
+    return true;
+}
+
+float writePSD(const char* path, std::span<const std::uint8_t> bytes) {
     FileWriter file(File::create(path));
     if (!file.isOpen()) return kNotWritten;
-    for (const std::span<const std::uint8_t> part : parts) {
-        if (!file.append(part.data(), part.size())) break;
-    }
+    file.append(bytes.data(), bytes.size());
     return kOk;
 }

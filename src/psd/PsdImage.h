@@ -4,11 +4,10 @@
 
 #include <cstddef>
 #include <cstdint>
-#include <initializer_list>
 #include <span>
 #include <vector>
 
-#include "files/File.h"
+#include "files/Piece.h"
 
 struct PsdHeader {
     std::uint32_t signature = 0;  // the first byte of the file is the lowest
@@ -80,7 +79,7 @@ struct PsdLayout {
 
     std::uint64_t pixels() const { return std::uint64_t{header.width} * header.height; }
 
-    // Whether `bytesPerPixel` bytes for each pixel lie within the file, from `offset` on.
+    // Whether `bytesPerPixel` bytes for each pixel are in the file, from `offset` on.
     bool holds(std::size_t offset, std::size_t bytesPerPixel) const;
 
     // Whether red, green and blue, as planes of bytes, are all in the file.
@@ -97,22 +96,47 @@ struct PsdOnDisk : PsdLayout {
 //   returns  as readPSDHeader
 float openPSD(const char* path, PsdOnDisk& psd);
 
-// A file's bytes with its header.
-struct PsdView : PsdLayout {
-    std::span<const std::uint8_t> bytes;
+// The layout of the file in `img`.
+PsdLayout layoutOfImg();
+
+// Planes of samples, one behind the other, as merges and swaps move them: a piece of each at a time.
+struct Planes {
+    std::size_t offset;  // of the first, in the file
+    std::size_t bytes;   // of each
+    std::size_t count;
+
+    std::size_t placeOf(std::size_t plane, std::size_t start) const {
+        return offset + plane * bytes + start;
+    }
 };
 
-// The file in `img`.
-PsdView viewOfImg();
+// The same piece of each plane of a file.
+class PlanePieces {
+public:
+    explicit PlanePieces(const Planes& planes);
 
-// A file taken out of `img`, which is then empty.
-struct PsdImage : PsdLayout {
-    std::vector<std::uint8_t> bytes;
+    static constexpr std::size_t kBytes = kPieceBytes / 4;  // of each plane
+
+    // False when the file has fewer bytes.
+    bool read(const File& file, std::size_t start, std::size_t count);
+
+    // Writes plane `from` of what was read to the place of plane `to`. False when the disk took
+    // fewer bytes; the file then ends before them.
+    bool write(const File& file, std::size_t to, std::size_t from) const;
+
+    // Writes each plane to its own place.
+    bool write(const File& file) const;
+
+    std::uint8_t* at(std::size_t plane) const { return pieces_[plane].data(); }
+
+private:
+    const Planes& planes_;
+    std::vector<Piece> pieces_;  // one for each plane
+    std::size_t start_ = 0;      // in each plane
 };
-PsdImage takeImg();
 
-// Writes a file that consists of these parts.
+// Writes a whole file.
 //
 //   returns  kNotWritten when the file cannot be opened for writing; else kOk, even if the disk
 //            takes fewer bytes
-float writePSD(const char* path, std::initializer_list<std::span<const std::uint8_t>> parts);
+float writePSD(const char* path, std::span<const std::uint8_t> bytes);

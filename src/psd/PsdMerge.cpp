@@ -1,9 +1,9 @@
 // Laying tiles over a map, and repairing a map's borders.
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
-#include "files/PieceBuffer.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -20,70 +20,16 @@ bool sameSize(const PsdHeader& a, const PsdHeader& b) {
     return a.width == b.width && a.height == b.height;
 }
 
-// The planes that a merge works on, at the same place in both files.
-struct Planes {
-    std::size_t offset;
-    std::size_t bytes;  // of each plane
-    std::size_t count;
-    std::size_t sampleBytes;
-
-    std::size_t placeOf(std::size_t plane, std::size_t start) const {
-        return offset + plane * bytes + start;
-    }
-};
-
-// The same piece of each plane of a file.
-class Piece {
-public:
-    explicit Piece(const Planes& planes) : planes_(planes) {
-        for (std::size_t plane = 0; plane < planes.count; ++plane)
-            buffers_.emplace_back(kBytes);
-    }
-
-    static constexpr std::size_t kBytes = kPieceBytes / 4;  // of each plane
-
-    // False when there are fewer bytes.
-    bool read(const File& file, std::size_t start, std::size_t count) {
-        start_ = start;
-        for (std::size_t plane = 0; plane < planes_.count; ++plane) {
-            if (file.readAt(placeInFile(plane), at(plane), count) < count) return false;
-        }
-        return true;
-    }
-
-    // Writes it where it was read, or else at the start. False when the disk took fewer bytes. The
-    // file then ends before them.
-    bool write(const File& file, std::size_t count) const {
-        for (std::size_t plane = 0; plane < planes_.count; ++plane) {
-            if (!file.writeAt(placeInFile(plane), at(plane), count)) {
-                file.cut(placeInFile(plane));
-                return false;
-            }
-        }
-        return true;
-    }
-
-    std::uint8_t* at(std::size_t plane) const {
-        return buffers_[plane].placeFor(placeInFile(plane));
-    }
-
-private:
-    std::size_t placeInFile(std::size_t plane) const { return planes_.placeOf(plane, start_); }
-
-    const Planes& planes_;
-    std::vector<PieceBuffer> buffers_;  // one for each plane
-    std::size_t start_ = 0;             // in each plane
-};
-
-void copyFirstSamples(const Planes& planes, const Piece& from, const Piece& to) {
+void copyFirstSamples(const Planes& planes, std::size_t sampleBytes, const PlanePieces& from,
+                      const PlanePieces& to) {
     for (std::size_t plane = 0; plane < planes.count; ++plane)
-        std::copy_n(from.at(plane), planes.sampleBytes, to.at(plane));
+        std::copy_n(from.at(plane), sampleBytes, to.at(plane));
 }
 
-void layOver(const Planes& planes, const Piece& map, const Piece& tile, const Piece& background,
-             std::size_t count) {
+void layOver(const Planes& planes, const PlanePieces& map, const PlanePieces& tile,
+             const PlanePieces& background, std::size_t count) {
     if (planes.count == 1) {
-        layOverShorts(map.at(0), tile.at(0), background.at(0), count / planes.sampleBytes);
+        layOverShorts(map.at(0), tile.at(0), background.at(0), count / 2);
         return;
     }
     layOverPlanes({map.at(0), map.at(1), map.at(2)}, {tile.at(0), tile.at(1), tile.at(2)},
@@ -92,23 +38,25 @@ void layOver(const Planes& planes, const Piece& map, const Piece& tile, const Pi
 
 // Returns kNotOpened when a file cannot be read, else kOk. The map's first pixel, which tells the
 // background, is written last: a merge that ends halfway can be made again.
-float mergePlanes(const File& source, const File& target, const Planes& planes) {
-    Piece tile(planes);
-    Piece map(planes);
-    Piece background(planes);
-    Piece firstPixel(planes);
-    if (!background.read(target, 0, planes.sampleBytes)) return kNotOpened;
-    for (std::size_t start = 0; start < planes.bytes; start += Piece::kBytes) {
-        const std::size_t count = std::min(Piece::kBytes, planes.bytes - start);
+float mergePlanes(const File& source, const File& target, const Planes& planes,
+                  std::size_t sampleBytes) {
+    PlanePieces tile(planes);
+    PlanePieces map(planes);
+    PlanePieces background(planes);
+    PlanePieces firstPixel(planes);
+    if (!background.read(target, 0, sampleBytes) || !firstPixel.read(target, 0, sampleBytes))
+        return kNotOpened;
+    for (std::size_t start = 0; start < planes.bytes; start += PlanePieces::kBytes) {
+        const std::size_t count = std::min(PlanePieces::kBytes, planes.bytes - start);
         if (!tile.read(source, start, count) || !map.read(target, start, count)) return kNotOpened;
         layOver(planes, map, tile, background, count);
         if (start == 0) {
-            copyFirstSamples(planes, map, firstPixel);
-            copyFirstSamples(planes, background, map);
+            copyFirstSamples(planes, sampleBytes, map, firstPixel);
+            copyFirstSamples(planes, sampleBytes, background, map);
         }
-        if (!map.write(target, count)) return kOk;
+        if (!map.write(target)) return kOk;
     }
-    firstPixel.write(target, planes.sampleBytes);
+    firstPixel.write(target);
     return kOk;
 }
 
@@ -161,9 +109,8 @@ float mergePSD(const char* source, const char* target) {
     if (!rewritten.isOpen()) return kNotWritten;
     const auto pixels = static_cast<std::size_t>(map.pixels());
     if (pixels == 0) return kOk;
-    return mergePlanes(
-        tile.file, rewritten,
-        kind == kRgb8 ? Planes{offset, pixels, 3, 1} : Planes{offset, 2 * pixels, 1, 2});
+    if (kind == kGray16) return mergePlanes(tile.file, rewritten, {offset, 2 * pixels, 1}, 2);
+    return mergePlanes(tile.file, rewritten, {offset, pixels, 3}, 1);
 }
 
 float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) {
@@ -171,12 +118,13 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     const float status = loadPSD(shifted);
     if (status != kOk) return status;
     if (fHeader.height < kLeastSide || fHeader.width < kLeastSide) return kBadSize;
-    const PsdImage displaced = takeImg();
+    const PsdHeader displaced = fHeader;
+    const std::vector<std::uint8_t> displacedBytes = std::exchange(img, {});
 
     if (!loadImg(plain)) return kNotOpened;
     readPSDHeader();  // its status does not matter: a size that is not read counts as that of `shifted`
-    if (!sameSize(displaced.header, fHeader)) return kSizesDiffer;
-    const PsdView repaired = viewOfImg();
+    if (!sameSize(displaced, fHeader)) return kSizesDiffer;
+    const PsdLayout repaired = layoutOfImg();
     const std::size_t offset = repaired.dataOffset;
     if (!repaired.holds(offset, 3)) return kNotOpened;
     const auto pixels = static_cast<std::size_t>(repaired.pixels());
@@ -184,12 +132,12 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     const std::size_t bytesRead = horizontal
                                       ? lastRow * fHeader.width + kDisplacement + kSeamColumns
                                       : (kDisplacement + kSeamRows) * fHeader.width;
-    if (displaced.bytes.size() < offset + 2 * pixels + bytesRead) return kNotOpened;
+    if (displacedBytes.size() < offset + 2 * pixels + bytesRead) return kNotOpened;
 
     const auto repair = horizontal ? repairColumns : repairRows;
     for (std::size_t plane = 0; plane < 3; ++plane) {
         const std::size_t start = offset + plane * pixels;
-        repair(&img[start], &displaced.bytes[start], fHeader.width, fHeader.height);
+        repair(&img[start], &displacedBytes[start], fHeader.width, fHeader.height);
     }
-    return writePSD(shifted, {img});
+    return writePSD(shifted, img);
 }

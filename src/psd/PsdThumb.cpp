@@ -1,9 +1,10 @@
 // Shrinking a map to a thumbnail.
 
 #include <algorithm>
+#include <cstring>
 #include <vector>
 
-#include "files/File.h"
+#include "files/PieceWriter.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -51,59 +52,18 @@ Thumb thumbOf(const PsdHeader& header, std::uint32_t size) {
     return {size, sideOf(header.width, size, step, high), sideOf(header.height, size, step, !high)};
 }
 
-// The piece of a file that is being filled, row by row.
-class RowWriter {
-public:
-    RowWriter(const File& file, std::size_t offset, std::size_t rowBytes)
-        : file_(file), offset_(offset), rowBytes_(rowBytes) {
-        piece_.reserve(std::max(kPieceBytes, rowBytes));
-    }
-
-    // A row of zeros that the caller fills before it asks for the next one. Null when the disk is
-    // full.
-    std::uint8_t* nextRow() {
-        if (piece_.size() + rowBytes_ > piece_.capacity() && !flush()) return nullptr;
-        piece_.resize(piece_.size() + rowBytes_);
-        return &piece_[piece_.size() - rowBytes_];
-    }
-
-    bool flush() {
-        const bool written = file_.writeAt(offset_, piece_.data(), piece_.size());
-        offset_ += piece_.size();
-        piece_.clear();
-        return written;
-    }
-
-private:
-    const File& file_;
-    std::uint64_t offset_;
-    std::size_t rowBytes_;
-    std::vector<std::uint8_t> piece_;
-};
-
-// False when the disk is full.
-bool writePlane(RowWriter& writer, const std::uint8_t* plane, std::size_t width,
-                const Thumb& thumb) {
+// The rows of one plane, black around the picture.
+void appendPlane(PieceWriter& out, const std::uint8_t* plane, std::size_t width,
+                 const Thumb& thumb) {
     const std::size_t lastRow = thumb.rows.margin + thumb.rows.shown.size();
     for (std::size_t row = 0; row < thumb.size; ++row) {
-        std::uint8_t* const out = writer.nextRow();
-        if (out == nullptr) return false;
+        std::uint8_t* const to = out.room(thumb.size);
+        std::memset(to, 0, thumb.size);
         if (row < thumb.rows.margin || row >= lastRow) continue;
         const std::size_t shown = thumb.rows.shown[row - thumb.rows.margin];
-        pickBytes(out + thumb.columns.margin, plane + shown * width, thumb.columns.shown.data(),
-                  thumb.columns.shown.size());
+        gatherBytes(to + thumb.columns.margin, plane + shown * width, thumb.columns.shown.data(),
+                    thumb.columns.shown.size());
     }
-    return true;
-}
-
-void writePlanes(const File& file, const PsdView& map, const Thumb& thumb) {
-    RowWriter writer(file, map.dataOffset, thumb.size);
-    const auto pixels = static_cast<std::size_t>(map.pixels());
-    for (std::size_t plane = 0; plane < 3; ++plane) {
-        const std::uint8_t* const samples = map.bytes.data() + map.dataOffset + plane * pixels;
-        if (!writePlane(writer, samples, map.header.width, thumb)) return;
-    }
-    writer.flush();
 }
 
 }  // namespace
@@ -113,15 +73,19 @@ float createThumb(const char* path, int size) {
     const ImgInUse inUse;
     const float status = loadPSD(path);
     if (status != kOk) return status;
-    const PsdView map = viewOfImg();
+    const PsdLayout map = layoutOfImg();
     if (!map.holdsColourPlanes()) return kNotOpened;
 
     const auto side = static_cast<std::uint32_t>(size);
     const Thumb thumb = thumbOf(map.header, side);
-    const File file = File::create(path);
-    if (!file.isOpen()) return kNotWritten;
+    PieceWriter out;  // the memory is there before the file is emptied
+    if (!out.start(File::create(path))) return kNotWritten;
     writeLong(kHeightField, side);
     writeLong(kWidthField, side);
-    if (file.writeAt(0, map.bytes.data(), map.dataOffset)) writePlanes(file, map, thumb);
+    out.append(img.data(), map.dataOffset);
+    const auto pixels = static_cast<std::size_t>(map.pixels());
+    for (std::size_t plane = 0; plane < 3; ++plane)
+        appendPlane(out, img.data() + map.dataOffset + plane * pixels, map.header.width, thumb);
+    out.flush();
     return kOk;
 }

@@ -28,10 +28,8 @@ FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& r
 // Samples lie in a file as they lie in memory on both processors.
 static_assert(std::endian::native == std::endian::little);
 
-const float* readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
-                         const PieceBuffer& buffer) {
-    std::uint8_t* const place = buffer.placeFor(offset);
-    const std::size_t bytes = pixels * map.strip.pixelBytes;
-    if (map.file.readAt(offset, place, bytes) < bytes) return nullptr;
-    return static_cast<const float*>(static_cast<const void*>(place));
+const float* readSamples(const FloatMap& map, Piece& piece, std::uint64_t offset,
+                         std::size_t pixels) {
+    if (!piece.read(map.file, offset, pixels * map.strip.pixelBytes)) return nullptr;
+    return static_cast<const float*>(static_cast<const void*>(piece.data()));
 }

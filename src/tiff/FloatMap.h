@@ -6,7 +6,7 @@
 #include <cstdint>
 
 #include "files/File.h"
-#include "files/PieceBuffer.h"
+#include "files/Piece.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffOps.h"
 #include "tiff/TiffStrip.h"
@@ -30,7 +30,6 @@ using OpenFile = File (*)(const char* path);
 FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& rules,
                       OpenFile open);
 
-// Reads the samples of up to a piece of pixels, which stay in the buffer until the next call. Null
-// when the file does not have them any more.
-const float* readSamples(const FloatMap& map, std::uint64_t offset, std::size_t pixels,
-                         const PieceBuffer& buffer);
+// Reads the samples of some pixels into a piece. Null when the file does not have them any more.
+const float* readSamples(const FloatMap& map, Piece& piece, std::uint64_t offset,
+                         std::size_t pixels);

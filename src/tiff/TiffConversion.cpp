@@ -4,8 +4,8 @@
 #include <vector>
 
 #include "bytes/Bytes.h"
-#include "files/File.h"
-#include "files/PieceBuffer.h"
+#include "files/FileWriter.h"
+#include "files/Piece.h"
 #include "pixels/Samples.h"
 #include "tiff/FloatMap.h"
 #include "tiff/TiffOps.h"
@@ -28,18 +28,17 @@ float writeConverted(const FloatMap& map, const char* target, const Header& head
                      std::size_t outPixelBytes, Convert convert) {
     if (map.file.isSameAs(target)) return tiff_status::kTargetNotWritten;
     // The memory is there before the old target is written over.
-    const PieceBuffer sampleBuffer;
-    const PieceBuffer convertedBuffer;
-    FileReplacer out(target);
+    Piece samples;
+    Piece converted;
+    FileWriter out(File::createOver(target));
     if (!out.isOpen() || !out.append(header.data(), header.size()))
         return tiff_status::kTargetNotWritten;
 
     const bool done = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
-        const float* const samples = readSamples(map, offset, pixels, sampleBuffer);
-        if (samples == nullptr) return false;
-        std::uint8_t* const converted = convertedBuffer.placeFor(out.length());
-        convert(converted, samples, pixels);
-        return out.append(converted, pixels * outPixelBytes);
+        const float* const from = readSamples(map, samples, offset, pixels);
+        if (from == nullptr) return false;
+        convert(converted.moveTo(out.length(), pixels * outPixelBytes), from, pixels);
+        return out.append(converted.data(), converted.size());
     });
     return done && out.finish() ? tiff_status::kOk : tiff_status::kTargetNotWritten;
 }

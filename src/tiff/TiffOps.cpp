@@ -6,8 +6,7 @@
 #include <array>
 #include <cstdio>
 
-#include "files/File.h"
-#include "files/PieceBuffer.h"
+#include "files/Piece.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffStrip.h"
@@ -45,16 +44,13 @@ bool mergePixels(const File& source, const File& target, const Strip& strip) {
     if (source.readAt(strip.offset, background.data(), strip.pixelBytes) < strip.pixelBytes)
         return false;
 
-    const PieceBuffer tileBuffer;
-    const PieceBuffer mapBuffer;
+    Piece tile;
+    Piece map;
     return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
-        std::uint8_t* const tile = tileBuffer.placeFor(offset);
-        std::uint8_t* const map = mapBuffer.placeFor(offset);
         const std::size_t bytes = pixels * strip.pixelBytes;
-        if (source.readAt(offset, tile, bytes) < bytes) return false;
-        if (target.readAt(offset, map, bytes) < bytes) return false;
-        fillBackground(map, tile, background.data(), pixels, strip.pixelBytes);
-        return target.writeAt(offset, map, bytes);
+        if (!tile.read(source, offset, bytes) || !map.read(target, offset, bytes)) return false;
+        fillBackground(map.data(), tile.data(), background.data(), pixels, strip.pixelBytes);
+        return map.write(target);
     });
 }
 
@@ -72,13 +68,11 @@ Exchange exchangeOf(int mode) {
 }
 
 bool swapPixels(const File& file, const Strip& strip, Exchange exchange) {
-    const PieceBuffer buffer;
+    Piece piece;
     return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
-        std::uint8_t* const piece = buffer.placeFor(offset);
-        const std::size_t bytes = pixels * strip.pixelBytes;
-        if (file.readAt(offset, piece, bytes) < bytes) return false;
-        exchangeSamples(piece, pixels, exchange);
-        return file.writeAt(offset, piece, bytes);
+        if (!piece.read(file, offset, pixels * strip.pixelBytes)) return false;
+        exchangeSamples(piece.data(), pixels, exchange);
+        return piece.write(file);
     });
 }
 

@@ -27,9 +27,9 @@ float getScaleTiff(const char* path, int channels) {
     if (map.strip.pixels == 0) return tiff_status::kNoPixels;
 
     LevelSet levels;
-    const PieceBuffer buffer;
+    Piece piece;
     const bool read = forEachPiece(map.strip, [&](std::uint64_t offset, std::size_t pixels) {
-        const float* const samples = readSamples(map, offset, pixels, buffer);
+        const float* const samples = readSamples(map, piece, offset, pixels);
         if (samples == nullptr) return false;
         levels.addSamples(samples, pixels * map.channels());
         return true;

@@ -1,5 +1,7 @@
 #include "tiff/TiffStrip.h"
 
+#include <algorithm>
+
 namespace {
 
 // More pixels than any file holds, few enough that their bytes can be counted.

@@ -1,12 +1,10 @@
 #pragma once
-// TiffStrip: the pixels of a map, moved in pieces. Rows lie one behind the other, so a piece is a
-// run of whole pixels and need not end with a row.
+// TiffStrip: where the pixels of a map are. Rows follow one another without a gap, so a piece of the
+// strip is a run of whole pixels and need not end with a row.
 
-#include <algorithm>
 #include <cstdint>
-#include <memory>
 
-#include "files/File.h"
+#include "files/Piece.h"
 #include "tiff/TiffHeader.h"
 
 struct Strip {
@@ -27,16 +25,8 @@ Strip stripOf(const TiffInfo& info, std::size_t pixelBytes);
 // The part of the strip that consists of whole rows within a file of this length.
 Strip wholeRowsWithin(const Strip& strip, const TiffInfo& info, std::uint64_t fileBytes);
 
-// Calls `use(offset, pixels)` for each run of pixels in the strip of at most kPieceBytes, in order,
-// as long as it returns true. Returns whether all did.
+// forEachPiece of the strip's pixels.
 template <typename Use>
 bool forEachPiece(const Strip& strip, Use use) {
-    const std::uint64_t most = kPieceBytes / strip.pixelBytes;
-    for (std::uint64_t done = 0; done < strip.pixels;) {
-        const std::uint64_t pixels = std::min(most, strip.pixels - done);
-        if (!use(strip.offset + done * strip.pixelBytes, static_cast<std::size_t>(pixels)))
-            return false;
-        done += pixels;
-    }
-    return true;
+    return forEachPiece(strip.offset, strip.pixels, strip.pixelBytes, use);
 }

@@ -211,42 +211,6 @@ TEST(File, RefusingLeavesNoDescriptorOpen) {
     EXPECT_EQ(openFiles(), before);
 }
 
-TEST(FileReplacer, LeavesWhatWasAppendedAlone) {
-    const TempDir dir;
-    const std::string path = dir.write("f", ByteList{1, 2, 3, 4});
-    {
-        FileReplacer file(path.c_str());
-        EXPECT_TRUE(file.append(ByteList{7, 8}.data(), 2));
-        EXPECT_TRUE(file.append(ByteList{9}.data(), 1));
-    }
-    EXPECT_EQ(readBytes(path), (ByteList{7, 8, 9}));
-}
-
-TEST(FileReplacer, MakesAFileThatIsNotThere) {
-    const TempDir dir;
-    { const FileReplacer file(dir.path("f").c_str()); }
-    EXPECT_EQ(readBytes(dir.path("f")), ByteList{});
-    EXPECT_FALSE(FileReplacer(dir.path("none/f").c_str()).isOpen());
-    EXPECT_FALSE(FileReplacer(nullptr).isOpen());
-}
-
-TEST(FileReplacer, AFullDiskLeavesTheBytesThatItTook) {
-    const TempDir dir;
-    const std::string path = dir.write("f", ByteList{1, 2, 3, 4, 5});
-    {
-        const FullDisk disk(2);
-        FileReplacer file(path.c_str());
-        EXPECT_FALSE(file.append(ByteList{7, 8, 9}.data(), 3));
-    }
-    EXPECT_EQ(readBytes(path), (ByteList{7, 8}));
-}
-
-TEST(FileReplacer, WritesToADeviceWithoutCuttingIt) {
-    FileReplacer file("/dev/full");
-    EXPECT_TRUE(file.isOpen());
-    EXPECT_FALSE(file.append(ByteList{1}.data(), 1));
-}
-
 TEST(LoadFile, HoldsTheWholeFile) {
     const TempDir dir;
     const FileBytes file = loadFile(dir.write("f", ByteList{1, 0, 255}).c_str());

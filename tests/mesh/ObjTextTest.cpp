@@ -24,8 +24,8 @@ std::string written(Add add) {
     const TempDir dir;
     const std::string path = dir.path("text.obj");
     {
-        ObjText text(path.c_str());
-        EXPECT_TRUE(text.isOpen());
+        ObjText text;
+        EXPECT_TRUE(text.create(path.c_str()));
         add(text);
     }
     const ByteList bytes = readBytes(path);
@@ -183,8 +183,8 @@ TEST(ObjText, ATextLongerThanAPieceIsWrittenWhole) {
 
 TEST(ObjText, AFileThatCannotBeCreatedIsNotOpen) {
     const TempDir dir;
-    EXPECT_FALSE(ObjText(dir.path("no/text.obj").c_str()).isOpen());
-    EXPECT_FALSE(ObjText(nullptr).isOpen());
+    EXPECT_FALSE(ObjText().create(dir.path("no/text.obj").c_str()));
+    EXPECT_FALSE(ObjText().create(nullptr));
 }
 
 TEST(ObjText, AfterAFailureNothingMoreIsWritten) {
@@ -192,7 +192,8 @@ TEST(ObjText, AfterAFailureNothingMoreIsWritten) {
     const std::string path = dir.path("text.obj");
     {
         const FullDisk disk(100);
-        ObjText text(path.c_str());
+        ObjText text;
+        EXPECT_TRUE(text.create(path.c_str()));
         text.add(repeated("0123456789", 60'000));
     }
     EXPECT_EQ(readBytes(path).size(), 100u);

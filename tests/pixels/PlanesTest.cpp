@@ -99,7 +99,7 @@ TEST(Planes, BytesArePickedInAnyOrder) {
     const ByteVector from = {10, 11, 12};
     const std::vector<std::size_t> picked = {2, 0, 0};
     ByteVector to(4, 1);
-    pickBytes(to.data(), from.data(), picked.data(), 3);
+    gatherBytes(to.data(), from.data(), picked.data(), 3);
     EXPECT_THAT(to, ElementsAre(12, 10, 10, 1));
 }
 
