@@ -63,7 +63,8 @@ float mergeBMP(const char* source, const char* target);
 //            kNotReopened
 float swapChannelsBMP(const char* path, std::int32_t mode);
 
-// Writes a band of columns of an image, without the bottom row and the two top rows. An image of
+// Writes a band of columns of an image, without the bottom row and the two top rows. No export calls
+// it. An image of
 // less than 4 rows leaves the headers alone, with the height 3 less all the same.
 //
 //   input     path, whole in memory during the call; only read unless it is the output, too

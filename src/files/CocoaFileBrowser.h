@@ -1,7 +1,7 @@
 #pragma once
 // CocoaFileBrowser: the three operations that each system offers in its own way. On macOS they go
-// through Foundation and AppKit (CocoaFileBrowser.cpp); elsewhere through the file system and the
-// desktop's own file chooser (PosixFileBrowser.cpp). Texts are NUL-terminated UTF-8.
+// through Foundation and AppKit (CocoaFileBrowser.cpp); elsewhere through the file system
+// (PosixFileBrowser.cpp). Texts are NUL-terminated UTF-8.
 
 // Creates one folder.
 //
@@ -14,8 +14,9 @@ bool createFolder(const char* path);
 //   returns  a new array that the caller releases with delete[], or null when there is none
 char* getSharedFolder();
 
-// Lets the user choose one file of the type "vws" or "VWS" in a modal dialog titled `title`.
+// Lets the user choose one file of the type "vws" or "VWS" in a modal dialog titled `title`. No
+// export calls it.
 //
 //   returns  the chosen path in a new array that the caller releases with delete[]; null when the
-//            user cancels, no dialog can be shown or `title` is null
+//            user cancels or `title` is null, and on systems other than macOS
 char* runCocoaOpenFileBrowser(const char* title);

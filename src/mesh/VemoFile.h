@@ -24,7 +24,8 @@ inline constexpr std::size_t kFaceUvBytes = 32;
 inline constexpr std::size_t kColourBytes = 4;
 inline constexpr std::size_t kFaceGroupBytes = 2;
 
-// Values from single bytes, little-endian. `readShort` is signed, `readanInt` 0 to 255.
+// The host's names for values put together from single bytes, little-endian; operations load them
+// through Bytes.h instead. `readShort` is signed, `readanInt` 0 to 255.
 std::uint32_t readUnInt(char b0, char b1, char b2, char b3);
 float readaFloat(char b0, char b1, char b2, char b3);
 int readShort(char b0, char b1);

@@ -115,6 +115,8 @@ void getUVTileString(int position, char* out);
 // Forgets the names of the last export's tiles.
 void clearUVTileString();
 
+// No export calls ReadVertColorVemo, writeOBJfromVemo and GetFaceIDsVemo.
+
 // Writes a mesh's vertex colours as a text file that holds one colour block.
 //
 //   in_path   mesh file whose first chunk is the vertex colour chunk; its id is not looked at

@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cstring>
 
+#include "pixels/Lanes.h"
+
 namespace {
 
 // Pictures are worked on in blocks: first a mark for each pixel, then plane by plane. Both loops
@@ -42,23 +44,14 @@ void fillWhere(std::uint8_t mark, std::uint8_t* to, std::uint8_t value, const Ma
     }
 }
 
-// Sixteen bytes at a time.
-typedef std::uint8_t Lanes __attribute__((vector_size(16)));
+using ByteLanes = Lanes<std::uint8_t>;
 
-Lanes loadLanes(const std::uint8_t* from) {
-    Lanes lanes;
-    std::memcpy(&lanes, from, sizeof lanes);
-    return lanes;
+// Stores bytes, except where all bits of `kept` are set.
+void storeMixed(std::uint8_t* to, const ByteLanes& bytes, const ByteLanes& kept) {
+    storeLanes<std::uint8_t>(to, (loadLanes<std::uint8_t>(to) & kept) | (bytes & ~kept));
 }
 
-// Stores bytes, save where all bits of `kept` are set.
-void storeMixed(std::uint8_t* to, const Lanes& bytes, const Lanes& kept) {
-    const Lanes mixed = (loadLanes(to) & kept) | (bytes & ~kept);
-    std::memcpy(to, &mixed, sizeof mixed);
-}
-
-}  // namespace
-
+// What layOverPlanes does, from pixel `first` on.
 void layOverPlain(const std::array<std::uint8_t*, 3>& planes,
                   const std::array<const std::uint8_t*, 3>& source, const Rgb& background,
                   std::size_t first, std::size_t pixels) {
@@ -71,19 +64,21 @@ void layOverPlain(const std::array<std::uint8_t*, 3>& planes,
     }
 }
 
+}  // namespace
+
 void layOverPlanes(const std::array<std::uint8_t*, 3>& planes,
                    const std::array<const std::uint8_t*, 3>& source, const Rgb& background,
                    std::size_t pixels) {
-    const Lanes red = Lanes{} + background.red;
-    const Lanes green = Lanes{} + background.green;
-    const Lanes blue = Lanes{} + background.blue;
+    const ByteLanes red = ByteLanes{} + background.red;
+    const ByteLanes green = ByteLanes{} + background.green;
+    const ByteLanes blue = ByteLanes{} + background.blue;
     std::size_t i = 0;
-    for (; i + sizeof(Lanes) <= pixels; i += sizeof(Lanes)) {
-        const Lanes newRed = loadLanes(source[0] + i);
-        const Lanes newGreen = loadLanes(source[1] + i);
-        const Lanes newBlue = loadLanes(source[2] + i);
-        const Lanes kept =
-            reinterpret_cast<Lanes>((newRed == red) & (newGreen == green) & (newBlue == blue));
+    for (; i + kLanesBytes <= pixels; i += kLanesBytes) {
+        const ByteLanes newRed = loadLanes<std::uint8_t>(source[0] + i);
+        const ByteLanes newGreen = loadLanes<std::uint8_t>(source[1] + i);
+        const ByteLanes newBlue = loadLanes<std::uint8_t>(source[2] + i);
+        const auto kept =
+            reinterpret_cast<ByteLanes>((newRed == red) & (newGreen == green) & (newBlue == blue));
         storeMixed(planes[0] + i, newRed, kept);
         storeMixed(planes[1] + i, newGreen, kept);
         storeMixed(planes[2] + i, newBlue, kept);

@@ -13,7 +13,7 @@ struct Rgb {
     std::uint8_t blue;
 };
 
-// Replaces each pixel of three planes by the one at the same place in `source`, save where the
+// Replaces each pixel of three planes by the one at the same place in `source`, except where the
 // source's equals `background`: painted pixels of the source win, the reverse of fillBackground in
 // Pixels.h. No plane of one overlaps with one of the other.
 void layOverPlanes(const std::array<std::uint8_t*, 3>& planes,

@@ -59,15 +59,17 @@ float readPSDHeader();
 // Both: loads a file and reads its header.
 float loadPSD(const char* path);
 
-// Values at a place in `img`. Bytes past its end read as 0 and are not stored.
+// Stores a value at a place in `img`, high byte first, unless it does not fit there. Each returns
+// `value`.
+int writeShort(std::size_t position, int value);  // the low 16 bits
+std::uint32_t writeLong(std::size_t position, std::uint32_t value);
+
+// The module's readers to match, which no operation calls: values at a place in `img`, whose bytes
+// past the end read as 0, and the byte order of the processors that Quillon runs on.
 std::int16_t readShort(std::size_t position);
 std::uint32_t readLong(std::size_t position);
-float readFloat(std::size_t position);            // little-endian: the name is the wrong way round
-float readFloatLE(std::size_t position);          // big-endian, as PSD stores floats: likewise
-int writeShort(std::size_t position, int value);  // the low 16 bits; returns `value`
-std::uint32_t writeLong(std::size_t position, std::uint32_t value);  // returns `value`
-
-// The byte order of the processors that Quillon runs on; not probed.
+float readFloat(std::size_t position);    // little-endian: the name is the wrong way round
+float readFloatLE(std::size_t position);  // big-endian, as PSD stores floats: likewise
 bool bigEndian();
 bool littleEndian();
 

@@ -64,6 +64,8 @@ inline constexpr float kNotThreeBytes = -56.0f;   // swapping: not three channel
 //            kSizesDiffer; kUnknownKind; kNotWritten
 float mergePSD(const char* source, const char* target);
 
+// No export calls mergeSeamlessPSD, GrayscalePSD, convertPSD and createThumb.
+
 // Repairs the borders of a map that wraps around, where filtering breaks at the texture's edge. The
 // map is rendered twice, the second time displaced by 50 pixels with wrap-around, so that the texel
 // of a border column c lies at (c + 50) mod width there.

@@ -156,6 +156,7 @@ int open(const char* path, int flags, ...) {
 }
 
 // What a compiler that checks the library's calls makes of an open without a mode.
+int __open_2(const char* path, int flags);
 int __open_2(const char* path, int flags) {
     return open(path, flags);
 }
