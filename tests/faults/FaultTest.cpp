@@ -12,11 +12,10 @@
 #include <sstream>
 #include <string>
 #include <string_view>
-#include <utility>
 
+#include "faults/FaultyStage.h"
 #include "faults/Scenarios.h"
 #include "faults/System.h"
-#include "support/CaptureStdout.h"
 #include "support/Faults.h"
 #include "support/VemoBuilder.h"
 
@@ -209,34 +208,6 @@ struct Outcome {
     Entries entries;
 
     bool operator==(const Outcome&) const = default;
-};
-
-// A stage on which one call can be made to go wrong, and which keeps count of the heap.
-class FaultyStage : public Stage {
-public:
-    void harmNextCall(const Fault& fault) { fault_ = fault; }
-    const Asked& asked() const { return asked_; }
-
-    // Taken from the heap by all calls so far and not given back.
-    std::ptrdiff_t blocks() const { return blocks_; }
-    std::ptrdiff_t bytes() const { return bytes_; }
-
-protected:
-    float invoke(const char* exportName, const Arguments& arguments) override {
-        const CaptureStdout quiet;  // some exports print their failures
-        Watch watch(std::exchange(fault_, {}));
-        const float status = Stage::invoke(exportName, arguments);
-        asked_ = watch.end();
-        blocks_ += asked_.blocks;
-        bytes_ += asked_.bytes;
-        return status;
-    }
-
-private:
-    std::optional<Fault> fault_;
-    Asked asked_;
-    std::ptrdiff_t blocks_ = 0;
-    std::ptrdiff_t bytes_ = 0;
 };
 
 // Every byte of `found` stands at its place in one of the two or is one that nobody has written.

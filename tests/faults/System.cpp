@@ -15,6 +15,7 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
+#include <cstring>
 #include <filesystem>
 #include <new>
 #include <utility>
@@ -152,7 +153,12 @@ int open(const char* path, int flags, ...) {
     const mode_t mode = (flags & O_CREAT) != 0 ? va_arg(arguments, mode_t) : 0;
     va_end(arguments);
     static const auto real = theSystems<int(const char*, int, ...)>("open");
-    return goesWrong(SystemCall::kOpen) ? -1 : real(path, flags, mode);
+    if (!goesWrong(SystemCall::kOpen)) return real(path, flags, mode);
+    if (asked.path[0] == '\0') {
+        ::strncpy(asked.path.data(), path, asked.path.size() - 1);
+        asked.writes = (flags & O_ACCMODE) != O_RDONLY;
+    }
+    return -1;
 }
 
 // What a compiler that checks the library's calls makes of an open without a mode.

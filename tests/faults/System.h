@@ -56,6 +56,10 @@ struct Asked {
     std::ptrdiff_t bytes = 0;
     bool harmed = false;  // the fault has happened
 
+    // Of the first open that went wrong.
+    std::array<char, 4096> path{};
+    bool writes = false;
+
     std::size_t of(SystemCall call) const { return calls[static_cast<std::size_t>(call)]; }
 };
 
