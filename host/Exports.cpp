@@ -44,6 +44,16 @@ const Export& requireExport(std::string_view name) {
                      "; quillon call --help lists them all");
 }
 
+const StatusMeaning* rowOf(const Export& entry, float status) {
+    const auto found = std::ranges::find(entry.statuses, status, &StatusMeaning::status);
+    if (found != entry.statuses.end()) return &*found;
+    return entry.writesTiles && status >= kTileNotWritten.status ? &kTileNotWritten : nullptr;
+}
+
+bool isCount(const Export& entry, float status) {
+    return entry.countOne != nullptr && status >= 0.0f && rowOf(entry, status) == nullptr;
+}
+
 std::string exportList() {
     std::string list;
     for (const ExportGroup& group : exportGroups()) {

@@ -12,11 +12,46 @@ enum class BufferUse {
     kOutput,  // a block that takes a text; always passed
 };
 
-// A status that an export can answer. Numbers come from the constants in the headers of src/.
+// What can lead to a status: one cause, or several joined by |. There is no empty set, so that the
+// compiler asks for a cause in every row. tests/faults/ContractTest.cpp brings each of them about.
+class Causes {
+public:
+    consteval explicit Causes(int place) : bits_(1u << place) {}
+    constexpr Causes operator|(Causes other) const { return Causes(*this, other); }
+    constexpr bool contain(Causes others) const { return (bits_ & others.bits_) == others.bits_; }
+
+private:
+    constexpr Causes(Causes some, Causes others) : bits_(some.bits_ | others.bits_) {}
+
+    unsigned bits_;
+};
+
+// The sentence of a row does not name kNullArgument and kValueRefused: which pointers an export
+// reads and which numbers it takes is known from the rest of its entry.
+namespace cause {
+inline constexpr Causes kDone{0};  // success; a cause beside it is not reported
+inline constexpr Causes kNullArgument{1};
+inline constexpr Causes kValueRefused{2};
+inline constexpr Causes kPathRefused{3};        // too long, or that of the source
+inline constexpr Causes kSourceNotOpened{4};    // not there, of another type, or not readable
+inline constexpr Causes kSourceNotWritable{5};  // changed, deleted, or only opened for writing
+inline constexpr Causes kTargetNotOpened{6};    // where it must be there before
+inline constexpr Causes kTargetNotWritten{7};   // cannot be created or written over
+inline constexpr Causes kDiskFull{8};
+inline constexpr Causes kReadFailed{9};  // a file or folder can be opened, but not read to its end
+inline constexpr Causes kFileRefused{10};  // for what the file holds
+inline constexpr Causes kNoMemory{11};
+inline constexpr Causes kNothingOpen{12};  // no folder is open, or all of its entries were given
+}
+
+// A status that an export can answer. Numbers come from the constants in the headers of src/. Each
+// status has one row.
 struct StatusMeaning {
     float status;
-    bool success;
-    const char* sentence;  // the cause; without a capital and without a full stop
+    Causes causes;
+    const char* sentence;  // the causes; without a capital and without a full stop
+
+    constexpr bool isSuccess() const { return causes.contain(cause::kDone); }
 };
 
 struct Export {
@@ -30,7 +65,6 @@ struct Export {
     bool (*takes)(double) = nullptr;     // which numbers are not refused; null: none is
     const char* valueDetails = nullptr;  // what each number does, where that takes sentences
 
-    bool refuses = false;      // answers kRefused for a missing argument or a number not taken
     bool writesTiles = false;  // answers kFirstTileNotWritten + k for the file of tile k
 
     BufferUse buffer = BufferUse::kNone;
@@ -62,6 +96,12 @@ const Export* findExport(std::string_view name);
 
 // Throws WrongUsage when the library has no such export.
 const Export& requireExport(std::string_view name);
+
+// The row of a status in the table of an export; all tiles share one. Null when there is none.
+const StatusMeaning* rowOf(const Export& entry, float status);
+
+// Whether a status is not in the table because it counts or measures something.
+bool isCount(const Export& entry, float status);
 
 // One line an export: its name and what it reads.
 std::string exportList();

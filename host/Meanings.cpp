@@ -1,18 +1,15 @@
 #include "Meanings.h"
 
-#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <iterator>
 
-#include "export/Quillon.h"
+#include "exports/Groups.h"
 #include "mesh/VemoOps.h"
-
-using quillon_status::kRefused;
 
 namespace {
 
-// Why the boundary refuses a call before it looks at a file; empty when the arguments are good.
+// Why the call was refused before any file was looked at; empty when the arguments are good.
 std::string wrongArgument(const Export& entry, const CallArguments& arguments) {
     if (entry.text != nullptr && !arguments.text) return "refused: TEXT is missing";
     if (entry.buffer == BufferUse::kPath && !arguments.buffer)
@@ -22,29 +19,31 @@ std::string wrongArgument(const Export& entry, const CallArguments& arguments) {
     return {};
 }
 
+bool refusesArguments(const StatusMeaning& row) {
+    return !row.isSuccess() &&
+           (row.causes.contain(cause::kNullArgument) || row.causes.contain(cause::kValueRefused));
+}
+
 Meaning tileNotWritten(float status) {
-    return {false, "the file of the tile at position " +
-                       statusText(status - vemo_status::kFirstTileNotWritten) +
-                       " cannot be created or filled (a mesh with that many tiles answers alike)"};
+    return {
+        false,
+        "the file of the tile at position " +
+            statusText(status - vemo_status::kFirstTileNotWritten) +
+            " cannot be created, or the disk is full (a mesh with that many tiles answers alike)"};
 }
 
 }  // namespace
 
 Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status) {
-    if (entry.refuses && status == kRefused) {
-        const std::string wrong = wrongArgument(entry, arguments);
-        if (!wrong.empty()) return {false, wrong};
-    }
-    const auto found = std::ranges::find(entry.statuses, status, &StatusMeaning::status);
-    if (found != entry.statuses.end()) return {found->success, found->sentence};
-    if (entry.refuses && status == kRefused)
-        return {false, "refused: there is too little memory for the file"};
-    if (entry.writesTiles && status >= vemo_status::kFirstTileNotWritten)
-        return tileNotWritten(status);
-    if (entry.countOne != nullptr && status >= 0.0f)
+    if (isCount(entry, status))
         return {true, (std::isinf(status) ? std::string("infinity") : statusText(status)) + ' ' +
                           (status == 1.0f ? entry.countOne : entry.countMany)};
-    return {false, "a status that this program does not know"};
+    const StatusMeaning* const row = rowOf(entry, status);
+    if (row == nullptr) return {false, "a status that this program does not know"};
+    if (row == &kTileNotWritten) return tileNotWritten(status);
+    const std::string wrong = wrongArgument(entry, arguments);
+    if (refusesArguments(*row) && !wrong.empty()) return {false, wrong};
+    return {row->isSuccess(), row->sentence};
 }
 
 std::string statusText(float status) {

@@ -1,8 +1,7 @@
 #include "Reference.h"
 
 #include "Meanings.h"
-#include "export/Quillon.h"
-#include "mesh/VemoOps.h"
+#include "exports/Groups.h"
 
 namespace {
 
@@ -17,7 +16,8 @@ The examples work on small files, which `docs/examples/make FOLDER` leaves in a 
 from them anew. This page is what `quillon reference` prints; a test compares the two and runs every
 example.
 
-Wherever a whole number is wanted, the fraction of `value` is cut off.
+Where a whole number is wanted, the fraction of `value` is cut off. Whether a number is taken is
+decided before that: 100.5 is beyond 100, and 1.5 is neither 1 nor 3.
 )";
 
 std::string row(const std::string& first, const std::string& second) {
@@ -42,30 +42,34 @@ std::string argumentsOf(const Export& entry) {
                         : "| argument | |\n|---|---|\n" + rows;
 }
 
-// Why the boundary refuses a call.
-std::string refusalOf(const Export& entry) {
-    std::string sentence = "refused: ";
-    const auto add = [&sentence](const std::string& cause) { sentence += cause + ", "; };
-    if (entry.text != nullptr && entry.buffer != BufferUse::kNone)
-        add("`text` or `buffer1` is null");
-    else if (entry.text != nullptr)
-        add("`text` is null");
-    if (entry.takes != nullptr) add(std::string("`value` is not ") + entry.value);
-    return sentence + "or there is too little memory";
+// The arguments that a row is about, and then its sentence.
+std::string sentenceOf(const Export& entry, const StatusMeaning& row) {
+    if (row.isSuccess()) return row.sentence;
+    std::string causes;
+    const auto add = [&causes](const std::string& one) {
+        causes += causes.empty() ? one : ", " + one;
+    };
+    if (row.causes.contain(cause::kNullArgument)) {
+        const bool both = entry.text != nullptr && entry.buffer != BufferUse::kNone;
+        add(both ? "`text` or `buffer1` is null"
+                 : (entry.text != nullptr ? "`text` is null" : "`buffer1` is null"));
+    }
+    if (row.causes.contain(cause::kValueRefused)) add(std::string("`value` is not ") + entry.value);
+    const std::string sentence = row.sentence;
+    if (causes.empty() || sentence.empty()) return causes + sentence;
+    const bool isList = sentence.find_first_of(",:") != std::string::npos;
+    return causes + (isList ? "; or " : ", or ") + sentence;
 }
 
 std::string statusesOf(const Export& entry) {
     std::string rows = "| status | | meaning |\n|---|---|---|\n";
     if (entry.countOne != nullptr)
         rows += statusRow("*n* ≥ 0", true, std::string("*n* ") + entry.countMany);
-    for (const StatusMeaning& meaning : entry.statuses)
-        rows += statusRow(statusText(meaning.status), meaning.success, meaning.sentence);
+    for (const StatusMeaning& row : entry.statuses)
+        rows += statusRow(statusText(row.status), row.isSuccess(), sentenceOf(entry, row));
     if (entry.writesTiles)
-        rows += statusRow(statusText(vemo_status::kFirstTileNotWritten) + " + *k*", false,
-                          "the file of the tile at position *k*, from 0, cannot be created or "
-                          "filled");
-    if (entry.refuses)
-        rows += statusRow(statusText(quillon_status::kRefused), false, refusalOf(entry));
+        rows += statusRow(statusText(kTileNotWritten.status) + " + *k*", false,
+                          kTileNotWritten.sentence);
     return rows;
 }
 

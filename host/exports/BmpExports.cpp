@@ -7,38 +7,56 @@ using namespace bmp_status;
 namespace {
 
 constexpr StatusMeaning kMerge[] = {
-    {kOk, true, "the map was folded into the target"},
-    {kNotOpened, false, "the target cannot be opened"},
-    {kSourceNotOpened, false, "the source cannot be opened"},
-    {kNotABmp, false, "a file is no BMP, or shorter than its own headers"},
-    {kSizesDiffer, false, "the maps differ in size"},
-    {kLayoutsDiffer, false, "the maps differ in bits per pixel, or in where their pixels start"},
-    {kNotReopened, false, "the source may not be written to"},
-    {kTargetNotReopened, false, "the target may not be written to"}};
+    {kOk, cause::kDone | cause::kDiskFull | cause::kReadFailed,
+     "the map was folded into the target"},
+    {kNotOpened, cause::kTargetNotOpened | cause::kReadFailed,
+     "the target cannot be opened or read"},
+    {kSourceNotOpened, cause::kSourceNotOpened | cause::kReadFailed,
+     "the source cannot be opened or read"},
+    {kNotABmp, cause::kFileRefused, "a file is no BMP, or shorter than its own headers"},
+    {kSizesDiffer, cause::kFileRefused, "the maps differ in size"},
+    {kLayoutsDiffer, cause::kFileRefused,
+     "the maps differ in bits per pixel, or in where their pixels start"},
+    {kNotReopened, cause::kSourceNotWritable | cause::kReadFailed,
+     "the source may not be written to, or its first pixel cannot be read"},
+    {kTargetNotReopened, cause::kTargetNotWritten, "the target may not be written to"},
+    kMissingArgument};
 
 constexpr StatusMeaning kSwap[] = {
-    {kOk, true, "the colour channels were exchanged"},
-    {kNotOpened, false, "the map cannot be opened"},
-    {kNotABmp, false, "the file is no BMP, or shorter than its own headers"},
-    {kNotReopened, false, "the map may not be written to"}};
+    {kOk, cause::kDone | cause::kDiskFull | cause::kReadFailed,
+     "the colour channels were exchanged"},
+    {kNotOpened, cause::kSourceNotOpened | cause::kReadFailed, "the map cannot be opened or read"},
+    {kNotABmp, cause::kFileRefused, "the file is no BMP, or shorter than its own headers"},
+    {kNotReopened, cause::kSourceNotWritable, "the map may not be written to"},
+    kRefusedArgument};
 
 constexpr StatusMeaning kThumbnail[] = {
-    {kOk, true, "the image was shrunk, unless it is that small already or may not be written to"},
-    {kThumbNotOpened, false, "the image cannot be opened"},
-    {kThumbNotABmp, false, "the file is no BMP"},
-    {kNotABmp, false, "the file is shorter than its own headers, or ends before its pixels start"},
-    {kSizeRefused, false, "the size is below 1, or beyond what a BMP or the memory can hold"}};
+    {kOk, cause::kDone | cause::kSourceNotWritable | cause::kDiskFull,
+     "the image was shrunk, unless it is that small already or may not be written to"},
+    {kThumbNotOpened, cause::kNullArgument | cause::kSourceNotOpened | cause::kReadFailed,
+     "the image cannot be opened or read"},
+    {kThumbNotABmp, cause::kFileRefused, "the file is no BMP"},
+    {kNotABmp, cause::kFileRefused | cause::kReadFailed,
+     "the file is shorter than its own headers, ends before its pixels start, or cannot be read up "
+     "to there"},
+    {kSizeRefused, cause::kValueRefused | cause::kNoMemory,
+     "the copy would be larger than a BMP can be, or there is too little memory"}};
+
+bool takesSize(double value) {
+    return value >= 1.0;
+}
 
 constexpr Export kExports[] = {
     {.name = "mergeMapsBMP",
      .purpose = "Folds one tile's BMP map into the map that collects all tiles.",
      .text = "source",
-     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, in place: its pixels that equal the source's pixel at the bottom left "
-               "take the source's; any other stays. The source is only read, yet it must be "
-               "writable.",
+               "take the source's; any other stays. A top-down image (of negative height) stays as "
+               "it is, with the same status 0. If the disk is full or a map cannot be read to its "
+               "end, the merge ends there, with the same status 0. The source is only read, yet it "
+               "must be writable.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsBMP 1002.bmp --buffer all.bmp",
      .output = "status   0\n"
@@ -54,8 +72,10 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges blue and green, 2 blue and red, 3 green and red. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
-     .refuses = true,
-     .writes = "The map, in place. Pixels are taken to have 24 bits whatever the file says.",
+     .writes =
+         "The map, in place. Pixels are taken to have 24 bits whatever the file says. A top-down "
+         "image (of negative height) stays as it is, with the same status 0. If the disk is full "
+         "or the map cannot be read to its end, the exchange ends there, with the same status 0.",
      .statuses = kSwap,
      .example = "quillon call swapRGBBMP all.bmp --value 2",
      .output = "status   0\n"
@@ -65,17 +85,23 @@ constexpr Export kExports[] = {
     {.name = "CreateThumbnailBMP",
      .purpose = "Replaces a BMP image by a small copy of it.",
      .text = "image",
-     .value = "pixels of the longer side",
+     .value = "the longer side in pixels, at least 1",
      .valueName = "size",
+     .takes = takesSize,
      .valueDetails = "The shorter side keeps the proportions, rounded down.",
-     .writes = "The image anew, unless both its sides are below that size already: then it stays.",
+     .writes =
+         "The image, in place, cut off behind the copy, unless both its sides are below that size "
+         "already: then it stays. If the disk is full the image ends there, with the status 0. If "
+         "it cannot be read to its end, some of its pixels have been written over and its first "
+         "two bytes are 0.",
      .statuses = kThumbnail,
      .example = "quillon call CreateThumbnailBMP all.bmp --value 32",
      .output = "status   0\n"
                "meaning  success: the image was shrunk, unless it is that small already or may "
                "not be written to\n",
-     .next = "0 also when the file may not be written to: quillon inspect tells the size that it "
-             "has now. Nothing is checked by the export itself; a missing path is -1."},
+     .next =
+         "0 also when the file may not be written to or the disk is full: quillon inspect tells "
+         "the size that it has now. A missing path is -1 here, where other exports answer -9."},
 };
 
 }  // namespace

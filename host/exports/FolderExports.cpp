@@ -5,53 +5,66 @@ using namespace quillon_status;
 
 namespace {
 
-constexpr StatusMeaning kVersionAnswers[] = {{kVersion, true, "the version of the interface"}};
+constexpr StatusMeaning kVersionAnswers[] = {
+    {kVersion, cause::kDone, "the version of the interface"}};
 
 constexpr StatusMeaning kCreateFolder[] = {
-    {kOk, true, "the folder was created"},
-    {kFailed, false,
-     "the folder was not created: it exists, its parent folder does not, or writing is not "
-     "allowed"}};
+    {kOk, cause::kDone, "the folder was created"},
+    {kFailed, cause::kNullArgument | cause::kTargetNotWritten | cause::kDiskFull,
+     "the folder was not created: it exists, its parent folder does not, writing is not allowed, "
+     "or the disk is full"}};
 
 constexpr StatusMeaning kGetPublicFolder[] = {
-    {kPublicFolderCopied, true, "the folder's path was copied"},
-    {kNoPublicFolder, false, "this machine has no such folder"}};
+    {kPublicFolderCopied, cause::kDone, "the folder's path was copied"},
+    {kNoPublicFolder, cause::kNullArgument | cause::kSourceNotOpened | cause::kNoMemory,
+     "this machine has no such folder, or there is too little memory"}};
 
-constexpr StatusMeaning kCheckFolder[] = {{kOk, true, "the folder can be opened"},
-                                          {kFailed, false, "the folder cannot be opened"}};
+constexpr StatusMeaning kFolderNotOpened{
+    kFailed, cause::kNullArgument | cause::kSourceNotOpened | cause::kNoMemory,
+    "the folder cannot be opened, or there is too little memory"};
 
-constexpr StatusMeaning kOpenFolder[] = {{kOk, true, "the folder is open for GetFile"},
-                                         {kFailed, false, "the folder cannot be opened"}};
+constexpr StatusMeaning kCheckFolder[] = {{kOk, cause::kDone, "the folder can be opened"},
+                                          kFolderNotOpened};
+
+constexpr StatusMeaning kOpenFolder[] = {{kOk, cause::kDone, "the folder is open for GetFile"},
+                                         kFolderNotOpened};
 
 constexpr StatusMeaning kGetFile[] = {
-    {kOk, true, "the next entry of the open folder"},
-    {kListingExhausted, false, "no entry is left"},
-    {kFailed, false, "no folder is open (OpenFolder and GetFile need one process)"}};
+    {kOk, cause::kDone, "the next entry of the open folder"},
+    {kListingExhausted, cause::kNothingOpen | cause::kReadFailed,
+     "no entry is left, or the folder cannot be read any further"},
+    {kFailed, cause::kNullArgument | cause::kNothingOpen,
+     "no folder is open (OpenFolder and GetFile need one process)"}};
 
-constexpr StatusMeaning kCloseFolder[] = {{kOk, true, "the listing is closed"},
-                                          {kFailed, false, "no folder is open"}};
+constexpr StatusMeaning kCloseFolder[] = {{kOk, cause::kDone, "the listing is closed"},
+                                          {kFailed, cause::kNothingOpen, "no folder is open"}};
 
 constexpr StatusMeaning kEmptyFolder[] = {
-    {kOk, true, "the folder's files were deleted, as far as that is allowed"},
-    {kFailed, false, "the folder cannot be opened"}};
+    {kOk, cause::kDone | cause::kSourceNotWritable | cause::kReadFailed,
+     "the folder's files were deleted, as far as that is allowed"},
+    kFolderNotOpened};
 
 constexpr StatusMeaning kFileDelete[] = {
-    {kOk, true, "the file was deleted"},
-    {kFailed, false, "the file was not deleted: there is none, or it is not allowed"}};
-
-constexpr StatusMeaning kFileCopyTo[] = {
-    {kOk, true, "the file was copied"},
-    {kFailed, false,
-     "the file was not copied: the source cannot be opened or the target not be written"}};
-
-constexpr StatusMeaning kFileRename[] = {
-    {kOk, true, "the file was renamed"},
-    {kFailed, false,
-     "the file was not renamed: there is none, or the new path is on another disk or not "
+    {kOk, cause::kDone, "the file was deleted"},
+    {kFailed, cause::kNullArgument | cause::kSourceNotOpened | cause::kSourceNotWritable,
+     "the file was not deleted: there is none, it is a folder with entries, or deleting is not "
      "allowed"}};
 
-constexpr StatusMeaning kGetString[] = {{kOk, true, "the text was copied"},
-                                        {kFailed, false, "refused: a text or block is missing"}};
+constexpr StatusMeaning kFileCopyTo[] = {
+    {kOk, cause::kDone | cause::kReadFailed, "the file was copied"},
+    {kFailed,
+     cause::kNullArgument | cause::kSourceNotOpened | cause::kTargetNotWritten | cause::kDiskFull,
+     "the file was not copied: the source cannot be opened, the target cannot be written, or the "
+     "disk is full"}};
+
+constexpr StatusMeaning kFileRename[] = {
+    {kOk, cause::kDone, "the file was renamed"},
+    {kFailed, cause::kNullArgument | cause::kSourceNotOpened | cause::kTargetNotWritten,
+     "the file was not renamed: there is none, or the new path is on another disk, in a folder "
+     "that is not there, or not allowed"}};
+
+constexpr StatusMeaning kGetString[] = {{kOk, cause::kDone, "the text was copied"},
+                                        {kFailed, cause::kNullArgument, ""}};
 
 constexpr Export kExports[] = {
     {.name = "Version",
@@ -127,8 +140,10 @@ constexpr Export kExports[] = {
     {.name = "EmptyFolder",
      .purpose = "Deletes the files of a folder.",
      .text = "folder",
-     .writes = "Deletes every entry with a dot in its name; entries without one, sub-folders as a "
-               "rule, stay and are not entered.",
+     .writes = "Deletes every entry with a dot in its name behind the last `/` or `\\`, an empty "
+               "sub-folder among them. An entry without one stays, and so does a path of more than "
+               "255 bytes and what may not be deleted. Sub-folders are not entered. A folder that "
+               "cannot be read to its end is emptied as far as it was read.",
      .statuses = kEmptyFolder,
      .example = "quillon call EmptyFolder maps",
      .output = "status   0\n"
@@ -150,20 +165,23 @@ constexpr Export kExports[] = {
      .text = "source",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target. An earlier one is deleted first, also when the copy then fails; a "
-               "file copied onto itself is gone.",
+     .writes = "The target. What had its path, a file or an empty folder, is deleted first, even "
+               "when the source is not there; a file copied onto itself is gone. A source that "
+               "cannot be read to its end is copied as far as it was read, with the status 0. A "
+               "full disk leaves a part of the target.",
      .statuses = kFileCopyTo,
      .example = "quillon call FileCopyTo 1001.tif --buffer maps/all.tif",
      .output = "status   0\n"
                "meaning  success: the file was copied\n",
      .next = "See whether the source is a file that may be read, whether the target's folder is "
-             "there, and whether the disk is full: then a part of the target is left."},
+             "there, and whether the disk is full. After 0 compare the sizes."},
     {.name = "FileRename",
      .purpose = "Renames or moves a file.",
      .text = "old path",
      .buffer = BufferUse::kPath,
      .bufferIs = "new path",
-     .writes = "The file under its new path, in place of a file that had it.",
+     .writes = "The file under its new path, in place of a file that had it. Two links to one file "
+               "both stay, with the status 0.",
      .statuses = kFileRename,
      .example = "quillon call FileRename 1001.tif --buffer maps/first.tif",
      .output = "status   0\n"

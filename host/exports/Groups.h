@@ -2,6 +2,8 @@
 // The parts of the table of exports, a file each. Exports.h tells what stands in them.
 
 #include "Exports.h"
+#include "export/Quillon.h"
+#include "mesh/VemoOps.h"
 
 const ExportGroup& folderExports();
 const ExportGroup& meshExports();
@@ -14,3 +16,20 @@ const ExportGroup& imageExports();
 inline bool takesSwap(double value) {
     return value > 0.0 && value < 4.0;
 }
+
+// Rows of exports that refuse a null argument, or a number too. Most of them say the same when they
+// run out of memory.
+inline constexpr StatusMeaning kMissingArgument{quillon_status::kRefused,
+                                                cause::kNullArgument | cause::kNoMemory,
+                                                "there is too little memory"};
+inline constexpr StatusMeaning kOnlyMissingArgument{quillon_status::kRefused, cause::kNullArgument,
+                                                    ""};
+inline constexpr StatusMeaning kRefusedArgument{
+    quillon_status::kRefused, cause::kNullArgument | cause::kValueRefused | cause::kNoMemory,
+    "there is too little memory"};
+
+// The row of the first tile; that of tile k has k more.
+inline constexpr StatusMeaning kTileNotWritten{
+    vemo_status::kFirstTileNotWritten, cause::kTargetNotWritten | cause::kDiskFull,
+    "the file of the tile at position *k*, from 0 in the order of the names, cannot be created, or "
+    "the disk is full"};

@@ -9,53 +9,69 @@
 namespace {
 
 constexpr StatusMeaning kTarga[] = {
-    {targa_status::kOk, true, "the Targa file was written"},
-    {targa_status::kNotOpened, false, "the map cannot be opened"},
-    {targa_status::kNotReopened, false,
-     "the map may not be written to, or its disk fails; the target is not whole"},
-    {targa_status::kTargetNotWritten, false, "the target cannot be written, or is the map itself"},
-    {targa_status::kNoSize, false, "the map names no height or no channels"},
-    {targa_status::kPixelsMissing, false, "the map claims far more rows than the file holds"},
-    {tiff_status::kBadSampleCount, false, "the map has neither 1 nor 3 channels"},
-    {tiff_status::kCompressed, false, "the map is compressed"},
-    {tiff_status::kBadPhotometric, false, "the map is neither grey nor RGB"},
-    {tiff_status::kSeveralStrips, false, "the map has more than one strip"},
-    {tiff_status::kBadSampleFormatCount, false,
-     "the map names sample formats for neither 1 nor 3 channels"}};
+    {targa_status::kOk, cause::kDone, "the Targa file was written"},
+    {targa_status::kNotOpened, cause::kSourceNotOpened | cause::kReadFailed,
+     "the map cannot be opened or read"},
+    {targa_status::kNotReopened, cause::kSourceNotWritable | cause::kReadFailed,
+     "the map may not be written to, or cannot be read to its end; the target is not whole"},
+    {targa_status::kTargetNotWritten,
+     cause::kTargetNotWritten | cause::kPathRefused | cause::kDiskFull,
+     "the target cannot be written or is the map itself, or the disk is full"},
+    {targa_status::kNoSize, cause::kFileRefused,
+     "the map names no height or no channels, or no directory is found in it"},
+    {targa_status::kPixelsMissing, cause::kFileRefused,
+     "the map claims far more rows than the file holds"},
+    {tiff_status::kBadSampleCount, cause::kFileRefused, "the map has neither 1 nor 3 channels"},
+    {tiff_status::kCompressed, cause::kFileRefused, "the map is compressed"},
+    {tiff_status::kBadPhotometric, cause::kFileRefused, "the map is neither grey nor RGB"},
+    {tiff_status::kSeveralStrips, cause::kFileRefused, "the map has more than one strip"},
+    {tiff_status::kBadSampleFormatCount, cause::kFileRefused,
+     "the map names sample formats for neither 1 nor 3 channels"},
+    kMissingArgument};
 
 constexpr StatusMeaning kJpeg[] = {
-    {jpeg_status::kOk, true, "the JPEG file was written"},
-    {jpeg_status::kNotOpened, false, "the image cannot be opened"},
-    {jpeg_status::kTooShort, false, "the image is shorter than its headers"},
-    {jpeg_status::kNot24BitBmp, false, "the image is not a BMP of 24 bits per pixel"},
-    {jpeg_status::kNoMemory, false, "there is too little memory for the image"},
-    {jpeg_status::kTargetNotCreated, false,
-     "the target cannot be created, or a path has 512 bytes and more"},
-    {jpeg_status::kSizeRefused, false, "a side of the image is 0 or longer than 65528 pixels"}};
+    {jpeg_status::kOk, cause::kDone | cause::kReadFailed, "the JPEG file was written"},
+    {jpeg_status::kNotOpened, cause::kSourceNotOpened, "the image cannot be opened"},
+    {jpeg_status::kTooShort, cause::kFileRefused | cause::kReadFailed,
+     "the image is shorter than its headers, or they cannot be read"},
+    {jpeg_status::kNot24BitBmp, cause::kFileRefused, "the image is not a BMP of 24 bits per pixel"},
+    {jpeg_status::kNoMemory, cause::kNoMemory, "there is too little memory for the image"},
+    {jpeg_status::kTargetNotCreated,
+     cause::kTargetNotWritten | cause::kPathRefused | cause::kDiskFull,
+     "the target cannot be created, the disk is full, or a path has 512 bytes and more"},
+    {jpeg_status::kSizeRefused, cause::kNullArgument | cause::kFileRefused | cause::kNoMemory,
+     "a side of the image is 0 or longer than 65528 pixels (its low 16 bits count), or there is "
+     "too little memory"}};
 
 constexpr StatusMeaning kExr[] = {
-    {static_cast<float>(exr_status::kNotExr), false, "the file is no OpenEXR file"},
-    {static_cast<float>(exr_status::kBadVersion), false,
+    {static_cast<float>(exr_status::kNotExr), cause::kFileRefused, "the file is no OpenEXR file"},
+    {static_cast<float>(exr_status::kBadVersion), cause::kFileRefused,
      "the file is of a version of OpenEXR that is not known"},
-    {static_cast<float>(exr_status::kNoPath), false, "refused: the path is missing"},
-    {static_cast<float>(exr_status::kBadData), false,
-     "the file is damaged, deep, of several parts, or claims more than it can hold"},
-    {static_cast<float>(exr_status::kNotOpened), false, "the file cannot be opened"},
-    {static_cast<float>(exr_status::kUnknownFormat), false, "the file's compression is not known"},
-    {static_cast<float>(exr_status::kBadHeader), false,
+    {static_cast<float>(exr_status::kNoPath), cause::kNullArgument, ""},
+    {static_cast<float>(exr_status::kBadData), cause::kFileRefused | cause::kNoMemory,
+     "the file is damaged, deep, of several parts, has less than 8 bytes or claims more than it "
+     "can hold, or there is too little memory"},
+    {static_cast<float>(exr_status::kNotOpened),
+     cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory,
+     "the file cannot be opened or read, or there is too little memory"},
+    {static_cast<float>(exr_status::kUnknownFormat), cause::kFileRefused,
+     "the file's compression is not known"},
+    {static_cast<float>(exr_status::kBadHeader), cause::kFileRefused,
      "the file's header lacks what every OpenEXR file has"},
-    {static_cast<float>(exr_status::kUnknownFeature), false, "the file's channels are subsampled"},
-    {exr_range::kNoPixels, false, "the image has no pixels, or no number among its samples"}};
+    {static_cast<float>(exr_status::kUnknownFeature), cause::kFileRefused,
+     "the file's channels are subsampled"},
+    {exr_range::kNoPixels, cause::kFileRefused, "none of the image's samples is a number"}};
 
 constexpr Export kExports[] = {
     {.name = "saveAsTarga",
      .purpose = "Writes an 8-bit TIFF map as an uncompressed Targa file.",
      .text = "map",
-     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target, created anew: 24 bits a pixel, bottom row first; grey becomes grey "
-               "pixels. The map is only read, yet it must be writable.",
+     .writes = "The target: 24 bits a pixel, bottom row first; grey becomes grey "
+               "pixels. An older file is written over and then cut to the new length; if a disk "
+               "fails, the older file is lost and a part of the new one is left. The map is only "
+               "read, yet it must be writable.",
      .statuses = kTarga,
      .example = "quillon call saveAsTarga all.tif --buffer all.tga",
      .output = "status   0\n"
@@ -70,20 +86,20 @@ constexpr Export kExports[] = {
      .valueName = "quality",
      .valueDetails = "How much is left out: 0 gives the finest picture and the largest file, 100 "
                      "the smallest file. A fraction is cut off.",
-     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target, created anew. The image is only read.",
+     .writes = "The target, created anew. The image is only read; rows that cannot be read are "
+               "black, with the same status 0. If the disk is full a part of the target is left.",
      .statuses = kJpeg,
      .example = "quillon call saveAsJpeg all.bmp --value 20 --buffer all.jpg",
      .output = "status   0\n"
                "meaning  success: the JPEG file was written\n",
-     .next = "quillon inspect tells whether it is a BMP of 24 bits whose pixels start at byte 54. "
-             "3 to 6 are failures although they are above 0. A full disk is not reported."},
+     .next = "quillon inspect tells whether it is a BMP of 24 bits whose pixels start at byte 54: "
+             "they are read from there whatever its header says. 3 to 6 are failures although they "
+             "are above 0."},
     {.name = "OpenEXR",
      .purpose = "Measures the range of values in an OpenEXR file's first channel.",
      .text = "image",
-     .refuses = true,
      .writes = "Nothing.",
      .statuses = kExr,
      .countOne = "is the range of values",
@@ -91,7 +107,9 @@ constexpr Export kExports[] = {
      .example = "quillon call OpenEXR range.exr",
      .output = "status   3.5\n"
                "meaning  success: 3.5 is the range of values\n",
-     .next = "quillon inspect tells the attributes, among them compression and channels. Save the "
+     .next = "quillon inspect tells the attributes, among them compression and channels. The "
+             "largest sample counts as -65535 at least, the smallest as 65535 at most: 70000 to "
+             "70010 gives 4475. Save the "
              "image as one part of scan lines or tiles, its channels not subsampled."},
 };
 

@@ -12,45 +12,57 @@ constexpr const char* kNamingModes =
     "The first tile is named `_u0_v0` in mode 0, `_u1_v1` in mode 1, `1001` in mode 2 and `u0v0` "
     "in mode 3. Only mode 2 heeds the tile filter. A number below 0 counts as 0, one above 3 as "
     "3, a fraction is cut off.";
-constexpr const char* kNoMesh = "the mesh file cannot be opened or read";
+constexpr const char* kNoMesh =
+    "the mesh file cannot be opened or read, or there is too little memory";
+constexpr Causes kNoMeshCauses = cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory;
 constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
 constexpr const char* kCheckMesh =
     "quillon inspect tells which chunks the mesh has and where they end.";
 
-constexpr StatusMeaning kClearUVtilesOutput[] = {{kOk, true, "the tile filter is empty"}};
+constexpr StatusMeaning kClearUVtilesOutput[] = {{kOk, cause::kDone, "the tile filter is empty"}};
 
 constexpr StatusMeaning kSetUVtilesOutput[] = {
-    {kOk, true, "the tile filter was read"},
-    {kFilterNotOpened, false, "the tile filter cannot be opened"}};
+    {kOk, cause::kDone, "the tile filter was read"},
+    {kFilterNotOpened, cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory,
+     "the tile filter cannot be opened or read, or there is too little memory"},
+    kMissingArgument};
 
-constexpr StatusMeaning kGetUVTile[] = {{kMeshNotOpened, false, kNoMesh},
-                                        {kChunkMissing, false, kNoFaceUvs}};
+constexpr StatusMeaning kGetUVTile[] = {{kMeshNotOpened, kNoMeshCauses, kNoMesh},
+                                        {kChunkMissing, cause::kFileRefused, kNoFaceUvs},
+                                        kMissingArgument};
 
 constexpr StatusMeaning kGetUVGroups[] = {
-    {kMeshNotOpened, false, kNoMesh},
-    {kChunkMissing, false, "the mesh file holds no face groups, or they are cut short"}};
+    {kMeshNotOpened, kNoMeshCauses, kNoMesh},
+    {kChunkMissing, cause::kFileRefused,
+     "the mesh file holds no face groups, or they are cut short"},
+    kOnlyMissingArgument};
 
-constexpr StatusMeaning kGetUVString[] = {{kOk, true, "the name is copied where the tile exists"}};
+constexpr StatusMeaning kGetUVString[] = {
+    {kOk, cause::kDone, "the name is copied where the tile exists"}};
 
-constexpr StatusMeaning kClearUVString[] = {{kOk, true, "the list of tile names is empty"}};
+constexpr StatusMeaning kClearUVString[] = {{kOk, cause::kDone, "the list of tile names is empty"}};
 
-constexpr StatusMeaning kGetUVs[] = {{kUvExportMeshNotOpened, false, kNoMesh},
-                                     {kChunkMissing, false, kNoFaceUvs}};
+constexpr StatusMeaning kGetUVs[] = {{kUvExportMeshNotOpened, kNoMeshCauses, kNoMesh},
+                                     {kChunkMissing, cause::kFileRefused, kNoFaceUvs},
+                                     kMissingArgument};
 
 constexpr StatusMeaning kGetUVsMask[] = {
-    {kUvExportMeshNotOpened, false, kNoMesh},
-    {kChunkMissing, false,
+    {kUvExportMeshNotOpened, kNoMeshCauses, kNoMesh},
+    {kChunkMissing, cause::kFileRefused,
      "the mesh file holds no vertices or no face UVs, they are cut short, or faces and face UVs "
      "differ in number"},
-    {kFaceChunkMissing, false,
-     "the mesh file holds no faces, or one of them names a vertex that does not exist"}};
+    {kFaceChunkMissing, cause::kFileRefused,
+     "the mesh file holds no faces, or one of them names a vertex that does not exist"},
+    kMissingArgument};
 
 constexpr StatusMeaning kMergeCrease[] = {
-    {kOk, true, "the mesh was appended"},
-    {kMergedNotOpened, false, kNoMesh},
-    {kMergeTargetNotOpened, false, "the mesh file to append to cannot be opened or read"},
-    {kMergeTargetNotCreated, false, "the target cannot be written"},
-    {kChunkMissing, false, "one of the files is too short to be a mesh file"}};
+    {kOk, cause::kDone | cause::kDiskFull, "the mesh was appended"},
+    {kMergedNotOpened, kNoMeshCauses, kNoMesh},
+    {kMergeTargetNotOpened, cause::kTargetNotOpened | cause::kReadFailed | cause::kNoMemory,
+     "the mesh file to append to cannot be opened or read, or there is too little memory"},
+    {kMergeTargetNotCreated, cause::kTargetNotWritten, "the target cannot be written"},
+    {kChunkMissing, cause::kFileRefused, "one of the files has less than 14 bytes"},
+    kOnlyMissingArgument};
 
 // Of the exports that write a mesh per tile, what all have in common.
 constexpr Export tileExport(Export entry) {
@@ -58,7 +70,6 @@ constexpr Export tileExport(Export entry) {
     entry.value = kNamingMode;
     entry.valueName = "naming";
     entry.valueDetails = kNamingModes;
-    entry.refuses = true;
     entry.writesTiles = true;
     entry.buffer = BufferUse::kPath;
     entry.bufferIs = "output path";
@@ -81,24 +92,24 @@ constexpr Export kExports[] = {
     {.name = "setUVtilesOutput",
      .purpose = "Reads from a text file which tiles are wanted.",
      .text = "tile filter",
-     .refuses = true,
      .writes = "Nothing. The filter holds for naming mode 2 until clearUVtilesOutput or the next "
                "setUVtilesOutput. The file has tile names and ranges, separated by commas or "
-               "lines: `1001-1003, 1011`.",
+               "lines: `1001-1003, 1011`. Only blanks are left out: a tab or a carriage return is "
+               "a part of the name, which then is no tile's. A range whose end is below its start "
+               "is left out; a filter in which nothing is left lets every tile pass.",
      .statuses = kSetUVtilesOutput,
      .example = "printf 'setUVtilesOutput filter.txt\\ngetUVTile model.Vemo 2\\n' | "
                 "quillon script -",
      .output = "setUVtilesOutput        0  filter.txt\n"
                "getUVTile               1  model.Vemo, naming 2 gives 1002\n",
-     .next = "See whether the file is there. After -1 the filter is empty, which lets every tile "
-             "pass."},
+     .next = "See whether the file is there. After -1, and after -9 for lack of memory, the filter "
+             "is empty, which lets every tile pass; after -9 for a missing text it is as it was."},
     {.name = "getUVTile",
      .purpose = "Counts the UV tiles that a mesh uses.",
      .text = "mesh",
      .value = kNamingMode,
      .valueName = "naming",
      .valueDetails = kNamingModes,
-     .refuses = true,
      .buffer = BufferUse::kOutput,
      .bufferIs = "the last face's tile",
      .writes = "The name of the last face's tile goes to `buffer1`, whether the filter lets it "
@@ -114,7 +125,6 @@ constexpr Export kExports[] = {
     {.name = "getUVGroups",
      .purpose = "Counts the face groups of a mesh.",
      .text = "mesh",
-     .refuses = true,
      .writes = "Nothing.",
      .statuses = kGetUVGroups,
      .countOne = "face group",
@@ -129,7 +139,8 @@ constexpr Export kExports[] = {
      .valueName = "position",
      .buffer = BufferUse::kOutput,
      .bufferIs = "the tile's name",
-     .writes = "The name goes to `buffer1`, which stays as it is where there is no such tile.",
+     .writes = "The name goes to `buffer1`, which stays as it is where there is no such tile. Each "
+               "getUVs and getUVsMask forgets the names of the call before, even if it fails.",
      .statuses = kGetUVString,
      .example = "printf 'getUVs model.Vemo 2 maps/model.Vemo\\ngetUVString --value 1\\n' | "
                 "quillon script -",
@@ -148,15 +159,17 @@ constexpr Export kExports[] = {
     tileExport(
         {.name = "getUVs",
          .purpose = "Writes a mesh once per tile, with that tile's UVs brought to 0 to 1.",
-         .writes = "A mesh file per tile, named after `buffer1`: without its extension, then the "
-                   "tile's name, then `.Vemo`. Corners outside the tile have the UV -1, -1. Chunks "
+         .writes = "A mesh file per tile, named after `buffer1`: the path up to its last dot, "
+                   "which may be in a folder's name, then the tile's name, then `.Vemo`. Corners "
+                   "outside the tile have the UV -1, -1. Chunks "
                    "behind the face UVs are left out. The names are kept for getUVString.",
          .statuses = kGetUVs,
          .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
          .output = "status   2\n"
                    "meaning  success: 2 tiles were written\n",
          .next =
-             "From 1501 on see whether the folder of `buffer1` is there and may be written to, and "
+             "From 1501 on, where tiles count in the order of their names, see whether the folder "
+             "of `buffer1` is there and may be written to, and "
              "whether the disk is full; files of tiles before that one are whole. Below 0: quillon "
              "inspect tells which chunks the mesh has."}),
     tileExport(
@@ -172,17 +185,16 @@ constexpr Export kExports[] = {
     {.name = "mergeCrease",
      .purpose = "Appends a mesh file to another.",
      .text = "mesh to append",
-     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "mesh to append to",
      .writes = "The file `buffer1` anew: its own bytes, then those of `text`, each without its "
-               "last 14.",
+               "last 14. If the disk is full the file ends there, with the status 0.",
      .statuses = kMergeCrease,
      .example = "quillon call mergeCrease crease.Vemo --buffer model.Vemo",
      .output = "status   0\n"
                "meaning  success: the mesh was appended\n",
-     .next = "-1760 is about `text`, -2760 and -3760 are about `buffer1`. A full disk is not "
-             "reported: the result is as long as both files less 28 bytes."},
+     .next = "-1760 is about `text`, -2760 and -3760 are about `buffer1`. After 0 compare the "
+             "size: it is that of both files less 28 bytes."},
 };
 
 }  // namespace

@@ -6,56 +6,71 @@ using namespace tiff_status;
 
 namespace {
 
-constexpr StatusMeaning kMapNotOpened{kNotOpened, false, "the map cannot be opened"};
-constexpr StatusMeaning kMapNotReopened{kNotReopened, false, "the map may not be written to"};
-constexpr StatusMeaning kTargetUnwritten{kTargetNotWritten, false,
-                                         "the target cannot be written, or is the map itself"};
+constexpr StatusMeaning kMapNotOpened{kNotOpened, cause::kSourceNotOpened | cause::kReadFailed,
+                                      "the map cannot be opened or read"};
+constexpr StatusMeaning kTargetUnwritten{
+    kTargetNotWritten,
+    cause::kTargetNotWritten | cause::kPathRefused | cause::kDiskFull | cause::kReadFailed,
+    "the target cannot be written or is the map itself, the disk is full, or the map cannot be "
+    "read to its end"};
 
 // A refused directory. Readers of any depth and those of float maps answer a wrong number of
 // channels differently.
-constexpr StatusMeaning kChannelCount{kBadSampleCount, false, "a map has neither 1 nor 3 channels"};
-constexpr StatusMeaning kFloatChannelCount{kFloatBadSampleCount, false,
+constexpr StatusMeaning kChannelCount{kBadSampleCount, cause::kFileRefused,
+                                      "a map has neither 1 nor 3 channels"};
+constexpr StatusMeaning kFloatChannelCount{kFloatBadSampleCount, cause::kFileRefused,
                                            "the map has neither 1 nor 3 channels"};
-constexpr StatusMeaning kNoFloats{kNotFloat, false, "the map's samples are not 32-bit floats"};
-constexpr StatusMeaning kPacked{kCompressed, false, "a map is compressed"};
-constexpr StatusMeaning kPalette{kBadPhotometric, false, "a map is neither grey nor RGB"};
-constexpr StatusMeaning kStrips{kSeveralStrips, false, "a map has more than one strip"};
-constexpr StatusMeaning kSampleFormats{kBadSampleFormatCount, false,
+constexpr StatusMeaning kNoFloats{kNotFloat, cause::kFileRefused,
+                                  "the map's samples are not 32-bit floats"};
+constexpr StatusMeaning kPacked{kCompressed, cause::kFileRefused, "a map is compressed"};
+constexpr StatusMeaning kPalette{kBadPhotometric, cause::kFileRefused,
+                                 "a map is neither grey nor RGB"};
+constexpr StatusMeaning kStrips{kSeveralStrips, cause::kFileRefused,
+                                "a map has more than one strip"};
+constexpr StatusMeaning kSampleFormats{kBadSampleFormatCount, cause::kFileRefused,
                                        "a map names sample formats for neither 1 nor 3 channels"};
 
-constexpr StatusMeaning kEmptyMap{kNoPixels, false, "the map has no pixels"};
+constexpr StatusMeaning kEmptyMap{kNoPixels, cause::kFileRefused,
+                                  "the map has no pixels, or no directory is found in it"};
 constexpr StatusMeaning kShortMap{
-    kPixelsMissing, false,
+    kPixelsMissing, cause::kFileRefused,
     "the map ends before its last row, or has fewer channels than asked for"};
 
 constexpr StatusMeaning kMerge[] = {
-    {kOk, true, "the map was folded into the target"},
-    {kNotOpened, false, "the source cannot be opened"},
-    {kTargetNotOpened, false, "the target cannot be opened"},
-    {kSizesDiffer, false, "the maps differ in size, or the target is no TIFF"},
-    {kSamplesDiffer, false, "the maps differ in channels or depth"},
-    {kNotReopened, false, "the source cannot be opened again"},
-    {kTargetNotWritten, false, "the target cannot be written"},
+    {kOk, cause::kDone, "the map was folded into the target"},
+    {kNotOpened, cause::kSourceNotOpened | cause::kReadFailed,
+     "the source cannot be opened or read"},
+    {kTargetNotOpened, cause::kTargetNotOpened | cause::kReadFailed,
+     "the target cannot be opened or read"},
+    {kSizesDiffer, cause::kFileRefused,
+     "the maps differ in size, or no directory is found in one of them"},
+    {kSamplesDiffer, cause::kFileRefused, "the maps differ in channels or depth"},
+    {kNotReopened, cause::kSourceNotOpened, "the source cannot be opened again"},
+    {kTargetNotWritten, cause::kTargetNotWritten | cause::kDiskFull | cause::kReadFailed,
+     "the target cannot be written, the disk is full, or a map cannot be read to its end"},
     kChannelCount,
     kPacked,
     kPalette,
     kStrips,
-    kSampleFormats};
+    kSampleFormats,
+    kMissingArgument};
 
 constexpr StatusMeaning kSwap[] = {
-    {kOk, true, "the channels of an 8-bit colour map were exchanged"},
+    {kOk, cause::kDone, "the channels of an 8-bit colour map were exchanged"},
     kMapNotOpened,
-    kMapNotReopened,
+    {kNotReopened, cause::kSourceNotWritable | cause::kDiskFull | cause::kReadFailed,
+     "the map may not be written to, the disk is full, or the map cannot be read to its end"},
     kChannelCount,
     kPacked,
     kPalette,
     kStrips,
-    kSampleFormats};
+    kSampleFormats,
+    kRefusedArgument};
 
 constexpr StatusMeaning kConvert[] = {
-    {kOk, true, "the 16-bit map was written"},
+    {kOk, cause::kDone, "the 16-bit map was written"},
     kMapNotOpened,
-    {kNotReopened, false, "the map cannot be opened again"},
+    {kNotReopened, cause::kSourceNotOpened, "the map cannot be opened again"},
     kTargetUnwritten,
     kEmptyMap,
     kShortMap,
@@ -65,16 +80,20 @@ constexpr StatusMeaning kConvert[] = {
     kPalette,
     kStrips,
     kSampleFormats,
-    {kSizeNotPlaced, false,
-     "the map's directory does not come first in the file, so its sizes cannot be taken over"}};
+    {kSizeNotPlaced, cause::kFileRefused,
+     "a size in the map's directory stands behind the new header, which ends at byte 198 (grey) or "
+     "234 (colour)"},
+    kRefusedArgument};
 
 constexpr StatusMeaning kSingle[] = {
-    {kOk, true, "the first channel was written"},
-    {kNoPixels, false, "a text or path is missing, or the map has no pixels"},
+    {kOk, cause::kDone, "the first channel was written"},
+    {kNoPixels, cause::kNullArgument | cause::kFileRefused | cause::kNoMemory,
+     "the map has no pixels, no directory is found in it, or there is too little memory"},
     kMapNotOpened,
-    kMapNotReopened,
+    {kNotReopened, cause::kSourceNotWritable, "the map may not be written to"},
     kTargetUnwritten,
-    {kPixelsMissing, false, "the map ends before its last row, or has fewer than 3 channels"},
+    {kPixelsMissing, cause::kFileRefused,
+     "the map ends before its last row, or has fewer than 3 channels"},
     kNoFloats,
     kFloatChannelCount,
     kPacked,
@@ -82,9 +101,18 @@ constexpr StatusMeaning kSingle[] = {
     kStrips,
     kSampleFormats};
 
-constexpr StatusMeaning kScale[] = {kMapNotOpened, kMapNotReopened,    kEmptyMap, kShortMap,
-                                    kNoFloats,     kFloatChannelCount, kPacked,   kPalette,
-                                    kStrips,       kSampleFormats};
+constexpr StatusMeaning kScale[] = {kMapNotOpened,
+                                    {kNotReopened, cause::kSourceNotWritable | cause::kReadFailed,
+                                     "the map may not be written to, or cannot be read to its end"},
+                                    kEmptyMap,
+                                    kShortMap,
+                                    kNoFloats,
+                                    kFloatChannelCount,
+                                    kPacked,
+                                    kPalette,
+                                    kStrips,
+                                    kSampleFormats,
+                                    kRefusedArgument};
 
 bool takesLayout(double value) {
     return value == 1.0 || value == 3.0 || value == 4.0;
@@ -97,11 +125,11 @@ constexpr Export kExports[] = {
     {.name = "mergeMapsTIF",
      .purpose = "Folds one tile's TIFF map into the map that collects all tiles.",
      .text = "source",
-     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, in place: its pixels that equal the source's first pixel take the "
-               "source's; any other stays. The source is only read. `-20` is also printed.",
+               "source's; any other stays. Pixels merged before a disk fails stay merged. The "
+               "source is only read. `-20` is also printed.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsTIF 1002.tif --buffer all.tif",
      .output = "status   0\n"
@@ -117,9 +145,10 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges green and blue, 2 red and blue, 3 red and green. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
-     .refuses = true,
-     .writes = "The map, in place. A grey map and one of 16 or 32 bits stay as they are, with the "
-               "same status 0. `-10` and `-101` are also printed.",
+     .writes = "The map, in place. A grey map, one of 16 or 32 bits and a file without a directory "
+               "in its first 1000 bytes stay as they are, with the same status 0. When the disk "
+               "fails, the pixels before that point stay exchanged. `-10` is also printed, and "
+               "`-101` for a map that may not be written to.",
      .statuses = kSwap,
      .example = "quillon call swapRGBTIF all.tif --value 2",
      .output = "status   0\n"
@@ -134,11 +163,12 @@ constexpr Export kExports[] = {
      .takes = takesLayout,
      .valueDetails = "1 grey to grey, 3 colour to colour, 4 colour to grey, from the first "
                      "channel.",
-     .refuses = true,
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target, created anew: a PSD where its extension holds `psd` or `PSD`, save in "
-               "layout 3, else a TIFF. 0 to 1 becomes 0 to 65535. In a PSD width and height have "
+     .writes = "The target: a PSD if its extension contains `psd` or `PSD` and the layout is not "
+               "3, else a TIFF. An older file is written over and then cut to the new length; if "
+               "the disk fails, the older file is lost and a part of the new one is left. 0 to 1 "
+               "becomes 0 to 65535. In a PSD width and height have "
                "changed places, which square maps do not show.",
      .statuses = kConvert,
      .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
@@ -146,16 +176,19 @@ constexpr Export kExports[] = {
      .example = "quillon call convertTIFF16 height.tif --value 1 --buffer height16.tif",
      .output = "status   0\n"
                "meaning  success: the 16-bit map was written\n",
-     .next = "quillon inspect tells depth, channels and where the directory lies. -257: have the "
-             "map written with its directory first, or convert to a PSD. -279: the layout asks "
+     .next = "quillon inspect tells depth, channels and where the directory is. A TIFF is right "
+             "only if the map's directory is at byte 8 and has the tags 254, 256 to 259, 262, 273, "
+             "277 to 279 in this order: the sizes are written where they were found. -257: have "
+             "the map written so, or convert to a PSD. -279: the layout asks "
              "for three channels and the map has one."},
     {.name = "convertTIFFSingle",
      .purpose = "Writes the first channel of a three-channel float map.",
      .text = "map",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target, created anew: a TIFF of one channel of 32-bit floats. The map is only "
-               "read, yet it must be writable.",
+     .writes = "The target: a TIFF of one channel of 32-bit floats. An older file is written over "
+               "and then cut to the new length; if the disk fails, the older file is lost and a "
+               "part of the new one is left. The map is only read, yet it must be writable.",
      .statuses = kSingle,
      .example = "quillon call convertTIFFSingle colour.tif --buffer first.tif",
      .output = "status   0\n"
@@ -169,7 +202,6 @@ constexpr Export kExports[] = {
      .valueName = "channels",
      .takes = takesChannels,
      .valueDetails = "As many channels as the map has.",
-     .refuses = true,
      .writes = "Nothing, yet the map must be writable.",
      .statuses = kScale,
      .countOne = "is the scale",

@@ -53,7 +53,8 @@ TEST(Call, FailureStatusesEndWithOne) {
         const char* meaning;
     } kCases[] = {
         {{"CreateFolder", dir.path()}, "-1", "it exists"},
-        {{"FileDelete"}, "-1", "not deleted"},
+        {{"FileDelete"}, "-1", "TEXT is missing"},
+        {{"FileDelete", dir.path("none")}, "-1", "not deleted"},
         {{"GetFile"}, "-1", "no folder is open"},
         {{"getUVTile", dir.path("none")}, "-17", "cannot be opened"},
         {{"getUVs", dir.path("none"), "--buffer", dir.path("x.y")}, "-1760", "cannot be opened"},
@@ -77,7 +78,7 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"swapRGBBMP", dir.path("none"), "--value", "1"}, "-1760", "the map cannot be opened"},
         {{"CreateThumbnailBMP", dir.path("none"), "--value", "8"}, "-1", "cannot be opened"},
         {{"CreateThumbnailBMP", noBmp, "--value", "8"}, "-2", "is no BMP"},
-        {{"CreateThumbnailBMP", bmp}, "-9", "the size is below 1"},
+        {{"CreateThumbnailBMP", bmp}, "-9", "--value is to be the longer side"},
     };
     for (const auto& row : kCases) {
         std::vector<std::string> arguments = row.arguments;
@@ -133,7 +134,7 @@ TEST(Describe, TellsAllAboutAnExport) {
          {"| `text` | mesh |\n", "| `value` | naming mode 0 to 3. ",
           "| `buffer1` | output path |\n", "| *n* ≥ 0 | success | *n* tiles were written |\n",
           "| -1760 | failure | ", "| -19 | failure | ", "| 1501 + *k* | failure | ",
-          "| -9 | failure | refused: `text` or `buffer1` is null, or there is too little memory "
+          "| -9 | failure | `text` or `buffer1` is null, or there is too little memory "
           "|\n",
           "$ quillon call getUVsMask model.Vemo", "\nWhen it fails: "})
         EXPECT_THAT(ended.out, HasSubstr(part));
@@ -146,9 +147,8 @@ TEST(Describe, TheReferenceHasASectionForEveryExport) {
     for (std::string name; std::getline(list, name) && !name.starts_with("_Z"); ++exports)
         EXPECT_THAT(page, HasSubstr("\n### " + name + "\n"));
     EXPECT_EQ(exports, 34);
-    EXPECT_THAT(page,
-                HasSubstr("| -9 | failure | refused: `text` is null, `value` is not channels 1 "
-                          "or 3, or there is too little memory |\n"));
+    EXPECT_THAT(page, HasSubstr("| -9 | failure | `text` is null, `value` is not channels 1 or 3, "
+                                "or there is too little memory |\n"));
 }
 
 TEST(CommandLine, WrongUsageEndsWithTwo) {
