@@ -1,0 +1,457 @@
+// Whether host/exports tells the truth: every cause that a host can meet is brought about with every
+// export, and the status that comes back must be in its table, in a row of that cause. And the other
+// way round: each cause of each row has led there.
+
+#include <gmock/gmock.h>
+
+#include <algorithm>
+#include <cerrno>
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <functional>
+#include <limits>
+#include <map>
+#include <optional>
+#include <set>
+#include <sstream>
+#include <stdexcept>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include "Exports.h"
+#include "exports/Groups.h"
+#include "faults/FaultyStage.h"
+#include "faults/Refusals.h"
+#include "faults/Scenarios.h"
+#include "faults/System.h"
+#include "support/Faults.h"
+
+namespace {
+
+namespace fs = std::filesystem;
+
+using testing::IsEmpty;
+using enum SystemCall;
+
+using Lines = std::vector<std::string>;
+
+// A cause by its name, and the words of which a sentence that names it has one.
+struct NamedCause {
+    Causes one;
+    const char* name;
+    Lines words;
+};
+
+const std::vector<NamedCause>& allCauses() {
+    static const std::vector<NamedCause> all = {
+        {cause::kDone, "kDone", {}},
+        {cause::kNullArgument, "kNullArgument", {}},  // named by the tool
+        {cause::kValueRefused, "kValueRefused", {}},
+        {cause::kPathRefused, "kPathRefused", {"512 bytes", "itself"}},
+        {cause::kSourceNotOpened, "kSourceNotOpened", {"opened", "there is none", "no such"}},
+        {cause::kSourceNotWritable, "kSourceNotWritable", {"written", "allowed"}},
+        {cause::kTargetNotOpened, "kTargetNotOpened", {"opened"}},
+        {cause::kTargetNotWritten, "kTargetNotWritten", {"written", "created", "allowed"}},
+        {cause::kDiskFull, "kDiskFull", {"the disk is full"}},
+        {cause::kReadFailed, "kReadFailed", {"read"}},
+        {cause::kFileRefused, "kFileRefused", {}},
+        {cause::kNoMemory, "kNoMemory", {"too little memory"}},
+        {cause::kNothingOpen, "kNothingOpen", {"no folder is open", "no entry is left"}},
+    };
+    return all;
+}
+
+const char* nameOf(Causes one) {
+    return std::ranges::find_if(allCauses(),
+                                [&](const NamedCause& named) { return named.one.contain(one); })
+        ->name;
+}
+
+std::string text(float status) {
+    std::ostringstream out;
+    out << status;
+    return out.str();
+}
+
+// What a host can see of a call.
+struct Outcome {
+    Answer answer;
+    Entries entries;
+
+    bool operator==(const Outcome&) const = default;
+};
+
+// A call that something is wrong with.
+struct Trial {
+    std::string how;
+    Causes cause;
+    Call call;
+    std::function<void()> spoil = [] {};  // once the files are there
+    bool asAnyUser = false;               // root may write everything
+};
+
+// Brings everything about for one export and notes what its table does not say.
+class Trials {
+public:
+    explicit Trials(const Export& entry) : entry_(entry) {
+        for (const Scenario& scenario : scenarios()) {
+            if (scenario.call.exportName != entry_.name) continue;
+            scenario_ = &scenario;
+            clean_ = outcomeOf(scenario.call);
+            expectDone();
+            passNulls();
+            passValues();
+            takeFilesAway();
+            forbidWriting();
+            failSystem();
+        }
+        refuse(refusedFiles(), cause::kFileRefused);
+        refuse(refusedPaths(), cause::kPathRefused);
+    }
+
+    // Statuses that are not in the table, or not for their cause.
+    Lines untrue() const {
+        Lines lines;
+        for (const auto& [what, first] : untrue_)
+            lines.push_back(what + first);
+        return lines;
+    }
+
+    // Causes of rows that have not led there.
+    Lines unreached() const {
+        Lines lines;
+        const auto look = [&](const StatusMeaning& row) {
+            for (const NamedCause& named : allCauses()) {
+                if (row.causes.contain(named.one) && !reached_.contains({row.status, named.name}))
+                    lines.push_back(text(row.status) + " by " + named.name);
+            }
+        };
+        std::ranges::for_each(entry_.statuses, look);
+        if (entry_.writesTiles) look(kTileNotWritten);
+        return lines;
+    }
+
+private:
+    void note(const std::string& how, float status, Causes one) {
+        untrue_.try_emplace(text(status) + " by " + nameOf(one) + ", ", how);
+    }
+
+    // What the table must say of a status to which this cause has led.
+    void judge(const std::string& how, float status, Causes one) {
+        const StatusMeaning* const row = rowOf(entry_, status);
+        if (row == nullptr || !row->causes.contain(one)) return note(how, status, one);
+        reached_.insert({row->status, nameOf(one)});
+    }
+
+    void expectDone() {
+        const float status = clean_.answer.status;
+        EXPECT_EQ(status, scenario_->status);
+        if (!isCount(entry_, status)) judge("done", status, cause::kDone);
+    }
+
+    Outcome outcomeOf(const Call& call) {
+        stage_.prepare(*scenario_);
+        const Answer answer = stage_.make(call);
+        return {answer, stage_.entries()};
+    }
+
+    bool readsText() const { return entry_.text != nullptr; }
+    bool readsBlock() const { return entry_.buffer != BufferUse::kNone; }
+    bool isNamed(std::string_view name) const { return entry_.name == name; }
+    bool takesFolder() const {
+        return isNamed("CheckFolder") || isNamed("OpenFolder") || isNamed("EmptyFolder");
+    }
+    bool readsSource() const {
+        return readsText() && !isNamed("GetString") && !isNamed("CreateFolder");
+    }
+    bool hasTarget() const { return entry_.buffer == BufferUse::kPath; }
+    bool merges() const { return entry_.name.starts_with("merge"); }
+
+    void passNulls() {
+        passNull("null text", nullptr, "b", readsText());
+        passNull("null block", "a", nullptr, readsBlock());
+        passNull("null text and block", nullptr, nullptr, readsText() || readsBlock());
+    }
+
+    void passNull(const char* how, const char* first, const char* second, bool matters) {
+        const Call& call = scenario_->call;
+        const std::string path = isNamed("GetString") ? call.text : stage_.path(call.text);
+        std::string block = stage_.path(call.buffer1) + std::string(4096, '\0');
+        stage_.prepare(*scenario_);
+        const float status = stage_.makeBare(
+            call.exportName, {.text = first == nullptr ? nullptr : path.c_str(),
+                              .value = call.value,
+                              .buffer1 = second == nullptr ? nullptr : block.data()});
+        if (status == clean_.answer.status && stage_.entries() == clean_.entries) return;
+        EXPECT_TRUE(matters) << how << " made a difference";
+        judge(how, status, cause::kNullArgument);
+    }
+
+    void passValues() {
+        constexpr double kInfinity = std::numeric_limits<double>::infinity();
+        for (const double value :
+             {-kInfinity, -1e30, -1.0, -0.5, 0.0, 0.5, 0.99, 1.0, 1.5, 2.0, 3.0, 3.9, 4.0, 4.5,
+              10.5, 100.5, 1e30, kInfinity, std::numeric_limits<double>::quiet_NaN()}) {
+            Call call = scenario_->call;
+            call.value = value;
+            const std::string how = "value " + std::to_string(value);
+            const float status = outcomeOf(call).answer.status;
+            const bool taken = entry_.takes == nullptr || entry_.takes(value);
+            if (!taken) judge(how, status, cause::kValueRefused);
+            // Beyond that it depends on the file whether a number is too large.
+            if (std::abs(value) > 1000.0) continue;
+            const StatusMeaning* const row = rowOf(entry_, status);
+            if (taken && row != nullptr && row->causes.contain(cause::kValueRefused))
+                note(how + " is said to be taken", status, cause::kFileRefused);
+        }
+    }
+
+    void takeFilesAway() {
+        const Call& call = scenario_->call;
+        const auto nothing = [] {};
+        if (readsSource()) {
+            Call missing = call;
+            missing.text = "none/none.tif";
+            make({"missing source", cause::kSourceNotOpened, missing});
+            Call other = call;
+            other.text = "other.d";
+            const auto put = [&] {
+                if (takesFolder())
+                    std::ofstream(stage_.path("other.d")) << "a file";
+                else
+                    fs::create_directories(stage_.path("other.d/inside"));
+            };
+            const bool deletes = isNamed("FileDelete");
+            make({takesFolder() ? "a file as source" : "a folder as source",
+                  deletes ? cause::kSourceNotWritable : cause::kSourceNotOpened, other, put});
+        }
+        if (isNamed("CreateFolder")) {
+            make({"missing parent", cause::kTargetNotWritten, {"CreateFolder", "none/new"}});
+            make({"a folder that is there", cause::kTargetNotWritten, {"CreateFolder", "."}});
+        }
+        if (isNamed("GetFile") || isNamed("CloseFolder"))
+            make({"no folder open", cause::kNothingOpen, call, [&] { stage_.forget(); }});
+        if (isNamed("GetFile"))
+            make({"no entry left", cause::kNothingOpen, call, [&] { readToEnd(); }});
+        if (hasTarget()) {
+            Call missing = call;
+            missing.buffer1 = "none/" + call.buffer1;
+            make({"missing target folder",
+                  merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten, missing, nothing});
+        }
+        for (const std::string& written : scenario_->written) {
+            if (!hasTarget() || written == call.text) continue;
+            make({"a folder as target",
+                  merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten, call, [&] {
+                      fs::remove(stage_.path(written));
+                      fs::create_directories(stage_.path(written + "/inside"));
+                  }});
+        }
+    }
+
+    void readToEnd() {
+        while (stage_.make({"GetFile", ""}).status == 0.0f) {
+        }
+    }
+
+    void forbidWriting() {
+        const Call& call = scenario_->call;
+        const auto forbid = [&](const std::string& name) {
+            return [this, name] { letOthersIn(), fs::permissions(stage_.path(name), kReadOnly); };
+        };
+        const bool removes =
+            isNamed("FileDelete") || isNamed("FileRename") || isNamed("EmptyFolder");
+        if (removes) {
+            const std::string folder = isNamed("EmptyFolder") ? call.text : ".";
+            const Causes refused =
+                isNamed("FileRename") ? cause::kTargetNotWritten : cause::kSourceNotWritable;
+            make({"source's folder not writable", refused, call, forbid(folder), true});
+        } else if (readsSource()) {
+            make({"source not writable", whySourceNotWritten(), call, forbid(call.text), true});
+        }
+        if (isNamed("CreateFolder"))
+            make({"parent not writable", cause::kTargetNotWritten, call, forbid("."), true});
+        for (const std::string& written : scenario_->written) {
+            if (!hasTarget() || written == call.text || removes) continue;
+            make({"target not writable", cause::kTargetNotWritten, call,
+                  [&] {
+                      letOthersIn();
+                      std::ofstream(stage_.path(written), std::ios::app).flush();
+                      fs::permissions(stage_.path(written), kReadOnly);
+                  },
+                  true});
+            make({"target's folder not writable", cause::kTargetNotWritten, call,
+                  [&] {
+                      letOthersIn();
+                      if (!merges()) fs::remove(stage_.path(written));
+                      fs::permissions(stage_.path("."), kReadOnly);
+                  },
+                  true});
+        }
+    }
+
+    static constexpr fs::perms kReadOnly = fs::perms{0555};
+
+    // Lets a user who is not root work in the folder.
+    void letOthersIn() const {
+        const fs::path folder = stage_.path(".");
+        fs::permissions(folder.parent_path(), fs::perms::all);
+        fs::permissions(folder, fs::perms::all);
+        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
+            fs::permissions(entry.path(), fs::perms::all);
+    }
+
+    // A call that comes to the same as if nothing had been wrong needs no row.
+    void make(const Trial& trial) {
+        stage_.prepare(*scenario_);
+        trial.spoil();
+        std::optional<WithoutRoot> anyUser;
+        if (trial.asAnyUser) anyUser.emplace();
+        const Answer answer = stage_.make(trial.call);
+        anyUser.reset();
+        if (trial.asAnyUser) letOthersIn();
+        if (answer.status == clean_.answer.status && !missesSomething()) return;
+        judge(trial.how, answer.status, trial.cause);
+    }
+
+    // Whether an entry is not as the call leaves it.
+    bool missesSomething() const {
+        const Entries now = stage_.entries();
+        return std::ranges::any_of(scenario_->written, [&](const std::string& written) {
+            const auto found = now.find(written);
+            const auto whole = clean_.entries.find(written);
+            if (found == now.end() || whole == clean_.entries.end())
+                return (found == now.end()) != (whole == clean_.entries.end());
+            return found->second != whole->second;
+        });
+    }
+
+    void failSystem() {
+        for (const bool lasting : {false, true}) {
+            inject({kWrite, Harm::kFails, ENOSPC, lasting}, cause::kDiskFull);
+            inject({kWrite, Harm::kMovesHalf, ENOSPC, true}, cause::kDiskFull);
+            inject({kMakeFolder, Harm::kFails, ENOSPC, lasting}, cause::kDiskFull);
+            inject({kRead, Harm::kFails, EIO, lasting}, cause::kReadFailed);
+            inject({kRead, Harm::kFindsTheEnd, 0, true}, cause::kReadFailed);
+            inject({kReadFolder, Harm::kFails, EIO, lasting}, cause::kReadFailed);
+            inject({kAllocate, Harm::kFails, ENOMEM, lasting}, cause::kNoMemory);
+            inject({kOpenFolder, Harm::kFails, EMFILE, lasting}, cause::kSourceNotOpened);
+            inject({kRemove, Harm::kFails, EACCES, lasting}, cause::kSourceNotWritable);
+            inject({kRename, Harm::kFails, EXDEV, lasting}, cause::kTargetNotWritten);
+        }
+        inject({kOpen, Harm::kFails, EMFILE}, {});
+        if (isNamed("GetPublicFolder"))
+            inject({kStat, Harm::kFails, ENOENT}, cause::kSourceNotOpened);
+    }
+
+    // Makes the call with each call of the fault's kind going wrong in turn.
+    void inject(Fault fault, std::optional<Causes> causes) {
+        for (fault.position = 1;; ++fault.position) {
+            stage_.prepare(*scenario_);
+            stage_.harmNextCall(fault);
+            const Outcome outcome{stage_.make(scenario_->call), stage_.entries()};
+            const Asked asked = stage_.asked();
+            if (!asked.harmed) return;
+            if (outcome == clean_) continue;
+            std::ostringstream how;
+            how << "number " << fault.position << (fault.lasting ? " and all further" : "")
+                << ", errno " << fault.error;
+            judge(how.str(), outcome.answer.status, causes ? *causes : whyNotOpened(asked));
+        }
+    }
+
+    // A source may be one of the files that the call creates, too.
+    Causes whySourceNotWritten() const {
+        const bool isTarget = hasTarget() && scenario_->written.contains(scenario_->call.text);
+        return isTarget ? cause::kTargetNotWritten : cause::kSourceNotWritable;
+    }
+
+    Causes whyNotOpened(const Asked& asked) const {
+        if (asked.path.data() == stage_.path(scenario_->call.text))
+            return asked.writes ? whySourceNotWritten() : cause::kSourceNotOpened;
+        return asked.writes ? cause::kTargetNotWritten : cause::kTargetNotOpened;
+    }
+
+    void refuse(const std::vector<Scenario>& refused, Causes causes) {
+        for (const Scenario& scenario : refused) {
+            if (scenario.call.exportName != entry_.name) continue;
+            scenario_ = &scenario;
+            const float status = outcomeOf(scenario.call).answer.status;
+            EXPECT_EQ(status, scenario.status) << scenario.name;
+            judge(scenario.name, status, causes);
+        }
+    }
+
+    const Export& entry_;
+    FaultyStage stage_;
+    const Scenario* scenario_ = nullptr;
+    Outcome clean_;
+    std::map<std::string, std::string> untrue_;
+    std::set<std::pair<float, std::string>> reached_;
+};
+
+std::vector<std::string> exportNames() {
+    std::vector<std::string> names;
+    for (const ExportGroup& group : exportGroups()) {
+        for (const Export& entry : group.exports)
+            names.emplace_back(entry.name);
+    }
+    return names;
+}
+
+class Contract : public testing::TestWithParam<std::string> {
+protected:
+    const Export& entry() const { return *findExport(GetParam()); }
+};
+
+TEST_P(Contract, HasEachStatusUnderItsCauseAndNoCauseInVain) {
+    const Trials trials(entry());
+    EXPECT_THAT(trials.untrue(), IsEmpty());
+    EXPECT_THAT(trials.unreached(), IsEmpty());
+}
+
+// A path without any dot.
+TEST_P(Contract, TellsOfTheOneExceptionThatReachesAHost) {
+    const auto scenario = std::ranges::find_if(
+        scenarios(), [&](const Scenario& each) { return each.call.exportName == GetParam(); });
+    Stage stage;
+    stage.prepare(*scenario);
+    Call call = scenario->call;
+    call.buffer1 = "target";
+    bool threw = false;
+    try {
+        stage.make(call);
+    } catch (const std::out_of_range&) {
+        threw = true;
+    }
+    EXPECT_EQ(threw, entry().throws != nullptr);
+}
+
+TEST_P(Contract, HasOneRowForEachStatus) {
+    std::set<float> statuses;
+    for (const StatusMeaning& row : entry().statuses)
+        EXPECT_TRUE(statuses.insert(row.status).second) << row.status;
+}
+
+TEST_P(Contract, NamesTheCausesInItsSentences) {
+    for (const StatusMeaning& row : entry().statuses) {
+        for (const NamedCause& named : allCauses()) {
+            if (!row.causes.contain(named.one) || named.words.empty()) continue;
+            // What a success leaves unsaid may be told beside it.
+            const std::string sentence =
+                row.isSuccess() ? row.sentence + std::string(entry().writes) : row.sentence;
+            EXPECT_TRUE(std::ranges::any_of(named.words,
+                                            [&](const std::string& words) {
+                                                return sentence.find(words) != std::string::npos;
+                                            }))
+                << row.status << " does not name " << named.name << ": " << sentence;
+        }
+    }
+}
+
+INSTANTIATE_TEST_SUITE_P(Exports, Contract, testing::ValuesIn(exportNames()),
+                         [](const auto& name) { return name.param; });
+
+}  // namespace

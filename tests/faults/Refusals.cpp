@@ -1,0 +1,279 @@
+#include "faults/Refusals.h"
+
+#include <string_view>
+#include <utility>
+
+#include "support/Append.h"
+#include "support/BmpFile.h"
+#include "support/PsdFile.h"
+#include "support/TiffFile.h"
+#include "support/VemoBuilder.h"
+
+namespace {
+
+ByteList text(std::string_view letters) {
+    return {letters.begin(), letters.end()};
+}
+
+// Maps of 8 x 8 pixels.
+constexpr std::uint32_t kSide = 8;
+
+TiffFile colour8() {
+    return TiffFile(kSide, kSide).rgb8(ByteList(3 * kSide * kSide, 9));
+}
+TiffFile grey8() {
+    return TiffFile(kSide, kSide).grey8(ByteList(kSide * kSide, 9));
+}
+TiffFile greyFloat() {
+    return TiffFile(kSide, kSide).grey32(std::vector<float>(kSide * kSide, 0.5f));
+}
+TiffFile colourFloat() {
+    return TiffFile(kSide, kSide).rgb32(std::vector<float>(3 * kSide * kSide, 0.5f));
+}
+PsdFile psd() {
+    return PsdFile(kSide, kSide).filled(3 * kSide * kSide, 9);
+}
+BmpFile bmp() {
+    return {kSide, kSide};
+}
+
+// Lists calls, of one export after the other.
+class List {
+public:
+    // The calls that follow are like this one.
+    void of(const char* exportName, double value = 0.0, const std::string& target = {}) {
+        call_ = {exportName, "one.map", value, target};
+    }
+    // One whose source or only file is refused.
+    Scenario& add(const std::string& name, float status, const ByteList& source) {
+        return all.emplace_back(Scenario{name, call_, status}).on(call_.text, source);
+    }
+    // One of a merge.
+    void add(const std::string& name, float status, const ByteList& source,
+             const ByteList& target) {
+        add(name, status, source).on(call_.buffer1, target);
+    }
+    // One with other paths.
+    void addCall(const std::string& name, float status, const ByteList& source, const Call& call) {
+        all.emplace_back(Scenario{name, call, status}).on("one.map", source);
+    }
+
+    std::vector<Scenario> all;
+
+private:
+    Call call_{};
+};
+
+// Directories that each reader of any depth refuses, and each reader of float maps.
+void addDirectories(List& list, float channelCount, TiffFile (*map)(), const TiffFile* target) {
+    const auto add = [&](const char* name, float status, const TiffFile& bent) {
+        Scenario& added = list.add(name, status, bent.bytes());
+        if (target != nullptr) added.on("all.map", target->bytes());
+    };
+    add("two channels", channelCount, map().entry(258, 2, 8));
+    add("compressed", -259, map().entry(259, 1, 5));
+    add("a palette", -262, map().entry(262, 1, 3));
+    add("two strips", -273, map().entry(273, 2, 8));
+    add("two sample formats", -339, map().entry(339, 2, 1));
+}
+
+void addTiff(List& list) {
+    const TiffFile good = colour8();
+    list.of("mergeMapsTIF", 0.0, "all.map");
+    addDirectories(list, 258, colour8, &good);
+    list.add("another height", -30, TiffFile(kSide, 9).rgb8(ByteList(3 * kSide * 9, 9)).bytes(),
+             good.bytes());
+    list.add("a source without directory", -30, text("neither map nor picture"), good.bytes());
+    list.add("a target without directory", -30, good.bytes(), text("neither map nor picture"));
+    list.add("grey and colour", -40, grey8().bytes(), good.bytes());
+
+    list.of("swapRGBTIF", 2.0);
+    addDirectories(list, 258, colour8, nullptr);
+
+    const auto addFloat = [&](TiffFile (*map)()) {
+        addDirectories(list, -258, map, nullptr);
+        list.add("8 bits", -32, colour8().bytes());
+        list.add("no width", -1, map().entry(256, 1, 0).bytes());
+        list.add("no directory", -1, text("neither map nor picture"));
+        list.add("a row too few", -279, map().entry(257, 1, kSide + 9).bytes());
+    };
+    list.of("convertTIFF16", 1.0, "out.tif");
+    addFloat(greyFloat);
+    list.add("the directory at its end", -257, greyFloat().bytes());
+    list.of("convertTIFFSingle", 0.0, "out.tif");
+    addFloat(colourFloat);
+    list.add("one channel", -279, greyFloat().bytes());
+    list.of("getScale", 1.0);
+    addFloat(greyFloat);
+
+    list.of("saveAsTarga", 0.0, "out.tga");
+    addDirectories(list, 258, colour8, nullptr);
+    list.add("no directory", -257, text("neither map nor picture"));
+    list.add("no height", -257, colour8().without(257).bytes());
+    list.add("a hundred million rows", -279, colour8().entry(257, 1, 100'000'000).bytes());
+}
+
+void addPsd(List& list) {
+    list.of("mergeMapsPSD", 0.0, "all.map");
+    list.add("another file", -1, psd(), text("no picture"));
+    list.add("cut short", -1, PsdFile(kSide, kSide).filled(kSide, 9), psd());
+    list.add("large document", -2, psd().version(2), psd());
+    list.add("a colour table", -3, psd().colourTable(4), psd());
+    list.add("compressed", -4, psd().compression(1), psd());
+    list.add("another height", -6, PsdFile(kSide, 9).filled(3 * kSide * 9, 9), psd());
+    list.add("8-bit grey", 36, psd().channels(1).colourMode(1), psd());
+
+    list.of("swapRGBPSD", 2.0);
+    list.add("another file", -1, text("no picture"));
+    list.add("cut short", -1, PsdFile(kSide, kSide).filled(kSide, 9));
+    list.add("large document", -2, psd().version(2));
+    list.add("a colour table", -3, psd().colourTable(4));
+    list.add("compressed", -4, psd().compression(1));
+    list.add("an alpha channel", -56, psd().channels(4).filled(4 * kSide * kSide, 9));
+}
+
+void addBmp(List& list) {
+    list.of("mergeMapsBMP", 0.0, "all.map");
+    list.add("another source", -7, text("no picture"), bmp());
+    list.add("another target", -7, bmp(), text("no picture"));
+    list.add("another height", -30, BmpFile(kSide, 9), bmp());
+    list.add("another depth", -40, bmp().bitsPerPixel(32), bmp());
+    list.add("another place of the pixels", -40, bmp().pixelOffset(60), bmp());
+    list.of("swapRGBBMP", 2.0);
+    list.add("another file", -7, text("no picture"));
+    list.of("CreateThumbnailBMP", 4.0);
+    list.add("another file", -2, text("no picture"));
+    list.add("cut in its headers", -7, bmp().cut(53));
+    list.add("no pixels", -7, bmp().claimPixelOffset(100'000));
+    list.of("saveAsJpeg", 50.0, "out.jpg");
+    list.add("cut in its headers", 4, bmp().cut(53));
+    list.add("another file", 5, ByteList(54, 'x'));
+    list.add("32 bits", 5, bmp().bitsPerPixel(32));
+    list.add("no width", -9, bmp().claimSize(0, kSide));
+    list.add("65529 pixels wide", -9, bmp().claimSize(65529, kSide));
+}
+
+// An OpenEXR file of one half float, every attribute open to bending.
+class ExrFile {
+public:
+    ByteList header = {0x76, 0x2F, 0x31, 0x01, 2, 0, 0, 0};
+    std::string lineOrder = "lineOrder";  // the attribute's name
+    std::uint8_t compression = 0;
+    std::uint8_t sampling = 1;  // of the columns
+    std::uint16_t sample = 0x3C00;
+
+    ByteList bytes() const {
+        ByteList file = header;
+        const auto add = [&](const ByteList& more) { append(file, more); };
+        const auto attribute = [&](const std::string& name, const std::string& type,
+                                   const ByteList& value) {
+            for (const std::string& word : {name, type}) {
+                add(text(word));
+                file.push_back(0);
+            }
+            appendLe32(file, static_cast<std::uint32_t>(value.size()));
+            add(value);
+        };
+        attribute("channels", "chlist",
+                  {'Y', 0, 1, 0, 0, 0, 0, 0, 0, 0, sampling, 0, 0, 0, 1, 0, 0, 0, 0});
+        attribute("compression", "compression", {compression});
+        attribute("dataWindow", "box2i", ByteList(16, 0));
+        attribute("displayWindow", "box2i", ByteList(16, 0));
+        attribute(lineOrder, "lineOrder", {0});
+        attribute("pixelAspectRatio", "float", {0, 0, 0x80, 0x3F});
+        attribute("screenWindowCenter", "v2f", ByteList(8, 0));
+        attribute("screenWindowWidth", "float", {0, 0, 0x80, 0x3F});
+        file.push_back(0);
+        appendLe32(file, static_cast<std::uint32_t>(file.size()) + 8);  // the table: one chunk
+        appendLe32(file, 0);
+        appendLe32(file, 0);  // its row
+        appendLe32(file, 2);  // its bytes
+        appendLe16(file, sample);
+        return file;
+    }
+};
+
+void addExr(List& list) {
+    list.of("OpenEXR");
+    list.add("another file", -1, text("neither map nor picture"));
+    ExrFile version;
+    version.header[4] = 3;
+    list.add("version 3", -2, version.bytes());
+    ExrFile deep;
+    deep.header[5] = 8;
+    list.add("deep", -4, deep.bytes());
+    ByteList cut = ExrFile().bytes();
+    cut.pop_back();
+    list.add("cut short", -4, cut);
+    ExrFile packed;
+    packed.compression = 5;
+    list.add("24-bit floats", -8, packed.bytes());
+    ExrFile incomplete;
+    incomplete.lineOrder = "noOrder";
+    list.add("no line order", -9, incomplete.bytes());
+    ExrFile subsampled;
+    subsampled.sampling = 2;
+    list.add("subsampled", -10, subsampled.bytes());
+    ExrFile empty;
+    empty.sample = 0x7E00;
+    list.add("no number", -131070, empty.bytes());
+}
+
+void addMeshes(List& list) {
+    const auto vertices = [] { return VemoBuilder().vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}}); };
+    const ByteList without = vertices().closing().bytes();
+    for (const char* search : {"getUVTile", "getUVGroups"}) {
+        list.of(search);
+        list.add("neither UVs nor groups", -18, without);
+    }
+    list.of("getUVs", 2.0, "tile.tif");
+    list.add("no UVs", -18, without);
+    list.of("getUVsMask", 2.0, "tile.tif");
+    list.add("no vertices", -18, VemoBuilder().closing().bytes());
+    list.add("no faces", -19, without);
+    list.add("no UVs", -18, vertices().faces({{0, 1, 2, -1}}).closing().bytes());
+    list.add("more UVs than faces", -18,
+             vertices().faces({{0, 1, 2, -1}}).flatFaceUvs({{0, 0}, {1, 0}}).closing().bytes());
+    list.add("a vertex that is not there", -19,
+             vertices().faces({{0, 1, 3, -1}}).flatFaceUvs({{0, 0}}).closing().bytes());
+    list.of("mergeCrease", 0.0, "all.map");
+    list.add("a short source", -18, ByteList(13, 0), without);
+    list.add("a short target", -18, without, ByteList(13, 0));
+}
+
+std::vector<Scenario> allFiles() {
+    List list;
+    addTiff(list);
+    addPsd(list);
+    addBmp(list);
+    addExr(list);
+    addMeshes(list);
+    return std::move(list.all);
+}
+
+std::vector<Scenario> allPaths() {
+    List list;
+    TiffFile directoryFirst(kSide, kSide, TiffFile::Order::kDirectoryFirst);
+    directoryFirst.entry(254, 1, 0).grey32(std::vector<float>(kSide * kSide, 0.5f));
+    list.addCall("onto itself", -201, directoryFirst.bytes(),
+                 {"convertTIFF16", "one.map", 1.0, "one.map"});
+    list.addCall("onto itself", -201, colourFloat().bytes(),
+                 {"convertTIFFSingle", "one.map", 0.0, "one.map"});
+    list.addCall("onto itself", -5, colour8().bytes(), {"saveAsTarga", "one.map", 0.0, "one.map"});
+    const std::string longPath(512, 'x');
+    list.addCall("a long source", -1, bmp(), {"saveAsJpeg", longPath, 50.0, "out.jpg"});
+    list.addCall("a long target", -1, bmp(), {"saveAsJpeg", "one.map", 50.0, longPath});
+    return std::move(list.all);
+}
+
+}  // namespace
+
+const std::vector<Scenario>& refusedFiles() {
+    static const std::vector<Scenario> all = allFiles();
+    return all;
+}
+
+const std::vector<Scenario>& refusedPaths() {
+    static const std::vector<Scenario> all = allPaths();
+    return all;
+}

@@ -1,0 +1,13 @@
+#pragma once
+// Calls that are refused for what a file holds or for where a path leads. Each is valid except for
+// the one thing that its name says.
+
+#include <vector>
+
+#include "faults/Scenarios.h"
+
+// The files of such calls; the statuses are literal.
+const std::vector<Scenario>& refusedFiles();
+
+// The same for paths: too long, or the same for source and target.
+const std::vector<Scenario>& refusedPaths();
