@@ -32,6 +32,8 @@ constexpr StatusMeaning kSampleFormats{kBadSampleFormatCount, cause::kFileRefuse
 
 constexpr StatusMeaning kEmptyMap{kNoPixels, cause::kFileRefused,
                                   "the map has no pixels, or no directory is found in it"};
+constexpr StatusMeaning kFarStrip{kStripTooFar, cause::kFileRefused,
+                                  "the map's pixels start 2 GiB or more into the file"};
 constexpr StatusMeaning kShortMap{
     kPixelsMissing, cause::kFileRefused,
     "the map ends before its last row, or has fewer channels than asked for"};
@@ -68,11 +70,14 @@ constexpr StatusMeaning kSwap[] = {
     kRefusedArgument};
 
 constexpr StatusMeaning kConvert[] = {
-    {kOk, cause::kDone, "the 16-bit map was written"},
+    {kOk, cause::kDone,
+     "the 16-bit map was written; a header alone for a map without pixels, or in which no "
+     "directory "
+     "is found"},
     kMapNotOpened,
     {kNotReopened, cause::kSourceNotOpened, "the map cannot be opened again"},
     kTargetUnwritten,
-    kEmptyMap,
+    kFarStrip,
     kShortMap,
     kNoFloats,
     kFloatChannelCount,
@@ -81,17 +86,20 @@ constexpr StatusMeaning kConvert[] = {
     kStrips,
     kSampleFormats,
     {kSizeNotPlaced, cause::kFileRefused,
-     "a size in the map's directory stands behind the new header, which ends at byte 198 (grey) or "
-     "234 (colour)"},
+     "a size in the map's directory is behind the new header, which ends at byte 198 (grey) or 234 "
+     "(colour)"},
     kRefusedArgument};
 
 constexpr StatusMeaning kSingle[] = {
-    {kOk, cause::kDone, "the first channel was written"},
-    {kNoPixels, cause::kNullArgument | cause::kFileRefused | cause::kNoMemory,
-     "the map has no pixels, no directory is found in it, or there is too little memory"},
+    {kOk, cause::kDone,
+     "the first channel was written; a header alone for a map without pixels, or in which no "
+     "directory is found"},
+    {quillon_status::kFailed, cause::kNullArgument | cause::kNoMemory,
+     "there is too little memory"},
     kMapNotOpened,
     {kNotReopened, cause::kSourceNotWritable, "the map may not be written to"},
     kTargetUnwritten,
+    kFarStrip,
     {kPixelsMissing, cause::kFileRefused,
      "the map ends before its last row, or has fewer than 3 channels"},
     kNoFloats,
@@ -105,6 +113,7 @@ constexpr StatusMeaning kScale[] = {kMapNotOpened,
                                     {kNotReopened, cause::kSourceNotWritable | cause::kReadFailed,
                                      "the map may not be written to, or cannot be read to its end"},
                                     kEmptyMap,
+                                    kFarStrip,
                                     kShortMap,
                                     kNoFloats,
                                     kFloatChannelCount,

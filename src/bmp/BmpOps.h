@@ -89,5 +89,5 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
 //            that would not fit into 4 GiB; kThumbNotOpened; kThumbNotABmp; kNotABmp when the file
 //            is shorter than its headers or ends before its pixels start. Nothing is changed by a
 //            failure, unless the disk cannot be read to the end: then kThumbNotOpened, with some of
-//            the pixels written over.
+//            the pixels written over and without the first two bytes, so that it is no BMP any more.
 float createBMPthumb(const char* path, std::int32_t size);

@@ -20,9 +20,9 @@
  * FileDelete. Between calls live only: the open folder, the tile filter and the list of tile names.
  * One thread calls one export at a time.
  *
- * Statuses. The boundary's own are below; any other comes from the operation and stands in its
- * module's header (VemoOps.h, TiffOps.h, PsdOps.h, BmpOps.h, TargaOps.h, JpegOps.h). Nothing is
- * thrown, with one exception: convertTIFF16. */
+ * Statuses. The boundary's own are below; any other comes from the operation and is in its
+ * module's header (VemoOps.h, TiffOps.h, PsdOps.h, BmpOps.h, TargaOps.h, JpegOps.h, ExrLoader.h,
+ * ExrRange.h). Nothing is thrown, with one exception: convertTIFF16. */
 
 #ifdef __cplusplus
 #define QUILLON_API extern "C" __attribute__((visibility("default")))
@@ -47,14 +47,15 @@ QUILLON_API ExportFunction Version;
 /* Creates the folder `text`. -1 also when it exists or its parent does not. */
 QUILLON_API ExportFunction CreateFolder;
 /* Copies the path of the folder that holds the users' folders into `buffer1`. 1: copied, 0: there
- * is none. */
+ * is none, or `buffer1` is null. */
 QUILLON_API ExportFunction GetPublicFolder;
-/* Tells whether the folder `text` can be opened. Ends a listing that is open. */
+/* Returns whether the folder `text` can be opened. Ends a listing that is open. */
 QUILLON_API ExportFunction CheckFolder;
 /* Opens the folder `text` for listing. Ends a listing that is open. */
 QUILLON_API ExportFunction OpenFolder;
 /* Copies the name of the next entry into `buffer1`, in the file system's own order, "." and ".."
- * included. -3: no entry is left, -1: no folder is open. */
+ * included. -3: no entry is left, or the folder cannot be read further; -1: no folder is open, or
+ * `buffer1` is null. */
 QUILLON_API ExportFunction GetFile;
 /* Ends the listing. -1: no folder is open. */
 QUILLON_API ExportFunction CloseFolder;
@@ -72,7 +73,8 @@ QUILLON_API ExportFunction FileRename;
  * end of `text` there is the empty text. */
 QUILLON_API ExportFunction GetString;
 
-/* Meshes. -9: a path or block is null. The naming mode is n, brought into 0 to 3. */
+/* Meshes. -9: a path or block is null, or memory runs out; some operations then return the status of a
+ * file that cannot be opened. The naming mode is n, brought into 0 to 3. */
 
 /* Forgets the tile filter. Always 0. */
 QUILLON_API ExportFunction clearUVtilesOutput;
@@ -84,7 +86,7 @@ QUILLON_API ExportFunction getUVTile;
 /* Returns the number of face groups of the mesh `text`. */
 QUILLON_API ExportFunction getUVGroups;
 /* Copies the name of tile n of the last getUVs or getUVsMask into `buffer1`. Always 0; nothing is
- * copied when there is no such tile. */
+ * copied when there is no such tile or `buffer1` is null. */
 QUILLON_API ExportFunction getUVString;
 /* Forgets the tile names. Always 0. */
 QUILLON_API ExportFunction clearUVString;
@@ -96,7 +98,8 @@ QUILLON_API ExportFunction getUVsMask;
 /* Appends the mesh `text` to the mesh `buffer1`. */
 QUILLON_API ExportFunction mergeCrease;
 
-/* Maps. -9: a path is null, or `value` is not one that the export takes. */
+/* Maps. -9: a path is null, `value` is not one that the export takes, or memory runs out. A null path
+ * is -1 in convertTIFFSingle and CreateThumbnailBMP and -3 in OpenEXR. */
 
 /* Folds the map `text` of one tile into the map `buffer1`. */
 QUILLON_API ExportFunction mergeMapsTIF;
@@ -110,7 +113,8 @@ QUILLON_API ExportFunction swapRGBBMP;
  * "PSD", else a TIFF; takes 1 (grey), 3 (colour) and 4 (colour to grey). `buffer1` must have an
  * extension: without any dot in it std::out_of_range is thrown. */
 QUILLON_API ExportFunction convertTIFF16;
-/* Writes the first channel of the float map `text` to `buffer1`. A null path is -1 here. */
+/* Writes the first channel of the float map `text` to `buffer1`. A null path and lack of memory are
+ * -1 here. */
 QUILLON_API ExportFunction convertTIFFSingle;
 /* Returns the scale of the displacement map `text`; takes 1 and 3, its channels. */
 QUILLON_API ExportFunction getScale;
@@ -126,7 +130,7 @@ QUILLON_API ExportFunction OpenEXR;
 
 #ifdef __cplusplus
 
-/* What the boundary answers by itself. */
+/* What the boundary returns by itself. */
 namespace quillon_status {
 inline constexpr float kOk = 0.0f;
 inline constexpr float kFailed = -1.0f;           /* file services: failed, or a null argument */

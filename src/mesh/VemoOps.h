@@ -41,7 +41,8 @@
 //   # End of RGB block
 
 // The host's scripts test these numbers. A count of tiles, of groups, of files or of faces is 0 or
-// more.
+// more. A mesh or filter that is not opened may also be one that cannot be read, or for which there is
+// too little memory.
 namespace vemo_status {
 inline constexpr float kOk = 0.0f;
 inline constexpr float kFilterNotOpened = -1.0f;

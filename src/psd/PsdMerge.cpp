@@ -56,7 +56,8 @@ float mergePlanes(const File& source, const File& target, const Planes& planes,
         }
         if (!map.write(target)) return kOk;
     }
-    firstPixel.write(target);
+    for (std::size_t plane = 0; plane < planes.count; ++plane)
+        target.writeAt(planes.placeOf(plane, 0), firstPixel.at(plane), sampleBytes);
     return kOk;
 }
 

@@ -13,14 +13,17 @@
 // (-259: compressed), except where any depth is accepted: there a bad sample count stays positive.
 namespace tiff_status {
 inline constexpr float kOk = 0.0f;
-inline constexpr float kNoPixels = -1.0f;            // getScaleTiff: a size below 1
-inline constexpr float kNotOpened = -10.0f;          // first or only file
-inline constexpr float kTargetNotOpened = -20.0f;    // also printed on standard output
-inline constexpr float kSizesDiffer = -30.0f;        // also: the target has no directory
-inline constexpr float kNotFloat = -32.0f;           // float-only readers
-inline constexpr float kSamplesDiffer = -40.0f;      // channels or depth
-inline constexpr float kNotReopened = -101.0f;       // first or only file, for pixel access
-inline constexpr float kTargetNotWritten = -201.0f;  // cannot be created, opened or filled
+inline constexpr float kNoPixels = -1.0f;          // getScaleTiff: a size below 1
+inline constexpr float kNotOpened = -10.0f;        // first or only file
+inline constexpr float kTargetNotOpened = -20.0f;  // also printed on standard output
+inline constexpr float kSizesDiffer = -30.0f;      // also: the target has no directory
+inline constexpr float kNotFloat = -32.0f;         // float-only readers
+inline constexpr float kSamplesDiffer = -40.0f;    // channels or depth
+inline constexpr float kNotReopened =
+    -101.0f;  // first or only file, for pixel access; swapChannels
+              // and getScaleTiff: also when that fails
+inline constexpr float kTargetNotWritten = -201.0f;  // cannot be created, opened or filled, or a
+                                                     // map cannot be read to its end
 inline constexpr float kBadSampleCount = 258.0f;     // readers of any depth
 inline constexpr float kFloatBadSampleCount = -258.0f;
 inline constexpr float kCompressed = -259.0f;
@@ -51,7 +54,8 @@ float mergeTiff(const char* source, const char* target);
 // Exchanges two colour channels of an 8-bit colour map in place. Any other map stays as it is.
 //
 //   mode     1: green and blue, 2: red and blue, 3: red and green; any other: nothing
-//   returns  kOk; kNotOpened and kNotReopened, both also printed; a refused tag. Rows that the file
+//   returns  kOk; kNotOpened, also printed; kNotReopened, also printed unless a read or write
+//            failed, which leaves the pixels before it exchanged; a refused tag. Rows that the file
 //            does not have are left alone, and the file never grows.
 float swapChannels(const char* path, int mode);
 
@@ -60,6 +64,7 @@ float swapChannels(const char* path, int mode);
 // row, is refused before anything is written: kStripTooFar, kPixelsMissing. A map without pixels (a
 // width or length below 1, no directory) converts to a header alone. Source and target must be two
 // files. An old target is written over; what it has behind the new file's end is cut off at the end.
+// When a read or write fails, the old file is lost and a part of the new one is left.
 
 // Writes the first channel of a three-channel float map as a one-channel float map.
 //
