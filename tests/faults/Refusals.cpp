@@ -93,8 +93,7 @@ void addTiff(List& list) {
     const auto addFloat = [&](TiffFile (*map)()) {
         addDirectories(list, -258, map, nullptr);
         list.add("8 bits", -32, colour8().bytes());
-        list.add("no width", -1, map().entry(256, 1, 0).bytes());
-        list.add("no directory", -1, text("neither map nor picture"));
+        list.add("a strip from 2 GiB on", -274, map().entry(273, 1, 0x80000000).bytes());
         list.add("a row too few", -279, map().entry(257, 1, kSide + 9).bytes());
     };
     list.of("convertTIFF16", 1.0, "out.tif");
@@ -105,6 +104,8 @@ void addTiff(List& list) {
     list.add("one channel", -279, greyFloat().bytes());
     list.of("getScale", 1.0);
     addFloat(greyFloat);
+    list.add("no width", -1, greyFloat().entry(256, 1, 0).bytes());
+    list.add("no directory", -1, text("neither map nor picture"));
 
     list.of("saveAsTarga", 0.0, "out.tga");
     addDirectories(list, 258, colour8, nullptr);
