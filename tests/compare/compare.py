@@ -270,6 +270,7 @@ def main():
     add("--only", choices=MODULES, help="of all cases, run those of one module")
     add("--keep", type=Path, metavar="FOLDER", help="for what disagrees (build/compare)")
     add("--case", metavar="S:N", help="run one case, named as in the report of a disagreement")
+    add("--self-test", action="store_true", help="plant errors in the model: each must be caught")
     options = parser.parse_args()
     options.keep = (options.keep or TOP / "build" / "compare").resolve()
     server = TOP / "build" / options.preset / "tests" / "compare_server"
@@ -279,6 +280,10 @@ def main():
     if options.case:
         options.seed, number = map(int, options.case.split(":"))
         options.numbers = [number]
+    if options.self_test:
+        import self_test
+
+        return self_test.run(options)
     return run(options)
 
 
