@@ -150,8 +150,7 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
     if (status != bmp_status::kOk) return status;
     if (bmpHdr.pixelOffset > bmpV.size) return bmp_status::kNotABmp;
 
-    const std::int64_t height = std::int64_t{bmpHdr.height} - kCroppedRows;
-    const NewImage image = newImage(newWidth, saturatedInt(static_cast<double>(height)));
+    const NewImage image = newImage(newWidth, std::int64_t{bmpHdr.height} - kCroppedRows);
     if (!canBeWritten(image)) return bmp_status::kSizeRefused;
 
     BmpWriter writer;

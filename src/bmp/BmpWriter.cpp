@@ -18,9 +18,9 @@ void patchSizes(const NewImage& image) {
 
 }  // namespace
 
-NewImage newImage(std::int32_t width, std::int32_t height) {
+NewImage newImage(std::int32_t width, std::int64_t height) {
     NewImage image{width, height};
-    image.rows = static_cast<std::uint64_t>(std::max(height, 0));
+    image.rows = static_cast<std::uint64_t>(std::max<std::int64_t>(height, 0));
     image.pixelsPerRow = static_cast<std::uint64_t>(std::max(width, 0));
     image.padding = getPadding(width);
     image.pixelBytes = image.rows * (kBmpPixelBytes * image.pixelsPerRow + image.padding);

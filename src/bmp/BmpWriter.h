@@ -9,14 +9,14 @@
 // The sizes of an image that is to be written. A width or height of 0 or below has no pixels.
 struct NewImage {
     std::int32_t width = 0;
-    std::int32_t height = 0;
+    std::int64_t height = 0;  // the header takes its low 32 bits
     std::uint64_t rows = 0;
     std::uint64_t pixelsPerRow = 0;
     std::uint64_t padding = 0;     // bytes after each row
     std::uint64_t pixelBytes = 0;  // of all rows, padding included
 };
 
-NewImage newImage(std::int32_t width, std::int32_t height);
+NewImage newImage(std::int32_t width, std::int64_t height);
 
 // Whether the file's size fits into its 32-bit field.
 bool canBeWritten(const NewImage& image);

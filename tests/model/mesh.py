@@ -1,0 +1,397 @@
+"""Mesh interchange files: UV tiles, one file per tile, vertex colours, OBJ text, crease merge.
+
+A file is a header of 32 bytes, which nobody reads, and a row of chunks: id, length with these 16
+bytes included, element count, 0, then the elements. All values are little-endian.
+"""
+
+import math
+import re
+import struct
+
+import numpy as np
+
+from services import FileNameExtract, load_regular
+from world import create, le, single, whole
+
+VERTEX, FACE, FACE_UV, MASK, COLOUR, GROUP = 10001, 20001, 25001, 30001, 35001, 40001
+
+ELEMENTS = {  # what one element holds: the type of its values and their number
+    VERTEX: ("<f4", 3),  # x, y, z
+    FACE: ("<i4", 4),  # vertex indices; a negative fourth one marks a triangle
+    FACE_UV: ("<f4", 8),  # u, v of the four corners
+    COLOUR: ("u1", 4),  # blue, green, red, unused
+    GROUP: ("<i2", 1),
+}
+
+FIRST_CHUNK = 32
+EMPTY_CHUNK = bytes(16)  # closes a file
+
+filterNames = set()  # the tile filter: names as they stand in its file,
+filterRanges = []  # and pairs of numbers, both included
+UVTileStr = []  # the names of the tiles of the last UV export
+faceID = []  # how many faces each base face has become
+
+
+def load_mesh(path):
+    """A file's bytes and its last byte once more; None where it cannot be opened."""
+    data = load_regular(path)
+    return None if data is None else data + (data[-1:] or b"\0")
+
+
+def find_chunk(data, wanted, start, guarded):
+    """The place of the first chunk with the wanted id at or after `start`; None without one.
+
+    A length of 0 would stall the walk: the guarded search skips the 16 bytes of the header, the
+    plain one ends.
+    """
+    at = start
+    while le(data, at, 4) != wanted:
+        length = le(data, at + 4, 4)
+        if length == 0 and not guarded:
+            return None
+        at += length or 16
+        if at >= min(len(data), 2**32):
+            return None
+    return at
+
+
+def elements(data, at, kind):
+    """The elements of the chunk at a place, a row each; None where the file ends before them."""
+    value, size = ELEMENTS[kind]
+    count = le(data, at + 8, 4)
+    end = at + 16 + count * size * np.dtype(value).itemsize
+    if end > len(data):
+        return None
+    return np.frombuffer(data[at + 16 : end], value).reshape(count, size)
+
+
+def save(path, data):
+    """Whether a file can be created. That the disk could not take it all is not reported."""
+    created = create(path, b"")
+    if created:
+        create(path, data)
+    return created
+
+
+# UV tiles
+
+
+def split_uv(x):
+    """The tiles of coordinates, and their places within these tiles.
+
+    Below zero 1 is subtracted before the cut, so that -0.25 lies in tile -1, and -1.0 in tile -2.
+    What is no number lies in tile 0 and stays as it is.
+    """
+    with np.errstate(all="ignore"):
+        y = np.where(x < 0, x - np.float32(1), x)
+        fraction, integer = np.modf(y)
+        local = np.where(fraction < 0, fraction + np.float32(1), fraction)
+    integer = np.nan_to_num(integer.astype(np.float64), nan=0.0)
+    tile = np.clip(integer, -(2.0**31), 2.0**31 - 1).astype(np.int64)
+    return tile, np.where(np.isnan(x), x, local)
+
+
+def tile_name(u, v, mode):
+    """A tile's name in one of the four naming modes; mode 2 has ten tiles a row."""
+    if mode == 0:
+        return b"_u%d_v%d" % (u, v)
+    if mode == 1:
+        return b"_u%d_v%d" % (u + 1, v + 1)
+    if mode == 2:
+        return b"%d" % (u + 10 * v + 1001)
+    return b"u%dv%d" % (u, v)
+
+
+def passes_filter(name):
+    """Whether the filter lists a tile number; an empty filter lets every one pass."""
+    if not filterNames and not filterRanges:
+        return True
+    return name in filterNames or any(first <= int(name) <= last for first, last in filterRanges)
+
+
+def find_tiles(uvs, mode):
+    """The tiles in the order of their names, and the name of the last face's tile.
+
+    A face belongs to the tile of its first corner. Of tiles with one name the first is kept.
+    """
+    tiles = {}
+    name = b""
+    for u, v in split_uv(uvs[:, :2])[0].tolist():
+        name = tile_name(u, v, mode)
+        if mode != 2 or passes_filter(name):
+            tiles.setdefault(name, (u, v))
+    return dict(sorted(tiles.items())), name
+
+
+def GetUVTile(path, out, mode):
+    """The number of tiles. `out` takes the last face's tile, also if the filter rejects it."""
+    data = load_mesh(path)
+    if data is None:
+        return -17.0
+    at = find_chunk(data, FACE_UV, FIRST_CHUNK, guarded=False)
+    uvs = None if at is None else elements(data, at, FACE_UV)
+    if uvs is None:
+        return -18.0
+    tiles, last = find_tiles(uvs, mode)
+    out.copy(last)
+    return float(len(tiles))
+
+
+def GetUVGroup(path):
+    """The number of different group ids of the faces."""
+    data = load_mesh(path)
+    if data is None:
+        return -17.0
+    at = find_chunk(data, GROUP, FIRST_CHUNK, guarded=True)
+    groups = None if at is None else elements(data, at, GROUP)
+    if groups is None:
+        return -18.0
+    return float(len(np.unique(groups)))
+
+
+def clearUVtilesOut():
+    """Empties the tile filter."""
+    filterNames.clear()
+    filterRanges.clear()
+
+
+def leading_number(text):
+    """The number at the start of a text, after blanks; 0 without one, the nearest of 32 bits."""
+    number = re.match(rb"[ \t\n\v\f\r]*([+-]?[0-9]+)", text)
+    return whole(float(number[1])) if number else 0
+
+
+def setUVtilesOut(path):
+    """Reads the tile filter: names and ranges, separated by commas or line ends, spaces ignored.
+
+    Ranges are kept as such, since a long one would fill the memory.
+    """
+    clearUVtilesOut()
+    text = load_regular(path)
+    if text is None:
+        return -1.0
+    for line in text.split(b"\n"):
+        for piece in line.replace(b" ", b"").split(b","):
+            if b"-" in piece:
+                first, last = (leading_number(end) for end in piece.split(b"-", 1))
+                if first <= last:
+                    filterRanges.append((first, last))
+            elif piece:
+                filterNames.add(piece)
+    return 0.0
+
+
+def getUVTileString(position, out):
+    """Copies the name of a tile of the last UV export; nothing where there is no such tile."""
+    if out is not None and 0 <= position < len(UVTileStr):
+        out.copy(UVTileStr[position])
+
+
+def clearUVTileString():
+    """Forgets the names of the last export's tiles."""
+    UVTileStr.clear()
+
+
+# One file per tile
+
+
+def write_tiles(tiles, outPath, content):
+    """Writes a file for each tile, in the order of their names, and keeps the names.
+
+    Returns the number of tiles, or 1501 + k where file k fails; those before it stay.
+    """
+    for k, (name, tile) in enumerate(tiles.items()):
+        path = FileNameExtract(outPath, 3) + name + b".Vemo"
+        if not create(path, b""):
+            return 1501.0 + k
+        UVTileStr.append(name)
+        if not create(path, content(tile)):
+            return 1501.0 + k
+    return float(len(tiles))
+
+
+def GetUVsFromVemo(path, outPath, mode):
+    """Writes the mesh once per tile, with the UVs local to the tile; what follows them is dropped.
+
+    Each corner is tested by itself: of a face across a border only the corners inside keep a UV,
+    the others become -1, -1.
+    """
+    UVTileStr.clear()
+    data = load_mesh(path)
+    if data is None:
+        return -1760.0
+    at = find_chunk(data, FACE_UV, FIRST_CHUNK, guarded=False)
+    uvs = None if at is None else elements(data, at, FACE_UV)
+    if uvs is None:
+        return -18.0
+    tiles, _ = find_tiles(uvs, mode)
+    corner_tiles, local = split_uv(uvs.reshape(-1, 2))
+
+    def content(tile):
+        inside = (corner_tiles == tile).all(axis=1, keepdims=True)
+        return data[: at + 16] + np.where(inside, local, np.float32(-1)).tobytes() + EMPTY_CHUNK
+
+    return write_tiles(tiles, outPath, content)
+
+
+def GetUVsFromVemoMASK(path, outPath, mode):
+    """Writes the mesh once per tile as it is, and a mask: 0 for the vertices of the tile's faces.
+
+    The mask takes the place of the last 16 bytes, which close the file.
+    """
+    UVTileStr.clear()
+    data = load_mesh(path)
+    if data is None:
+        return -1760.0
+    vertex_at = find_chunk(data, VERTEX, FIRST_CHUNK, guarded=True)
+    if vertex_at is None:
+        return -18.0
+    face_at = find_chunk(data, FACE, vertex_at, guarded=True)
+    if face_at is None:
+        return -19.0
+    uv_at = find_chunk(data, FACE_UV, face_at, guarded=True)
+    if uv_at is None:
+        return -18.0
+    vertices = elements(data, vertex_at, VERTEX)
+    faces = elements(data, face_at, FACE)
+    uvs = elements(data, uv_at, FACE_UV)
+    if vertices is None or faces is None or uvs is None or len(faces) != len(uvs):
+        return -18.0
+    if (faces >= len(vertices)).any() or (faces[:, :3] < 0).any():
+        return -19.0
+    tiles, _ = find_tiles(uvs, mode)
+    face_tiles, _ = split_uv(uvs[:, :2])
+
+    def content(tile):
+        used = faces[(face_tiles == tile).all(axis=1)].ravel()
+        mask = np.full(len(vertices), 255, np.uint8)
+        mask[used[used >= 0]] = 0  # a triangle has no fourth vertex
+        header = struct.pack("<4I", MASK, len(mask) + 16, len(mask), 0)
+        mesh = data[:-1]  # without the byte that loading repeats
+        return mesh[:-16] + header + mask.tobytes() + EMPTY_CHUNK
+
+    return write_tiles(tiles, outPath, content)
+
+
+# Vertex colours, OBJ, face ids, crease merge
+
+
+def colour_block(colours):
+    """Vertex colours as comments, 32 a line."""
+    text = (
+        "# The following RGB block contains Morvane Vertex Color (Tintcoat) output as 3"
+        " hexadecimal values per vertex. The vertex color format is RRGGBB with up to 32"
+        " entries per RGB line.\n"
+    )
+    for i, (blue, green, red, _) in enumerate(colours.tolist()):
+        if i % 32 == 0:
+            text += "#RGB "
+        text += " %02x%02x%02x" % (red, green, blue)
+        if i % 32 == 31:
+            text += "\n"
+    return text + "\n# End of RGB block\n"
+
+
+def ReadVertColorVemo(in_path, out_path):
+    """Writes the vertex colours as text. They are taken to be the first chunk."""
+    data = load_mesh(in_path)
+    if data is None:
+        return -1760.0
+    colours = elements(data, FIRST_CHUNK, COLOUR)
+    if colours is None:
+        return -18.0
+    return 0.0 if save(out_path, colour_block(colours).encode()) else -2.0
+
+
+def face_lines(faces):
+    """The faces in groups, one for each base face, as far as there are faces."""
+    text = ""
+    f = 0
+    for k, count in enumerate(faceID):
+        if f >= len(faces):
+            break
+        text += f"#FaceID {k + 1}\n"
+        for face in faces[f : f + count]:
+            corners = face[:3] if face[3] < 0 else face
+            text += "f " + " ".join(str(index + 1) for index in corners) + "\n"
+        f += count
+    return text
+
+
+def writeOBJfromVemo(in_path, out_path):
+    """Writes vertices, colours and faces as an OBJ file; success uses the face counts up.
+
+    The three chunks must come first and in this order. Another chunk in a place of theirs is
+    answered with its id, after what comes before it is written.
+    """
+    data = load_mesh(in_path)
+    if data is None:
+        return -1760.0
+    chunks = []
+    status = 0.0
+    at = FIRST_CHUNK
+    for kind in (VERTEX, COLOUR, FACE):
+        if at + 4 > len(data):
+            return -18.0
+        if le(data, at, 4) != kind:
+            status = single(le(data, at, 4))
+            break
+        chunk = elements(data, at, kind)
+        if chunk is None:
+            return -18.0
+        chunks.append(chunk)
+        at += 16 + chunk.nbytes
+    if not chunks:
+        return status
+
+    # The face count goes by the chunks' lengths, not by their element counts.
+    third = FIRST_CHUNK
+    for _ in range(2):
+        third += le(data, third + 4, 4)
+    text = "# File exported by Morvane plugin\n"
+    text += f"#Vertex count {len(chunks[0])}\n#Face count {le(data, third + 8, 4)}\n"
+    text += "".join("v %g %g %g\n" % tuple(vertex) for vertex in chunks[0].tolist())
+    if len(chunks) >= 2:
+        text += colour_block(chunks[1])
+    if len(chunks) == 3:
+        text += face_lines(chunks[2].tolist())
+    if not save(out_path, text.encode()):
+        return -2.0
+    if len(chunks) == 3:
+        faceID.clear()
+    return status
+
+
+def GetFaceIDsVemo(in_path, level):
+    """Counts what each base face becomes at a subdivision level: 4^(level - 1) for each corner.
+
+    Counts end at the highest number of 32 bits. The faces are taken to be the first chunk.
+    """
+    most = 2**32 - 1
+    exponent = (level - 1) + (level - 1)
+    n = 0 if math.isnan(level) else min(int(2.0 ** min(exponent, 64.0)), most)
+    faceID.clear()
+    data = load_mesh(in_path)
+    if data is None:
+        return -1760.0
+    faces = elements(data, FIRST_CHUNK, FACE)
+    if faces is None:
+        return -18.0
+    faceID.extend(min((3 if fourth < 0 else 4) * n, most) for fourth in faces[:, 3].tolist())
+    return float(len(faceID))
+
+
+def mergeFiles(first_path, second_path):
+    """Appends the first mesh to the second, each without its last 14 bytes.
+
+    So the first two bytes of each closing header stay.
+    """
+    second = load_mesh(second_path)
+    if second is None:
+        return -2760.0
+    first = load_mesh(first_path)
+    if first is None:
+        return -1760.0
+    if len(second) < 15 or len(first) < 15:
+        return -18.0
+    return 0.0 if save(second_path, second[:-15] + first[:-15]) else -3760.0
