@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <array>
 
-#include "encoders/ExrLoader.h"
+#include "encoders/exr/ExrLoader.h"
 
 namespace {
 

@@ -5,11 +5,11 @@
 #include <new>
 #include <optional>
 
-#include "encoders/JpegBitmap.h"
-#include "encoders/JpegBlocks.h"
-#include "encoders/JpegDct.h"
-#include "encoders/JpegSegments.h"
-#include "encoders/JpegStream.h"
+#include "encoders/jpeg/JpegBitmap.h"
+#include "encoders/jpeg/JpegBlocks.h"
+#include "encoders/jpeg/JpegDct.h"
+#include "encoders/jpeg/JpegSegments.h"
+#include "encoders/jpeg/JpegStream.h"
 
 using namespace jpeg_status;
 

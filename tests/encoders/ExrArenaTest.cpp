@@ -1,4 +1,4 @@
-#include "encoders/ExrArena.h"
+#include "encoders/exr/ExrArena.h"
 
 #include <gmock/gmock.h>
 

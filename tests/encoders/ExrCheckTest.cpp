@@ -1,4 +1,4 @@
-#include "encoders/ExrCheck.h"
+#include "encoders/exr/ExrCheck.h"
 
 #include <gtest/gtest.h>
 

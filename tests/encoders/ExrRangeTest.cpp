@@ -19,7 +19,7 @@
 #include <string_view>
 
 #include "bytes/Bytes.h"
-#include "encoders/ExrLoader.h"
+#include "encoders/exr/ExrLoader.h"
 #include "support/Faults.h"
 #include "support/TempDir.h"
 

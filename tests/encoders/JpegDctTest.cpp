@@ -1,4 +1,4 @@
-#include "encoders/JpegDct.h"
+#include "encoders/jpeg/JpegDct.h"
 
 #include <gmock/gmock.h>
 

@@ -11,7 +11,7 @@
 #include <jpeglib.h>
 
 #include "encoders/JpegOps.h"
-#include "encoders/JpegSegments.h"
+#include "encoders/jpeg/JpegSegments.h"
 #include "support/BmpFile.h"
 #include "support/Pictures.h"
 

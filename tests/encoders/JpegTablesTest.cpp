@@ -1,4 +1,4 @@
-#include "encoders/JpegTables.h"
+#include "encoders/jpeg/JpegTables.h"
 
 #include <gmock/gmock.h>
 

@@ -1,13 +1,13 @@
 // The transforms of many samples at a time against the plain one, coefficient by coefficient.
 
-#include "encoders/JpegTransform.h"
+#include "encoders/jpeg/JpegTransform.h"
 
 #include <gmock/gmock.h>
 
 #include <functional>
 #include <vector>
 
-#include "encoders/JpegSegments.h"
+#include "encoders/jpeg/JpegSegments.h"
 
 namespace {
 

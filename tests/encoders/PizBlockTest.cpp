@@ -1,4 +1,4 @@
-#include "encoders/PizBlock.h"
+#include "encoders/exr/PizBlock.h"
 
 #include <gtest/gtest.h>
 

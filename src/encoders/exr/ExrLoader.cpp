@@ -1,4 +1,4 @@
-#include "encoders/ExrLoader.h"
+#include "encoders/exr/ExrLoader.h"
 
 #include <zlib.h>
 
@@ -14,9 +14,9 @@
 #include <string>
 
 #include "bytes/Bytes.h"
-#include "encoders/ExrArena.h"
-#include "encoders/ExrCheck.h"
-#include "encoders/Inflater.h"
+#include "encoders/exr/ExrArena.h"
+#include "encoders/exr/ExrCheck.h"
+#include "encoders/exr/Inflater.h"
 #include "files/File.h"
 
 namespace {

@@ -7,7 +7,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "encoders/JpegDct.h"
+#include "encoders/jpeg/JpegDct.h"
 
 // The coefficients of a data unit, and which of them are not 0.
 struct QuantisedUnit {

@@ -1,4 +1,4 @@
-#include "encoders/JpegSegments.h"
+#include "encoders/jpeg/JpegSegments.h"
 
 #include <algorithm>
 #include <cstddef>

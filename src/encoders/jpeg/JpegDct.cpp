@@ -1,4 +1,4 @@
-#include "encoders/JpegDct.h"
+#include "encoders/jpeg/JpegDct.h"
 
 #include <algorithm>
 #include <cstddef>

@@ -6,8 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "encoders/JpegStream.h"
-#include "encoders/JpegTransform.h"
+#include "encoders/jpeg/JpegStream.h"
+#include "encoders/jpeg/JpegTransform.h"
 
 // What goes from one block of a picture to the next: the mean of each component, 0 before the first.
 using Means = std::array<std::int32_t, 3>;

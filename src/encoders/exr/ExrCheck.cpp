@@ -1,4 +1,4 @@
-#include "encoders/ExrCheck.h"
+#include "encoders/exr/ExrCheck.h"
 
 #include <algorithm>
 #include <initializer_list>
@@ -7,8 +7,8 @@
 #include <vector>
 
 #include "bytes/Bytes.h"
-#include "encoders/ExrLoader.h"
-#include "encoders/PizBlock.h"
+#include "encoders/exr/ExrLoader.h"
+#include "encoders/exr/PizBlock.h"
 
 using namespace exr_status;
 

@@ -6,8 +6,8 @@
 #include <cstdint>
 #include <span>
 
-#include "encoders/JpegStream.h"
-#include "encoders/JpegTables.h"
+#include "encoders/jpeg/JpegStream.h"
+#include "encoders/jpeg/JpegTables.h"
 
 // The size of a picture as the frame header tells it.
 struct FrameSize {

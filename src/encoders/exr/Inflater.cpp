@@ -1,4 +1,4 @@
-#include "encoders/Inflater.h"
+#include "encoders/exr/Inflater.h"
 
 #ifdef QUILLON_LIBDEFLATE
 

@@ -6,7 +6,7 @@
 #include <cstdint>
 #include <memory>
 
-#include "encoders/JpegSegments.h"
+#include "encoders/jpeg/JpegSegments.h"
 #include "files/File.h"
 
 // Rows of a picture in memory, each pixel blue, green, red.

@@ -1,4 +1,4 @@
-#include "encoders/JpegTransform.h"
+#include "encoders/jpeg/JpegTransform.h"
 
 #include <cstring>
 #include <utility>

@@ -1,8 +1,8 @@
-#include "encoders/JpegBlocks.h"
+#include "encoders/jpeg/JpegBlocks.h"
 
 #include <bit>
 
-#include "encoders/JpegTables.h"
+#include "encoders/jpeg/JpegTables.h"
 
 namespace {
 

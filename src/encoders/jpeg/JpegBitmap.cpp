@@ -1,4 +1,4 @@
-#include "encoders/JpegBitmap.h"
+#include "encoders/jpeg/JpegBitmap.h"
 
 #include <algorithm>
 #include <array>

@@ -10,7 +10,7 @@
 #include <span>
 
 #include "bytes/Bytes.h"
-#include "encoders/JpegTables.h"
+#include "encoders/jpeg/JpegTables.h"
 #include "files/FileWriter.h"
 
 // Packs codes into bytes, the highest bit first.

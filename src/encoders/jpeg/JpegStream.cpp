@@ -1,4 +1,4 @@
-#include "encoders/JpegStream.h"
+#include "encoders/jpeg/JpegStream.h"
 
 #include <algorithm>
 

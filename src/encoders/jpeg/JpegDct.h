@@ -9,7 +9,7 @@
 #include <cstddef>
 #include <cstdint>
 
-#include "encoders/JpegTables.h"
+#include "encoders/jpeg/JpegTables.h"
 
 // Blocks in natural order: 8 rows of 8.
 using DataUnit = std::array<std::int8_t, 64>;
