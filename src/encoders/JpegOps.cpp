@@ -2,8 +2,8 @@
 
 #include <algorithm>
 #include <cstring>
+#include <memory>
 #include <new>
-#include <optional>
 
 #include "encoders/jpeg/JpegBitmap.h"
 #include "encoders/jpeg/JpegBlocks.h"
@@ -14,27 +14,6 @@
 using namespace jpeg_status;
 
 namespace {
-
-// State of the running conversion. Each is set before its first use; all are emptied when the
-// conversion ends, however it ends. They are handed down, no other function looks at them.
-std::optional<JpegStream> fp_jpeg_stream;
-std::unique_ptr<std::uint8_t[]> RGB_buffer;  // a band of rows of the picture, at its padded size
-FrameSize SOF0info;
-QuantSegment DQTinfo;
-Divisors fdtbl;
-
-struct EmptyStateAtEnd {
-    EmptyStateAtEnd() = default;
-    EmptyStateAtEnd(const EmptyStateAtEnd&) = delete;
-    EmptyStateAtEnd& operator=(const EmptyStateAtEnd&) = delete;
-    ~EmptyStateAtEnd() {
-        fp_jpeg_stream.reset();
-        RGB_buffer.reset();
-        SOF0info = {};
-        DQTinfo = {};
-        fdtbl = {};
-    }
-};
 
 constexpr std::size_t kLongestPath = 511;
 constexpr std::size_t kSide = 8;  // of a block
@@ -102,18 +81,23 @@ void main_encoder(const JpegBitmap& picture, std::uint8_t* band, BlockCoder code
     }
 }
 
-void init_all(int scale_factor) {
-    DQTinfo = set_DQTinfo(scale_factor);
-    fdtbl.luminance = prepare_quant_table(DQTinfo.luminance());
-    fdtbl.chrominance = prepare_quant_table(DQTinfo.chrominance());
+// The tables that depend on the scale factor; all others are made by the compiler.
+struct Tables {
+    QuantSegment DQTinfo;
+    Divisors fdtbl;
+};
+Tables init_all(int scale_factor) {
+    const QuantSegment DQTinfo = set_DQTinfo(scale_factor);
+    return {DQTinfo,
+            {prepare_quant_table(DQTinfo.luminance()), prepare_quant_table(DQTinfo.chrominance())}};
 }
 
-void writeHeaders(JpegStream& file, const QuantSegment& quantisation, FrameSize size) {
+void writeHeaders(JpegStream& file, const QuantSegment& DQTinfo, FrameSize SOF0info) {
     write_SOI(file);
     write_APP0info(file);
     write_comment(file, "Quillon v1.0..");
-    write_DQTinfo(file, quantisation);
-    write_SOF0info(file, size);
+    write_DQTinfo(file, DQTinfo);
+    write_SOF0info(file, SOF0info);
     write_DHTinfo(file);
     write_SOSinfo(file);
 }
@@ -122,23 +106,20 @@ void writeHeaders(JpegStream& file, const QuantSegment& quantisation, FrameSize 
 
 float convertToJPEG(const char* in_path, const char* out_path, int scale_factor) {
     if (isTooLong(in_path) || isTooLong(out_path)) return kPathTooLong;
-    const EmptyStateAtEnd emptyStateAtEnd;
-
     JpegBitmap picture;
     const float loaded = picture.load_bitmap(in_path);
     if (loaded != kOk) return loaded;
     const std::size_t bandBytes =
         bandRows(picture) * (picture.rowBytes() + picture.stagedRowBytes()) + kBytesBehindRow;
-    RGB_buffer.reset(new (std::nothrow) std::uint8_t[bandBytes]);
+    const std::unique_ptr<std::uint8_t[]> RGB_buffer(new (std::nothrow) std::uint8_t[bandBytes]);
     if (RGB_buffer == nullptr || !picture.keepFrom(out_path)) return kNoMemory;
 
-    fp_jpeg_stream.emplace(out_path);
-    if (!fp_jpeg_stream->isOpen()) return kTargetNotCreated;
-    init_all(scale_factor);
-    SOF0info = picture.realSize();
-    writeHeaders(*fp_jpeg_stream, DQTinfo, SOF0info);
-    main_encoder(picture, RGB_buffer.get(), BlockCoder(*fp_jpeg_stream, fdtbl));
-    fp_jpeg_stream->bits().fillLastByte();
-    write_EOI(*fp_jpeg_stream);
-    return fp_jpeg_stream->flush() ? kOk : kTargetNotWritten;
+    JpegStream fp_jpeg_stream(out_path);
+    if (!fp_jpeg_stream.isOpen()) return kTargetNotCreated;
+    const Tables tables = init_all(scale_factor);
+    writeHeaders(fp_jpeg_stream, tables.DQTinfo, picture.realSize());
+    main_encoder(picture, RGB_buffer.get(), BlockCoder(fp_jpeg_stream, tables.fdtbl));
+    fp_jpeg_stream.bits().fillLastByte();
+    write_EOI(fp_jpeg_stream);
+    return fp_jpeg_stream.flush() ? kOk : kTargetNotWritten;
 }
