@@ -7,7 +7,7 @@
 
 #include "encoders/jpeg/JpegBitmap.h"
 #include "encoders/jpeg/JpegBlocks.h"
-#include "encoders/jpeg/JpegDct.h"
+#include "encoders/jpeg/JpegQuantisation.h"
 #include "encoders/jpeg/JpegSegments.h"
 #include "encoders/jpeg/JpegStream.h"
 
@@ -88,8 +88,7 @@ struct Tables {
 };
 Tables init_all(int scale_factor) {
     const QuantSegment DQTinfo = set_DQTinfo(scale_factor);
-    return {DQTinfo,
-            {prepare_quant_table(DQTinfo.luminance()), prepare_quant_table(DQTinfo.chrominance())}};
+    return {DQTinfo, prepare_quant_tables(DQTinfo)};
 }
 
 void writeHeaders(JpegStream& file, const QuantSegment& DQTinfo, FrameSize SOF0info) {

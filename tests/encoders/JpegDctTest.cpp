@@ -1,24 +1,28 @@
-#include "encoders/jpeg/JpegDct.h"
+// The scalar transform against its definition, and the divisors. JpegTransformTest holds the library's
+// vectors to the scalar one.
 
 #include <gmock/gmock.h>
 
 #include <cmath>
 #include <numbers>
 
+#include "support/ScalarJpeg.h"
+
 namespace {
 
+using namespace scalar_jpeg;
 using testing::Each;
 
-DivisorTable divisorsOfOne() {
-    QuantTable ones;
-    ones.fill(1);
-    return prepare_quant_table(ones);
+// The divisors for a segment whose entries are all 1, but for those that `change` changes.
+Divisors divisorsOfOne(void (*change)(QuantSegment&) = [](QuantSegment&) {}) {
+    QuantSegment DQTinfo;
+    DQTinfo.fill(1);
+    change(DQTinfo);
+    return prepare_quant_tables(DQTinfo);
 }
 
 Coefficients transformed(const DataUnit& data) {
-    Coefficients out{};
-    fdct_and_quantization(data, divisorsOfOne(), out);
-    return out;
+    return fdct_and_quantization(data, divisorsOfOne().fdtbl_Y);
 }
 
 // The transform by its definition.
@@ -35,7 +39,7 @@ double exactCoefficient(const DataUnit& data, std::size_t v, std::size_t u) {
     return sum * norm(u) * norm(v) / 4;
 }
 
-TEST(JpegDct, AFlatBlockHasNothingButItsMean) {
+TEST(JpegDct, AFlatBlockHasOnlyADcCoefficient) {
     for (const int level : {-128, -1, 0, 1, 100, 127}) {
         DataUnit flat;
         flat.fill(static_cast<std::int8_t>(level));
@@ -74,20 +78,22 @@ TEST(JpegDct, IsTheTransformOfItsDefinition) {
 }
 
 TEST(JpegDct, DivisorsFollowTheZigzag) {
-    QuantTable quantisers;
-    quantisers.fill(1);
-    quantisers[2] = 10;  // the third of the zig-zag: row 1, column 0
-    const DivisorTable divisors = prepare_quant_table(quantisers);
-    EXPECT_EQ(divisors[0], 0.125f);
-    EXPECT_EQ(divisors[1], 0.0901199803f);   // 1 / (8 * 1.387039845)
-    EXPECT_EQ(divisors[8], 0.00901199784f);  // the tenth part
-    EXPECT_EQ(divisors[63], 1.64213395f);    // 1 / (8 * 0.275899379 squared)
+    const auto [luminance, chrominance] = divisorsOfOne([](QuantSegment& DQTinfo) {
+        DQTinfo[5 + 2] = 10;  // the third of the zig-zag: row 1, column 0
+        DQTinfo[70 + 1] = 10;
+    });
+    EXPECT_EQ(luminance[0], 0.125f);
+    EXPECT_EQ(luminance[1], 0.0901199803f);   // 1 / (8 * 1.387039845)
+    EXPECT_EQ(luminance[8], 0.00901199784f);  // the tenth part
+    EXPECT_EQ(luminance[63], 1.64213395f);    // 1 / (8 * 0.275899379 squared)
+    EXPECT_EQ(chrominance[1], 0.00901199784f);
+    EXPECT_EQ(chrominance[8], 0.0901199803f);
 }
 
 TEST(JpegDct, RoundsHalvesUpward) {
     const struct {
         float value;
-        int rounded;
+        int integer;
     } kCases[] = {
         {0.0f, 0},           {0.5f, 1},
         {-0.5f, 0},          {0.49999997f, 0},
@@ -98,18 +104,18 @@ TEST(JpegDct, RoundsHalvesUpward) {
         {-16383.5f, -16383}, {-16383.75f, -16384},
     };
     for (const auto& row : kCases)
-        EXPECT_EQ(quantised(row.value), row.rounded) << row.value;
+        EXPECT_EQ(rounded(row.value), row.integer) << row.value;
 }
 
 // Beyond what a picture can give, bits are lost the same way on every machine.
 TEST(JpegDct, RoundingIsBoundedTo16Bits) {
-    EXPECT_EQ(quantised(20000.0f), 16383);
-    EXPECT_EQ(quantised(1e30f), 16383);
-    EXPECT_EQ(quantised(-16386.0f), -16385);  // toward zero down here
-    EXPECT_EQ(quantised(-40000.0f), 25537);   // -39999
-    EXPECT_EQ(quantised(-60000.0f), 16384);   // -49152
-    EXPECT_EQ(quantised(-1e30f), 16384);
-    EXPECT_EQ(quantised(NAN), 16384);
+    EXPECT_EQ(rounded(20000.0f), 16383);
+    EXPECT_EQ(rounded(1e30f), 16383);
+    EXPECT_EQ(rounded(-16386.0f), -16385);  // toward zero down here
+    EXPECT_EQ(rounded(-40000.0f), 25537);   // -39999
+    EXPECT_EQ(rounded(-60000.0f), 16384);   // -49152
+    EXPECT_EQ(rounded(-1e30f), 16384);
+    EXPECT_EQ(rounded(NAN), 16384);
 }
 
 }  // namespace

@@ -14,6 +14,7 @@
 #include "encoders/jpeg/JpegSegments.h"
 #include "support/BmpFile.h"
 #include "support/Pictures.h"
+#include "support/ScalarJpeg.h"
 
 namespace {
 
@@ -211,8 +212,8 @@ TEST(JpegPeer, QuantisationIsScaledAlike) {
         const QuantSegment segment = set_DQTinfo(scale);
         for (std::size_t i = 0; i < 64; ++i) {
             const std::size_t place = zigzag[i];
-            EXPECT_EQ(segment.luminance()[place], peer.info.quant_tbl_ptrs[0]->quantval[i]);
-            EXPECT_EQ(segment.chrominance()[place], peer.info.quant_tbl_ptrs[1]->quantval[i]);
+            EXPECT_EQ(segment[5 + place], peer.info.quant_tbl_ptrs[0]->quantval[i]);
+            EXPECT_EQ(segment[70 + place], peer.info.quant_tbl_ptrs[1]->quantval[i]);
         }
     }
 }

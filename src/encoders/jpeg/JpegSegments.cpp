@@ -1,8 +1,11 @@
 #include "encoders/jpeg/JpegSegments.h"
 
-#include <algorithm>
+#include <array>
 #include <cstddef>
+#include <span>
 #include <string_view>
+
+#include "encoders/jpeg/JpegTables.h"
 
 namespace {
 
@@ -53,30 +56,6 @@ constexpr auto DHTinfo = set_DHTinfo();
 
 }  // namespace
 
-QuantTable QuantSegment::tableAt(std::size_t offset) const {
-    QuantTable table;
-    std::copy_n(&bytes[offset], table.size(), table.begin());
-    return table;
-}
-
-void set_quant_table(const QuantTable& basic_table, std::uint8_t scale_factor,
-                     std::span<std::uint8_t, 64> newtable) {
-    for (std::size_t i = 0; i < basic_table.size(); ++i) {
-        const int rounded = (basic_table[i] * scale_factor + 50) / 100;
-        newtable[zigzag[i]] = static_cast<std::uint8_t>(std::clamp(rounded, 1, 255));
-    }
-}
-
-QuantSegment set_DQTinfo(int scale_factor) {
-    QuantSegment segment{{0xFF, 0xDB, 0x00, 0x84}};
-    const auto scale = static_cast<std::uint8_t>(scale_factor);
-    const std::span<std::uint8_t> bytes(segment.bytes);
-    set_quant_table(std_luminance_qt, scale, bytes.subspan<5, 64>());
-    bytes[69] = 1;
-    set_quant_table(std_chrominance_qt, scale, bytes.subspan<70, 64>());
-    return segment;
-}
-
 void write_SOI(JpegStream& file) {
     file.append({0xFF, 0xD8});
 }
@@ -93,15 +72,15 @@ void write_comment(JpegStream& file, const char* text) {
     file.append({reinterpret_cast<const std::uint8_t*>(comment.data()), comment.size()});
 }
 
-void write_DQTinfo(JpegStream& file, const QuantSegment& segment) {
-    file.append(segment.bytes);
+void write_DQTinfo(JpegStream& file, const QuantSegment& DQTinfo) {
+    file.append(DQTinfo);
 }
 
 // Samples of 8 bits; three components, each with its number, its sampling factors (1 x 1) and its
 // quantisation table.
-void write_SOF0info(JpegStream& file, FrameSize size) {
-    file.append({0xFF, 0xC0, 0x00, 0x11, 8, high(size.height), low(size.height), high(size.width),
-                 low(size.width), 3, 1, 0x11, 0, 2, 0x11, 1, 3, 0x11, 1});
+void write_SOF0info(JpegStream& file, FrameSize SOF0info) {
+    file.append({0xFF, 0xC0, 0x00, 0x11, 8, high(SOF0info.height), low(SOF0info.height),
+                 high(SOF0info.width), low(SOF0info.width), 3, 1, 0x11, 0, 2, 0x11, 1, 3, 0x11, 1});
 }
 
 void write_DHTinfo(JpegStream& file) {

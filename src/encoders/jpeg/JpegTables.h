@@ -87,8 +87,6 @@ inline constexpr std::array<std::uint8_t, 162> std_ac_chrominance_values = {
 struct bitstring {
     std::uint8_t length = 0;  // 0 to 16
     std::uint16_t value = 0;  // right-aligned
-
-    friend bool operator==(const bitstring&, const bitstring&) = default;
 };
 
 // The code of each symbol, by its length the next one free. A symbol without a code has length 0.

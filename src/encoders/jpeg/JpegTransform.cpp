@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "bytes/Bytes.h"
+#include "encoders/jpeg/JpegDct.h"
 #include "pixels/WideVectors.h"
 
 #if defined(__x86_64__)
@@ -41,9 +42,9 @@ struct Weights {
 constexpr Weights kWeights[] = {
     {7471, 38470, 19595, 128}, {32768, -21708, -11058, 0}, {-5328, -27438, 32768, 0}};
 
-// Multiplies a row of coefficients and rounds them to the nearest integer, halves upward, as
-// `quantised` does for all values of a picture. The sum with kUnits has no bits for a fraction:
-// adding rounds to the nearest, halves to even, so those that went down are told by what is left.
+// Multiplies a row of coefficients and rounds them to the nearest integer, halves upward. The sum
+// with kUnits has no bits for a fraction: adding rounds to the nearest, halves to even, so the
+// remainder shows which halves went down.
 template <typename Floats, typename Ints>
 QUILLON_PART void quantise(Ints& rounded, const Floats& coefficients, const float* divisors) {
     constexpr float kUnits = 12582912.0f;  // 1.5 * 2^23
@@ -135,9 +136,9 @@ QUILLON_PART void transformUnit(const Samples<kLanes>& samples, const DivisorTab
 template <std::size_t kLanes>
 QUILLON_PART void transformUnits(const Samples<kLanes> (&samples)[3], const Divisors& divisors,
                                  QuantisedBlock& block) {
-    transformUnit<kLanes>(samples[0], divisors.luminance, block[0]);
-    transformUnit<kLanes>(samples[1], divisors.chrominance, block[1]);
-    transformUnit<kLanes>(samples[2], divisors.chrominance, block[2]);
+    transformUnit<kLanes>(samples[0], divisors.fdtbl_Y, block[0]);
+    transformUnit<kLanes>(samples[1], divisors.fdtbl_Cb, block[1]);
+    transformUnit<kLanes>(samples[2], divisors.fdtbl_Cb, block[2]);
 }
 
 // Below, `pixels` has one in each lane: blue in the lowest byte, then green and red. What is in the

@@ -1,13 +1,13 @@
 #pragma once
 // JpegTransform: from pixels to quantised coefficients, several rows or columns of a block at a time.
-// What comes out is what load_data_units and fdct_and_quantization give for each component: they are
-// the plain form of the same arithmetic.
+// Every result is the same on every machine: all of it is single-precision arithmetic in one fixed
+// order, and no multiplication is fused with an addition.
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
-#include "encoders/jpeg/JpegDct.h"
+#include "encoders/jpeg/JpegQuantisation.h"
 
 // The coefficients of a data unit, and which of them are not 0.
 struct QuantisedUnit {
@@ -18,11 +18,6 @@ struct QuantisedUnit {
 
 // A block of a picture: luminance, Cb and Cr.
 using QuantisedBlock = std::array<QuantisedUnit, 3>;
-
-struct Divisors {
-    alignas(32) DivisorTable luminance{};
-    alignas(32) DivisorTable chrominance{};
-};
 
 // Converts, transforms and quantises a block of 8 x 8 pixels, each blue, green and red.
 //
