@@ -182,10 +182,10 @@ HuffmanTable codesOf(const JHUFF_TBL& table) {
 
 TEST(JpegPeer, HuffmanCodesAreThoseOfTheStandardTables) {
     const Compressor peer;
-    EXPECT_EQ(YDC_HT, codesOf(*peer.info.dc_huff_tbl_ptrs[0]));
-    EXPECT_EQ(CbDC_HT, codesOf(*peer.info.dc_huff_tbl_ptrs[1]));
-    EXPECT_EQ(YAC_HT, codesOf(*peer.info.ac_huff_tbl_ptrs[0]));
-    EXPECT_EQ(CbAC_HT, codesOf(*peer.info.ac_huff_tbl_ptrs[1]));
+    EXPECT_EQ(kHuffman.YDC_HT, codesOf(*peer.info.dc_huff_tbl_ptrs[0]));
+    EXPECT_EQ(kHuffman.CbDC_HT, codesOf(*peer.info.dc_huff_tbl_ptrs[1]));
+    EXPECT_EQ(kHuffman.YAC_HT, codesOf(*peer.info.ac_huff_tbl_ptrs[0]));
+    EXPECT_EQ(kHuffman.CbAC_HT, codesOf(*peer.info.ac_huff_tbl_ptrs[1]));
 }
 
 TEST(JpegPeer, TheHuffmanSegmentHoldsTheStandardTables) {

@@ -30,35 +30,35 @@ ByteList written(const std::function<void(BitWriter&)>& write) {
 
 TEST(JpegBits, AreWrittenHighestFirst) {
     EXPECT_THAT(written([](BitWriter& bits) {
-                    bits.put(0b101, 3);
-                    bits.put(bitstring{5, 0b00110});
-                    bits.put(0x1234, 16);
-                    bits.put(0x56, 8);
+                    bits.writebits(0b101, 3);
+                    bits.writebits(bitstring{5, 0b00110});
+                    bits.writebits(0x1234, 16);
+                    bits.writebits(0x56, 8);
                 }),
                 ElementsAre(0xA6, 0x12, 0x34, 0x56));
 }
 
 TEST(JpegBits, OfNoLengthWriteNothing) {
-    EXPECT_THAT(written([](BitWriter& bits) { bits.put(bitstring{}); }), IsEmpty());
+    EXPECT_THAT(written([](BitWriter& bits) { bits.writebits(bitstring{}); }), IsEmpty());
     EXPECT_THAT(written([](BitWriter& bits) {
-                    bits.put(0x12345, 20);
-                    bits.put(bitstring{});
-                    bits.put(0x678, 12);
+                    bits.writebits(0x12345, 20);
+                    bits.writebits(bitstring{});
+                    bits.writebits(0x678, 12);
                 }),
                 ElementsAre(0x12, 0x34, 0x56, 0x78));
 }
 
 TEST(JpegBits, AZeroFollowsEveryByteOfOnes) {
-    EXPECT_THAT(written([](BitWriter& bits) { bits.put(0x12FF34FF, 32); }),
+    EXPECT_THAT(written([](BitWriter& bits) { bits.writebits(0x12FF34FF, 32); }),
                 ElementsAre(0x12, 0xFF, 0x00, 0x34, 0xFF, 0x00));
-    EXPECT_THAT(written([](BitWriter& bits) { bits.put(0xFFFFFFFF, 32); }),
+    EXPECT_THAT(written([](BitWriter& bits) { bits.writebits(0xFFFFFFFF, 32); }),
                 ElementsAre(0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00));
 }
 
 TEST(JpegBits, NoOtherByteIsFollowedByAZero) {
-    EXPECT_THAT(written([](BitWriter& bits) { bits.put(0xFE7FFEFE, 32); }),
+    EXPECT_THAT(written([](BitWriter& bits) { bits.writebits(0xFE7FFEFE, 32); }),
                 ElementsAre(0xFE, 0x7F, 0xFE, 0xFE));
-    EXPECT_THAT(written([](BitWriter& bits) { bits.put(0x0FF00FF0, 32); }),
+    EXPECT_THAT(written([](BitWriter& bits) { bits.writebits(0x0FF00FF0, 32); }),
                 ElementsAre(0x0F, 0xF0, 0x0F, 0xF0));
 }
 
@@ -66,10 +66,10 @@ TEST(JpegBits, ComeOutWhereverTheyGoOn) {
     ByteList first(16);
     ByteList second(16);
     BitWriter bits(first.data());
-    bits.put(0x123, 12);
+    bits.writebits(0x123, 12);
     EXPECT_EQ(bits.next(), first.data() + 1);
-    bits.goOnAt(second.data());
-    bits.put(0x4, 4);
+    bits.continueAt(second.data());
+    bits.writebits(0x4, 4);
     EXPECT_EQ(first[0], 0x12);
     EXPECT_EQ(second[0], 0x34);
 }
@@ -89,12 +89,12 @@ TEST(JpegBits, AreStuffedAtEveryPlaceOfEveryLength) {
 
 TEST(JpegBits, TheLastByteIsFilledWithOnes) {
     EXPECT_THAT(written([](BitWriter& bits) {
-                    bits.put(0b101, 3);
+                    bits.writebits(0b101, 3);
                     bits.fillLastByte();
                 }),
                 ElementsAre(0xBF));
     EXPECT_THAT(written([](BitWriter& bits) {
-                    bits.put(0x7FFFFFFF, 31);
+                    bits.writebits(0x7FFFFFFF, 31);
                     bits.fillLastByte();
                 }),
                 ElementsAre(0x7F + 0x80, 0x00, 0xFF, 0x00, 0xFF, 0x00, 0xFF, 0x00));
@@ -103,12 +103,12 @@ TEST(JpegBits, TheLastByteIsFilledWithOnes) {
 TEST(JpegBits, ThatEndOnAByteTakeAWholeByteOfOnes) {
     EXPECT_THAT(written([](BitWriter& bits) { bits.fillLastByte(); }), ElementsAre(0xFF, 0x00));
     EXPECT_THAT(written([](BitWriter& bits) {
-                    bits.put(0x1234, 16);
+                    bits.writebits(0x1234, 16);
                     bits.fillLastByte();
                 }),
                 ElementsAre(0x12, 0x34, 0xFF, 0x00));
     EXPECT_THAT(written([](BitWriter& bits) {
-                    bits.put(0x12345678, 32);
+                    bits.writebits(0x12345678, 32);
                     bits.fillLastByte();
                 }),
                 ElementsAre(0x12, 0x34, 0x56, 0x78, 0xFF, 0x00));
@@ -119,7 +119,7 @@ TEST(JpegStream, BytesAndBitsFollowEachOther) {
     {
         JpegStream stream(dir.path("a").c_str());
         stream.append({0xFF, 0xDA});
-        stream.bits().put(0xFF0, 12);
+        stream.bits().writebits(0xFF0, 12);
         stream.bits().fillLastByte();
         stream.append({0xFF, 0xD9});
         stream.flush();
@@ -133,7 +133,7 @@ TEST(JpegStream, LongFilesAreWrittenWhole) {
         JpegStream stream(dir.path("a").c_str());
         for (std::uint32_t i = 0; i < 300000; ++i) {
             stream.makeRoom();
-            stream.bits().put(i, 24);
+            stream.bits().writebits(i, 24);
         }
         stream.bits().fillLastByte();
         stream.flush();

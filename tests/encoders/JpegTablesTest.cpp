@@ -10,25 +10,25 @@ TEST(JpegTables, CodesOfKnownSymbols) {
     const auto code = [](int length, int value) {
         return bitstring{static_cast<std::uint8_t>(length), static_cast<std::uint16_t>(value)};
     };
-    EXPECT_EQ(YDC_HT[0], code(2, 0b00));
-    EXPECT_EQ(YDC_HT[5], code(3, 0b110));
-    EXPECT_EQ(YDC_HT[11], code(9, 0b111111110));
-    EXPECT_EQ(CbDC_HT[0], code(2, 0b00));
-    EXPECT_EQ(CbDC_HT[11], code(11, 0b11111111110));
-    EXPECT_EQ(YAC_HT[0x00], code(4, 0b1010));
-    EXPECT_EQ(YAC_HT[0x01], code(2, 0b00));
-    EXPECT_EQ(YAC_HT[0xF0], code(11, 0b11111111001));
-    EXPECT_EQ(YAC_HT[0xFA], code(16, 0xFFFE));
-    EXPECT_EQ(CbAC_HT[0x00], code(2, 0b00));
-    EXPECT_EQ(CbAC_HT[0xF0], code(10, 0b1111111010));
-    EXPECT_EQ(CbAC_HT[0xFA], code(16, 0xFFFE));
+    EXPECT_EQ(kHuffman.YDC_HT[0], code(2, 0b00));
+    EXPECT_EQ(kHuffman.YDC_HT[5], code(3, 0b110));
+    EXPECT_EQ(kHuffman.YDC_HT[11], code(9, 0b111111110));
+    EXPECT_EQ(kHuffman.CbDC_HT[0], code(2, 0b00));
+    EXPECT_EQ(kHuffman.CbDC_HT[11], code(11, 0b11111111110));
+    EXPECT_EQ(kHuffman.YAC_HT[0x00], code(4, 0b1010));
+    EXPECT_EQ(kHuffman.YAC_HT[0x01], code(2, 0b00));
+    EXPECT_EQ(kHuffman.YAC_HT[0xF0], code(11, 0b11111111001));
+    EXPECT_EQ(kHuffman.YAC_HT[0xFA], code(16, 0xFFFE));
+    EXPECT_EQ(kHuffman.CbAC_HT[0x00], code(2, 0b00));
+    EXPECT_EQ(kHuffman.CbAC_HT[0xF0], code(10, 0b1111111010));
+    EXPECT_EQ(kHuffman.CbAC_HT[0xFA], code(16, 0xFFFE));
 }
 
 TEST(JpegTables, SymbolsWithoutACodeHaveNone) {
-    EXPECT_EQ(YDC_HT[12].length, 0);
-    EXPECT_EQ(YAC_HT[0x10].length, 0);
-    EXPECT_EQ(YAC_HT[0x0B].length, 0);
-    EXPECT_EQ(CbAC_HT[0xFB].length, 0);
+    EXPECT_EQ(kHuffman.YDC_HT[12].length, 0);
+    EXPECT_EQ(kHuffman.YAC_HT[0x10].length, 0);
+    EXPECT_EQ(kHuffman.YAC_HT[0x0B].length, 0);
+    EXPECT_EQ(kHuffman.CbAC_HT[0xFB].length, 0);
 }
 
 TEST(JpegTables, CategoryAndBitsOfAValue) {
@@ -77,28 +77,28 @@ TEST(JpegTables, CodesAndValuesAddUp) {
                   {0, -2, 4, 0b0101},      {0, -3, 4, 0b0100},        {1, 1, 5, 0b11001},
                   {1, -1, 5, 0b11000},     {15, 1023, 26, 0x3FFFBFF}, {15, -1023, 26, 0x3FFF800},
                   {15, 512, 26, 0x3FFFA00}};
-    constexpr RunTable table = makeRunTable(YAC_HT);
+    constexpr RunTable table = makeRunTable(kHuffman.YAC_HT);
     for (const auto& row : kCases) {
-        const ValueCode& code = table[row.zeros][kindOf(row.value)];
+        const ValueCode& code = table[row.zeros][signedCategory(row.value)];
         EXPECT_EQ(code.length, row.length) << row.value;
         EXPECT_EQ(code.base + row.value, row.bits) << row.value;
     }
 }
 
 TEST(JpegTables, AMeanThatStaysHasACodeAndNoBits) {
-    constexpr ValueCodes codes = makeValueCodes(YDC_HT);
-    EXPECT_EQ(codes[kindOf(0)].length, 2u);
-    EXPECT_EQ(codes[kindOf(0)].base, 0b00);
+    constexpr ValueCodes codes = makeValueCodes(kHuffman.YDC_HT);
+    EXPECT_EQ(codes[signedCategory(0)].length, 2u);
+    EXPECT_EQ(codes[signedCategory(0)].base, 0b00);
 }
 
-TEST(JpegTables, KindsAreLookedUp) {
+TEST(JpegTables, SignedCategoriesAreLookedUp) {
     for (std::int32_t value = -2047; value <= 2047; ++value)
-        EXPECT_EQ(lookUpKind(value), kindOf(value)) << value;
-    EXPECT_EQ(kindOf(0), 0);
-    EXPECT_EQ(kindOf(1), 1);
-    EXPECT_EQ(kindOf(-1), 17);
-    EXPECT_EQ(kindOf(2047), 11);
-    EXPECT_EQ(kindOf(-2047), 27);
+        EXPECT_EQ(lookUpSignedCategory(value), signedCategory(value)) << value;
+    EXPECT_EQ(signedCategory(0), 0);
+    EXPECT_EQ(signedCategory(1), 1);
+    EXPECT_EQ(signedCategory(-1), 17);
+    EXPECT_EQ(signedCategory(2047), 11);
+    EXPECT_EQ(signedCategory(-2047), 27);
 }
 
 TEST(JpegTables, NaturalOrderIsTheZigzagTurnedRound) {

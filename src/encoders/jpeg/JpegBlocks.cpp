@@ -17,8 +17,8 @@ struct ComponentCodes {
 consteval ComponentCodes makeComponentCodes(const HuffmanTable& HTDC, const HuffmanTable& HTAC) {
     return {makeValueCodes(HTDC), makeRunTable(HTAC), HTAC[kSixteenZeros], HTAC[kEndOfBlock]};
 }
-constexpr ComponentCodes kLuminanceCodes = makeComponentCodes(YDC_HT, YAC_HT);
-constexpr ComponentCodes kChrominanceCodes = makeComponentCodes(CbDC_HT, CbAC_HT);
+constexpr ComponentCodes kLuminanceCodes = makeComponentCodes(kHuffman.YDC_HT, kHuffman.YAC_HT);
+constexpr ComponentCodes kChrominanceCodes = makeComponentCodes(kHuffman.CbDC_HT, kHuffman.CbAC_HT);
 
 // For each column of coefficients and each set of rows, the places of these coefficients in the
 // zig-zag sequence.
@@ -45,8 +45,8 @@ inline std::uint64_t nonzeroPlaces(const QuantisedUnit& unit) {
 }
 
 inline void put(BitWriter& bits, const ValueCodes& codes, std::int32_t value) {
-    const ValueCode& code = codes[lookUpKind(value)];
-    bits.put(static_cast<std::uint32_t>(code.base + value), code.length);
+    const ValueCode& code = codes[lookUpSignedCategory(value)];
+    bits.writebits(static_cast<std::uint32_t>(code.base + value), code.length);
 }
 
 // Codes the coefficients after the first, each with the zeros before it.
@@ -59,11 +59,11 @@ inline void putAC(BitWriter& bits, const QuantisedUnit& DU, const ComponentCodes
         left &= left - 1;
         std::uint32_t zeros = place - before - 1;
         for (; zeros >= 16; zeros -= 16)
-            bits.put(codes.sixteenZeros);
+            bits.writebits(codes.sixteenZeros);
         put(bits, codes.others[zeros], DU.values[naturalOrder[place]]);
         before = place;
     }
-    if (before != kLast) bits.put(codes.endOfBlock);
+    if (before != kLast) bits.writebits(codes.endOfBlock);
 }
 
 inline void process_DU(const QuantisedUnit& DU, const ComponentCodes& codes, std::int32_t& DC,
@@ -93,6 +93,6 @@ void codeBlocks(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t 
 void codeUnchangedBlock(BitWriter& bits) {
     for (const ComponentCodes* codes : {&kLuminanceCodes, &kChrominanceCodes, &kChrominanceCodes}) {
         put(bits, codes->means, 0);
-        bits.put(codes->endOfBlock);
+        bits.writebits(codes->endOfBlock);
     }
 }

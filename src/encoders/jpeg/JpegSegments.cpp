@@ -45,9 +45,9 @@ consteval std::array<std::uint8_t, kHuffmanSegmentBytes> set_DHTinfo() {
     SegmentBytes<kHuffmanSegmentBytes> segment;
     segment.add(std::array<std::uint8_t, 4>{0xFF, 0xC4, high(kHuffmanSegmentBytes - 2),
                                             low(kHuffmanSegmentBytes - 2)});
-    segment.addTable(0x00, std_dc_luminance_nrcodes, std_dc_values);
+    segment.addTable(0x00, std_dc_luminance_nrcodes, std_dc_chrominance_values);
     segment.addTable(0x10, std_ac_luminance_nrcodes, std_ac_luminance_values);
-    segment.addTable(0x01, std_dc_chrominance_nrcodes, std_dc_values);
+    segment.addTable(0x01, std_dc_chrominance_nrcodes, std_dc_chrominance_values);
     segment.addTable(0x11, std_ac_chrominance_nrcodes, std_ac_chrominance_values);
     return segment.bytes;
 }

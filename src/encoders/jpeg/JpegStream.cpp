@@ -45,7 +45,7 @@ void JpegStream::append(std::span<const std::uint8_t> bytes) {
 
 void JpegStream::makeRoom() {
     next_ = stuffed(coded_.data(), static_cast<std::size_t>(bits_.next() - coded_.data()), next_);
-    bits_.goOnAt(coded_.data());
+    bits_.continueAt(coded_.data());
     if (next_ >= buffer_.get() + kPieceBytes) writeOut();
 }
 

@@ -15,35 +15,35 @@
 
 // Packs codes into bytes, the highest bit first.
 //
-// A copy goes on where its original was: the coder of a block works on one of its own, which a
-// compiler keeps in registers.
+// A copy continues where its original is: the coder of blocks works on a local copy, which a compiler
+// keeps in registers.
 class BitWriter {
 public:
-    // Writes to memory that the caller keeps large enough, with kSpare bytes behind what is needed.
+    // Writes to memory that the caller keeps large enough, with kSpare bytes after what is needed.
     explicit BitWriter(std::uint8_t* to) : next_(to) {}
     static constexpr std::size_t kSpare = 8;
 
     // Appends up to 32 bits; those of `value` above `length` are 0.
-    void put(std::uint32_t value, std::uint32_t length) {
+    void writebits(std::uint32_t value, std::uint32_t length) {
         bits_ = bits_ << length | value;
         pending_ += length;
         storeBe64(next_, bits_ << (-pending_ & 63));
         next_ += pending_ / 8;
         pending_ %= 8;
     }
-    void put(bitstring code) { put(code.value, code.length); }
+    void writebits(bitstring bs) { writebits(bs.value, bs.length); }
 
     // Completes the last byte with ones. Bits that end on a byte take a whole byte of ones.
     void fillLastByte() {
         const std::uint32_t missing = 8 - pending_;
-        put((1u << missing) - 1, missing);
+        writebits((1u << missing) - 1, missing);
     }
 
-    // Behind the last byte that is complete.
+    // After the last byte that is complete.
     std::uint8_t* next() const { return next_; }
 
-    // Goes on there; the bits of the last byte, which is not complete yet, come along.
-    void goOnAt(std::uint8_t* to) { next_ = to; }
+    // Continues at `to` with the bits of the byte that is not complete yet.
+    void continueAt(std::uint8_t* to) { next_ = to; }
 
 private:
     std::uint8_t* next_;
@@ -54,12 +54,12 @@ private:
 // Copies coded bytes. Each of 0xFF is followed by 0x00, since 0xFF alone starts a marker.
 //
 //   to       room for twice as many bytes
-//   returns  behind the last byte written
+//   returns  the end of what was written
 std::uint8_t* stuffed(const std::uint8_t* coded, std::size_t count, std::uint8_t* to);
 
 class JpegStream {
 public:
-    // Creates the file, or empties the one that is there.
+    // Creates the file, or empties an existing one.
     explicit JpegStream(const char* path);
 
     bool isOpen() const { return file_.isOpen(); }
@@ -75,14 +75,14 @@ public:
     void makeRoom();
     static constexpr std::size_t kRoom = 8192;
 
-    // Writes to the file what is still in memory. A file that once took fewer bytes gets no more.
-    // Returns whether it has taken all bytes so far.
+    // Writes to the file what is still in memory. After a failed write nothing more is written.
+    // Returns whether all bytes so far are in the file.
     bool flush();
 
 private:
     void writeOut();
 
-    // In this order: the memory is there before the file is emptied, and the bits go to it.
+    // In this order: the memory is allocated before the file is emptied, and bits_ points to it.
     std::unique_ptr<std::uint8_t[]> buffer_;
     FileWriter file_;
     std::uint8_t* next_;

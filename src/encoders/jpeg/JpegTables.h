@@ -1,6 +1,6 @@
 #pragma once
 // JpegTables: what a JPEG file's coding does not take from its picture: the order of coefficients,
-// the standard's tables, and the codes and divisors made from them.
+// the standard's tables, and the codes made from them.
 
 #include <array>
 #include <bit>
@@ -52,10 +52,11 @@ inline constexpr CodeCounts std_ac_luminance_nrcodes = {0, 0, 2, 1, 3, 3, 2, 4, 
 inline constexpr CodeCounts std_ac_chrominance_nrcodes = {0, 0, 2, 1, 2, 4, 4, 3,   4,
                                                           7, 5, 4, 4, 0, 1, 2, 0x77};
 
-// The symbols in the order of their codes. A DC symbol is a magnitude category, in luminance and
-// chrominance alike; an AC symbol is 16 times the zeros before a coefficient, plus its category.
-inline constexpr std::array<std::uint8_t, 12> std_dc_values = {0, 1, 2, 3, 4,  5,
-                                                               6, 7, 8, 9, 10, 11};
+// The symbols in the order of their codes. A DC symbol is a magnitude category; one list serves
+// luminance and chrominance. An AC symbol is 16 times the zeros before a coefficient, plus its
+// category.
+inline constexpr std::array<std::uint8_t, 12> std_dc_chrominance_values = {0, 1, 2, 3, 4,  5,
+                                                                           6, 7, 8, 9, 10, 11};
 inline constexpr std::array<std::uint8_t, 162> std_ac_luminance_values = {
     0x01, 0x02, 0x03, 0x00, 0x04, 0x11, 0x05, 0x12, 0x21, 0x31, 0x41, 0x06, 0x13, 0x51, 0x61,
     0x07, 0x22, 0x71, 0x14, 0x32, 0x81, 0x91, 0xA1, 0x08, 0x23, 0x42, 0xB1, 0xC1, 0x15, 0x52,
@@ -106,14 +107,19 @@ consteval HuffmanTable compute_Huffman_table(const CodeCounts& nrcodes,
 
 // The codes of DC categories (0 to 11) and of AC symbols, for luminance and for both chroma
 // components.
-inline constexpr HuffmanTable YDC_HT =
-    compute_Huffman_table(std_dc_luminance_nrcodes, std_dc_values);
-inline constexpr HuffmanTable CbDC_HT =
-    compute_Huffman_table(std_dc_chrominance_nrcodes, std_dc_values);
-inline constexpr HuffmanTable YAC_HT =
-    compute_Huffman_table(std_ac_luminance_nrcodes, std_ac_luminance_values);
-inline constexpr HuffmanTable CbAC_HT =
-    compute_Huffman_table(std_ac_chrominance_nrcodes, std_ac_chrominance_values);
+struct HuffmanTables {
+    HuffmanTable YDC_HT;
+    HuffmanTable YAC_HT;
+    HuffmanTable CbDC_HT;
+    HuffmanTable CbAC_HT;
+};
+consteval HuffmanTables init_Huffman_tables() {
+    return {compute_Huffman_table(std_dc_luminance_nrcodes, std_dc_chrominance_values),
+            compute_Huffman_table(std_ac_luminance_nrcodes, std_ac_luminance_values),
+            compute_Huffman_table(std_dc_chrominance_nrcodes, std_dc_chrominance_values),
+            compute_Huffman_table(std_ac_chrominance_nrcodes, std_ac_chrominance_values)};
+}
+inline constexpr HuffmanTables kHuffman = init_Huffman_tables();
 
 inline constexpr std::uint8_t kEndOfBlock = 0x00;
 inline constexpr std::uint8_t kSixteenZeros = 0xF0;
@@ -124,15 +130,15 @@ constexpr std::uint8_t category(std::int32_t value) {
         std::bit_width(static_cast<std::uint32_t>(value < 0 ? -value : value)));
 }
 
-// The bits that tell a value from the others of its category: a positive one's own, a negative
-// one's as the complement of its magnitude.
+// The bits that follow the code of a value's category: those of a positive value itself, or the
+// complement of a negative value's magnitude.
 constexpr bitstring bitcode(std::int32_t value) {
     const std::uint8_t length = category(value);
     const std::int32_t bits = value < 0 ? (1 << length) - 1 + value : value;
     return {length, static_cast<std::uint16_t>(bits)};
 }
 
-// The coefficient that stands at a place of the zig-zag sequence, in natural order.
+// The coefficient at a place of the zig-zag sequence, in natural order.
 consteval std::array<std::uint8_t, 64> invertedZigzag() {
     std::array<std::uint8_t, 64> natural{};
     for (std::uint8_t i = 0; i < 64; ++i)
@@ -149,40 +155,40 @@ struct ValueCode {
 };
 
 // Category and sign of the values that a quantised picture can have: up to 1023 for a coefficient,
-// up to 2047 for the difference of two means.
-inline constexpr std::int32_t kLargestValue = 2047;
-inline constexpr std::size_t kValues = 2 * 2047 + 1;
-inline constexpr std::size_t kKinds = 32;
-constexpr std::uint8_t kindOf(std::int32_t value) {
-    return static_cast<std::uint8_t>(category(value) + (value < 0 ? kKinds / 2 : 0));
+// up to 2047 for the difference of two DC coefficients.
+inline constexpr std::int32_t kMaxValue = 2047;
+inline constexpr std::size_t kSignedCategories = 32;
+constexpr std::uint8_t signedCategory(std::int32_t value) {
+    return static_cast<std::uint8_t>(category(value) + (value < 0 ? kSignedCategories / 2 : 0));
 }
-consteval std::array<std::uint8_t, kValues> makeKinds() {
-    std::array<std::uint8_t, kValues> kinds{};
-    for (std::int32_t value = -kLargestValue; value <= kLargestValue; ++value)
-        kinds[static_cast<std::uint32_t>(value + kLargestValue)] = kindOf(value);
-    return kinds;
-}
-inline constexpr std::array<std::uint8_t, kValues> kKindOf = makeKinds();
 
 // The same, looked up.
-inline std::uint8_t lookUpKind(std::int32_t value) {
-    return kKindOf[static_cast<std::uint32_t>(value + kLargestValue)];
+using CategoryTable = std::array<std::uint8_t, 2 * kMaxValue + 1>;
+consteval CategoryTable makeSignedCategories() {
+    CategoryTable categories{};
+    for (std::int32_t value = -kMaxValue; value <= kMaxValue; ++value)
+        categories[static_cast<std::uint32_t>(value + kMaxValue)] = signedCategory(value);
+    return categories;
+}
+inline constexpr CategoryTable kSignedCategoryOf = makeSignedCategories();
+inline std::uint8_t lookUpSignedCategory(std::int32_t value) {
+    return kSignedCategoryOf[static_cast<std::uint32_t>(value + kMaxValue)];
 }
 
-// The codes of values by kind, all of them after so many zeros.
-using ValueCodes = std::array<ValueCode, kKinds>;
+// The codes of values by category and sign, each after so many zeros.
+using ValueCodes = std::array<ValueCode, kSignedCategories>;
 consteval ValueCodes makeValueCodes(const HuffmanTable& codes, std::size_t zeros = 0) {
-    constexpr std::uint32_t kMostBits = 11;
-    ValueCodes kinds{};
-    for (std::uint32_t bits = 0; bits <= kMostBits; ++bits) {
+    constexpr std::uint32_t kMaxBits = 11;
+    ValueCodes valueCodes{};
+    for (std::uint32_t bits = 0; bits <= kMaxBits; ++bits) {
         const bitstring code = codes[zeros * 16 + bits];
-        const std::int32_t least = bits > 0 ? 1 << (bits - 1) : 0;
-        for (const std::int32_t value : {least, -least}) {
-            kinds[kindOf(value)] = {(code.value << bits) + bitcode(value).value - value,
-                                    code.length + bits};
+        const std::int32_t minimum = bits > 0 ? 1 << (bits - 1) : 0;
+        for (const std::int32_t value : {minimum, -minimum}) {
+            valueCodes[signedCategory(value)] = {
+                (code.value << bits) + bitcode(value).value - value, code.length + bits};
         }
     }
-    return kinds;
+    return valueCodes;
 }
 
 // The same by the zeros before a value, 0 to 15.
