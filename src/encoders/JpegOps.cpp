@@ -15,12 +15,12 @@ using namespace jpeg_status;
 
 namespace {
 
-constexpr std::size_t kLongestPath = 511;
+constexpr std::size_t kMaxPathBytes = 511;
 constexpr std::size_t kSide = 8;  // of a block
 constexpr std::size_t kBlockPixelBytes = 3 * kSide;
 
 bool isTooLong(const char* path) {
-    return std::strlen(path) > kLongestPath;
+    return std::strlen(path) > kMaxPathBytes;
 }
 
 // How many rows are loaded at a time: whole rows of blocks, as many as make up a piece.
@@ -29,26 +29,30 @@ std::size_t bandRows(const JpegBitmap& picture) {
     return std::min(std::max<std::size_t>(blockRows, 1) * kSide, picture.height());
 }
 
+// The memory for a band of rows, at their padded size and as they are in the file.
+std::size_t bandBytes(const JpegBitmap& picture) {
+    return bandRows(picture) * (picture.rowBytes() + picture.stagedRowBytes()) + kBytesAfterRow;
+}
+
 // Codes the blocks of one picture, one after the other.
 class BlockCoder {
 public:
-    BlockCoder(JpegStream& stream, const Divisors& divisors)
-        : stream_(stream), divisors_(divisors) {}
+    BlockCoder(JpegStream& stream, const Divisors& fdtbl) : stream_(stream), fdtbl_(fdtbl) {}
 
     // A row of blocks whose top left pixel is at `pixels`, in rows `rowStep` apart.
     void codeRow(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t blocks) {
-        constexpr std::size_t kAtOnce = JpegStream::kRoom / kMostBlockBytes;
+        constexpr std::size_t kAtOnce = JpegStream::kRoom / kMaxBlockBytes;
         for (std::size_t first = 0; first < blocks; first += kAtOnce) {
             stream_.makeRoom();
             codeBlocks(pixels + first * kBlockPixelBytes, rowStep,
-                       std::min(kAtOnce, blocks - first), divisors_, means_, stream_.bits());
+                       std::min(kAtOnce, blocks - first), fdtbl_, dcPredictors_, stream_.bits());
         }
     }
 
-    // Blocks of black. From the second on nothing differs from the block before, which takes the
-    // shortest codes there are and no transform.
+    // Black blocks. Each after the first equals the one before: it takes the shortest codes and no
+    // transform.
     void codeBlack(std::size_t blocks) {
-        static constexpr std::array<std::uint8_t, kBlockPixelBytes + kBytesBehindRow> kBlack{};
+        static constexpr std::array<std::uint8_t, kBlockPixelBytes + kBytesAfterRow> kBlack{};
         codeRow(kBlack.data(), 0, 1);
         for (std::size_t i = 1; i < blocks; ++i) {
             stream_.makeRoom();
@@ -58,22 +62,21 @@ public:
 
 private:
     JpegStream& stream_;
-    const Divisors& divisors_;
-    Means means_{};
+    const Divisors& fdtbl_;
+    DcPredictors dcPredictors_{};
 };
 
-// Codes the whole picture, band by band; `band` has room for one at its padded size and one as it
-// lies in the file.
-void main_encoder(const JpegBitmap& picture, std::uint8_t* band, BlockCoder coder) {
+// Codes the whole picture, band by band; RGB_buffer has bandBytes.
+void main_encoder(const JpegBitmap& picture, std::uint8_t* RGB_buffer, BlockCoder coder) {
     const std::size_t rowsAtOnce = bandRows(picture);
+    std::uint8_t* const fileRows = RGB_buffer + rowsAtOnce * picture.rowBytes();
     for (std::size_t row = 0; row < picture.height(); row += rowsAtOnce) {
         const std::size_t end = std::min(row + rowsAtOnce, picture.height());
         if (!picture.hasRows(row, end)) {
             coder.codeBlack((end - row) / kSide * (picture.width() / kSide));
             continue;
         }
-        const BitmapRows rows =
-            picture.loadRows(row, end, band + rowsAtOnce * picture.rowBytes(), band);
+        const BitmapRows rows = picture.loadRows(row, end, fileRows, RGB_buffer);
         for (std::size_t y = 0; y < end - row; y += kSide) {
             coder.codeRow(rows.top + static_cast<std::ptrdiff_t>(y) * rows.step, rows.step,
                           picture.width() / kSide);
@@ -108,9 +111,8 @@ float convertToJPEG(const char* in_path, const char* out_path, int scale_factor)
     JpegBitmap picture;
     const float loaded = picture.load_bitmap(in_path);
     if (loaded != kOk) return loaded;
-    const std::size_t bandBytes =
-        bandRows(picture) * (picture.rowBytes() + picture.stagedRowBytes()) + kBytesBehindRow;
-    const std::unique_ptr<std::uint8_t[]> RGB_buffer(new (std::nothrow) std::uint8_t[bandBytes]);
+    const std::unique_ptr<std::uint8_t[]> RGB_buffer(new (std::nothrow)
+                                                         std::uint8_t[bandBytes(picture)]);
     if (RGB_buffer == nullptr || !picture.keepFrom(out_path)) return kNoMemory;
 
     JpegStream fp_jpeg_stream(out_path);

@@ -10,12 +10,12 @@
 // The order of samples in memory is their order in the lanes.
 static_assert(std::endian::native == std::endian::little);
 
-// 16 bytes of samples. The compilers' own arithmetic works on them lane by lane; a comparison gives
-// all bits set where it holds.
-template <typename Sample>
-using Lanes [[gnu::vector_size(16)]] = Sample;
-
 inline constexpr std::size_t kLanesBytes = 16;
+
+// 16 bytes of samples, or `kBytes`. The compilers' own arithmetic works on them lane by lane; a
+// comparison gives all bits set where it holds.
+template <typename Sample, std::size_t kBytes = kLanesBytes>
+using Lanes [[gnu::vector_size(kBytes)]] = Sample;
 
 template <typename Sample>
 inline constexpr std::size_t kLanes = kLanesBytes / sizeof(Sample);

@@ -17,11 +17,11 @@ constexpr std::size_t kRowBytes = 24;
 
 struct Transform {
     const char* name;
-    TransformPixels* run;
+    TransformBlock* run;
 };
 std::vector<Transform> transforms() {
-    std::vector<Transform> all = {{"narrow", transformPixels}};
-    if (wideTransform() != nullptr) all.push_back({"wide", wideTransform()});
+    std::vector<Transform> all = {{"plain", transformBlock}};
+    if (avx2Transform() != nullptr) all.push_back({"avx2", avx2Transform()});
     return all;
 }
 
@@ -40,7 +40,7 @@ private:
 std::vector<std::uint8_t> block(const std::function<std::uint8_t(std::size_t)>& byteAt,
                                 std::size_t before = 0, std::size_t between = 0) {
     std::vector<std::uint8_t> bytes(before + 7 * (kRowBytes + between) + kRowBytes +
-                                    kBytesBehindRow);
+                                    kBytesAfterRow);
     for (std::size_t i = 0; i < bytes.size(); ++i)
         bytes[i] = byteAt(i);
     return bytes;
@@ -49,7 +49,7 @@ std::vector<std::uint8_t> block(const std::function<std::uint8_t(std::size_t)>& 
 void expectScalar(const DataUnit& data, const DivisorTable& fdtbl, const QuantisedUnit& unit) {
     const Coefficients scalar = fdct_and_quantization(data, fdtbl);
     for (std::size_t i = 0; i < scalar.size(); ++i) {
-        ASSERT_EQ(unit.values[i], scalar[i]) << i;
+        ASSERT_EQ(unit.DU_DCT[i], scalar[i]) << i;
         ASSERT_EQ((unit.nonzeroRows[i % 8] >> i / 8 & 1) != 0, scalar[i] != 0) << i;
     }
 }
@@ -60,9 +60,9 @@ void expectScalar(const std::uint8_t* pixels, std::ptrdiff_t rowStep, const Divi
         SCOPED_TRACE(transform.name);
         QuantisedBlock result;
         transform.run(pixels, rowStep, divisors, result);
-        expectScalar(units.YDU, divisors.fdtbl_Y, result[0]);
-        expectScalar(units.CbDU, divisors.fdtbl_Cb, result[1]);
-        expectScalar(units.CrDU, divisors.fdtbl_Cb, result[2]);
+        expectScalar(units.YDU, divisors.fdtbl_Y, result.Y);
+        expectScalar(units.CbDU, divisors.fdtbl_Cb, result.Cb);
+        expectScalar(units.CrDU, divisors.fdtbl_Cb, result.Cr);
     }
 }
 

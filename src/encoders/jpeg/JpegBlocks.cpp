@@ -6,10 +6,10 @@
 
 namespace {
 
-// What the data units of a component are coded with.
+// The codes of a component's data units.
 struct ComponentCodes {
-    ValueCodes means;
-    RunTable others;
+    ValueCodes dc;
+    RunTable ac;
     bitstring sixteenZeros;
     bitstring endOfBlock;
 };
@@ -27,16 +27,16 @@ consteval std::array<PlacesOfRows, 8> makePlaces() {
     std::array<PlacesOfRows, 8> places{};
     for (std::size_t column = 0; column < 8; ++column) {
         for (std::size_t rows = 1; rows < 256; ++rows) {
-            const auto lowest = static_cast<std::size_t>(std::countr_zero(rows));
+            const auto first = static_cast<std::size_t>(std::countr_zero(rows));
             places[column][rows] =
-                places[column][rows & (rows - 1)] | std::uint64_t{1} << zigzag[8 * lowest + column];
+                places[column][rows & (rows - 1)] | std::uint64_t{1} << zigzag[8 * first + column];
         }
     }
     return places;
 }
 constexpr std::array<PlacesOfRows, 8> kPlaces = makePlaces();
 
-// Bit i tells whether the coefficient at place i of the zig-zag sequence is not 0.
+// Bit i is set where the coefficient at place i of the zig-zag sequence is not 0.
 inline std::uint64_t nonzeroPlaces(const QuantisedUnit& unit) {
     std::uint64_t places = 0;
     for (std::size_t column = 0; column < kPlaces.size(); ++column)
@@ -44,15 +44,15 @@ inline std::uint64_t nonzeroPlaces(const QuantisedUnit& unit) {
     return places;
 }
 
-inline void put(BitWriter& bits, const ValueCodes& codes, std::int32_t value) {
+inline void writeValue(BitWriter& bits, const ValueCodes& codes, std::int32_t value) {
     const ValueCode& code = codes[lookUpSignedCategory(value)];
     bits.writebits(static_cast<std::uint32_t>(code.base + value), code.length);
 }
 
 // Codes the coefficients after the first, each with the zeros before it.
-inline void putAC(BitWriter& bits, const QuantisedUnit& DU, const ComponentCodes& codes) {
+inline void writeAC(BitWriter& bits, const QuantisedUnit& unit, const ComponentCodes& codes) {
     constexpr std::uint32_t kLast = 63;
-    std::uint64_t left = nonzeroPlaces(DU) & ~std::uint64_t{1};
+    std::uint64_t left = nonzeroPlaces(unit) & ~std::uint64_t{1};
     std::uint32_t before = 0;
     while (left != 0) {
         const auto place = static_cast<std::uint32_t>(std::countr_zero(left));
@@ -60,39 +60,40 @@ inline void putAC(BitWriter& bits, const QuantisedUnit& DU, const ComponentCodes
         std::uint32_t zeros = place - before - 1;
         for (; zeros >= 16; zeros -= 16)
             bits.writebits(codes.sixteenZeros);
-        put(bits, codes.others[zeros], DU.values[naturalOrder[place]]);
+        writeValue(bits, codes.ac[zeros], unit.DU_DCT[naturalOrder[place]]);
         before = place;
     }
     if (before != kLast) bits.writebits(codes.endOfBlock);
 }
 
-inline void process_DU(const QuantisedUnit& DU, const ComponentCodes& codes, std::int32_t& DC,
+inline void process_DU(const QuantisedUnit& unit, const ComponentCodes& codes, std::int32_t& DC,
                        BitWriter& bits) {
-    put(bits, codes.means, DU.values[0] - DC);
-    DC = DU.values[0];
-    putAC(bits, DU, codes);
+    writeValue(bits, codes.dc, unit.DU_DCT[0] - DC);
+    DC = unit.DU_DCT[0];
+    writeAC(bits, unit, codes);
 }
 
 }  // namespace
 
 void codeBlocks(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t blocks,
-                const Divisors& divisors, Means& means, BitWriter& bits) {
-    TransformPixels* const wide = wideTransform();
-    TransformPixels* const transform = wide != nullptr ? wide : transformPixels;
+                const Divisors& fdtbl, DcPredictors& dcPredictors, BitWriter& bits) {
+    TransformBlock* const avx2 = avx2Transform();
+    TransformBlock* const transform = avx2 != nullptr ? avx2 : transformBlock;
+    auto& [DC_Y, DC_Cb, DC_Cr] = dcPredictors;
     BitWriter own = bits;
     for (std::size_t i = 0; i < blocks; ++i) {
         QuantisedBlock block;
-        transform(pixels + 24 * i, rowStep, divisors, block);
-        process_DU(block[0], kLuminanceCodes, means[0], own);
-        process_DU(block[1], kChrominanceCodes, means[1], own);
-        process_DU(block[2], kChrominanceCodes, means[2], own);
+        transform(pixels + 24 * i, rowStep, fdtbl, block);
+        process_DU(block.Y, kLuminanceCodes, DC_Y, own);
+        process_DU(block.Cb, kChrominanceCodes, DC_Cb, own);
+        process_DU(block.Cr, kChrominanceCodes, DC_Cr, own);
     }
     bits = own;
 }
 
 void codeUnchangedBlock(BitWriter& bits) {
     for (const ComponentCodes* codes : {&kLuminanceCodes, &kChrominanceCodes, &kChrominanceCodes}) {
-        put(bits, codes->means, 0);
+        writeValue(bits, codes->dc, 0);
         bits.writebits(codes->endOfBlock);
     }
 }

@@ -9,18 +9,18 @@
 #include "encoders/jpeg/JpegStream.h"
 #include "encoders/jpeg/JpegTransform.h"
 
-// What goes from one block of a picture to the next: the mean of each component, 0 before the first.
-using Means = std::array<std::int32_t, 3>;
+// The DC coefficients of a block, from which those of the next one are predicted; 0 before the first.
+using DcPredictors = std::array<std::int32_t, 3>;
 
 // Codes a row of blocks, or a part of one.
 //
-//   pixels, rowStep, divisors  as for `TransformPixels`
-//   blocks   how many
-//   means    those of the block before; receives those of the last one
-//   bits     has room for kMostBlockBytes a block
+//   pixels, rowStep, fdtbl  as for TransformBlock
+//   blocks        how many
+//   dcPredictors  of the block before; receives those of the last one
+//   bits          has room for kMaxBlockBytes a block
 void codeBlocks(const std::uint8_t* pixels, std::ptrdiff_t rowStep, std::size_t blocks,
-                const Divisors& divisors, Means& means, BitWriter& bits);
-inline constexpr std::size_t kMostBlockBytes = 3 * (64 * 27 + 7) / 8;
+                const Divisors& fdtbl, DcPredictors& dcPredictors, BitWriter& bits);
+inline constexpr std::size_t kMaxBlockBytes = 3 * (64 * 27 + 7) / 8;
 
-// Codes a block that is like the one before, all of it one colour.
+// Codes a block that equals the one before and is all one colour.
 void codeUnchangedBlock(BitWriter& bits);
