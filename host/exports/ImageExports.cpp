@@ -1,7 +1,6 @@
 #include "encoders/ExrRange.h"
 #include "encoders/JpegOps.h"
 #include "encoders/TargaOps.h"
-#include "encoders/exr/ExrLoader.h"
 #include "export/Quillon.h"
 #include "exports/Groups.h"
 #include "tiff/TiffOps.h"

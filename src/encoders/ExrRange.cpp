@@ -7,50 +7,47 @@
 
 namespace {
 
-// The largest and the smallest of all samples shown. Each lane has its own, so that a sample does not
-// wait for the one before. NaN is neither larger nor smaller than anything.
+// The maximum and the minimum of all samples. Each lane has its own, so that a sample does not wait
+// for the one before. NaN is neither larger nor smaller than anything.
 class Extremes {
 public:
     Extremes() {
-        largest_.fill(-65535.0f);
-        smallest_.fill(65535.0f);
+        maximum_.fill(-65535.0f);
+        minimum_.fill(65535.0f);
     }
 
-    void look(std::span<const float> samples) {
+    void add(std::span<const float> samples) {
         const std::size_t whole = samples.size() - samples.size() % kLanes;
         for (std::size_t i = 0; i < whole; i += kLanes) {
             for (std::size_t lane = 0; lane < kLanes; ++lane)
-                look(lane, samples[i + lane]);
+                add(lane, samples[i + lane]);
         }
         for (const float sample : samples.subspan(whole))
-            look(0, sample);
+            add(0, sample);
     }
 
     float range() const {
-        return *std::max_element(largest_.begin(), largest_.end()) -
-               *std::min_element(smallest_.begin(), smallest_.end());
+        return *std::max_element(maximum_.begin(), maximum_.end()) -
+               *std::min_element(minimum_.begin(), minimum_.end());
     }
 
 private:
     static constexpr std::size_t kLanes = 16;
 
-    void look(std::size_t lane, float sample) {
-        largest_[lane] = sample > largest_[lane] ? sample : largest_[lane];
-        smallest_[lane] = sample < smallest_[lane] ? sample : smallest_[lane];
+    void add(std::size_t lane, float sample) {
+        maximum_[lane] = sample > maximum_[lane] ? sample : maximum_[lane];
+        minimum_[lane] = sample < minimum_[lane] ? sample : minimum_[lane];
     }
 
-    std::array<float, kLanes> largest_;
-    std::array<float, kLanes> smallest_;
+    std::array<float, kLanes> maximum_;
+    std::array<float, kLanes> minimum_;
 };
 
 }  // namespace
 
-float measureExrRange(const char* path) {
-    ExrSize size;
+float OpenEXR(const char* path) {
     Extremes extremes;
     const int status = LoadMultiChannelEXRFromFile(
-        path, size, [&](std::span<const float> samples) { extremes.look(samples); });
-    if (status != exr_status::kOk) return static_cast<float>(status);
-    if (size.height < 1 || size.width < 1) return exr_range::kNoPixels;
-    return extremes.range();
+        path, [&](std::span<const float> samples) { extremes.add(samples); });
+    return status == exr_status::kOk ? extremes.range() : static_cast<float>(status);
 }

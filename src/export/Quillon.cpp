@@ -259,7 +259,7 @@ float CreateThumbnailBMP(const char* text, double value, char*, int, char*, int,
 }
 
 float OpenEXR(const char* text, double, char*, int, char*, int, char**) {
-    return guarded(kRefused, [&] { return measureExrRange(text); });
+    return guarded(kRefused, [&] { return OpenEXR(text); });
 }
 
 char* get_substr(char* text, int start) {

@@ -7,7 +7,7 @@
 #include <vector>
 
 #include "bytes/Bytes.h"
-#include "encoders/exr/ExrLoader.h"
+#include "encoders/ExrRange.h"
 #include "encoders/exr/PizBlock.h"
 
 using namespace exr_status;

@@ -1,7 +1,10 @@
 #pragma once
-// ExrCheck: whether tinyexr may be given a file. It trusts what a header says: a tile size of 0 or
-// an unknown level mode ends the process, chunks are read past the end of the file, and memory is
-// taken for whatever size is claimed. What it would stumble over is refused here.
+// ExrCheck: whether tinyexr may be given a file.
+//
+// A file is checked as a whole before the loader sees it, because the loader trusts what it reads: a
+// tile size of 0 or an unknown level mode ends the process, chunks are read past the end of the file,
+// and memory is allocated for whatever size the header claims. The host must survive any file, and
+// the loader is used as it is; so every file that it would not survive is refused here.
 //
 // An OpenEXR file, little-endian: magic 76 2F 31 01, version 2, flags (2: tiled, 8: deep, 16:
 // multipart), attributes (name, type, size, value) up to an empty name, a table of chunk offsets,
@@ -11,7 +14,7 @@
 #include <cstdint>
 #include <span>
 
-// What the check found out on the way, for laying out tiles.
+// What the check reads on the way, for laying out rows and tiles.
 struct ExrLayout {
     bool tiled = false;
     bool increasingRows = true;

@@ -14,6 +14,7 @@
 #include <string>
 
 #include "bytes/Bytes.h"
+#include "encoders/ExrRange.h"
 #include "encoders/exr/ExrArena.h"
 #include "encoders/exr/ExrCheck.h"
 #include "encoders/exr/Inflater.h"
@@ -95,15 +96,15 @@ void requestFloats(EXRHeader& header) {
         header.requested_pixel_types[0] = TINYEXR_PIXELTYPE_FLOAT;
 }
 
-// Shows samples, four bytes each. Whole numbers become floats where they are.
-void show(void* samples, std::size_t count, const ExrLayout& layout, const ExrLook& look) {
+// Passes on samples, four bytes each. Whole numbers become floats in place.
+void passOn(void* samples, std::size_t count, const ExrLayout& layout, const ExrReceiver& receive) {
     auto* const floats = static_cast<float*>(samples);
     for (std::size_t i = 0; i < count && layout.firstPixelType == 0; ++i) {
         std::uint32_t number = 0;
         std::memcpy(&number, &floats[i], sizeof number);
         floats[i] = static_cast<float>(number);
     }
-    look({floats, count});
+    receive({floats, count});
 }
 
 // Copies a tile to its place in the plane. In memory its rows are as far apart as the tile is wide,
@@ -140,8 +141,8 @@ struct Levels {
     }
 };
 
-int showTiles(const EXRHeader& header, const FileBytes& file, const ExrLayout& layout,
-              const ExrLook& look) {
+int loadTiles(const EXRHeader& header, const FileBytes& file, const ExrLayout& layout,
+              const ExrReceiver& receive) {
     Levels levels;
     const char* message = nullptr;
     const int status =
@@ -154,14 +155,14 @@ int showTiles(const EXRHeader& header, const FileBytes& file, const ExrLayout& l
                              static_cast<std::size_t>(layout.height));
     for (int i = 0; i < levels.first.num_tiles; ++i)
         placeTile(plane, levels.first.tiles[i], layout);
-    show(plane.data(), plane.size(), layout, look);
+    passOn(plane.data(), plane.size(), layout, receive);
     return kOk;
 }
 
 // Loads some rows, from row `first` of the picture on, where a chunk starts: for the loader they are
 // a picture of their own, and its table of chunks starts at theirs.
-int showRows(const EXRHeader& whole, int first, int rows, const FileBytes& file,
-             const ExrLayout& layout, const ExrLook& look) {
+int loadRows(const EXRHeader& whole, int first, int rows, const FileBytes& file,
+             const ExrLayout& layout, const ExrReceiver& receive) {
     constexpr unsigned kTableEntryBytes = 8;
     EXRHeader header = whole;
     header.data_window.min_y += first;
@@ -176,7 +177,7 @@ int showRows(const EXRHeader& whole, int first, int rows, const FileBytes& file,
         LoadEXRImageFromMemory(&image, &header, file.data.get(), file.size, &message);
     if (status != TINYEXR_SUCCESS) return status;
     const auto samples = static_cast<std::size_t>(layout.width) * static_cast<std::size_t>(rows);
-    show(image.images[0], samples, layout, look);
+    passOn(image.images[0], samples, layout, receive);
     FreeEXRImage(&image);
     return kOk;
 }
@@ -189,20 +190,20 @@ int rowsAtOnce(const ExrLayout& layout) {
     return std::min(chunks * layout.chunkRows, layout.height);
 }
 
-int showAllRows(const EXRHeader& header, const FileBytes& file, const ExrLayout& layout,
-                const ExrLook& look) {
+int loadAllRows(const EXRHeader& header, const FileBytes& file, const ExrLayout& layout,
+                const ExrReceiver& receive) {
     const int step = rowsAtOnce(layout);
     const int pieces = (layout.height + step - 1) / step;
     for (int i = 0; i < pieces; ++i) {
         const int first = (layout.increasingRows ? i : pieces - 1 - i) * step;
         const int rows = std::min(step, layout.height - first);
-        const int status = showRows(header, first, rows, file, layout, look);
+        const int status = loadRows(header, first, rows, file, layout, receive);
         if (status != kOk) return status;
     }
     return kOk;
 }
 
-int load(FileBytes& file, ExrSize& size, const ExrLook& look) {
+int load(FileBytes& file, const ExrReceiver& receive) {
     EXRVersion version;
     int status = ParseEXRVersionFromMemory(&version, file.data.get(), file.size);
     if (status != TINYEXR_SUCCESS) return status;
@@ -210,7 +211,6 @@ int load(FileBytes& file, ExrSize& size, const ExrLook& look) {
     ExrLayout layout;
     status = checkExr({file.data.get(), file.size}, layout);
     if (status != kOk) return status;
-    size = {layout.width, layout.height};
 
     ExrArena memory;
     const LoaderState state(memory);
@@ -220,18 +220,18 @@ int load(FileBytes& file, ExrSize& size, const ExrLook& look) {
     status = ParseEXRHeaderFromMemory(&header, &version, file.data.get(), file.size, &message);
     if (status != TINYEXR_SUCCESS) return status;
     requestFloats(header);
-    return layout.tiled ? showTiles(header, file, layout, look)
-                        : showAllRows(header, file, layout, look);
+    return layout.tiled ? loadTiles(header, file, layout, receive)
+                        : loadAllRows(header, file, layout, receive);
 }
 
 }  // namespace
 
-int LoadMultiChannelEXRFromFile(const char* path, ExrSize& size, const ExrLook& look) {
+int LoadMultiChannelEXRFromFile(const char* path, const ExrReceiver& receive) {
     if (path == nullptr) return kNoPath;
     FileBytes file = loadFile(path, kZeroTail);
     if (file.data == nullptr) return kNotOpened;
     try {
-        return load(file, size, look);
+        return load(file, receive);
     } catch (const std::exception&) {
         return kBadData;
     }
