@@ -13,16 +13,14 @@ namespace {
 using namespace scalar_jpeg;
 using testing::Each;
 
-// The divisors for a segment whose entries are all 1, but for those that `change` changes.
-Divisors divisorsOfOne(void (*change)(QuantSegment&) = [](QuantSegment&) {}) {
+QuantSegment segmentOfOnes() {
     QuantSegment DQTinfo;
     DQTinfo.fill(1);
-    change(DQTinfo);
-    return prepare_quant_tables(DQTinfo);
+    return DQTinfo;
 }
 
 Coefficients transformed(const DataUnit& data) {
-    return fdct_and_quantization(data, divisorsOfOne().fdtbl_Y);
+    return fdct_and_quantization(data, prepare_quant_tables(segmentOfOnes()).fdtbl_Y);
 }
 
 // The transform by its definition.
@@ -78,10 +76,10 @@ TEST(JpegDct, IsTheTransformOfItsDefinition) {
 }
 
 TEST(JpegDct, DivisorsFollowTheZigzag) {
-    const auto [luminance, chrominance] = divisorsOfOne([](QuantSegment& DQTinfo) {
-        DQTinfo[5 + 2] = 10;  // the third of the zig-zag: row 1, column 0
-        DQTinfo[70 + 1] = 10;
-    });
+    QuantSegment DQTinfo = segmentOfOnes();
+    DQTinfo[5 + 2] = 10;  // the third of the zig-zag: row 1, column 0
+    DQTinfo[70 + 1] = 10;
+    const auto [luminance, chrominance] = prepare_quant_tables(DQTinfo);
     EXPECT_EQ(luminance[0], 0.125f);
     EXPECT_EQ(luminance[1], 0.0901199803f);   // 1 / (8 * 1.387039845)
     EXPECT_EQ(luminance[8], 0.00901199784f);  // the tenth part

@@ -1,8 +1,8 @@
 #include "encoders/jpeg/JpegSegments.h"
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
-#include <span>
 #include <string_view>
 
 #include "encoders/jpeg/JpegTables.h"
@@ -17,39 +17,22 @@ constexpr std::uint8_t low(std::size_t value) {
     return static_cast<std::uint8_t>(value);
 }
 
-// Puts segments together, piece by piece.
-template <std::size_t kBytes>
-struct SegmentBytes {
-    std::array<std::uint8_t, kBytes> bytes{};
-    std::size_t used = 0;
-
-    consteval void add(std::uint8_t byte) { bytes[used++] = byte; }
-    consteval void add(std::span<const std::uint8_t> more) {
-        for (const std::uint8_t byte : more)
-            add(byte);
-    }
-    // A Huffman table: its class (0 DC, 16 AC) and number (0 luminance, 1 chrominance), the counts of
-    // its codes by length, and their symbols.
-    consteval void addTable(std::uint8_t id, const CodeCounts& nrcodes,
-                            std::span<const std::uint8_t> values) {
-        add(id);
-        add(std::span(nrcodes).subspan(1));
-        add(values);
-    }
-};
-
-constexpr std::size_t kHuffmanSegmentBytes = 420;
-
 // The Huffman segment: all four tables.
-consteval std::array<std::uint8_t, kHuffmanSegmentBytes> set_DHTinfo() {
-    SegmentBytes<kHuffmanSegmentBytes> segment;
-    segment.add(std::array<std::uint8_t, 4>{0xFF, 0xC4, high(kHuffmanSegmentBytes - 2),
-                                            low(kHuffmanSegmentBytes - 2)});
-    segment.addTable(0x00, std_dc_luminance_nrcodes, std_dc_chrominance_values);
-    segment.addTable(0x10, std_ac_luminance_nrcodes, std_ac_luminance_values);
-    segment.addTable(0x01, std_dc_chrominance_nrcodes, std_dc_chrominance_values);
-    segment.addTable(0x11, std_ac_chrominance_nrcodes, std_ac_chrominance_values);
-    return segment.bytes;
+consteval std::array<std::uint8_t, 420> set_DHTinfo() {
+    std::array<std::uint8_t, 420> segment{0xFF, 0xC4, 0x01, 0xA2};
+    auto end = segment.begin() + 4;
+    // A table: its class (0 DC, 16 AC) and number (0 luminance, 1 chrominance), the counts of its
+    // codes by length, and their symbols.
+    const auto add = [&end](std::uint8_t id, const CodeCounts& nrcodes, const auto& values) {
+        *end++ = id;
+        end = std::copy(nrcodes.begin() + 1, nrcodes.end(), end);
+        end = std::copy(values.begin(), values.end(), end);
+    };
+    add(0x00, std_dc_luminance_nrcodes, std_dc_chrominance_values);
+    add(0x10, std_ac_luminance_nrcodes, std_ac_luminance_values);
+    add(0x01, std_dc_chrominance_nrcodes, std_dc_chrominance_values);
+    add(0x11, std_ac_chrominance_nrcodes, std_ac_chrominance_values);
+    return segment;
 }
 
 constexpr auto DHTinfo = set_DHTinfo();
@@ -60,7 +43,7 @@ void write_SOI(JpegStream& file) {
     file.append({0xFF, 0xD8});
 }
 
-// JFIF version 1.01 with pixels as high as wide and no thumbnail.
+// JFIF version 1.01, square pixels, no thumbnail.
 void write_APP0info(JpegStream& file) {
     file.append({0xFF, 0xE0, 0x00, 0x10, 'J', 'F', 'I', 'F', 0, 1, 1, 0, 0, 1, 0, 1, 0, 0});
 }
