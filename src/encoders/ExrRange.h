@@ -19,7 +19,8 @@ inline constexpr float kNoPixels = -131070.0f;
 }
 
 // The maximum minus the minimum sample of a file's first channel. They start at -65535 and 65535, so
-// a file beyond one of these is measured from there; NaN changes neither.
+// a file beyond one of these is measured from there; NaN changes neither. The export of the same name
+// passes its path on to it.
 //
 //   returns  the range, 0 or more; kNoPixels for a picture in which no sample is a number; one of
 //            exr_status

@@ -113,7 +113,7 @@ float convertToJPEG(const char* in_path, const char* out_path, int scale_factor)
     if (loaded != kOk) return loaded;
     const std::unique_ptr<std::uint8_t[]> RGB_buffer(new (std::nothrow)
                                                          std::uint8_t[bandBytes(picture)]);
-    if (RGB_buffer == nullptr || !picture.keepFrom(out_path)) return kNoMemory;
+    if (RGB_buffer == nullptr || !picture.loadIfSameAs(out_path)) return kNoMemory;
 
     JpegStream fp_jpeg_stream(out_path);
     if (!fp_jpeg_stream.isOpen()) return kTargetNotCreated;

@@ -18,10 +18,10 @@ namespace {
 constexpr std::size_t kHeaderBytes = 18;
 constexpr std::size_t kPixelBytes = 3;
 
-// A picture some of whose rows are missing may take this much, and as many times its own file; more
-// is a header that makes its size up.
-constexpr std::uint64_t kMostInventedBytes = 64 * 1024 * 1024;
-constexpr std::uint64_t kMostTimesTheFile = 16;
+// A picture with missing rows may take this much, plus this many times its own file. Beyond that the
+// header's size is taken to be invented.
+constexpr std::uint64_t kMaxInventedBytes = 64 * 1024 * 1024;
+constexpr std::uint64_t kMaxExpansion = 16;
 
 std::array<std::uint8_t, kHeaderBytes> targaHeader(const TiffInfo& info) {
     std::array<std::uint8_t, kHeaderBytes> header{};
@@ -32,7 +32,7 @@ std::array<std::uint8_t, kHeaderBytes> targaHeader(const TiffInfo& info) {
     return header;
 }
 
-// A map as it is read: its rows end the file, the bottom one last.
+// A map: its rows are the last bytes of the file, the bottom row last.
 struct Map {
     std::uint64_t fileBytes;
     std::size_t channels;
@@ -61,9 +61,9 @@ bool namesHeight(const TiffHeader& header) {
                        [](const TiffEntry& entry) { return entry.tag == tiff_tag::kImageLength; });
 }
 
-bool inventsItsSize(const Map& map) {
+bool hasInventedSize(const Map& map) {
     return map.existingRows() < map.rows &&
-           map.targaBytes() > kMostInventedBytes + kMostTimesTheFile * map.fileBytes;
+           map.targaBytes() > kMaxInventedBytes + kMaxExpansion * map.fileBytes;
 }
 
 void convertPixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels,
@@ -117,7 +117,8 @@ float writeExistingRows(const File& in, FileWriter& out, const Map& map, RowBuff
     return targa_status::kOk;
 }
 
-// Writes the last row as often as rows are missing, in pieces, too: a row may be a single pixel.
+// Writes the last row again for each missing row, in pieces of several rows: a row may be a single
+// pixel.
 bool writeMissingRows(FileWriter& out, const Map& map, RowBuffers& buffers) {
     auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
     if (map.existingRows() == map.rows) return true;
@@ -149,10 +150,10 @@ float convertToTarga(const char* inPath, const char* outPath) {
     if (!measured.isOpen()) return targa_status::kNotOpened;
     const Map map = mapOf(header.info, measured.size());
     if (map.channels == 0 || !namesHeight(header)) return targa_status::kNoSize;
-    if (inventsItsSize(map)) return targa_status::kPixelsMissing;
+    if (hasInventedSize(map)) return targa_status::kPixelsMissing;
     if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
 
-    RowBuffers buffers(map);  // there before the old target is gone
+    RowBuffers buffers(map);  // allocated before the old target is changed
     FileWriter out(File::createOver(outPath));
     const auto targa = targaHeader(header.info);
     if (!out.isOpen() || !out.append(targa.data(), targa.size()))

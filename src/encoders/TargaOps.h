@@ -14,17 +14,17 @@ inline constexpr float kOk = 0.0f;
 inline constexpr float kTargetNotWritten = -5.0f;
 inline constexpr float kNotOpened = -10.0f;
 inline constexpr float kNotReopened = -101.0f;    // or the disk fails; the target is not whole
-inline constexpr float kNoSize = -257.0f;         // the directory names no height or no channels
+inline constexpr float kNoSize = -257.0f;         // the directory has no height or no channels
 inline constexpr float kPixelsMissing = -279.0f;  // far more rows claimed than the file holds
 }
 
-// Writes a TIFF map of 8-bit samples as Targa. The directory is read as TiffOps.h tells; the
-// strip's own offset and the depth are not looked at: the pixels are taken to be the last bytes of
-// the file, top row first. A grey map gives grey pixels.
+// Writes a TIFF map of 8-bit samples as Targa. The directory is read as TiffOps.h documents; the
+// strip's own offset and the depth are ignored: the pixels are taken to be the last bytes of the
+// file, top row first. A grey map gives grey pixels.
 //
-//   inPath   only read, yet it must be writable, or the output is left with nothing but its header
-//   outPath  created anew, another file than the input
+//   inPath   only read, but must be writable; otherwise the output is left with its header only
+//   outPath  created or replaced; not the input itself
 //   returns  kOk; kNotOpened; a refused tag as in TiffOps.h, a bad sample count being 258; kNoSize;
-//            kTargetNotWritten; kNotReopened; kPixelsMissing. A few rows that the file does not
-//            have show the row below once more, black where there is none.
+//            kTargetNotWritten; kNotReopened; kPixelsMissing. Missing rows repeat the row
+//            below; they are black where there is none.
 float convertToTarga(const char* inPath, const char* outPath);

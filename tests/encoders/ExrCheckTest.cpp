@@ -140,7 +140,7 @@ TEST(ExrCheck, ATableIsNotFilledInFromChunksThatAreNotThere) {
     }
 }
 
-// The loader would add the two lists up.
+// The loader would join the two lists.
 TEST(ExrCheck, ASecondListOfChannelsIsRefused) {
     EXPECT_EQ(scanlines().channels().whole().rows().check(), -4);
 }

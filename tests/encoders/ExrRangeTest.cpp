@@ -124,7 +124,7 @@ void writeTiles(const std::string& path, const Picture& picture, unsigned tileWi
     }
 }
 
-// Samples from -300 to 700, which a half float and, above 0, a whole number hold, too.
+// Samples from -300 to 700, which a half float and, above 0, a whole number can also hold.
 std::vector<float> ramp(int count) {
     std::vector<float> samples;
     for (int i = 0; i < count; ++i)
@@ -236,7 +236,7 @@ TEST_F(ExrRange, OfSeveralResolutionsTheFullOneCounts) {
     }
 }
 
-// All that the loader shows, one after the other.
+// All samples that the loader passes on.
 std::vector<float> samplesOf(const std::string& path) {
     std::vector<float> all;
     EXPECT_EQ(LoadMultiChannelEXRFromFile(path.c_str(),
@@ -248,7 +248,7 @@ std::vector<float> samplesOf(const std::string& path) {
 }
 
 // Long enough for several pieces, the last of which is short; rows of chunks of every height.
-TEST(ExrLoader, ShowsEveryRowOfALargePictureInOrder) {
+TEST(ExrLoader, PassesOnEveryRowOfALargePictureInOrder) {
     const TempDir dir;
     const std::string path = dir.path("map.exr");
     constexpr int kWidth = 700;
@@ -265,11 +265,11 @@ TEST(ExrLoader, ShowsEveryRowOfALargePictureInOrder) {
                                     .order = increasing ? Imf::INCREASING_Y : Imf::DECREASING_Y,
                                     .corner = {5, -9},
                                     .secondChannel = true});
-            const std::vector<float> shown = samplesOf(path);
-            ASSERT_EQ(shown.size(), ramp.size());
+            const std::vector<float> samples = samplesOf(path);
+            ASSERT_EQ(samples.size(), ramp.size());
             for (std::size_t row = 0; row < kHeight; ++row) {
                 const std::size_t from = increasing ? row : kHeight - 1 - row;
-                ASSERT_TRUE(std::equal(&shown[row * kWidth], &shown[row * kWidth] + kWidth,
+                ASSERT_TRUE(std::equal(&samples[row * kWidth], &samples[row * kWidth] + kWidth,
                                        &ramp[from * kWidth]))
                     << compression << " row " << row;
             }
@@ -332,15 +332,15 @@ ByteList deflatedRow(std::size_t count) {
     return deflated;
 }
 
-TEST_F(ExrRange, ChunksMayInflateToLessAndHaveBytesBehindThem) {
+TEST_F(ExrRange, ChunksMayInflateToLessAndHaveBytesAfterThem) {
     const ByteList whole = deflatedRow(256);
-    ByteList behind = whole;
-    behind.insert(behind.end(), {1, 2, 3, 4, 5, 6, 7, 8, 9});
+    ByteList after = whole;
+    after.insert(after.end(), {1, 2, 3, 4, 5, 6, 7, 8, 9});
     const auto rangeOf = [&](const ByteList& chunk) {
         return OpenEXR(dir.write("map.exr", rowWithChunk(path(), chunk)).c_str());
     };
     EXPECT_EQ(rangeOf(whole), 0.0f);
-    EXPECT_EQ(rangeOf(behind), 0.0f);
+    EXPECT_EQ(rangeOf(after), 0.0f);
     EXPECT_EQ(rangeOf(deflatedRow(128)), 3.0039215f);  // what is missing is 0
 }
 
@@ -442,7 +442,7 @@ TEST_F(ExrRange, HeadersThatTheLoaderWouldNotSurviveAreRefused) {
     EXPECT_EQ(rangeOfBytes(with(rows, channels + 10, {2})), -10.0f) << "every second column";
 }
 
-TEST_F(ExrRange, ChunksThatLieElsewhereAreRefused) {
+TEST_F(ExrRange, ChunksOutOfPlaceAreRefused) {
     const ByteList bytes = bytesOf(Picture{.height = 2, .samples = {1, 2}});
     const std::size_t table = bytes.size() - 2 * 8 - 2 * 12;
     for (const std::size_t at : {table, table + 7, table + 16, table + 16 + 4}) {
@@ -452,8 +452,8 @@ TEST_F(ExrRange, ChunksThatLieElsewhereAreRefused) {
     }
 }
 
-// Where a file of `chunks` chunks has the table of their offsets: its lowest offset lies right behind
-// it.
+// Where a file of `chunks` chunks has the table of their offsets: its lowest offset is its own
+// end.
 std::size_t tableOf(const ByteList& bytes, std::size_t chunks) {
     for (std::size_t at = 8; at + 8 * chunks <= bytes.size(); ++at) {
         std::uint64_t lowest = UINT64_MAX;
@@ -465,7 +465,7 @@ std::size_t tableOf(const ByteList& bytes, std::size_t chunks) {
     return 0;
 }
 
-// What a writer leaves that is interrupted before it fills the table in.
+// As a writer leaves it that is interrupted before it fills in the table.
 TEST_F(ExrRange, AFileWhoseTableOfChunksHoldsZerosIsMeasured) {
     for (const Imf::Compression compression : kCompressions) {
         for (const Imf::LineOrder order : {Imf::INCREASING_Y, Imf::DECREASING_Y}) {

@@ -1,5 +1,5 @@
-// libjpeg judges: its tables against ours, its encoder's loss against ours, and every file is
-// decoded without a warning.
+// Compared with libjpeg: its tables, the loss of its encoder, and that it decodes every file without
+// a warning.
 
 #include <gmock/gmock.h>
 
@@ -18,7 +18,7 @@
 
 namespace {
 
-// Tells what libjpeg finds wrong and ends the program: libjpeg must not go on after an error.
+// Prints libjpeg's message and ends the program: libjpeg must not continue after an error.
 void endWithMessage(j_common_ptr info) {
     char message[JMSG_LENGTH_MAX];
     info->err->format_message(info, message);
@@ -238,7 +238,7 @@ TEST(JpegPeer, DecodesAFileThatEndsInAByteOfOnes) {
 }
 
 // Rounded twice on each way through the colours and once in the transform.
-TEST(JpegPeer, TheFinestFilesShowTheOriginal) {
+TEST(JpegPeer, TheFinestFilesMatchTheOriginal) {
     const TempDir dir;
     for (const Picture& picture : kPictures) {
         const Decoded out = decoded(encoded(dir, picture.bmp(), 0));
@@ -247,7 +247,7 @@ TEST(JpegPeer, TheFinestFilesShowTheOriginal) {
 }
 
 // Colours are rounded down here and to the nearest there, which costs ours a little more.
-TEST(JpegPeer, FilesShowTheOriginalAsWellAsItsOwnDo) {
+TEST(JpegPeer, FilesMatchTheOriginalAsWellAsItsOwnDo) {
     const TempDir dir;
     for (const Picture& picture : kPictures) {
         for (const int scale : {10, 50, 100}) {
@@ -273,9 +273,9 @@ bool isWhite(const Decoded& picture, std::size_t x, std::size_t y) {
     return picture.pixel(x, y)[1] > 127;
 }
 
-// Beyond 21840 pixels only the low 16 bits of a row's length are turned upside down: of 21848
-// pixels 8 bytes, two pixels and two bytes.
-TEST(JpegPeer, OfAVeryWidePictureOnlyTheLeftEndIsTurned) {
+// Beyond 21840 pixels only as many bytes of a row as the low 16 bits of its length are flipped: of
+// 21848 pixels 8 bytes, two pixels and two bytes.
+TEST(JpegPeer, OfAVeryWidePictureOnlyTheLeftEndIsFlipped) {
     const TempDir dir;
     const Decoded out = decoded(encoded(dir, twoRows(21848), 0));
     for (const std::size_t x : {0u, 1u}) {
@@ -288,7 +288,7 @@ TEST(JpegPeer, OfAVeryWidePictureOnlyTheLeftEndIsTurned) {
     }
 }
 
-TEST(JpegPeer, UpTo21840PixelsAPictureIsTurnedWhole) {
+TEST(JpegPeer, UpTo21840PixelsAPictureIsFlippedWhole) {
     const TempDir dir;
     const Decoded out = decoded(encoded(dir, twoRows(21840), 0));
     for (std::size_t x = 0; x < 21840; x += 13) {

@@ -62,7 +62,7 @@ TEST(JpegBits, NoOtherByteIsFollowedByAZero) {
                 ElementsAre(0x0F, 0xF0, 0x0F, 0xF0));
 }
 
-TEST(JpegBits, ComeOutWhereverTheyGoOn) {
+TEST(JpegBits, ContinueAtAnotherPlace) {
     ByteList first(16);
     ByteList second(16);
     BitWriter bits(first.data());

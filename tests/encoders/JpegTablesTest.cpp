@@ -85,7 +85,7 @@ TEST(JpegTables, CodesAndValuesAddUp) {
     }
 }
 
-TEST(JpegTables, AMeanThatStaysHasACodeAndNoBits) {
+TEST(JpegTables, AnUnchangedDcCoefficientHasACodeAndNoBits) {
     constexpr ValueCodes codes = makeValueCodes(kHuffman.YDC_HT);
     EXPECT_EQ(codes[signedCategory(0)].length, 2u);
     EXPECT_EQ(codes[signedCategory(0)].base, 0b00);
@@ -101,7 +101,7 @@ TEST(JpegTables, SignedCategoriesAreLookedUp) {
     EXPECT_EQ(signedCategory(-2047), 27);
 }
 
-TEST(JpegTables, NaturalOrderIsTheZigzagTurnedRound) {
+TEST(JpegTables, NaturalOrderIsTheZigzagInverted) {
     EXPECT_EQ(naturalOrder[0], 0);
     EXPECT_EQ(naturalOrder[1], 1);
     EXPECT_EQ(naturalOrder[2], 8);

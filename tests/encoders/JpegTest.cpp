@@ -70,7 +70,7 @@ TEST_F(Jpeg, StartsWithItsHeaderAndAComment) {
                   'Q',  'u',  'i',  'l',  'l',  'o',  'n',  ' ',  'v',  '1', '.', '0', '.', '.'}));
 }
 
-TEST_F(Jpeg, TheFrameHeaderTellsTheRealSize) {
+TEST_F(Jpeg, TheFrameHeaderHasTheRealSize) {
     const ByteList file = saved(noise(300, 513));
     EXPECT_EQ(part(file, kSof, kDht),
               (ByteList{0xFF, 0xC0, 0x00, 0x11, 0x08, 0x02, 0x01, 0x01, 0x2C, 0x03,  //
@@ -129,7 +129,7 @@ TEST_F(Jpeg, OnlyTheLow8BitsOfAFactorCount) {
 }
 
 // The standard's lists of codes by length and of symbols, Annex K.3.
-TEST_F(Jpeg, AllHuffmanTablesStandInOneSegment) {
+TEST_F(Jpeg, AllHuffmanTablesAreInOneSegment) {
     const ByteList file = saved(grey(8, 8));
     const ByteList tables = part(file, kDht, kSos);
     ASSERT_EQ(tables.size(), 420u);
@@ -160,7 +160,7 @@ TEST_F(Jpeg, AGreyPixelIsABlockOfNothing) {
 }
 
 // Luminance -128, quantised by 8: -1024 / 8 = -128, category 8 (111110), bits 01111111.
-TEST_F(Jpeg, ABlackPixelIsABlockWithAMean) {
+TEST_F(Jpeg, ABlackPixelIsABlockWithOnlyADcCoefficient) {
     EXPECT_THAT(scanOf(saved(BmpFile(1, 1).plain(0, 0, 0))), ElementsAre(0xF9, 0xFE, 0x80, 0x3F));
 }
 
@@ -292,7 +292,7 @@ TEST_F(Jpeg, ARefusalLeavesAnOldOutputAlone) {
     EXPECT_EQ(readBytes(target()), (ByteList{'o', 'l', 'd'}));
 }
 
-TEST_F(Jpeg, AnOutputThatCannotBeCreatedIsTold) {
+TEST_F(Jpeg, AnOutputThatCannotBeCreatedIsReported) {
     const std::string in = dir.write("map.bmp", grey(8, 8));
     EXPECT_EQ(convertToJPEG(in.c_str(), dir.path("no/map.jpg").c_str(), 50), -1.0f);
     EXPECT_EQ(convertToJPEG(in.c_str(), dir.path().c_str(), 50), -1.0f);
@@ -382,8 +382,8 @@ TEST_F(Jpeg, TheExportTakesFactorsFrom0To100) {
     }
 }
 
-// Only the left 65535 bytes of a row are turned upside down, so the upper rows of such a picture show
-// what the file has first.
+// Only the left end of a row is flipped, so the upper rows of such a picture are partly those that the
+// file has first.
 TEST_F(Jpeg, AWidePictureThatIsCutShortHasZerosForTheRest) {
     const ByteList whole = noise(22000, 24);
     ByteList cut(whole.begin(), whole.begin() + 54 + 5 * 66000);

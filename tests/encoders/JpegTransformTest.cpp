@@ -86,7 +86,7 @@ TEST_P(JpegTransform, OfExtremesIsTheScalarOne) {
     }
 }
 
-// Flat blocks and steps: their coefficients often lie right on a half.
+// Flat blocks and steps: their coefficients are often exactly on a half.
 TEST_P(JpegTransform, OfSimpleNumbersIsTheScalarOne) {
     for (int level = 0; level < 256 && !HasFailure(); ++level) {
         for (const std::size_t period : {1u, 24u, 48u, 96u}) {
@@ -100,7 +100,7 @@ TEST_P(JpegTransform, OfSimpleNumbersIsTheScalarOne) {
 
 INSTANTIATE_TEST_SUITE_P(Scales, JpegTransform, testing::Values(0, 1, 16, 50, 100, 255));
 
-TEST(JpegTransformRows, LieAnywhereAndRunEitherWay) {
+TEST(JpegTransformRows, MayBeAnywhereAndInEitherOrder) {
     const Divisors divisors = prepare_quant_tables(set_DQTinfo(50));
     Random random;
     for (std::size_t before = 0; before < 32; ++before) {

@@ -114,7 +114,7 @@ TEST(PizBlock, TheRestHasAtLeastItsHeader) {
     EXPECT_FALSE(isSound(Block().announce(24)));  // one byte more than there is
 }
 
-// The loader counts bits in an int. Nothing behind the length is read of such a block.
+// The loader counts bits in an int. Nothing after the length of such a block is read.
 TEST(PizBlock, MoreBitsThanAnIntCountsAreRefused) {
     const ByteList head = Block().announce(1u << 28).bytes();
     EXPECT_FALSE(isSoundPizBlock({head.data(), std::size_t{1} << 29}));

@@ -79,7 +79,7 @@ TEST_F(Targa, TheHeaderKeepsTheLow16BitsOfASize) {
     EXPECT_EQ(ByteList(out.begin() + 12, out.begin() + 16), (ByteList{0x70, 0x11, 1, 0}));
 }
 
-TEST_F(Targa, RowsThatTheFileDoesNotHaveShowTheRowBelow) {
+TEST_F(Targa, MissingRowsRepeatTheRowBelow) {
     // 150 bytes before the pixels: 33 rows of 6 bytes in all.
     ByteList bytes = map(2, 1).rgb8({1, 2, 3, 4, 5, 6}).entry(257, 1, 28).bytes();
     ASSERT_EQ(bytes.size(), 164u);
@@ -106,7 +106,7 @@ TEST_F(Targa, AMapWithoutASingleWholeRowIsBlack) {
     EXPECT_EQ(pixels(), ByteList(360, 0));
 }
 
-TEST_F(Targa, AHeaderThatMakesItsSizeUpIsRefused) {
+TEST_F(Targa, AnInventedSizeIsRefused) {
     const TiffFile tiny = map(1, 1).rgb8({1, 2, 3});
     EXPECT_EQ(save(TiffFile(tiny).entry(256, 1, 0x7FFFFFFF)), -279.0f);
     EXPECT_EQ(save(TiffFile(tiny).entry(257, 1, 0x7FFFFFFF)), -279.0f);
@@ -137,12 +137,12 @@ TEST_F(Targa, RefusalsComeBeforeTheOutputIsCreated) {
     EXPECT_FALSE(dir.has("map.tga"));
 }
 
-TEST_F(Targa, TheDepthItselfIsNotLookedAt) {
+TEST_F(Targa, TheDepthIsIgnored) {
     EXPECT_EQ(save(map(1, 1).rgb16({0x0201, 0x0403, 0x0605})), 0.0f);
     EXPECT_THAT(pixels(), ElementsAre(6, 5, 4));
 }
 
-TEST_F(Targa, AnOutputThatCannotBeWrittenIsTold) {
+TEST_F(Targa, AnOutputThatCannotBeWrittenIsReported) {
     const std::string in = dir.write("map.tif", map(1, 1).rgb8({1, 2, 3}).bytes());
     EXPECT_EQ(convertToTarga(in.c_str(), dir.path("no/map.tga").c_str()), -5.0f);
     EXPECT_EQ(convertToTarga(in.c_str(), "/dev/full"), -5.0f);
@@ -171,7 +171,7 @@ TEST_F(Targa, ATruncatedMapIsNeverReadPastItsEnd) {
     }
 }
 
-TEST_F(Targa, ADiskThatIsFullBeforeTheMissingRowsIsTold) {
+TEST_F(Targa, ADiskThatIsFullBeforeTheMissingRowsIsReported) {
     const FullDisk disk(1000);
     EXPECT_EQ(save(map(60, 20).rgb8({1, 2, 3})), -5.0f);
     EXPECT_EQ(written().size(), 1000u);

@@ -1,7 +1,7 @@
 #pragma once
-// ExrArena: the memory that tinyexr takes while it loads a file. The loader forgets some of it,
-// frees some of it twice and does not ask whether it got any; here it is counted, given back at the
-// end and an empty answer becomes an exception.
+// ExrArena: the memory that tinyexr allocates while it loads a file. The loader leaks some blocks,
+// frees some twice and does not check for null. The arena keeps track of each block, frees what is
+// left at the end and throws std::bad_alloc when there is no memory.
 
 #include <cstddef>
 #include <cstdlib>
@@ -19,16 +19,16 @@ public:
             std::free(block);
     }
 
-    void* take(std::size_t bytes) { return keep(std::malloc(bytes > 0 ? bytes : 1)); }
-    void* takeZeroed(std::size_t count, std::size_t size) {
+    void* allocate(std::size_t bytes) { return keep(std::malloc(bytes > 0 ? bytes : 1)); }
+    void* allocateZeroed(std::size_t count, std::size_t size) {
         return keep(std::calloc(count > 0 ? count : 1, size > 0 ? size : 1));
     }
-    char* takeCopy(const char* text) {
+    char* copyOf(const char* text) {
         const std::size_t bytes = std::strlen(text) + 1;
-        return static_cast<char*>(std::memcpy(take(bytes), text, bytes));
+        return static_cast<char*>(std::memcpy(allocate(bytes), text, bytes));
     }
-    // A block that is not in use any more is left alone.
-    void give(void* block) {
+    // Frees a block, unless it has been freed before.
+    void release(void* block) {
         if (blocks_.erase(block) > 0) std::free(block);
     }
 

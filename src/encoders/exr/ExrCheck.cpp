@@ -16,21 +16,22 @@ namespace {
 
 constexpr std::uint64_t kAttributes = 8;
 constexpr std::uint8_t kTiledFlag = 2;
-constexpr int kMostAttributes = 1000;  // a few more and the loader takes one for the end
+constexpr int kMaxAttributes = 1000;  // the loader takes one soon after for the end
 
 constexpr std::uint32_t kHalf = 1;
 constexpr std::uint32_t kLastPixelType = 2;
 
 enum Compression : std::uint8_t { kNone, kRle, kZips, kZip, kPiz };
 
-// No picture that means anything is beyond this, and no sum of two such numbers wraps.
-constexpr std::int32_t kFurthestPixel = 1 << 21;
-constexpr std::uint32_t kLongestTile = 1 << 20;
+// Real pictures stay within this, and no sum of two such numbers wraps.
+constexpr std::int32_t kMaxCoordinate = 1 << 21;
+constexpr std::uint32_t kMaxTileSide = 1 << 20;
 
-// The most that a byte of the file can stand for: deflating shrinks to a 1032nd, and a half float
-// takes twice its place in memory. Tiles reach beyond the picture's border, hence the constant.
-constexpr std::uint64_t kMostTimesTheFile = 2 * 1100;
-constexpr std::uint64_t kMostBytesBesides = 64 * 1024 * 1024;
+// How many bytes of memory a byte of the file can need at most: deflate shrinks data to a 1032nd, and
+// a half float becomes a float of twice its size. Tiles reach beyond the picture's border, hence the
+// extra bytes.
+constexpr std::uint64_t kMaxExpansion = 2 * 1100;
+constexpr std::uint64_t kMaxExtraBytes = 64 * 1024 * 1024;
 
 enum LevelMode : std::uint8_t { kOneLevel, kMipmap, kRipmap };
 
@@ -65,7 +66,7 @@ std::string_view textAt(const Bytes& file, std::uint64_t at) {
 
 // Channels: name, pixel type, 4 bytes not looked at, two sampling rates; ended by an empty name.
 bool readChannels(Bytes value, Header& header) {
-    if (!header.pixelTypes.empty()) return false;  // the loader would add the two lists up
+    if (!header.pixelTypes.empty()) return false;  // the loader would join the two lists
     for (std::uint64_t at = 0; !textAt(value, at).empty();) {
         at += textAt(value, at).size() + 1;
         const std::uint32_t type = value.le32(at);
@@ -83,7 +84,7 @@ bool readTiles(Bytes value, Header& header) {
     const std::uint8_t mode = value.u8(8);
     header.levelMode = mode & 3;
     header.roundsUp = (mode >> 4 & 1) != 0;
-    const auto isLength = [](std::uint32_t side) { return side > 0 && side <= kLongestTile; };
+    const auto isLength = [](std::uint32_t side) { return side > 0 && side <= kMaxTileSide; };
     return value.size == 9 && header.levelMode <= kRipmap && isLength(header.tileWidth) &&
            isLength(header.tileHeight);
 }
@@ -95,7 +96,7 @@ bool readWindow(Bytes value, Header& header) {
     header.right = number(8);
     header.bottom = number(12);
     const auto isNear = [](std::int32_t coordinate) {
-        return coordinate >= -kFurthestPixel && coordinate <= kFurthestPixel;
+        return coordinate >= -kMaxCoordinate && coordinate <= kMaxCoordinate;
     };
     header.hasWindow = true;
     return value.size == 16 && isNear(header.left) && isNear(header.top) && isNear(header.right) &&
@@ -122,7 +123,7 @@ bool readValue(std::string_view name, Bytes value, Header& header, ExrLayout& la
 int readHeader(Bytes& file, Header& header, ExrLayout& layout) {
     std::uint64_t at = kAttributes;
     for (int count = 0; !textAt(file, at).empty(); ++count) {
-        if (count == kMostAttributes) return kBadData;
+        if (count == kMaxAttributes) return kBadData;
         const std::string_view name = textAt(file, at);
         at += name.size() + 1;
         at += textAt(file, at).size() + 1;
@@ -206,9 +207,9 @@ std::uint64_t offsetAt(Bytes& file, std::uint64_t at) {
     return file.le32(at) | std::uint64_t{file.le32(at + 4)} << 32;
 }
 
-// A writer fills in the table of chunk offsets at its end: one that was interrupted leaves zeros
-// there. Its chunks follow the table one after the other, and each says where it belongs, from which
-// the table is made again.
+// A writer fills in the table of chunk offsets last: one that was interrupted leaves zeros there.
+// Its chunks follow the table one after the other, and each has its place in the picture, from which
+// the table is rebuilt.
 //
 //   placeBytes  of the numbers that a chunk starts with, before its length
 //   entryOf     the position in the table of the chunk at an offset
@@ -264,7 +265,7 @@ bool checkRows(std::span<std::uint8_t> bytes, const Header& header, std::uint32_
     return true;
 }
 
-// Edge tiles hold only what lies in the picture.
+// Edge tiles hold only what is in the picture.
 std::uint64_t tilePixels(const Header& header, const Level& level, std::uint32_t column,
                          std::uint32_t row, std::uint32_t width, std::uint32_t height) {
     const std::uint64_t levelWidth = levelSize(width, level.x, header.roundsUp);
@@ -297,8 +298,8 @@ bool checkTiles(std::span<std::uint8_t> bytes, const Header& header, std::uint32
     const std::uint64_t tiles = last.firstTile + std::uint64_t{last.columns} * last.rows;
     const std::uint64_t tileBytes =
         std::uint64_t{header.tileWidth} * header.tileHeight * 4 * header.pixelTypes.size();
-    const std::uint64_t most = kMostTimesTheFile * file.size + kMostBytesBesides;
-    if (!file.holds(header.end, tiles, 8) || tiles > most / tileBytes) return false;
+    const std::uint64_t maxBytes = kMaxExpansion * file.size + kMaxExtraBytes;
+    if (!file.holds(header.end, tiles, 8) || tiles > maxBytes / tileBytes) return false;
 
     completeTable(bytes, header.end, tiles, 16,
                   [&](Bytes& chunk, std::uint64_t at) { return tileEntry(chunk, at, levels); });
@@ -329,7 +330,7 @@ int checkExr(std::span<std::uint8_t> bytes, ExrLayout& layout) {
     const auto width = static_cast<std::uint32_t>(header.right - header.left + 1);
     const auto height = static_cast<std::uint32_t>(header.bottom - header.top + 1);
     const std::uint64_t samples = std::uint64_t{width} * height * header.pixelTypes.size();
-    if (samples > (kMostTimesTheFile * file.size + kMostBytesBesides) / 4) return kBadData;
+    if (samples > (kMaxExpansion * file.size + kMaxExtraBytes) / 4) return kBadData;
     const bool whole = layout.tiled ? checkTiles(bytes, header, width, height)
                                     : checkRows(bytes, header, width, height);
     if (!whole) return kBadData;

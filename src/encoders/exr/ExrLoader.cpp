@@ -22,13 +22,13 @@
 
 namespace {
 
-// Of the load that runs; null between loads.
+// Of the running load; null between loads.
 ExrArena* arena = nullptr;
 const Inflater* inflater = nullptr;
 
-// The loader takes and frees the memory for one chunk after the other. Where the system takes each
-// of these blocks back and gives fresh pages for the next, that costs as much as the work: one large
-// block, never touched, shows glibc that such sizes are usual.
+// The loader allocates and frees memory for one chunk after the other. Where the system takes each
+// block back and maps fresh pages for the next, that costs as much as the decoding. After one large
+// block, never touched, has been freed, glibc keeps blocks of such sizes.
 void keepFreedMemory() {
     void* volatile block = std::malloc(std::size_t{16} << 20);  // or the compiler leaves it out
     std::free(block);
@@ -49,7 +49,7 @@ struct LoaderState {
     const Inflater ownInflater;
 };
 
-// What the loader takes for zlib's function of the same name.
+// Called by the loader in place of zlib's uncompress.
 int inflateWhole(unsigned char* to, unsigned long* toBytes, const unsigned char* from,
                  unsigned long fromBytes) {
     std::size_t written = *toBytes;
@@ -60,11 +60,11 @@ int inflateWhole(unsigned char* to, unsigned long* toBytes, const unsigned char*
 
 }  // namespace
 
-// tinyexr is compiled in right here, with its memory taken from the arena.
-#define malloc(bytes) arena->take(bytes)
-#define calloc(count, size) arena->takeZeroed(count, size)
-#define free(block) arena->give(block)
-#define strdup(text) arena->takeCopy(text)
+// tinyexr is compiled in here, with its memory allocated by the arena.
+#define malloc(bytes) arena->allocate(bytes)
+#define calloc(count, size) arena->allocateZeroed(count, size)
+#define free(block) arena->release(block)
+#define strdup(text) arena->copyOf(text)
 #define uncompress(to, toBytes, from, fromBytes) inflateWhole(to, toBytes, from, fromBytes)
 #define TINYEXR_IMPLEMENTATION
 #include <tinyexr.h>
@@ -86,11 +86,11 @@ static_assert(kNotExr == TINYEXR_ERROR_INVALID_MAGIC_NUMBER &&
 
 namespace {
 
-// Damaged chunks make the loader read on behind them: there are zeros there.
+// Damaged chunks make the loader read past the end of the file: zeros follow it.
 constexpr std::size_t kZeroTail = 64 * 1024;
 
-// The first channel's half floats become floats on request. Whole numbers keep their type, and the
-// other channels what they are: nobody looks at them.
+// The first channel's half floats become floats on request. Whole numbers keep their type, and so do
+// the other channels, which are not used.
 void requestFloats(EXRHeader& header) {
     if (header.pixel_types[0] == TINYEXR_PIXELTYPE_HALF)
         header.requested_pixel_types[0] = TINYEXR_PIXELTYPE_FLOAT;
@@ -108,8 +108,8 @@ void passOn(void* samples, std::size_t count, const ExrLayout& layout, const Exr
 }
 
 // Copies a tile to its place in the plane. In memory its rows are as far apart as the tile is wide,
-// also where it reaches beyond the picture, and they are turned upside down, from the tile's lower
-// end on, unless the file's row order is increasing.
+// also where it reaches beyond the picture, and they are in reverse order, from the tile's lower end
+// up, unless the file's row order is increasing.
 void placeTile(std::vector<float>& plane, const EXRTile& tile, const ExrLayout& layout) {
     const auto width = static_cast<std::size_t>(layout.width);
     const auto tileWidth = static_cast<std::size_t>(layout.tileWidth);
@@ -125,7 +125,7 @@ void placeTile(std::vector<float>& plane, const EXRTile& tile, const ExrLayout& 
     }
 }
 
-// Smaller resolutions of a tiled picture are objects of their own, which the arena does not know.
+// Smaller resolutions of a tiled picture are objects of their own, which the arena does not track.
 struct Levels {
     EXRImage first;
 

@@ -1,6 +1,6 @@
 #pragma once
 // Inflater: zlib streams that are in memory as a whole. Where libdeflate is linked in it takes half
-// of zlib's time or less; what comes out is the same.
+// of zlib's time or less; the output is the same.
 
 #include <cstddef>
 #include <cstdint>
@@ -12,9 +12,9 @@ public:
     Inflater& operator=(const Inflater&) = delete;
     ~Inflater();
 
-    // Inflates a stream; bytes behind its end do not matter.
+    // Inflates a stream; bytes after its end are ignored.
     //
-    //   toBytes  the room at `to`; receives how many bytes came out
+    //   toBytes  the room at `to`; receives the number of bytes written
     //   returns  false when the stream is damaged or longer than the room
     bool inflate(std::uint8_t* to, std::size_t& toBytes, const std::uint8_t* from,
                  std::size_t fromBytes) const;

@@ -11,17 +11,17 @@ constexpr std::uint32_t kBitmapBytes = 8192;
 constexpr std::uint32_t kSymbols = 65537;  // all 16-bit values and the run code
 constexpr std::uint64_t kHuffmanHeaderBytes = 20;
 // The loader counts bits in an int.
-constexpr std::uint32_t kMostHuffmanBytes = (1u << 28) - 1;
+constexpr std::uint32_t kMaxHuffmanBytes = (1u << 28) - 1;
 
 constexpr std::size_t kCodeLengths = 59;  // 0 to 58
 constexpr std::uint32_t kShortRun = 59;   // this and the next three: 2 to 5 unused symbols
 constexpr std::uint32_t kLongRun = 63;    // followed by 8 bits: 6 to 261 unused symbols
 
-// Codes of more than 14 bits share a slot with all that begin alike, and the loader searches a slot
-// from its start. Maps of 8192 pixels a line bring some thirty codes into one, the widest, of
-// hundreds of thousands, a thousand; a made-up table would bring all.
+// A code of more than 14 bits shares a slot with all codes of the same first 14 bits, and the loader
+// searches a slot from its start. Maps of 8192 pixels a row put some thirty codes into one slot, maps
+// of hundreds of thousands a thousand; an invented table could put all of them into one.
 constexpr int kSlotBits = 14;
-constexpr std::uint32_t kMostCodesInASlot = 4096;
+constexpr std::uint32_t kMaxCodesPerSlot = 4096;
 
 struct BitReader {
     Bytes bytes;
@@ -79,7 +79,7 @@ bool overfillsASlot(const CodeLengths& lengths, FirstCodes next) {
     for (const std::uint8_t length : lengths) {
         if (length <= kSlotBits) continue;
         const std::uint64_t slot = next[length]++ >> (length - kSlotBits);
-        if (++codesInSlot[static_cast<std::size_t>(slot)] > kMostCodesInASlot) return true;
+        if (++codesInSlot[static_cast<std::size_t>(slot)] > kMaxCodesPerSlot) return true;
     }
     return false;
 }
@@ -107,6 +107,6 @@ bool isSoundPizBlock(Bytes block) {
     const std::uint32_t length = block.le32(lengthAt);
     const std::uint64_t start = lengthAt + 4;
     if (block.overran || !block.holds(start, length, 1)) return false;
-    if (length < kHuffmanHeaderBytes || length > kMostHuffmanBytes) return false;
+    if (length < kHuffmanHeaderBytes || length > kMaxHuffmanBytes) return false;
     return isSoundHuffmanCode({block.data + start, length});
 }

@@ -14,11 +14,11 @@ namespace {
 constexpr std::size_t kHeaderBytes = 54;
 constexpr std::size_t kPixelBytes = 3;
 
-// Beyond this a side brought up to a multiple of 8 no longer fits into 16 bits.
-constexpr std::uint16_t kLongestSide = 65528;
+// Beyond this a side rounded up to a multiple of 8 no longer fits into 16 bits.
+constexpr std::uint16_t kMaxSide = 65528;
 
 bool isCoded(std::uint16_t side) {
-    return side > 0 && side <= kLongestSide;
+    return side > 0 && side <= kMaxSide;
 }
 
 }  // namespace
@@ -37,7 +37,7 @@ float JpegBitmap::load_bitmap(const char* path) {
     return kOk;
 }
 
-bool JpegBitmap::keepFrom(const char* path) {
+bool JpegBitmap::loadIfSameAs(const char* path) {
     if (!file_.isSameAs(path)) return true;
     const auto count = static_cast<std::size_t>(pixelBytes_);
     kept_.reset(new (std::nothrow) std::uint8_t[count]);
@@ -52,10 +52,10 @@ std::uint64_t JpegBitmap::rowsInFile() const {
 
 bool JpegBitmap::hasRows(std::size_t first, std::size_t end) const {
     const std::size_t lowest = size_.height - std::min<std::size_t>(end, size_.height);
-    return lowest < rowsInFile() || (!isTurnedWhole() && first < rowsInFile());
+    return lowest < rowsInFile() || (!isFlippedWhole() && first < rowsInFile());
 }
 
-// Reads rows as they lie in the file.
+// Reads rows as they are in the file.
 void JpegBitmap::readRows(std::size_t firstInFile, std::size_t count, std::uint8_t* to) const {
     const std::uint64_t start = std::uint64_t{firstInFile} * stagedRowBytes();
     const std::size_t wanted = count * stagedRowBytes();
@@ -85,21 +85,21 @@ BitmapRows JpegBitmap::loadRows(std::size_t first, std::size_t end, std::uint8_t
     const std::size_t count = realEnd - first;
     readRows(size_.height - realEnd, count, stage);
     const auto staged = static_cast<std::ptrdiff_t>(stagedRowBytes());
-    if (isTurnedWhole() && !needsPadding(end))
+    if (isFlippedWhole() && !needsPadding(end))
         return {stage + (static_cast<std::ptrdiff_t>(count) - 1) * staged, -staged};
 
     for (std::size_t i = 0; i < count; ++i) {
         std::copy_n(stage + (count - 1 - i) * stagedRowBytes(), realRowBytes(),
                     padded + i * rowBytes());
     }
-    // Only the low 16 bits of a row's length are turned upside down: of a wide picture just the
-    // left end. What is to the right of it stays as it lies in the file, and the host's maps of
-    // that width have always come out so.
-    if (!isTurnedWhole()) {
+    // Only as many bytes of a row as the low 16 bits of its length are flipped: of a wide picture
+    // just the left end. The rest stays in the order of the file: the host's maps of that width
+    // have always been written so.
+    if (!isFlippedWhole()) {
         readRows(first, count, stage);
         for (std::size_t i = 0; i < count; ++i) {
-            std::copy_n(stage + i * stagedRowBytes() + turnedBytes(),
-                        realRowBytes() - turnedBytes(), padded + i * rowBytes() + turnedBytes());
+            std::copy_n(stage + i * stagedRowBytes() + flippedBytes(),
+                        realRowBytes() - flippedBytes(), padded + i * rowBytes() + flippedBytes());
         }
     }
     padRows(count, end - first, padded);
