@@ -46,8 +46,11 @@ private:
 }  // namespace
 
 float OpenEXR(const char* path) {
+    ExrSize size;
     Extremes extremes;
     const int status = LoadMultiChannelEXRFromFile(
-        path, [&](std::span<const float> samples) { extremes.add(samples); });
-    return status == exr_status::kOk ? extremes.range() : static_cast<float>(status);
+        path, size, [&](std::span<const float> samples) { extremes.add(samples); });
+    if (status != exr_status::kOk) return static_cast<float>(status);
+    if (size.height < 1 || size.width < 1) return exr_range::kNoPixels;
+    return extremes.range();
 }

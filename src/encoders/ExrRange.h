@@ -22,6 +22,7 @@ inline constexpr float kNoPixels = -131070.0f;
 // a file beyond one of these is measured from there; NaN changes neither. The export of the same name
 // passes its path on to it.
 //
-//   returns  the range, 0 or more; kNoPixels for a picture in which no sample is a number; one of
+//   returns  the range, 0 or more; kNoPixels for a picture without pixels or in which no
+//            sample is a number; one of
 //            exr_status
 float OpenEXR(const char* path);

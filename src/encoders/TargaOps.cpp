@@ -7,7 +7,7 @@
 
 #include "bytes/Bytes.h"
 #include "files/FileWriter.h"
-#include "files/PieceBuffer.h"
+#include "files/Piece.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffOps.h"
@@ -56,9 +56,9 @@ Map mapOf(const TiffInfo& info, std::uint64_t fileBytes) {
             size(info.length)};
 }
 
-bool namesHeight(const TiffHeader& header) {
+bool hasTag(const TiffHeader& header, std::uint16_t tag) {
     return std::any_of(header.entries.begin(), header.entries.end(),
-                       [](const TiffEntry& entry) { return entry.tag == tiff_tag::kImageLength; });
+                       [tag](const TiffEntry& entry) { return entry.tag == tag; });
 }
 
 bool hasInventedSize(const Map& map) {
@@ -75,92 +75,93 @@ void convertPixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixel
 }
 
 // The memory for a conversion: rows as they are read and as they are written.
-struct RowBuffers {
-    explicit RowBuffers(const Map& map)
+struct RowPieces {
+    explicit RowPieces(const Map& map)
         : lastRow(map.rows > 0 ? static_cast<std::size_t>(map.width) * kPixelBytes : 0),
-          pieceRows(rowsAtOnce(map, lastRow.size())),
-          rows(static_cast<std::size_t>(std::min(pieceRows, map.existingRows()) * map.rowBytes())),
-          targaRows(static_cast<std::size_t>(pieceRows) * lastRow.size()) {}
+          rowsAtOnce(rowsOfAPiece(map, lastRow.size())),
+          rows(static_cast<std::size_t>(std::min(rowsAtOnce, map.existingRows()) * map.rowBytes())),
+          targaRows(static_cast<std::size_t>(rowsAtOnce) * lastRow.size()) {}
 
-    static std::uint64_t rowsAtOnce(const Map& map, std::size_t targaRowBytes) {
+    static std::uint64_t rowsOfAPiece(const Map& map, std::size_t targaRowBytes) {
         if (targaRowBytes == 0) return 0;
         return std::min(std::max<std::uint64_t>(kPieceBytes / targaRowBytes, 1), map.rows);
     }
 
     std::vector<std::uint8_t> lastRow;  // as it was written
-    std::uint64_t pieceRows;
-    PieceBuffer rows;
-    PieceBuffer targaRows;
+    std::uint64_t rowsAtOnce;
+    Piece rows;
+    Piece targaRows;
 };
 
 // Writes the rows that the map has, the bottom one first, in pieces of several rows.
-float writeExistingRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
-    auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
+float writeExistingRows(const File& in, FileWriter& out, const Map& map, RowPieces& pieces) {
+    auto& [lastRow, rowsAtOnce, rows, targaRows] = pieces;
     const auto width = static_cast<std::size_t>(map.width);
     const auto rowBytes = static_cast<std::size_t>(map.rowBytes());
-    for (std::uint64_t row = 0; row < map.existingRows();) {
-        const auto count = static_cast<std::size_t>(std::min(pieceRows, map.existingRows() - row));
-        const std::uint64_t offset = map.offsetOf(row + count - 1);
-        std::uint8_t* const rows = rowBuffer.placeFor(offset);
-        const std::size_t bytes = count * rowBytes;
-        if (in.readAt(offset, rows, bytes) < bytes) return targa_status::kNotReopened;
-        std::uint8_t* const targaRows = targaBuffer.placeFor(out.length());
+    const std::uint64_t existing = map.existingRows();
+    for (std::uint64_t row = 0; row < existing;) {
+        const auto count = static_cast<std::size_t>(std::min(rowsAtOnce, existing - row));
+        if (!rows.read(in, map.offsetOf(row + count - 1), count * rowBytes))
+            return targa_status::kNotReopened;
+        std::uint8_t* const to = targaRows.moveTo(out.length(), count * lastRow.size());
         for (std::size_t i = 0; i < count; ++i) {
-            convertPixels(targaRows + i * lastRow.size(), rows + (count - 1 - i) * rowBytes, width,
+            convertPixels(to + i * lastRow.size(), rows.data() + (count - 1 - i) * rowBytes, width,
                           map.channels);
         }
-        if (!out.append(targaRows, count * lastRow.size())) return targa_status::kTargetNotWritten;
+        if (!out.append(to, targaRows.size())) return targa_status::kTargetNotWritten;
         row += count;
-        if (row == map.existingRows())
-            std::copy_n(targaRows + (count - 1) * lastRow.size(), lastRow.size(), lastRow.data());
+        if (row == existing)
+            std::copy_n(to + (count - 1) * lastRow.size(), lastRow.size(), lastRow.data());
     }
     return targa_status::kOk;
 }
 
 // Writes the last row again for each missing row, in pieces of several rows: a row may be a single
 // pixel.
-bool writeMissingRows(FileWriter& out, const Map& map, RowBuffers& buffers) {
-    auto& [lastRow, pieceRows, rowBuffer, targaBuffer] = buffers;
-    if (map.existingRows() == map.rows) return true;
-    std::uint8_t* const targaRows = targaBuffer.placeFor(out.length());
-    for (std::uint64_t i = 0; i < pieceRows; ++i)
-        std::copy(lastRow.begin(), lastRow.end(), targaRows + i * lastRow.size());
-    for (std::uint64_t row = map.existingRows(); row < map.rows;) {
-        const auto count = static_cast<std::size_t>(std::min(pieceRows, map.rows - row));
-        if (!out.append(targaRows, count * lastRow.size())) return false;
+bool writeMissingRows(FileWriter& out, const Map& map, RowPieces& pieces) {
+    const auto& lastRow = pieces.lastRow;
+    std::uint64_t row = map.existingRows();
+    if (row == map.rows) return true;
+    const std::size_t pieceBytes = static_cast<std::size_t>(pieces.rowsAtOnce) * lastRow.size();
+    std::uint8_t* const rows = pieces.targaRows.moveTo(out.length(), pieceBytes);
+    for (std::uint64_t i = 0; i < pieces.rowsAtOnce; ++i)
+        std::copy(lastRow.begin(), lastRow.end(), rows + i * lastRow.size());
+    while (row < map.rows) {
+        const auto count = static_cast<std::size_t>(std::min(pieces.rowsAtOnce, map.rows - row));
+        if (!out.append(rows, count * lastRow.size())) return false;
         row += count;
     }
     return true;
 }
 
-float writeRows(const File& in, FileWriter& out, const Map& map, RowBuffers& buffers) {
+float writeRows(const File& in, FileWriter& out, const Map& map, RowPieces& pieces) {
     if (map.width == 0 || map.rows == 0) return targa_status::kOk;
-    const float status = writeExistingRows(in, out, map, buffers);
+    const float status = writeExistingRows(in, out, map, pieces);
     if (status != targa_status::kOk) return status;
-    return writeMissingRows(out, map, buffers) ? targa_status::kOk
-                                               : targa_status::kTargetNotWritten;
+    return writeMissingRows(out, map, pieces) ? targa_status::kOk : targa_status::kTargetNotWritten;
 }
 
 }  // namespace
 
 float convertToTarga(const char* inPath, const char* outPath) {
-    const TiffHeader header = readTiffHeader(inPath, targa_status::kNotOpened);
+    TiffHeader header = readTiffHeader(inPath, targa_status::kNotOpened);
     if (header.refused != tiff_status::kOk) return header.refused;
     const File measured = File::openForReading(inPath);
     if (!measured.isOpen()) return targa_status::kNotOpened;
     const Map map = mapOf(header.info, measured.size());
-    if (map.channels == 0 || !namesHeight(header)) return targa_status::kNoSize;
+    if (map.channels == 0 || !hasTag(header, tiff_tag::kImageLength)) return targa_status::kNoSize;
+    if (!hasTag(header, tiff_tag::kImageWidth)) header.info.width = -1;
     if (hasInventedSize(map)) return targa_status::kPixelsMissing;
     if (measured.isSameAs(outPath)) return targa_status::kTargetNotWritten;
 
-    RowBuffers buffers(map);  // allocated before the old target is changed
+    RowPieces pieces(map);  // allocated before the old target is changed
     FileWriter out(File::createOver(outPath));
     const auto targa = targaHeader(header.info);
     if (!out.isOpen() || !out.append(targa.data(), targa.size()))
         return targa_status::kTargetNotWritten;
     const File in = File::openForRewriting(inPath);
     if (!in.isOpen()) return targa_status::kNotReopened;
-    const float status = writeRows(in, out, map, buffers);
+    const float status = writeRows(in, out, map, pieces);
     if (status != targa_status::kOk) return status;
     return out.finish() ? targa_status::kOk : targa_status::kTargetNotWritten;
 }

@@ -238,12 +238,14 @@ TEST_F(ExrRange, OfSeveralResolutionsTheFullOneCounts) {
 
 // All samples that the loader passes on.
 std::vector<float> samplesOf(const std::string& path) {
+    ExrSize size;
     std::vector<float> all;
-    EXPECT_EQ(LoadMultiChannelEXRFromFile(path.c_str(),
+    EXPECT_EQ(LoadMultiChannelEXRFromFile(path.c_str(), size,
                                           [&](std::span<const float> samples) {
                                               all.insert(all.end(), samples.begin(), samples.end());
                                           }),
               0);
+    EXPECT_EQ(all.size(), static_cast<std::size_t>(size.width * size.height));
     return all;
 }
 

@@ -102,8 +102,8 @@ def unpack_runs(data):
 
 def unpack(data, compression, size):
     """The pixels of a chunk. One that packing would not make smaller is stored as it is."""
-    if len(data) == size:
-        return data
+    if len(data) == size or (compression == NONE and len(data) > size):
+        return data[:size]
     check(compression != NONE)
     data = unpack_runs(data) if compression == RLE else zlib.decompress(data)
     check(len(data) == size)

@@ -203,7 +203,7 @@ int loadAllRows(const EXRHeader& header, const FileBytes& file, const ExrLayout&
     return kOk;
 }
 
-int load(FileBytes& file, const ExrReceiver& receive) {
+int load(FileBytes& file, ExrSize& size, const ExrReceiver& receive) {
     EXRVersion version;
     int status = ParseEXRVersionFromMemory(&version, file.data.get(), file.size);
     if (status != TINYEXR_SUCCESS) return status;
@@ -211,6 +211,7 @@ int load(FileBytes& file, const ExrReceiver& receive) {
     ExrLayout layout;
     status = checkExr({file.data.get(), file.size}, layout);
     if (status != kOk) return status;
+    size = {layout.width, layout.height};
 
     ExrArena memory;
     const LoaderState state(memory);
@@ -226,12 +227,12 @@ int load(FileBytes& file, const ExrReceiver& receive) {
 
 }  // namespace
 
-int LoadMultiChannelEXRFromFile(const char* path, const ExrReceiver& receive) {
+int LoadMultiChannelEXRFromFile(const char* path, ExrSize& size, const ExrReceiver& receive) {
     if (path == nullptr) return kNoPath;
     FileBytes file = loadFile(path, kZeroTail);
     if (file.data == nullptr) return kNotOpened;
     try {
-        return load(file, receive);
+        return load(file, size, receive);
     } catch (const std::exception&) {
         return kBadData;
     }
