@@ -2,11 +2,11 @@
 #include <cstring>
 #include <vector>
 
-#include "BmpWriter.h"
 #include "Literals.h"
 #include "Pictures.h"
 #include "PlainPixels.h"
 #include "Races.h"
+#include "files/BmpWriter.h"
 
 namespace {
 

@@ -12,7 +12,7 @@
 #include <memory>
 #include <span>
 
-#include "Failure.h"
+#include "terminal/Failure.h"
 
 namespace {
 

@@ -10,7 +10,7 @@
 #include <cstring>
 #include <utility>
 
-#include "Failure.h"
+#include "terminal/Failure.h"
 
 namespace {
 

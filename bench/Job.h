@@ -10,7 +10,7 @@
 #include <vector>
 
 #include "Files.h"
-#include "Library.h"
+#include "calls/Library.h"
 
 enum class Role {
     kQuillon,

@@ -11,11 +11,11 @@
 
 #include <jpeglib.h>
 
-#include "BmpWriter.h"
-#include "DiskFile.h"
-#include "Failure.h"
 #include "Files.h"
 #include "bytes/Bytes.h"
+#include "files/BmpWriter.h"
+#include "files/DiskFile.h"
+#include "terminal/Failure.h"
 
 namespace {
 

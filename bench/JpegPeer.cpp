@@ -8,10 +8,10 @@
 
 #include <jpeglib.h>
 
-#include "BmpWriter.h"
-#include "Failure.h"
 #include "Files.h"
 #include "bytes/Bytes.h"
+#include "files/BmpWriter.h"
+#include "terminal/Failure.h"
 
 namespace {
 

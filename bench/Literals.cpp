@@ -8,9 +8,9 @@
 #include <set>
 #include <vector>
 
-#include "Failure.h"
 #include "PlainPixels.h"
-#include "TiffWriter.h"
+#include "files/TiffWriter.h"
+#include "terminal/Failure.h"
 
 namespace {
 

@@ -8,8 +8,8 @@
 #include <fstream>
 #include <string>
 
-#include "Failure.h"
 #include "PreparedRace.h"
+#include "terminal/Failure.h"
 
 namespace {
 

@@ -8,9 +8,9 @@
 #include <utility>
 #include <vector>
 
-#include "Failure.h"
 #include "Meshes.h"
 #include "Races.h"
+#include "terminal/Failure.h"
 
 namespace {
 

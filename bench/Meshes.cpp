@@ -2,7 +2,7 @@
 
 #include <cmath>
 
-#include "VemoMesh.h"
+#include "mesh/VemoMesh.h"
 
 namespace {
 

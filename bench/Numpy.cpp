@@ -10,8 +10,8 @@
 #include <optional>
 #include <vector>
 
-#include "Failure.h"
-#include "TiffWriter.h"
+#include "files/TiffWriter.h"
+#include "terminal/Failure.h"
 
 namespace {
 

@@ -12,10 +12,10 @@
 #include <span>
 #include <vector>
 
-#include "BmpWriter.h"
 #include "Files.h"
-#include "PsdWriter.h"
-#include "TiffWriter.h"
+#include "files/BmpWriter.h"
+#include "files/PsdWriter.h"
+#include "files/TiffWriter.h"
 
 namespace {
 

@@ -4,9 +4,9 @@
 #include <cmath>
 #include <cstring>
 
-#include "Failure.h"
 #include "Files.h"
 #include "bytes/Bytes.h"
+#include "terminal/Failure.h"
 
 namespace {
 

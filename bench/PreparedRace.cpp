@@ -5,8 +5,8 @@
 #include <cstdlib>
 #include <filesystem>
 
-#include "Failure.h"
 #include "Files.h"
+#include "terminal/Failure.h"
 
 namespace fs = std::filesystem;
 

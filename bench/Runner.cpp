@@ -5,9 +5,9 @@
 #include <algorithm>
 #include <cmath>
 
-#include "Failure.h"
-#include "Interrupt.h"
 #include "PreparedRace.h"
+#include "terminal/Failure.h"
+#include "terminal/Interrupt.h"
 
 namespace {
 

@@ -5,7 +5,7 @@
 #include "Pictures.h"
 #include "Races.h"
 #include "TiffPeers.h"
-#include "TiffWriter.h"
+#include "files/TiffWriter.h"
 
 namespace {
 

@@ -10,9 +10,9 @@
 #include <span>
 #include <vector>
 
-#include "Failure.h"
 #include "Files.h"
 #include "PlainPixels.h"
+#include "terminal/Failure.h"
 
 namespace {
 

@@ -9,15 +9,15 @@
 #include <optional>
 #include <regex>
 
-#include "Failure.h"
 #include "Growth.h"
-#include "Interrupt.h"
 #include "Job.h"
 #include "Memory.h"
 #include "PreparedRace.h"
 #include "Runner.h"
 #include "Table.h"
 #include "Text.h"
+#include "terminal/Failure.h"
+#include "terminal/Interrupt.h"
 
 namespace {
 

@@ -8,22 +8,22 @@
 #include <new>
 #include <string>
 
-#include "CallCommand.h"
-#include "CallWords.h"
-#include "Colour.h"
-#include "Completions.h"
-#include "ExportCommand.h"
-#include "Exports.h"
-#include "Failure.h"
-#include "ImportCommand.h"
-#include "InspectCommand.h"
-#include "Interrupt.h"
-#include "Library.h"
-#include "MergeCommand.h"
-#include "Reference.h"
-#include "Report.h"
-#include "ScriptCommand.h"
-#include "TourCommand.h"
+#include "calls/CallWords.h"
+#include "calls/Library.h"
+#include "calls/Report.h"
+#include "commands/CallCommand.h"
+#include "commands/Completions.h"
+#include "commands/ExportCommand.h"
+#include "commands/ImportCommand.h"
+#include "commands/InspectCommand.h"
+#include "commands/MergeCommand.h"
+#include "commands/ScriptCommand.h"
+#include "commands/TourCommand.h"
+#include "exports/Exports.h"
+#include "exports/Reference.h"
+#include "terminal/Colour.h"
+#include "terminal/Failure.h"
+#include "terminal/Interrupt.h"
 
 namespace {
 

@@ -1,8 +1,8 @@
 #pragma once
 // The parts of the table of exports, a file each. Exports.h tells what stands in them.
 
-#include "Exports.h"
 #include "export/Quillon.h"
+#include "exports/Exports.h"
 #include "mesh/VemoOps.h"
 
 const ExportGroup& folderExports();

@@ -5,7 +5,7 @@
 #include <filesystem>
 #include <vector>
 
-#include "DiskFile.h"
+#include "files/DiskFile.h"
 #include "files/File.h"
 
 namespace {

@@ -4,12 +4,12 @@
 #include <filesystem>
 #include <utility>
 
-#include "DiskFile.h"
-#include "Failure.h"
-#include "FileFacts.h"
-#include "Meanings.h"
+#include "exports/Meanings.h"
+#include "files/DiskFile.h"
+#include "files/FileFacts.h"
 #include "page/CopyTime.h"
 #include "page/Html.h"
+#include "terminal/Failure.h"
 
 namespace fs = std::filesystem;
 

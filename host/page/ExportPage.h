@@ -7,10 +7,10 @@
 #include <optional>
 #include <string>
 
-#include "CallLog.h"
-#include "Leftovers.h"
-#include "Library.h"
-#include "VemoMesh.h"
+#include "calls/CallLog.h"
+#include "calls/Leftovers.h"
+#include "calls/Library.h"
+#include "mesh/VemoMesh.h"
 #include "page/MapPicture.h"
 #include "page/ModelPicture.h"
 #include "page/Page.h"

@@ -3,11 +3,11 @@
 #include <algorithm>
 #include <vector>
 
-#include "BmpWriter.h"
-#include "DiskFile.h"
-#include "Failure.h"
-#include "FileFacts.h"
 #include "bytes/Bytes.h"
+#include "files/BmpWriter.h"
+#include "files/DiskFile.h"
+#include "files/FileFacts.h"
+#include "terminal/Failure.h"
 
 namespace {
 

@@ -5,8 +5,8 @@
 #include <cstdio>
 #include <limits>
 
-#include "MeshGeometry.h"
-#include "Raster.h"
+#include "mesh/MeshGeometry.h"
+#include "render/Raster.h"
 
 namespace {
 

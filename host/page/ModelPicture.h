@@ -5,7 +5,7 @@
 #include <string>
 #include <vector>
 
-#include "VemoMesh.h"
+#include "mesh/VemoMesh.h"
 #include "page/Picture.h"
 
 using Rgb = std::array<std::uint8_t, 3>;

@@ -1,6 +1,6 @@
 #include "page/Picture.h"
 
-#include "BmpWriter.h"
+#include "files/BmpWriter.h"
 
 Picture halved(const Picture& picture) {
     Picture half(picture.width / 2, picture.height / 2);

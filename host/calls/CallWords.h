@@ -1,0 +1,36 @@
+#pragma once
+// The words of a call, as the command line and a script have them:
+//   EXPORT [TEXT [VALUE [BUFFER]]], the last two also as --value VALUE and --buffer BUFFER.
+
+#include <string>
+#include <vector>
+
+#include "calls/Library.h"
+
+namespace CLI {
+class App;
+}
+
+class CallWords {
+public:
+    // Declares the words. They are here once the command has been parsed.
+    void addTo(CLI::App& command);
+
+    const std::string& name() const { return name_; }  // of the export
+    CallArguments arguments() const;
+
+private:
+    const CLI::App* command_ = nullptr;
+    std::string name_;
+    std::string text_;
+    double value_ = 0.0;
+    std::string buffer_;
+};
+
+struct NamedCall {
+    std::string name;  // of an export that exists
+    CallArguments arguments;
+};
+
+// The call that these words are. Throws WrongUsage.
+NamedCall callFrom(std::vector<std::string> words);

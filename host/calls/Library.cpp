@@ -1,0 +1,117 @@
+#include "calls/Library.h"
+
+#include <dlfcn.h>
+#include <fcntl.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <chrono>
+#include <cstdio>
+#include <cstring>
+#include <filesystem>
+#include <utility>
+#include <vector>
+
+#include "export/Quillon.h"
+#include "terminal/Failure.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+// A host's blocks are large and of one size; no export is told to stop at their end.
+constexpr std::size_t kBlockBytes = 64 * 1024;
+
+// What an output block holds before the call, so that "wrote an empty text" and "wrote nothing"
+// differ.
+constexpr const char* kUntouched = "\x1A untouched \x1A";
+
+constexpr const char* kLibraryName = "libQuillon.so";
+
+fs::path programPath() {
+    return fs::canonical("/proc/self/exe");
+}
+
+// A block with a text in it, large enough for whatever this call can bring an export to write.
+std::vector<char> blockFor(const CallArguments& arguments, const std::string& content) {
+    const std::size_t textBytes = arguments.text ? arguments.text->size() + 1 : 0;
+    std::vector<char> block(std::max({kBlockBytes, textBytes, content.size() + 1}));
+    std::copy(content.begin(), content.end(), block.begin());
+    return block;
+}
+
+// As long as it lives, standard output leads nowhere.
+class StandardOutputDropped {
+public:
+    StandardOutputDropped() {
+        std::fflush(stdout);
+        kept_ = ::dup(STDOUT_FILENO);
+        const int nowhere = ::open("/dev/null", O_WRONLY | O_CLOEXEC);
+        if (nowhere < 0) return;
+        ::dup2(nowhere, STDOUT_FILENO);
+        ::close(nowhere);
+    }
+    StandardOutputDropped(const StandardOutputDropped&) = delete;
+    StandardOutputDropped& operator=(const StandardOutputDropped&) = delete;
+    ~StandardOutputDropped() {
+        std::fflush(stdout);
+        if (kept_ < 0) return;
+        ::dup2(kept_, STDOUT_FILENO);
+        ::close(kept_);
+    }
+
+private:
+    int kept_ = -1;
+};
+
+}  // namespace
+
+void Library::Close::operator()(void* handle) const {
+    ::dlclose(handle);
+}
+
+Library::Library(const std::string& path, LibraryPrints prints)
+    : handle_(::dlopen(path.c_str(), RTLD_NOW | RTLD_LOCAL)), prints_(prints) {
+    if (handle_ == nullptr)
+        throw Failure("the library " + path + " cannot be loaded (" + ::dlerror() + ")");
+}
+
+CallResult Library::call(const Export& entry, const CallArguments& arguments) const {
+    const std::string name(entry.name);
+    auto* const function = reinterpret_cast<ExportFunction*>(::dlsym(handle_.get(), name.c_str()));
+    if (function == nullptr) throw Failure("the library has no export " + name);
+
+    const bool isOutput = entry.buffer == BufferUse::kOutput;
+    std::vector<char> block = blockFor(arguments, arguments.buffer.value_or(kUntouched));
+    const bool passBlock = isOutput || arguments.buffer.has_value();
+    std::optional<StandardOutputDropped> dropped;
+    if (prints_ == LibraryPrints::kDropped) dropped.emplace();
+    const char* text = arguments.text ? arguments.text->c_str() : nullptr;
+    try {
+        const float status = function(text, arguments.value, passBlock ? block.data() : nullptr,
+                                      static_cast<int>(block.size()), nullptr, 0, nullptr);
+        const bool wrote = isOutput && std::strcmp(block.data(), kUntouched) != 0;
+        return {status, wrote ? std::optional<std::string>(block.data()) : std::nullopt};
+    } catch (const std::out_of_range&) {
+        throw Failure(name + " needs a dot in its second path, from which it tells the file type");
+    }
+}
+
+CallRecord Library::call(std::string_view name, const CallArguments& arguments) const {
+    const Export& entry = requireExport(name);
+    const auto start = std::chrono::steady_clock::now();
+    CallResult result = call(entry, arguments);
+    const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
+    return {std::string(name), arguments, std::move(result), time.count()};
+}
+
+std::string libraryBesideProgram() {
+    const fs::path folder = programPath().parent_path();
+    for (const char* place : {"..", "../lib", "."}) {
+        const fs::path library = folder / place / kLibraryName;
+        std::error_code ignored;
+        if (fs::exists(library, ignored)) return library.lexically_normal().string();
+    }
+    throw Failure("there is no " + std::string(kLibraryName) +
+                  " near this program; name it with --library PATH before the command");
+}

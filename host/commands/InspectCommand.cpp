@@ -1,0 +1,124 @@
+#include "commands/InspectCommand.h"
+
+#include <cstdio>
+
+#include "commands/Trials.h"
+#include "exports/Meanings.h"
+#include "files/FileFacts.h"
+#include "terminal/Colour.h"
+#include "terminal/Failure.h"
+#include "terminal/Interrupt.h"
+
+namespace {
+
+void printHead(const std::string& path, const FileFacts& facts) {
+    std::printf("%s: %s, %s bytes", path.c_str(), facts.format,
+                std::to_string(facts.bytes).c_str());
+    if (const auto& picture = facts.picture) {
+        std::printf(", %s x %s pixels, %s %s", std::to_string(picture->width).c_str(),
+                    std::to_string(picture->height).c_str(),
+                    std::to_string(picture->channels).c_str(),
+                    picture->channels == 1 ? "channel" : "channels");
+        if (picture->depth > 0) std::printf(" of %s bits", std::to_string(picture->depth).c_str());
+    }
+    std::puts("");
+}
+
+void printFields(const FileFacts& facts) {
+    if (facts.fields.empty()) return;
+    std::printf("  %10s %10s  %-22s %s\n", "offset", "bytes", "field", "value");
+    for (const Field& field : facts.fields) {
+        const std::string padding(field.name.size() < 22 ? 22 - field.name.size() : 0, ' ');
+        std::printf("  %10s %10s  %s", std::to_string(field.offset).c_str(),
+                    std::to_string(field.bytes).c_str(), field.name.c_str());
+        if (!field.value.empty()) std::printf("%s %s", padding.c_str(), field.value.c_str());
+        std::puts("");
+    }
+}
+
+// A count or a measure says more than that the file is taken.
+std::string verdictText(const Verdict& verdict) {
+    const bool counts = requireExport(verdict.name).countOne != nullptr;
+    if (!verdict.accepted) return inRed(stdout, "refused") + ": " + verdict.meaning;
+    return inGreen(stdout, "accepted") + (counts ? ": " + verdict.meaning : "");
+}
+
+void printVerdicts(const std::vector<Verdict>& verdicts) {
+    if (verdicts.empty()) {
+        std::puts("  no export reads such a file");
+        return;
+    }
+    std::printf("  %-41s %10s\n", "export", "status");
+    for (const Verdict& verdict : verdicts) {
+        const std::string call = verdict.name + (verdict.how.empty() ? "" : ", " + verdict.how);
+        std::printf("  %-41s %10s  %s\n", call.c_str(), statusText(verdict.status).c_str(),
+                    verdictText(verdict).c_str());
+    }
+}
+
+Json factsObject(const std::string& path, const FileFacts& facts) {
+    Json object = {
+        {"file", path}, {"success", true}, {"format", facts.format}, {"bytes", facts.bytes}};
+    if (const auto& picture = facts.picture) {
+        object["width"] = picture->width;
+        object["height"] = picture->height;
+        object["channels"] = picture->channels;
+        if (picture->depth > 0) object["depth"] = picture->depth;
+    }
+    object["fields"] = Json::array();
+    for (const Field& field : facts.fields)
+        object["fields"].push_back({{"offset", field.offset},
+                                    {"bytes", field.bytes},
+                                    {"name", field.name},
+                                    {"value", field.value}});
+    return object;
+}
+
+Json verdictList(const std::vector<Verdict>& verdicts) {
+    Json list = Json::array();
+    for (const Verdict& verdict : verdicts) {
+        Json object = {{"export", verdict.name}};
+        if (!verdict.how.empty()) object["how"] = verdict.how;
+        object["status"] = jsonOf(verdict.status);
+        object["accepted"] = verdict.accepted;
+        object["meaning"] = verdict.meaning;
+        list.push_back(std::move(object));
+    }
+    return list;
+}
+
+void inspectFile(const Library& library, const std::string& path, const InspectOptions& options) {
+    const FileFacts facts = factsOf(path);
+    std::vector<Verdict> verdicts;
+    if (!options.fieldsOnly) verdicts = trialsOf(library, path, facts);
+    if (options.output == OutputStyle::kJson) {
+        Json object = factsObject(path, facts);
+        if (!options.fieldsOnly) object["exports"] = verdictList(verdicts);
+        printJson(object);
+        return;
+    }
+    printHead(path, facts);
+    printFields(facts);
+    if (!options.fieldsOnly) printVerdicts(verdicts);
+}
+
+}  // namespace
+
+bool inspectFiles(const Library& library, const InspectOptions& options) {
+    noteInterrupts();
+    bool all = true;
+    for (const std::string& path : options.files) {
+        stopIfInterrupted();
+        try {
+            if (&path != &options.files.front() && printsLines(options.output)) std::puts("");
+            inspectFile(library, path, options);
+        } catch (const Failure& failure) {
+            all = false;
+            if (options.output == OutputStyle::kJson)
+                printJson({{"file", path}, {"success", false}, {"error", failure.what()}});
+            std::fflush(stdout);
+            std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), failure.what());
+        }
+    }
+    return all;
+}

@@ -1,0 +1,54 @@
+#include "exports/Meanings.h"
+
+#include <charconv>
+#include <cmath>
+#include <iterator>
+
+#include "exports/Groups.h"
+#include "mesh/VemoOps.h"
+
+namespace {
+
+// Why the call was refused before any file was looked at; empty when the arguments are good.
+std::string wrongArgument(const Export& entry, const CallArguments& arguments) {
+    if (entry.text != nullptr && !arguments.text) return "refused: TEXT is missing";
+    if (entry.buffer == BufferUse::kPath && !arguments.buffer)
+        return "refused: --buffer is missing";
+    if (entry.takes != nullptr && !entry.takes(arguments.value))
+        return std::string("refused: --value is to be ") + entry.value;
+    return {};
+}
+
+bool refusesArguments(const StatusMeaning& row) {
+    return !row.isSuccess() &&
+           (row.causes.contain(cause::kNullArgument) || row.causes.contain(cause::kValueRefused));
+}
+
+Meaning tileNotWritten(float status) {
+    return {
+        false,
+        "the file of the tile at position " +
+            statusText(status - vemo_status::kFirstTileNotWritten) +
+            " cannot be created, or the disk is full (a mesh with that many tiles answers alike)"};
+}
+
+}  // namespace
+
+Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status) {
+    if (isCount(entry, status))
+        return {true, (std::isinf(status) ? std::string("infinity") : statusText(status)) + ' ' +
+                          (status == 1.0f ? entry.countOne : entry.countMany)};
+    const StatusMeaning* const row = rowOf(entry, status);
+    if (row == nullptr) return {false, "a status that this program does not know"};
+    if (row == &kTileNotWritten) return tileNotWritten(status);
+    const std::string wrong = wrongArgument(entry, arguments);
+    if (refusesArguments(*row) && !wrong.empty()) return {false, wrong};
+    return {row->isSuccess(), row->sentence};
+}
+
+std::string statusText(float status) {
+    char digits[64];
+    const auto end =
+        std::to_chars(std::begin(digits), std::end(digits), status, std::chars_format::fixed);
+    return std::string(digits, end.ptr);
+}

@@ -1,0 +1,20 @@
+#pragma once
+// What the statuses of the exports mean, in words.
+
+#include <string>
+
+#include "calls/Library.h"
+#include "exports/Exports.h"
+
+struct Meaning {
+    bool success;
+    std::string sentence;  // without a capital and without a full stop
+};
+
+// The meaning of `status` as the answer of `entry` to a call with `arguments`. A status that an
+// export does not list is a failure, save where the export counts or measures: there every number
+// from 0 on is a result.
+Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status);
+
+// The shortest decimal text that reads back as the same number.
+std::string statusText(float status);

@@ -1,0 +1,54 @@
+#pragma once
+// The sheet on which all tiles of a mesh lie side by side, and where each tile's cell is.
+
+#include <cstdint>
+#include <span>
+#include <string>
+#include <vector>
+
+#include "mesh/VemoMesh.h"
+
+// A tile's column and row in UV space.
+struct TilePlace {
+    std::int64_t column;
+    std::int64_t row;
+};
+
+// The place of the tile that `tile` shows, a mesh file written for one tile of `mesh`: the tile of
+// the first face that begins in it.
+//
+// Throws Failure when no face does or the two do not belong together; `path` names the tile's file.
+TilePlace placeOfTile(const VemoMesh& mesh, const VemoMesh& tile, const std::string& path);
+
+struct Cell {
+    std::uint32_t left;  // in pixels from the left
+    std::uint32_t top;
+};
+
+class TileSheet {
+public:
+    // As many columns and rows as the tiles span; the longer side has up to `size` pixels. Throws
+    // Failure when that leaves no pixel for a cell.
+    TileSheet(std::span<const TilePlace> tiles, std::uint32_t size);
+
+    std::uint32_t cellSize() const { return cellSize_; }
+    std::uint32_t width() const { return columns_ * cellSize_; }
+    std::uint32_t height() const { return rows_ * cellSize_; }
+
+    // The highest row lies on top, as v grows upward.
+    Cell cellOf(const TilePlace& tile) const;
+
+private:
+    std::int64_t firstColumn_;
+    std::int64_t highestRow_;
+    std::uint32_t columns_ = 0;
+    std::uint32_t rows_ = 0;
+    std::uint32_t cellSize_ = 0;
+};
+
+// A square map of one tile. Pixels that no face covers hold the background: all bytes 0.
+struct TileMap {
+    std::uint32_t size = 0;        // of a side, in pixels
+    std::uint32_t pixelBytes = 0;  // 3: RGB of 8 bits, 4: a 32-bit float
+    std::vector<std::uint8_t> pixels;
+};
