@@ -6,13 +6,8 @@
 #include <string>
 #include <string_view>
 
+#include "exports/CallArguments.h"
 #include "exports/Exports.h"
-
-struct CallArguments {
-    std::optional<std::string> text = {};
-    double value = 0.0;
-    std::optional<std::string> buffer = {};  // a second path
-};
 
 struct CallResult {
     float status;

@@ -3,7 +3,7 @@
 
 #include <string>
 
-#include "calls/Library.h"
+#include "exports/CallArguments.h"
 #include "exports/Exports.h"
 
 struct Meaning {
