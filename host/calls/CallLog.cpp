@@ -103,6 +103,6 @@ std::string failureSentence(std::string_view name, const CallArguments& argument
     std::string sentence(name);
     if (arguments.text) sentence += " of " + *arguments.text;
     if (arguments.buffer) sentence += " to " + *arguments.buffer;
-    return sentence + " answered " + statusText(status) + ": " +
+    return sentence + " returned " + statusText(status) + ": " +
            meaningOf(requireExport(name), arguments, status).sentence;
 }

@@ -1,11 +1,31 @@
-#include "commands/CallCommand.h"
+// quillon call: one call of one export, its result explained.
 
 #include <cstdio>
 
+#include "calls/CallWords.h"
+#include "commands/Commands.h"
 #include "exports/Meanings.h"
 #include "terminal/Colour.h"
 
 namespace {
+
+constexpr const char* kExamples = R"(Examples:
+  quillon call CreateFolder maps
+  quillon call GetString abcdefgh --value 2
+  quillon call getUVTile model.Vemo --value 2
+  quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo
+  quillon call mergeMapsTIF maps/1002.tif --buffer maps/all.tif
+  quillon call FileDelete -- -name-with-a-dash.tif
+
+VALUE and BUFFER may also follow TEXT, as in
+  quillon call mergeMapsTIF 1002.tif 0 all.tif
+
+A TEXT or BUFFER that is left out is passed as a null pointer. A block for a text is always
+passed. Each call is a process of its own, so the open folder, the tile filter and the tile
+names are lost at its end; quillon script keeps them from call to call.
+
+Exports and their arguments:
+)";
 
 void printLines(const CallResult& result, const Meaning& meaning) {
     std::printf("status   %s\n", statusText(result.status).c_str());
@@ -15,12 +35,21 @@ void printLines(const CallResult& result, const Meaning& meaning) {
     if (result.text) std::printf("text     %s\n", result.text->c_str());
 }
 
+bool callExport(const CommandLine& line, const CallWords& words) {
+    const CallRecord call = line.openLibrary().call(words.name(), words.arguments());
+    const Meaning meaning = meaningOf(requireExport(call.name), call.arguments, call.result.status);
+    if (line.output() == OutputStyle::kJson) printJson(jsonOf(call));
+    if (printsLines(line.output())) printLines(call.result, meaning);
+    return meaning.success;
+}
+
 }  // namespace
 
-bool callExport(const Library& library, const CallOptions& options) {
-    const CallRecord call = library.call(options.name, options.arguments);
-    const Meaning meaning = meaningOf(requireExport(call.name), call.arguments, call.result.status);
-    if (options.output == OutputStyle::kJson) printJson(jsonOf(call));
-    if (printsLines(options.output)) printLines(call.result, meaning);
-    return meaning.success;
+void addCallCommand(CommandLine& line) {
+    const auto words = std::make_shared<CallWords>();
+    CLI::App& command =
+        line.add("call", "Call one export and print its status and its meaning",
+                 kExamples + exportList(), [&line, words] { return callExport(line, *words); });
+    words->addTo(command);
+    line.addOutputFlags(command, Verbose::kNo);
 }

@@ -1,15 +1,33 @@
-#include "commands/ImportCommand.h"
+// quillon import: an OBJ model as a mesh file.
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
+#include "commands/Commands.h"
 #include "mesh/ObjModel.h"
 #include "mesh/TilePerGroup.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
 namespace {
+
+constexpr const char* kExamples = R"(Examples:
+  quillon import model.obj model.Vemo
+  quillon import model.obj model.Vemo --tile-per-group
+
+Triangles and quads stay as they are; larger polygons become quads and triangles. The
+model's groups, or its materials if there is one group, become face groups. With
+--tile-per-group the first group's UVs go to tile 1001, the second's to 1002, ten tiles
+to a row.
+)";
+
+struct ImportOptions {
+    std::string model;
+    std::string out;
+    bool tilePerGroup = false;
+    OutputStyle output = OutputStyle::kLines;
+};
 
 void requireOtherFile(const ImportOptions& options) {
     std::error_code missing;
@@ -33,8 +51,7 @@ void summarise(const ImportOptions& options, const ObjModel& model, Report& repo
                     vertices, faces - triangles, triangles, model.groupCount);
 }
 
-}  // namespace
-
+// What was written so far is deleted if a Failure or Ctrl-C ends the import.
 void importModel(const ImportOptions& options, Report& report) {
     noteInterrupts();
     requireOtherFile(options);
@@ -42,4 +59,21 @@ void importModel(const ImportOptions& options, Report& report) {
     if (options.tilePerGroup) moveGroupsToTiles(model);
     writeVemo(options.out, model.mesh);
     summarise(options, model, report);
+}
+
+}  // namespace
+
+void addImportCommand(CommandLine& line) {
+    const auto options = std::make_shared<ImportOptions>();
+    CLI::App& command =
+        line.add("import", "Convert an OBJ model to a mesh file", kExamples, [&line, options] {
+            options->output = line.output();
+            importModel(*options, line.report());
+            return line.finishReport();
+        });
+    CommandLine::addArgument(command, "MODEL", options->model, "OBJ model with UVs");
+    CommandLine::addArgument(command, "OUT", options->out, "Vemo file to write");
+    command.add_flag("--tile-per-group", options->tilePerGroup,
+                     "Give each group a UV tile of its own");
+    line.addOutputFlags(command, Verbose::kNo);
 }

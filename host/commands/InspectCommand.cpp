@@ -1,7 +1,8 @@
-#include "commands/InspectCommand.h"
+// quillon inspect: the fields of files, and which exports accept them.
 
 #include <cstdio>
 
+#include "commands/Commands.h"
 #include "commands/Trials.h"
 #include "exports/Meanings.h"
 #include "files/FileFacts.h"
@@ -11,8 +12,24 @@
 
 namespace {
 
+constexpr const char* kExamples = R"(Examples:
+  quillon inspect all.tif
+  quillon inspect model.Vemo maps/*.psd --json
+
+Each export that works on such files is called to find out whether it accepts the file. The
+file itself is only read: exports that change a file in place get a copy in a temporary
+folder, which takes as much space as the file and is deleted at the end; other output is
+dropped. --fields calls no export and makes no copy.
+)";
+
+struct InspectOptions {
+    std::vector<std::string> files;
+    bool fieldsOnly = false;  // no export is called
+    OutputStyle output = OutputStyle::kLines;
+};
+
 void printHead(const std::string& path, const FileFacts& facts) {
-    std::printf("%s: %s, %s bytes", path.c_str(), facts.format,
+    std::printf("%s: %s, %s bytes", path.c_str(), facts.format.c_str(),
                 std::to_string(facts.bytes).c_str());
     if (const auto& picture = facts.picture) {
         std::printf(", %s x %s pixels, %s %s", std::to_string(picture->width).c_str(),
@@ -36,7 +53,7 @@ void printFields(const FileFacts& facts) {
     }
 }
 
-// A count or a measure says more than that the file is taken.
+// A count or a measure says more than that the file is accepted.
 std::string verdictText(const Verdict& verdict) {
     const bool counts = requireExport(verdict.name).countOne != nullptr;
     if (!verdict.accepted) return inRed(stdout, "refused") + ": " + verdict.meaning;
@@ -102,8 +119,14 @@ void inspectFile(const Library& library, const std::string& path, const InspectO
     if (!options.fieldsOnly) printVerdicts(verdicts);
 }
 
-}  // namespace
+void reportFailure(const std::string& path, const Failure& failure, OutputStyle output) {
+    if (output == OutputStyle::kJson)
+        printJson({{"file", path}, {"success", false}, {"error", failure.what()}});
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), failure.what());
+}
 
+// Returns whether every file could be inspected. A file that no export accepts is no failure.
 bool inspectFiles(const Library& library, const InspectOptions& options) {
     noteInterrupts();
     bool all = true;
@@ -114,11 +137,23 @@ bool inspectFiles(const Library& library, const InspectOptions& options) {
             inspectFile(library, path, options);
         } catch (const Failure& failure) {
             all = false;
-            if (options.output == OutputStyle::kJson)
-                printJson({{"file", path}, {"success", false}, {"error", failure.what()}});
-            std::fflush(stdout);
-            std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), failure.what());
+            reportFailure(path, failure, options.output);
         }
     }
     return all;
+}
+
+}  // namespace
+
+void addInspectCommand(CommandLine& line) {
+    const auto options = std::make_shared<InspectOptions>();
+    CLI::App& command =
+        line.add("inspect", "Print the fields of files and which exports accept them", kExamples,
+                 [&line, options] {
+                     options->output = line.output();
+                     return inspectFiles(line.openLibrary(LibraryPrints::kDropped), *options);
+                 });
+    CommandLine::addArgument(command, "FILE", options->files, "Meshes, maps and images");
+    command.add_flag("--fields", options->fieldsOnly, "Only print fields; call no export");
+    line.addJsonFlag(command, "Print JSON, an object per line for each file");
 }

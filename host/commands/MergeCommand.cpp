@@ -1,9 +1,10 @@
-#include "commands/MergeCommand.h"
+// quillon merge: maps of single tiles merged into one map, whatever rendered them.
 
 #include <cstdio>
 #include <filesystem>
 
 #include "calls/CallLog.h"
+#include "commands/Commands.h"
 #include "exports/Meanings.h"
 #include "files/DiskFile.h"
 #include "files/MapFormat.h"
@@ -15,9 +16,26 @@ namespace fs = std::filesystem;
 
 namespace {
 
+constexpr const char* kExamples = R"(Examples:
+  quillon merge all.tif 1001.tif 1002.tif 1003.tif
+  quillon merge maps/all.psd maps/10*.psd
+
+All files have the same format, known by the extension: .tif, .tiff, .psd or .bmp. A tile's
+pixel is merged where it differs from the background. The background is the tile's first
+pixel (TIFF), the target's first pixel (PSD), or the tile's pixel at the bottom left (BMP).
+Where several tiles have a pixel, the first one wins, in PSD the last. A tile that does not
+fit ends the merge; the tiles before it are in the target.
+)";
+
+struct MergeOptions {
+    std::string target;
+    std::vector<std::string> sources;
+    OutputStyle output = OutputStyle::kLines;
+};
+
 MapFormat requireFormat(const std::string& path) {
     if (const auto format = formatOfPath(path)) return *format;
-    throw WrongUsage(path + " is no map by its name; maps end in .tif, .tiff, .psd or .bmp");
+    throw WrongUsage(path + " is no map by its name; maps end in " + listed(mapExtensions()));
 }
 
 MapFormat requireOneFormat(const MergeOptions& options) {
@@ -53,7 +71,7 @@ public:
     void run();
 
 private:
-    void fold(const std::string& source);
+    void merge(const std::string& source);
 
     const MergeOptions& options_;
     const std::string_view export_;
@@ -70,7 +88,7 @@ void Merge::run() {
         if (isTarget(source, options_))
             log_.print("(left out)", "", source + " is the target itself");
         else
-            fold(source);
+            merge(source);
     }
     log_.finishRow();
     report_.addFile(options_.target);
@@ -79,21 +97,36 @@ void Merge::run() {
     printSize(options_.target);
 }
 
-void Merge::fold(const std::string& source) {
+void Merge::merge(const std::string& source) {
     const CallArguments arguments{.text = source, .buffer = options_.target};
     const float status = log_.call(export_, arguments).status;
     const Meaning meaning = meaningOf(requireExport(export_), arguments, status);
     if (!meaning.success)
         throw Failure(source + " cannot be merged into " + options_.target + ": " +
-                      meaning.sentence + " (" + std::string(export_) + " answered " +
+                      meaning.sentence + " (" + std::string(export_) + " returned " +
                       statusText(status) + ')');
 }
 
-}  // namespace
-
+// Merges the sources into the target, in their order, until one does not fit.
 void mergeMaps(const Library& library, const MergeOptions& options, Report& report) {
     const MapFormat format = requireOneFormat(options);
     requireFiles(options);
     noteInterrupts();
     Merge(library, options, format, report).run();
+}
+
+}  // namespace
+
+void addMergeCommand(CommandLine& line) {
+    const auto options = std::make_shared<MergeOptions>();
+    CLI::App& command =
+        line.add("merge", "Merge maps of single tiles into one map", kExamples, [&line, options] {
+            options->output = line.output();
+            mergeMaps(line.openLibrary(), *options, line.report());
+            return line.finishReport();
+        });
+    CommandLine::addArgument(command, "TARGET", options->target,
+                             "The map to merge into; it must exist");
+    CommandLine::addArgument(command, "SOURCE", options->sources, "Maps of single tiles");
+    line.addOutputFlags(command, Verbose::kYes);
 }

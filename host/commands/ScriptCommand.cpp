@@ -1,14 +1,13 @@
-#include "commands/ScriptCommand.h"
+// quillon script: a list of calls in one process, so that the open folder, the tile filter and the
+// tile names carry over from one to the next.
 
 #include <cstdio>
 #include <iostream>
-#include <optional>
 #include <sstream>
-#include <vector>
 
 #include "calls/CallLog.h"
-#include "calls/CallWords.h"
-#include "calls/ShellWords.h"
+#include "calls/ScriptReader.h"
+#include "commands/Commands.h"
 #include "exports/Meanings.h"
 #include "files/DiskFile.h"
 #include "terminal/Colour.h"
@@ -16,38 +15,26 @@
 
 namespace {
 
-struct ScriptLine {
-    std::size_t number;  // from 1
-    NamedCall call;
-};
+constexpr const char* kExamples = R"(Examples:
+  quillon script calls.txt
+  quillon script calls.txt --keep-going --json
+  printf 'OpenFolder maps\nGetFile\nCloseFolder\n' | quillon script -
 
-// The lines of a script that are calls, one after the other.
-class ScriptReader {
-public:
-    ScriptReader(std::istream& in, std::string name) : in_(in), name_(std::move(name)) {}
+Each line is what follows quillon call, quoted as in a shell; # starts a comment:
+  setUVtilesOutput filter.txt # the tiles to export
+  getUVs 'my model.Vemo' 2 maps/model.Vemo
+  getUVString --value 0
 
-    // Nothing at the end of the script.
-    std::optional<ScriptLine> next() {
-        for (std::string line; std::getline(in_, line);) {
-            ++number_;
-            try {
-                std::vector<std::string> words = shellWords(line);
-                if (!words.empty()) return ScriptLine{number_, callFrom(std::move(words))};
-            } catch (const WrongUsage& wrong) {
-                throw WrongUsage(place(number_) + wrong.what());
-            }
-        }
-        return std::nullopt;
-    }
+The open folder, the tile filter and the tile names carry over from call to call. The first
+call that fails ends the script, unless --keep-going is given. A file is checked to its end
+before the first call; standard input is carried out line by line. --json prints an object
+per line for each call.
+)";
 
-    std::string place(std::size_t number) const {
-        return name_ + ':' + std::to_string(number) + ": ";
-    }
-
-private:
-    std::istream& in_;
-    const std::string name_;
-    std::size_t number_ = 0;
+struct ScriptOptions {
+    std::string file;        // "-" for standard input
+    bool keepGoing = false;  // after a call that failed
+    OutputStyle output = OutputStyle::kLines;
 };
 
 class Script {
@@ -58,7 +45,7 @@ public:
     // Returns whether the script goes on.
     bool carryOut(const ScriptLine& line) {
         if (!call(line)) succeeded_ = false;
-        std::fflush(stdout);  // whoever reads along has it before the next call
+        std::fflush(stdout);  // a program that reads along has it before the next call
         return succeeded_ || options_.keepGoing;
     }
 
@@ -127,8 +114,24 @@ bool runFile(const Library& library, const ScriptOptions& options) {
     return script.succeeded();
 }
 
-}  // namespace
-
+// Prints each call as it is made, and returns whether every one succeeded. A file is checked to its
+// end before the first call; standard input is carried out line by line, so that a program can go on
+// with what a call returned.
 bool runScript(const Library& library, const ScriptOptions& options) {
     return options.file == "-" ? runStream(library, options) : runFile(library, options);
+}
+
+}  // namespace
+
+void addScriptCommand(CommandLine& line) {
+    const auto options = std::make_shared<ScriptOptions>();
+    CLI::App& command =
+        line.add("script", "Make a list of calls in one process", kExamples, [&line, options] {
+            options->output = line.output();
+            return runScript(line.openLibrary(), *options);
+        });
+    CommandLine::addArgument(command, "FILE", options->file,
+                             "The calls, one per line; - is standard input");
+    command.add_flag("--keep-going", options->keepGoing, "Continue after a call that failed");
+    line.addOutputFlags(command, Verbose::kNo);
 }

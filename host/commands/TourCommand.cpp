@@ -1,44 +1,42 @@
-#include "commands/TourCommand.h"
+// quillon tour: two exports of a mesh, shown on one page.
 
 #include <algorithm>
 #include <cstdio>
 #include <filesystem>
 
-#include "commands/ExportCommand.h"
+#include "commands/Commands.h"
+#include "commands/export/MapExport.h"
 #include "files/DiskFile.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-ExportOptions exportOf(const TourOptions& tour) {
-    ExportOptions options;
-    options.mesh = tour.mesh;
-    options.out = tour.out;
-    options.size = tour.size;
-    options.output = tour.output;
-    return options;
-}
+constexpr const char* kExamples = R"(Examples:
+  quillon tour model.Vemo --out maps
 
-ExportOptions normalsOf(const TourOptions& tour) {
-    ExportOptions options = exportOf(tour);
+Exports the normals as BMP, with a thumbnail and a JPEG, their channels swapped for hosts in
+which z is up; and the heights as TIFF, of 32 and of 16 bits, with their displacement scale.
+maps/model.html shows the model, its tiles, every step, and the time of each call beside the
+time that copying its file takes.
+)";
+
+ExportOptions normalsOf(ExportOptions options) {
     options.format = MapFormat::kBmp;
     options.order = "rbg";  // as for a renderer in which z is up
-    options.thumbnail = std::min(tour.size, 256u);
+    options.thumbnail = std::min(options.size, 256u);
     options.jpeg = 30.0;
     return options;
 }
 
-ExportOptions heightsOf(const TourOptions& tour) {
-    ExportOptions options = exportOf(tour);
+ExportOptions heightsOf(ExportOptions options) {
     options.map = MapKind::kHeight;
     options.sixteenBits = true;
     return options;
 }
 
-}  // namespace
-
-void runTour(const Library& library, const TourOptions& options, Report& report) {
+// An export that has ended stays if the next one fails.
+void runTour(const Library& library, const ExportOptions& options, Report& report) {
     const std::string name = fs::path(options.mesh).stem().string();
     const std::string path = (fs::path(options.out) / (name + ".html")).string();
     requireFreePath(path);
@@ -49,4 +47,18 @@ void runTour(const Library& library, const TourOptions& options, Report& report)
     page.write(path);
     report.addFile(path);
     if (printsLines(options.output)) printSize(path);
+}
+
+}  // namespace
+
+void addTourCommand(CommandLine& line) {
+    const auto options = std::make_shared<ExportOptions>();
+    CLI::App& command = line.add("tour", "Export two maps of a mesh and a page that shows how",
+                                 kExamples, [&line, options] {
+                                     options->output = line.output();
+                                     runTour(line.openLibrary(), *options, line.report());
+                                     return line.finishReport();
+                                 });
+    addMeshOutAndSize(command, *options);
+    line.addOutputFlags(command, Verbose::kYes);
 }

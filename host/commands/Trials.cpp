@@ -64,9 +64,6 @@ private:
 
 std::vector<Verdict> Trials::run() {
     switch (facts_.kind) {
-        case FileKind::kVemo:
-            tryVemo();
-            break;
         case FileKind::kTiff:
             tryTiff();
             break;
@@ -75,6 +72,9 @@ std::vector<Verdict> Trials::run() {
             break;
         case FileKind::kBmp:
             tryBmp();
+            break;
+        case FileKind::kVemo:
+            tryVemo();
             break;
         case FileKind::kExr:
             call("OpenEXR", {.text = path_});

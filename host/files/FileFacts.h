@@ -1,39 +1,60 @@
 #pragma once
-// What stands in a file's headers, field by field, for a person who looks for a wrong byte. Nothing
-// here judges: a broken file shows what it has.
+// The fields of a file's headers, for a person who looks for a wrong byte. Nothing here judges: a
+// broken file shows what it has.
 
 #include <cstdint>
 #include <optional>
+#include <span>
 #include <string>
 #include <vector>
 
-enum class FileKind { kVemo, kTiff, kPsd, kBmp, kExr, kJpeg, kTarga, kUnknown };
+#include "files/FileKind.h"
+#include "files/PixelLayout.h"
+
+struct Component {
+    const char* name;
+    NumberKind kind;
+};
+
+std::uint64_t bytesOf(std::span<const Component> components);
+
+// Equal elements one after the other, each of `groups` groups of components. A face UV, for example,
+// is four corners of u and v.
+struct Elements {
+    const char* name = nullptr;  // such as "face"
+    std::uint64_t count = 0;
+    const char* group = nullptr;  // such as "corner"; null when there is one group
+    std::size_t groups = 1;
+    std::span<const Component> components = {};
+};
 
 struct Field {
     std::uint64_t offset;
     std::uint64_t bytes;
     std::string name;
     std::string value;
+    std::string part = {};                 // what inspect --at calls it; empty: its name
+    std::span<const Component> head = {};  // what it starts with
+    Elements elements = {};                // what follows
 };
 
-// What a file tells of the picture in it; 0 for what it does not tell.
+// What a file says about the image in it; 0 for what it does not say.
 struct PictureFacts {
     std::int64_t width = 0;
     std::int64_t height = 0;
     std::int64_t channels = 0;
-    std::int64_t depth = 0;       // bits a sample
-    std::uint64_t samplesAt = 0;  // where those of a TIFF, PSD or BMP map start
+    std::int64_t depth = 0;             // bits per sample
+    std::optional<PixelLayout> pixels;  // of an image whose samples can be read without decoding
 };
 
 struct FileFacts {
     FileKind kind = FileKind::kUnknown;
-    const char* format = "";  // in words
+    std::string format;  // in words
     std::uint64_t bytes = 0;
     std::optional<PictureFacts> picture;
-    std::vector<Field> fields;  // in the order of the file; the first thousand
+    std::vector<Field> fields;   // in the order of the file; the first thousand
+    std::vector<Field> details;  // fields that only inspect --at shows
 };
 
-// The kind is told by the first bytes, that of a mesh by its first chunk; where they tell nothing, by
-// the extension, so that a map with a broken start shows what is wrong with it. Only headers are
-// read, however long the file is. Throws Failure for what is no file or cannot be read.
+// Reads only headers, however long the file is. Throws Failure for what is no file or cannot be read.
 FileFacts factsOf(const std::string& path);

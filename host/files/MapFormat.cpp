@@ -1,51 +1,85 @@
 #include "files/MapFormat.h"
 
-#include <algorithm>
-#include <iterator>
+#include <stdexcept>
 
-#include "files/DiskFile.h"
+#include "files/FileKind.h"
 
 namespace {
 
-// In the order of MapFormat.
-constexpr MapFormatInfo kFormats[] = {
-    {"tiff", "TIFF", ".tif", "mergeMapsTIF", "swapRGBTIF"},
-    {"psd", "PSD", ".psd", "mergeMapsPSD", "swapRGBPSD"},
-    {"bmp", "BMP", ".bmp", "mergeMapsBMP", "swapRGBBMP"},
-};
+std::optional<MapFormat> formatOf(FileKind kind) {
+    switch (kind) {
+        case FileKind::kTiff:
+            return MapFormat::kTiff;
+        case FileKind::kPsd:
+            return MapFormat::kPsd;
+        case FileKind::kBmp:
+            return MapFormat::kBmp;
+        case FileKind::kExr:
+        case FileKind::kJpeg:
+        case FileKind::kTarga:
+        case FileKind::kVemo:
+        case FileKind::kUnknown:
+            return std::nullopt;
+    }
+    throw std::logic_error("there is no such kind of file");
+}
 
-template <typename Matches>
-std::optional<MapFormat> formatWhere(Matches matches) {
-    const auto* found = std::ranges::find_if(kFormats, matches);
-    if (found == std::end(kFormats)) return std::nullopt;
-    return static_cast<MapFormat>(found - std::begin(kFormats));
+template <typename Use>
+void forEachFormat(Use use) {
+    forEachFileKind([&](FileKind kind) {
+        if (const auto format = formatOf(kind)) use(*format, kind);
+    });
 }
 
 }  // namespace
 
 const MapFormatInfo& infoOf(MapFormat format) {
-    return kFormats[static_cast<std::size_t>(format)];
+    static constexpr MapFormatInfo kTiff{"tiff",       "TIFF", ".tif", "mergeMapsTIF",
+                                         "swapRGBTIF", false,  32};
+    static constexpr MapFormatInfo kPsd{"psd",        "PSD", ".psd", "mergeMapsPSD",
+                                        "swapRGBPSD", true,  16};
+    static constexpr MapFormatInfo kBmp{"bmp",        "BMP", ".bmp", "mergeMapsBMP",
+                                        "swapRGBBMP", false, 0};
+    switch (format) {
+        case MapFormat::kTiff:
+            return kTiff;
+        case MapFormat::kPsd:
+            return kPsd;
+        case MapFormat::kBmp:
+            return kBmp;
+    }
+    throw std::logic_error("there is no such map format");
 }
 
 std::vector<std::string> formatNames() {
     std::vector<std::string> names;
-    for (const MapFormatInfo& info : kFormats)
-        names.emplace_back(info.name);
+    forEachFormat([&](MapFormat format, FileKind) { names.emplace_back(infoOf(format).name); });
     return names;
 }
 
+std::vector<std::string> mapExtensions() {
+    std::vector<std::string> all;
+    forEachFormat([&](MapFormat, FileKind kind) {
+        for (const std::string_view extension : infoOf(kind).extensions)
+            all.emplace_back(extension);
+    });
+    return all;
+}
+
 std::optional<MapFormat> formatNamed(std::string_view name) {
-    return formatWhere([&](const MapFormatInfo& info) { return name == info.name; });
+    std::optional<MapFormat> found;
+    forEachFormat([&](MapFormat format, FileKind) {
+        if (name == infoOf(format).name) found = format;
+    });
+    return found;
 }
 
 std::optional<MapFormat> formatOfPath(const std::string& path) {
-    const std::string extension = extensionOf(path);
-    if (extension == ".tiff") return MapFormat::kTiff;
-    return formatWhere([&](const MapFormatInfo& info) { return info.extension == extension; });
+    return formatOf(kindOfPath(path));
 }
 
 std::vector<int> swapsFor(MapFormat format, std::string_view order) {
-    const bool rotates = format == MapFormat::kPsd;
+    const bool rotates = infoOf(format).swapRotates;
     if (order == "rbg") return {1};
     if (order == "bgr") return rotates ? std::vector{1, 3} : std::vector{2};
     return rotates ? std::vector{1, 2} : std::vector{3};  // grb

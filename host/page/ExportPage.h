@@ -15,8 +15,8 @@
 #include "page/ModelPicture.h"
 #include "page/Page.h"
 
-// More tiles than this are not shown.
-inline constexpr std::size_t kMostTilesOnPage = 200;
+// Of how many tiles a page shows the maps.
+inline constexpr std::size_t kMaxTilesOnPage = 200;
 
 class ExportPage {
 public:

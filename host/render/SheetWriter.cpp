@@ -6,6 +6,7 @@
 #include "files/BmpWriter.h"
 #include "files/PsdWriter.h"
 #include "files/TiffWriter.h"
+#include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
 namespace {
@@ -103,12 +104,30 @@ void writeBmp(const std::string& path, const TileSheet& sheet, SheetRows& rows) 
 
 }  // namespace
 
+void requireMergeable(MapFormat format, const TileSheet& sheet, MapKind kind) {
+    switch (format) {
+        case MapFormat::kTiff: {
+            const std::uint64_t pixels = std::uint64_t{sheet.width()} * sheet.height();
+            if (pixels * pixelBytesOf(kind) > kTiffPixelOffset) return;
+            throw Failure("a sheet of " + sizeText(sheet) +
+                          " pixels is too small to merge; raise --size");
+        }
+        case MapFormat::kPsd:
+        case MapFormat::kBmp:
+            return;
+    }
+}
+
 void writeSheet(const std::string& path, MapFormat format, const TileSheet& sheet, const Cell& cell,
                 const TileMap& map) {
     const bool rgb = map.pixelBytes == kRgbBytes;
     SheetRows rows(sheet, cell, map);
-    if (format == MapFormat::kTiff) return writeTiff(path, sheet, rgb, rows);
-    if (format == MapFormat::kBmp) return writeBmp(path, sheet, rows);
-    if (rgb) return writeRgbPsd(path, sheet, rows);
-    writeHeightPsd(path, sheet, rows);
+    switch (format) {
+        case MapFormat::kTiff:
+            return writeTiff(path, sheet, rgb, rows);
+        case MapFormat::kPsd:
+            return rgb ? writeRgbPsd(path, sheet, rows) : writeHeightPsd(path, sheet, rows);
+        case MapFormat::kBmp:
+            return writeBmp(path, sheet, rows);
+    }
 }

@@ -44,3 +44,7 @@ Cell TileSheet::cellOf(const TilePlace& tile) const {
     return {static_cast<std::uint32_t>(tile.column - firstColumn_) * cellSize_,
             static_cast<std::uint32_t>(highestRow_ - tile.row) * cellSize_};
 }
+
+std::string sizeText(const TileSheet& sheet) {
+    return std::to_string(sheet.width()) + " x " + std::to_string(sheet.height());
+}

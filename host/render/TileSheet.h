@@ -35,7 +35,7 @@ public:
     std::uint32_t width() const { return columns_ * cellSize_; }
     std::uint32_t height() const { return rows_ * cellSize_; }
 
-    // The highest row lies on top, as v grows upward.
+    // The highest row is on top, as v grows upward.
     Cell cellOf(const TilePlace& tile) const;
 
 private:
@@ -45,6 +45,9 @@ private:
     std::uint32_t rows_ = 0;
     std::uint32_t cellSize_ = 0;
 };
+
+// "16 x 8".
+std::string sizeText(const TileSheet& sheet);
 
 // A square map of one tile. Pixels that no face covers hold the background: all bytes 0.
 struct TileMap {

@@ -3,6 +3,7 @@
 // can be deleted. A second Ctrl-C ends the program at once.
 
 struct Interrupted {};
+inline constexpr const char* kInterruptedSentence = "interrupted";
 
 // From here on Ctrl-C is only noted, unless whoever started the program had it ignored.
 void noteInterrupts();

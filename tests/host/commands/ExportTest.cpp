@@ -179,23 +179,22 @@ TEST_F(Export, TheLeftCornersStayBackground) {
 TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {
     mesh = dir.path("none.Vemo");
     EXPECT_EQ(fail(), "quillon: getUVTile of " + mesh +
-                          " answered -17: the mesh file cannot be opened or read, or there is "
-                          "too little memory\n");
+                          " returned -17: the mesh file cannot be opened or read\n");
 }
 
 TEST_F(Export, AMissingFilterIsASentence) {
     EXPECT_THAT(fail({"--tiles", dir.path("none.txt")}),
-                HasSubstr("setUVtilesOutput of " + dir.path("none.txt") + " answered -1: "));
+                HasSubstr("setUVtilesOutput of " + dir.path("none.txt") + " returned -1: "));
 }
 
 TEST_F(Export, AMissingParentFolderIsASentence) {
     out = dir.path("none/maps");
-    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + out + " answered -1: the folder was not"));
+    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + out + " returned -1: the folder was not"));
 }
 
 TEST_F(Export, AFileInPlaceOfTheFolderIsASentence) {
     out = mesh;
-    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + mesh + " answered -1: "));
+    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + mesh + " returned -1: "));
 }
 
 TEST_F(Export, AFolderInPlaceOfTheMapStays) {

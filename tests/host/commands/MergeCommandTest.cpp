@@ -75,8 +75,8 @@ TEST_F(MergeCommand, StopsAtTheFirstTileThatDoesNotFit) {
     const Ended ended = merge({all, second, wide, third});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: " + wide + " cannot be merged into " + all +
-                             ": the maps differ in size, or no directory is found in one of "
-                             "them (mergeMapsTIF answered -30)\n");
+                             ": the maps differ in size, or the target is no TIFF "
+                             "(mergeMapsTIF returned -30)\n");
     EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF          -30  " + wide));
     EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
 }
@@ -91,20 +91,20 @@ TEST_F(MergeCommand, SaysWhatDiffers) {
         const char* sentence;
     } kCases[] = {
         {all, dir.write("grey.tif", TiffFile(3, 1).grey8({9, 9, 9}).bytes()),
-         "the maps differ in channels or depth (mergeMapsTIF answered -40)"},
+         "the maps differ in channels or depth (mergeMapsTIF returned -40)"},
         {all, dir.write("packed.tif", TiffFile(3, 1).rgb8(kPlain).entry(259, 1, 5).bytes()),
-         "a map is compressed (mergeMapsTIF answered -259)"},
+         "a map is compressed (mergeMapsTIF returned -259)"},
         {psd, dir.write("wide.psd", PsdFile(4, 1).filled(12, 9)),
-         "the maps differ in size (mergeMapsPSD answered -6)"},
+         "the maps differ in size (mergeMapsPSD returned -6)"},
         {psd, dir.write("short.psd", PsdFile(3, 1).filled(8, 9)),
-         "a map cannot be opened or read, is no PSD, or is cut short (mergeMapsPSD answered -1)"},
+         "a map cannot be opened, is no PSD, or is cut short (mergeMapsPSD returned -1)"},
         {psd, dir.write("grey.psd", PsdFile(3, 1).channels(1).colourMode(1).filled(9, 9)),
-         "the source is neither 8-bit RGB nor 16-bit grey (mergeMapsPSD answered 36)"},
+         "the source is neither 8-bit RGB nor 16-bit grey (mergeMapsPSD returned 36)"},
         {bmp, dir.write("wide.bmp", BmpFile(4, 1)),
-         "the maps differ in size (mergeMapsBMP answered -30)"},
+         "the maps differ in size (mergeMapsBMP returned -30)"},
         {bmp, dir.write("deep.bmp", BmpFile(3, 1).bitsPerPixel(32)),
          "the maps differ in bits per pixel, or in where their pixels start "
-         "(mergeMapsBMP answered -40)"},
+         "(mergeMapsBMP returned -40)"},
     };
     for (const auto& row : kCases) {
         const ByteList before = readBytes(row.target);

@@ -89,7 +89,7 @@ TEST_F(Script, StopsAtTheFirstCallThatFails) {
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.out, "Version                48\nCloseFolder            -1\n");
     EXPECT_EQ(ended.err, "quillon: " + dir.path("calls.txt") +
-                             ":2: CloseFolder answered -1: no folder is open\n");
+                             ":2: CloseFolder returned -1: no folder is open\n");
 }
 
 TEST_F(Script, KeepGoingGoesOnAndStillFails) {

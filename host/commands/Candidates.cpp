@@ -1,4 +1,4 @@
-#include "commands/Completions.h"
+#include "commands/Candidates.h"
 
 #include <CLI/CLI.hpp>
 #include <algorithm>
@@ -7,34 +7,11 @@
 
 namespace {
 
-// Each asks quillon for candidates and falls back on files.
-constexpr const char* kBash = R"script(# Completions of quillon for bash.
-_quillon() {
-    mapfile -t COMPREPLY < <("${COMP_WORDS[0]}" complete "${COMP_WORDS[@]:1:COMP_CWORD}" 2>/dev/null)
-}
-complete -o default -F _quillon quillon
-)script";
-
-constexpr const char* kZsh = R"script(#compdef quillon
-# Completions of quillon for zsh.
-_quillon() {
-    local -a candidates
-    candidates=(${(f)"$($words[1] complete "${(@)words[2,CURRENT]}" 2>/dev/null)"})
-    if (( $#candidates )); then compadd -a candidates; else _files; fi
-}
-# As an autoloaded function it is called at once; read by a startup file it is only made known.
-if [[ $funcstack[1] == _quillon ]]; then _quillon "$@"; else compdef _quillon quillon; fi
-)script";
-
-constexpr const char* kFish = R"script(# Completions of quillon for fish.
-complete -c quillon -a '(quillon complete (commandline -opc)[2..-1] "$(commandline -ct)" 2>/dev/null)'
-)script";
-
-// How far the words before the unfinished one have come.
+// What the words before the unfinished one lead to.
 struct Position {
     const CLI::App* command;
-    const CLI::Option* awaited = nullptr;  // the option whose value comes next
-    std::size_t positionals = 0;           // how many are there already
+    const CLI::Option* awaited = nullptr;  // the option whose value is next
+    std::size_t positionals = 0;           // how many there are so far
 };
 
 void step(Position& position, const std::string& word) {
@@ -113,8 +90,4 @@ std::vector<std::string> candidatesFor(const CLI::App& app, const OptionChoices&
     std::vector<std::string> found = wordsAt(position, choices, unfinished.starts_with("-"));
     std::erase_if(found, [&](const std::string& word) { return !word.starts_with(unfinished); });
     return found;
-}
-
-std::string completionScript(const std::string& shell) {
-    return shell == "bash" ? kBash : shell == "zsh" ? kZsh : kFish;
 }

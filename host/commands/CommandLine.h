@@ -1,0 +1,77 @@
+#pragma once
+// The command line of quillon: what its commands have in common.
+
+#include <functional>
+#include <string>
+#include <utility>
+#include <vector>
+
+#include <CLI/CLI.hpp>
+
+#include "calls/Library.h"
+#include "calls/Report.h"
+#include "commands/Candidates.h"
+
+enum class Verbose { kNo, kYes };  // whether a command has --verbose
+
+// "tiff, psd or bmp".
+std::string listed(const std::vector<std::string>& words);
+
+class CommandLine {
+public:
+    CommandLine();
+
+    // Runs the command that the arguments name.
+    //
+    //   returns  whether it succeeded. Throws WrongUsage, Failure and Interrupted; with --json, the
+    //            object that says so is printed before.
+    bool run(int argc, char** argv);
+
+    // The rest is for the commands.
+
+    // Adds a command, whose help ends with `examples`. `work` carries it out once its options are
+    // set, and returns whether it succeeded.
+    CLI::App& add(const char* name, const char* description, const std::string& examples,
+                  std::function<bool()> work);
+
+    // Adds --json, --quiet and, if the command has it, --verbose.
+    void addOutputFlags(CLI::App& command, Verbose verbose);
+    void addJsonFlag(CLI::App& command, const char* description);
+
+    // Adds a required argument without a dash.
+    template <typename Value>
+    static CLI::Option* addArgument(CLI::App& command, const char* name, Value& value,
+                                    const char* description) {
+        return command.add_option(name, value, description)->required()->type_name("");
+    }
+
+    // Limits an option to these words, appends them to its description and completes them.
+    void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
+
+    OutputStyle output() const;
+    Report& report() { return report_; }
+
+    // Prints the report if --json was given; returns true, as the end of a command that succeeded.
+    bool finishReport() const;
+
+    // Throws Failure. What the library itself prints is shown only where the command prints lines.
+    Library openLibrary() const;
+    Library openLibrary(LibraryPrints prints) const;
+
+private:
+    struct Command {
+        const CLI::App* app;
+        std::function<bool()> work;
+    };
+
+    bool runParsed() const;
+
+    CLI::App app_;
+    std::vector<Command> commands_;
+    OptionChoices choices_;
+    std::string library_;
+    bool json_ = false;
+    bool quiet_ = false;
+    bool verbose_ = false;
+    Report report_;
+};

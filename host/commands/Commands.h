@@ -1,0 +1,19 @@
+#pragma once
+// The commands of quillon, in the order of the help; a file each, with options, examples and work.
+
+#include "commands/CommandLine.h"
+
+void addCallCommand(CommandLine& line);
+void addScriptCommand(CommandLine& line);
+void addDescribeCommand(CommandLine& line);
+void addReferenceCommand(CommandLine& line);
+void addInspectCommand(CommandLine& line);
+void addImportCommand(CommandLine& line);
+void addExportCommand(CommandLine& line);
+void addTourCommand(CommandLine& line);
+void addMergeCommand(CommandLine& line);
+void addCompletionsCommand(CommandLine& line);
+
+// Adds MESH, --out and --size, for export and tour.
+struct ExportOptions;
+void addMeshOutAndSize(CLI::App& command, ExportOptions& options);

@@ -1,0 +1,86 @@
+#include "commands/export/TileMeshes.h"
+
+#include <filesystem>
+
+#include "terminal/Failure.h"
+
+namespace fs = std::filesystem;
+
+namespace {
+
+void requireShowable(const ExportRun& run, std::size_t count) {
+    if (run.page != nullptr && count > kMaxTilesOnPage)
+        throw Failure(run.options.mesh + " has " + std::to_string(count) +
+                      " tiles to export, and a page shows up to " +
+                      std::to_string(kMaxTilesOnPage) + "; choose some with --tiles");
+}
+
+// The library knows the names of all files that it started, also if it could not write them all.
+std::vector<Tile> nameTiles(ExportRun& run, std::size_t count) {
+    std::vector<Tile> tiles;
+    const std::string extension(infoOf(run.options.format).extension);
+    for (std::size_t position = 0; position < count; ++position) {
+        const auto value = static_cast<double>(position);
+        const CallResult named = run.log.require("getUVString", {.value = value});
+        if (!named.text) return tiles;
+        const std::string base =
+            (fs::path(run.workingFolder) / (run.files.stem + *named.text)).string();
+        tiles.push_back({*named.text, base + ".Vemo", base + extension});
+        run.working.add(tiles.back().meshFile);
+    }
+    return tiles;
+}
+
+}  // namespace
+
+std::size_t findTiles(ExportRun& run) {
+    const ExportOptions& options = run.options;
+    run.log.require("clearUVtilesOutput");
+    if (!options.tiles.empty()) run.log.require("setUVtilesOutput", {.text = options.tiles});
+    const auto naming = static_cast<double>(options.naming);
+    const CallResult found = run.log.require("getUVTile", {.text = options.mesh, .value = naming});
+    const auto count = static_cast<std::size_t>(found.status);
+    requireShowable(run, count);
+    if (count > 0) return count;
+    const bool filteredOut = !options.tiles.empty() && found.text && !found.text->empty();
+    throw Failure(filteredOut ? "no tile of " + options.mesh + " is in the filter " + options.tiles
+                              : options.mesh + " has no faces, so there is no tile to export");
+}
+
+void makeOutFolder(ExportRun& run) {
+    const CallArguments arguments{.text = run.options.out};
+    if (run.log.call("CheckFolder", arguments).status == 0.0f) return;
+    run.log.require("CreateFolder", arguments);
+    run.unfinished.add(run.options.out);
+}
+
+void makeWorkingFolder(ExportRun& run) {
+    for (int number = 1;; ++number) {
+        const std::string name = number == 1 ? "working" : "working-" + std::to_string(number);
+        run.workingFolder = (fs::path(run.options.out) / name).string();
+        const CallArguments arguments{.text = run.workingFolder};
+        const float status = run.log.call("CreateFolder", arguments).status;
+        if (status == 0.0f) return run.working.add(run.workingFolder);
+        std::error_code ignored;
+        if (!fs::exists(fs::symlink_status(run.workingFolder, ignored)))
+            throw Failure(failureSentence("CreateFolder", arguments, status));
+    }
+}
+
+std::vector<Tile> writeTileMeshes(ExportRun& run, std::size_t count) {
+    const std::string out = (fs::path(run.workingFolder) / (run.files.stem + ".Vemo")).string();
+    const auto naming = static_cast<double>(run.options.naming);
+    const CallArguments arguments{.text = run.options.mesh, .value = naming, .buffer = out};
+    const std::size_t position = run.log.calls().size();
+    const CallResult written = run.log.call("getUVs", arguments);
+    // A count of 1501 and more is also the status of a file that was not written.
+    const bool allWritten = written.status == static_cast<float>(count);
+    std::vector<Tile> tiles = nameTiles(run, count);
+    run.log.require("clearUVString");
+    if (!allWritten) throw Failure(failureSentence("getUVs", arguments, written.status));
+    if (tiles.size() < count) throw Failure("getUVString named fewer tiles than getUVs wrote");
+    for (const Tile& tile : tiles) {
+        if (run.page != nullptr) run.page->timeCopyOf(tile.meshFile, position);
+    }
+    return tiles;
+}

@@ -1,0 +1,45 @@
+#include "files/PixelLayout.h"
+
+namespace {
+
+// Where a channel comes in its pixel, and which channel comes at a place: alpha stays the last.
+std::uint64_t swappedIfBlueFirst(const PixelLayout& layout, std::uint64_t channel) {
+    return layout.blueFirst && channel < 3 ? 2 - channel : channel;
+}
+
+// The number of a row in the file, and the y of a row with a number.
+std::uint64_t flippedIfBottomFirst(const PixelLayout& layout, std::uint64_t row) {
+    return layout.bottomRowFirst ? layout.height - 1 - row : row;
+}
+
+}  // namespace
+
+std::uint64_t pixelBytesOf(const PixelLayout& layout) {
+    return bytesOf(layout.sample) * (layout.planes ? 1 : layout.channels);
+}
+
+std::uint64_t offsetOf(const PixelLayout& layout, const Sample& sample) {
+    const std::uint64_t channel = swappedIfBlueFirst(layout, sample.channel);
+    const std::uint64_t row = flippedIfBottomFirst(layout, sample.y);
+    const std::uint64_t inPixel = layout.planes ? 0 : channel * bytesOf(layout.sample);
+    const std::uint64_t rows = layout.planes ? channel * layout.height + row : row;
+    return layout.start + rows * layout.rowBytes + sample.x * pixelBytesOf(layout) + inPixel;
+}
+
+std::optional<SampleOrPadding> sampleAt(const PixelLayout& layout, std::uint64_t offset) {
+    if (offset < layout.start) return std::nullopt;
+    const std::uint64_t row = (offset - layout.start) / layout.rowBytes;
+    const std::uint64_t inRow = (offset - layout.start) % layout.rowBytes;
+    const std::uint64_t plane = row / layout.height;
+    if (plane >= (layout.planes ? layout.channels : 1)) return std::nullopt;
+
+    const std::uint64_t y = flippedIfBottomFirst(layout, row % layout.height);
+    const std::uint64_t pixelBytes = pixelBytesOf(layout);
+    const std::uint64_t used = layout.width * pixelBytes;
+    if (inRow >= used)
+        return SampleOrPadding{y, std::nullopt, offset - inRow + used, layout.rowBytes - used};
+    const std::uint64_t bytes = bytesOf(layout.sample);
+    const std::uint64_t place = layout.planes ? plane : inRow % pixelBytes / bytes;
+    const Sample sample{inRow / pixelBytes, y, swappedIfBlueFirst(layout, place)};
+    return SampleOrPadding{y, sample, offset - inRow % bytes, bytes};
+}

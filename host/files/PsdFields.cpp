@@ -1,0 +1,46 @@
+#include "files/Fields.h"
+
+namespace {
+
+using enum NumberKind;
+
+// What is between the header and the image data, each with its length in front.
+constexpr std::pair<const char*, const char*> kBlocks[] = {{"colour table bytes", "colour table"},
+                                                           {"resource bytes", "resources"},
+                                                           {"layer bytes", "layers"}};
+
+// One plane per channel, if the samples are not compressed.
+std::optional<PixelLayout> layoutOf(const PictureFacts& picture, std::uint64_t start) {
+    if (picture.depth != 8 && picture.depth != 16) return std::nullopt;
+    if (picture.width == 0 || picture.height == 0 || picture.channels == 0) return std::nullopt;
+    const auto width = static_cast<std::uint64_t>(picture.width);
+    return PixelLayout{.sample = picture.depth == 16 ? kBe16 : kByte,
+                       .start = start,
+                       .rowBytes = width * static_cast<std::uint64_t>(picture.depth / 8),
+                       .width = width,
+                       .height = static_cast<std::uint64_t>(picture.height),
+                       .channels = static_cast<std::uint64_t>(picture.channels),
+                       .planes = true};
+}
+
+}  // namespace
+
+void readPsd(Fields& fields) {
+    PictureFacts& picture = fields.facts().picture.emplace();
+    fields.text(0, 4, "signature");
+    fields.number(4, kBe16, "version");
+    picture.channels = fields.number(12, kBe16, "channels");
+    picture.height = fields.number(14, kBe32, "height");
+    picture.width = fields.number(18, kBe32, "width");
+    picture.depth = fields.number(22, kBe16, "depth");
+    fields.number(24, kBe16, "colour mode");
+    std::uint64_t offset = 26;
+    for (const auto& [lengthName, name] : kBlocks) {
+        const auto bytes = static_cast<std::uint64_t>(fields.number(offset, kBe32, lengthName));
+        fields.facts().details.push_back({offset + 4, bytes, name, ""});
+        offset += 4 + bytes;
+    }
+    const std::int64_t compression = fields.number(offset, kBe16, "compression");
+    if (compression == 0) picture.pixels = layoutOf(picture, offset + 2);
+    fields.rest(offset + 2, "image data");
+}
