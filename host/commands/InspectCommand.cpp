@@ -1,11 +1,13 @@
-// quillon inspect: the fields of files, and which exports accept them.
+// quillon inspect: the fields of files, which exports accept them, and what a byte belongs to.
 
+#include <charconv>
 #include <cstdio>
+#include <optional>
 
 #include "commands/Commands.h"
 #include "commands/Trials.h"
 #include "exports/Meanings.h"
-#include "files/FileFacts.h"
+#include "files/Place.h"
 #include "terminal/Colour.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
@@ -15,16 +17,22 @@ namespace {
 constexpr const char* kExamples = R"(Examples:
   quillon inspect all.tif
   quillon inspect model.Vemo maps/*.psd --json
+  quillon inspect all.tif --at 0x1F4
 
 Each export that works on such files is called to find out whether it accepts the file. The
 file itself is only read: exports that change a file in place get a copy in a temporary
 folder, which takes as much space as the file and is deleted at the end; other output is
 dropped. --fields calls no export and makes no copy.
+
+--at names the field at a byte: a field of the header, a pixel with its x, y and channel, or
+an element of a mesh. Bytes, pixels and elements count from 0, rows from the top. OFFSET is
+decimal, or hexadecimal after 0x. cmp -l counts bytes from 1, so subtract 1 from its numbers.
 )";
 
 struct InspectOptions {
     std::vector<std::string> files;
-    bool fieldsOnly = false;  // no export is called
+    bool fieldsOnly = false;          // no export is called
+    std::optional<std::uint64_t> at;  // the byte to explain; nothing: the whole file
     OutputStyle output = OutputStyle::kLines;
 };
 
@@ -104,8 +112,33 @@ Json verdictList(const std::vector<Verdict>& verdicts) {
     return list;
 }
 
-void inspectFile(const Library& library, const std::string& path, const InspectOptions& options) {
-    const FileFacts facts = factsOf(path);
+void printPlace(const std::string& path, const FileFacts& facts, std::uint64_t offset) {
+    const Place place = placeOf(path, facts, offset);
+    std::printf("%s: %s, byte %s (0x%llX) of %s is %d (0x%02X)\n", path.c_str(),
+                facts.format.c_str(), std::to_string(offset).c_str(),
+                static_cast<unsigned long long>(offset), std::to_string(facts.bytes).c_str(),
+                place.byte, place.byte);
+    std::printf("  %s\n", textOf(place).c_str());
+    if (place.bytes > 1)
+        std::printf("  byte %s of %s from offset %s on\n",
+                    std::to_string(offset - place.offset).c_str(),
+                    std::to_string(place.bytes).c_str(), std::to_string(place.offset).c_str());
+}
+
+Json placeObject(const std::string& path, const FileFacts& facts, std::uint64_t offset) {
+    const Place place = placeOf(path, facts, offset);
+    Json object = {{"file", path},         {"success", true}, {"format", facts.format},
+                   {"bytes", facts.bytes}, {"at", offset},    {"byte", place.byte}};
+    for (const Step& step : place.path)
+        object[step.key] = step.word.empty() ? Json(step.number) : Json(step.word);
+    object["value"] = place.value;
+    object["valueOffset"] = place.offset;
+    object["valueBytes"] = place.bytes;
+    return object;
+}
+
+void inspectWhole(const Library& library, const std::string& path, const FileFacts& facts,
+                  const InspectOptions& options) {
     std::vector<Verdict> verdicts;
     if (!options.fieldsOnly) verdicts = trialsOf(library, path, facts);
     if (options.output == OutputStyle::kJson) {
@@ -117,6 +150,14 @@ void inspectFile(const Library& library, const std::string& path, const InspectO
     printHead(path, facts);
     printFields(facts);
     if (!options.fieldsOnly) printVerdicts(verdicts);
+}
+
+void inspectFile(const Library& library, const std::string& path, const InspectOptions& options) {
+    const FileFacts facts = factsOf(path);
+    if (!options.at) return inspectWhole(library, path, facts, options);
+    if (options.output == OutputStyle::kJson)
+        return printJson(placeObject(path, facts, *options.at));
+    printPlace(path, facts, *options.at);
 }
 
 void reportFailure(const std::string& path, const Failure& failure, OutputStyle output) {
@@ -143,6 +184,17 @@ bool inspectFiles(const Library& library, const InspectOptions& options) {
     return all;
 }
 
+std::uint64_t offsetFrom(const std::string& text) {
+    const bool isHex = text.starts_with("0x") || text.starts_with("0X");
+    const char* first = text.data() + (isHex ? 2 : 0);
+    const char* end = text.data() + text.size();
+    std::uint64_t offset = 0;
+    const auto read = std::from_chars(first, end, offset, isHex ? 16 : 10);
+    if (read.ec != std::errc() || read.ptr != end)
+        throw WrongUsage("--at " + text + " is no offset; give a number such as 500 or 0x1F4");
+    return offset;
+}
+
 }  // namespace
 
 void addInspectCommand(CommandLine& line) {
@@ -155,5 +207,10 @@ void addInspectCommand(CommandLine& line) {
                  });
     CommandLine::addArgument(command, "FILE", options->files, "Meshes, maps and images");
     command.add_flag("--fields", options->fieldsOnly, "Only print fields; call no export");
+    command
+        .add_option_function<std::string>(
+            "--at", [options](const std::string& text) { options->at = offsetFrom(text); },
+            "Only say what the byte at this offset belongs to")
+        ->type_name("OFFSET");
     line.addJsonFlag(command, "Print JSON, an object per line for each file");
 }
