@@ -1,4 +1,4 @@
-// quillon: the command-line stand-in for Morvane. Each command is in a file of its own in commands/.
+// quillon: a command-line host for the library. Each command has its own file in commands/.
 
 #include <csignal>
 #include <cstdio>

@@ -21,7 +21,7 @@ std::string leftPadded(const std::string& text, std::size_t width) {
     return std::string(width - std::min(text.size(), width), ' ') + text;
 }
 
-// What a line starts with; equal for calls that make a row.
+// The start of a line; equal for calls of one export with one status.
 std::string startOf(const std::string& name, const std::string& status) {
     return padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
 }
@@ -69,7 +69,7 @@ CallResult CallLog::require(std::string_view name, const CallArguments& argument
 void CallLog::quietly(std::string_view name, const CallArguments& arguments) const noexcept {
     try {
         library_.call(name, arguments);
-    } catch (...) {  // nothing is left to be done about it
+    } catch (...) {  // there is no other way to delete it
         return;
     }
 }

@@ -1,7 +1,7 @@
 #pragma once
-// A run of calls to the library. Each goes into the report and, where lines are wanted, is printed
-// as one: the export, its status, what it worked on. Of several calls of one export with one status
-// in a row only the first and the last have their line, unless every one is wanted.
+// A sequence of calls to the library. Each is added to the report and, if the output style has lines,
+// printed as one: the export, its status, what it worked on. Of successive calls of one export with
+// one status only the first and the last are printed, except with kAllLines.
 
 #include <string>
 #include <string_view>
@@ -19,19 +19,19 @@ public:
     CallLog& operator=(const CallLog&) = delete;
     ~CallLog() { finishRow(); }
 
-    // Calls, notes and prints, whatever the status is.
+    // Calls, records and prints, whatever the status is.
     CallResult call(std::string_view name, const CallArguments& arguments = {});
 
     // The same; throws Failure with the export, the file and the meaning unless it succeeds.
     CallResult require(std::string_view name, const CallArguments& arguments = {});
 
-    // Calls without a line and without a failure, for tidying up after one.
+    // Calls without a line and without an exception, to clean up after a failure.
     void quietly(std::string_view name, const CallArguments& arguments) const noexcept;
 
-    // A line for work that no export does.
+    // Prints a line for work that no export does.
     void print(const std::string& name, const std::string& status, const std::string& detail);
 
-    // Prints what is still held back of the last row of calls.
+    // Prints what is still held back of the last calls.
     void finishRow();
 
     // The calls, in order.
@@ -43,16 +43,16 @@ private:
     Report& report_;
     OutputStyle style_;
     std::vector<CallRecord> calls_;
-    std::string row_;          // export and status of the calls under way
-    std::string heldBack_;     // the line of the latest of them, unless it is printed already
-    std::size_t leftOut_ = 0;  // how many calls between the first and that one have no line
+    std::string row_;          // export and status of the latest calls
+    std::string heldBack_;     // the line of the latest one, unless it was printed
+    std::size_t leftOut_ = 0;  // how many calls between the first and that one are not printed
 };
 
-// What a call worked on, such as "tile.tif to map.tif" or "position 3 gives 1004".
+// Returns what a call worked on, such as "tile.tif to map.tif" or "position 3 gives 1004".
 std::string detailOf(const CallRecord& call);
 
-// The line of a call, without a line end.
+// Returns the line of a call, without a line end.
 std::string lineOf(const CallRecord& call);
 
-// The sentence for a call that failed.
+// Returns the sentence for a call that failed.
 std::string failureSentence(std::string_view name, const CallArguments& arguments, float status);

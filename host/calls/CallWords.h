@@ -1,5 +1,5 @@
 #pragma once
-// The words of a call, as the command line and a script have them:
+// The words of a call, on the command line and in a script:
 //   EXPORT [TEXT [VALUE [BUFFER]]], the last two also as --value VALUE and --buffer BUFFER.
 
 #include <string>
@@ -13,7 +13,7 @@ class App;
 
 class CallWords {
 public:
-    // Declares the words. They are here once the command has been parsed.
+    // Declares the words, which are available once the command has been parsed.
     void addTo(CLI::App& command);
 
     const std::string& name() const { return name_; }  // of the export
@@ -32,5 +32,5 @@ struct NamedCall {
     CallArguments arguments;
 };
 
-// The call that these words are. Throws WrongUsage.
+// Returns the call that these words describe. Throws WrongUsage.
 NamedCall callFrom(std::vector<std::string> words);

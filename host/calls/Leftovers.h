@@ -1,6 +1,6 @@
 #pragma once
-// Files and folders that must not outlive a failure. They are deleted through the library, the
-// newest first, so that a folder goes after what was made in it.
+// Files and folders that a failure must not leave behind. They are deleted through the library, the
+// newest first, so that a folder is deleted after its files.
 
 #include <string>
 #include <vector>
@@ -16,10 +16,10 @@ public:
 
     void add(const std::string& path) { paths_.push_back(path); }
 
-    // Deletes them, each call printed; throws Failure when one cannot be deleted.
+    // Deletes them and prints each call; throws Failure if one cannot be deleted.
     void deleteAll();
 
-    // Lets them stay.
+    // Keeps them.
     void keep() { paths_.clear(); }
 
 private:

@@ -19,7 +19,7 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A host's blocks are large and of one size; no export is told to stop at their end.
+// The host's blocks are large and of one size; exports do not check for their end.
 constexpr std::size_t kBlockBytes = 64 * 1024;
 
 // What an output block holds before the call, so that "wrote an empty text" and "wrote nothing"
@@ -32,7 +32,7 @@ fs::path programPath() {
     return fs::canonical("/proc/self/exe");
 }
 
-// A block with a text in it, large enough for whatever this call can bring an export to write.
+// A block with a text in it, large enough for whatever an export writes in this call.
 std::vector<char> blockFor(const CallArguments& arguments, const std::string& content) {
     const std::size_t textBytes = arguments.text ? arguments.text->size() + 1 : 0;
     std::vector<char> block(std::max({kBlockBytes, textBytes, content.size() + 1}));
@@ -40,7 +40,7 @@ std::vector<char> blockFor(const CallArguments& arguments, const std::string& co
     return block;
 }
 
-// As long as it lives, standard output leads nowhere.
+// Discards standard output as long as the object lives.
 class StandardOutputDropped {
 public:
     StandardOutputDropped() {
@@ -93,7 +93,7 @@ CallResult Library::call(const Export& entry, const CallArguments& arguments) co
         const bool wrote = isOutput && std::strcmp(block.data(), kUntouched) != 0;
         return {status, wrote ? std::optional<std::string>(block.data()) : std::nullopt};
     } catch (const std::out_of_range&) {
-        throw Failure(name + " needs a dot in its second path, from which it tells the file type");
+        throw Failure(name + " needs a dot in its second path: the extension is the file type");
     }
 }
 

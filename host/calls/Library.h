@@ -1,5 +1,5 @@
 #pragma once
-// The built library, loaded and called as a host does it.
+// The built library, loaded and called as the host does it.
 
 #include <memory>
 #include <optional>
@@ -11,7 +11,7 @@
 
 struct CallResult {
     float status;
-    std::optional<std::string> text;  // what the export wrote; nothing when it wrote nothing
+    std::optional<std::string> text;  // what the export wrote; nothing if it wrote nothing
 };
 
 // A call that was made.
@@ -22,19 +22,19 @@ struct CallRecord {
     double milliseconds;
 };
 
-// What becomes of a line that the library itself prints, as some exports do when they fail.
+// Whether lines that the library itself prints are shown; some exports print one when they fail.
 enum class LibraryPrints { kShown, kDropped };
 
 class Library {
 public:
-    // Loads the library at `path`; throws Failure when there is none that can be loaded.
+    // Loads the library at `path`; throws Failure if it cannot be loaded.
     explicit Library(const std::string& path, LibraryPrints prints = LibraryPrints::kShown);
 
-    // Calls one export. What is not given is passed as a null pointer, save the block that takes a
-    // text. Throws Failure when the library lacks the export or the export throws.
+    // Calls one export. A missing argument is passed as a null pointer, except the block for a text.
+    // Throws Failure if the library lacks the export or the export throws.
     CallResult call(const Export& entry, const CallArguments& arguments) const;
 
-    // By name, and timed; throws WrongUsage for a name that is no export's.
+    // Calls an export by name and measures the time; throws WrongUsage for an unknown name.
     CallRecord call(std::string_view name, const CallArguments& arguments) const;
 
 private:
@@ -45,6 +45,6 @@ private:
     LibraryPrints prints_;
 };
 
-// Where the library lies beside this program: in the build tree, in an installation, or in the same
-// folder. Throws Failure when it is at none of these places.
+// Returns the path of the library near this program: in the build tree, in an installation, or in the
+// same folder. Throws Failure if it is in none of these places.
 std::string libraryBesideProgram();

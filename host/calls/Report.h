@@ -1,5 +1,5 @@
 #pragma once
-// How a command tells what it did: in lines for a person, as JSON for a script, or not at all.
+// How a command reports what it did: in lines, as JSON for scripts, or not at all.
 
 #include <nlohmann/json.hpp>
 #include <string>
@@ -7,10 +7,10 @@
 #include "calls/Library.h"
 
 enum class OutputStyle {
-    kLines,     // of a row of equal calls the first and the last
+    kLines,     // of successive equal calls the first and the last
     kAllLines,  // every call
-    kJson,      // one object at the end, or one a line where a command says so
-    kQuiet,     // the exit status alone
+    kJson,      // one object at the end, or one per line
+    kQuiet,     // only the exit status
 };
 
 inline bool printsLines(OutputStyle style) {
@@ -21,22 +21,22 @@ inline bool printsLines(OutputStyle style) {
 using Json = nlohmann::ordered_json;
 
 // {"export", "arguments", "status", "success", "meaning", "text", "milliseconds"}; "text" is what
-// the export wrote and is missing where it wrote none.
+// the export wrote and is missing if it wrote none.
 Json jsonOf(const CallRecord& call);
 
-// A status as a number; as the text "inf", "-inf" or "nan" where JSON has no number for it.
+// Returns a status as a number, or as the text "inf", "-inf" or "nan", for which JSON has no number.
 Json jsonOf(float status);
 
-// Prints the value on a line of its own. Bytes that are no UTF-8 come out as U+FFFD.
+// Prints the value on a line of its own. Bytes that are not UTF-8 become U+FFFD.
 void printJson(const Json& value);
 
 // Prints "maps/all.tif  608 bytes".
 void printSize(const std::string& path);
 
-// The object that a command's --json prints. What is set stays in it when the command then fails.
+// The object that a command's --json prints. What is set is kept if the command then fails.
 class Report {
 public:
-    // What the command worked out.
+    // Adds a result of the command.
     void set(const char* name, Json value) { object_[name] = std::move(value); }
     void addCall(const CallRecord& call) { object_["calls"].push_back(jsonOf(call)); }
     void addFile(const std::string& path);

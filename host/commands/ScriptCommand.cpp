@@ -42,7 +42,7 @@ public:
     Script(const Library& library, const ScriptOptions& options, const ScriptReader& reader)
         : library_(library), options_(options), reader_(reader) {}
 
-    // Returns whether the script goes on.
+    // Returns whether the script continues.
     bool carryOut(const ScriptLine& line) {
         if (!call(line)) succeeded_ = false;
         std::fflush(stdout);  // a program that reads along has it before the next call

@@ -13,19 +13,19 @@ namespace fs = std::filesystem;
 
 namespace {
 
-// A folder that goes with all that is in it.
-class ThrowAwayFolder {
+// A folder that the destructor deletes with all its files.
+class TemporaryFolder {
 public:
-    ThrowAwayFolder() {
+    TemporaryFolder() {
         std::string pattern = (fs::temp_directory_path() / "quillon-XXXXXX").string();
         if (::mkdtemp(pattern.data()) == nullptr)
             throw Failure("cannot make a folder for copies in " +
                           fs::temp_directory_path().string());
         path_ = pattern;
     }
-    ThrowAwayFolder(const ThrowAwayFolder&) = delete;
-    ThrowAwayFolder& operator=(const ThrowAwayFolder&) = delete;
-    ~ThrowAwayFolder() {
+    TemporaryFolder(const TemporaryFolder&) = delete;
+    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
+    ~TemporaryFolder() {
         std::error_code ignored;
         fs::remove_all(path_, ignored);
     }
@@ -57,7 +57,7 @@ private:
     const Library& library_;
     const std::string path_;
     const FileFacts& facts_;
-    ThrowAwayFolder folder_;
+    TemporaryFolder folder_;
     std::string copy_;
     std::vector<Verdict> verdicts_;
 };
@@ -97,7 +97,7 @@ void Trials::tryVemo() {
 }
 
 // The folder of the output path does not exist, so an export that takes the mesh ends at its first
-// tile; what it would answer, had it written them all, is their number.
+// tile. If it wrote them all, it would return their number.
 void Trials::tryUvExport(const char* name, float tiles) {
     Verdict& verdict = call(name, {.text = path_, .value = 2.0, .buffer = folder_.at("none/x.y")});
     if (verdict.status != vemo_status::kFirstTileNotWritten) return;
@@ -154,7 +154,7 @@ const std::string& Trials::copy() {
     return copy_ = copy;
 }
 
-// A path that leads to /dev/null; each by a name of its own, since exports look at extensions.
+// A link to /dev/null with that extension, since exports look at extensions.
 std::string Trials::nowhere(const std::string& extension) const {
     std::string path = folder_.at("nowhere" + extension);
     std::error_code there;

@@ -1,6 +1,6 @@
 #pragma once
-// BMP maps as Morvane writes them: 24 bits a pixel, uncompressed, bottom row first. The layout of
-// the file stands in the library's BmpOps.h.
+// BMP maps as the host writes them: 24 bits per pixel, uncompressed, bottom row first. BmpOps.h has
+// the layout of the file.
 
 #include <cstdint>
 #include <span>
@@ -15,10 +15,10 @@ constexpr std::uint32_t bmpRowBytes(std::uint32_t width) {
 
 class BmpWriter {
 public:
-    // Throws Failure when the file cannot be created; the two below when it cannot be written.
+    // Throws Failure if the file cannot be created; the two below, if it cannot be written.
     BmpWriter(const std::string& path, std::uint32_t width, std::uint32_t height);
 
-    // Whole padded rows of blue, green, red, from the bottom one on.
+    // Takes whole padded rows of blue, green, red, from the bottom one on.
     void append(std::span<const std::uint8_t> rows) { file_.write(rows); }
     void finish() { file_.finish(); }
 

@@ -39,7 +39,7 @@ void requireFreePath(const std::string& path) {
     std::error_code ignored;
     const fs::file_status status = fs::status(path, ignored);
     if (fs::exists(status) && !fs::is_regular_file(status))
-        throw Failure(path + " is in the way: it is not a file");
+        throw Failure(path + " exists and is not a file; move it or choose another folder");
 }
 
 InputFile::InputFile(std::string path, const char* what) : path_(std::move(path)) {

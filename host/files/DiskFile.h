@@ -1,6 +1,6 @@
 #pragma once
-// Whole files read, and files written from start to end; whatever goes wrong becomes a Failure that
-// names the file.
+// Files read in part or as a whole, and files written from start to end. Whatever goes wrong becomes a
+// Failure that names the file.
 
 #include <cstdint>
 #include <cstdio>
@@ -9,16 +9,16 @@
 #include <string>
 #include <vector>
 
-// What a path ends with, its letters small: ".tif", or nothing.
+// Returns the extension of a path in lower case, such as ".tif", or an empty text.
 std::string extensionOf(const std::string& path);
 
-// Throws Failure unless `path` is an existing regular file; `what` says what it should be.
+// Throws Failure unless `path` is an existing regular file; `what` is what errors call it.
 void requireFile(const std::string& path, const char* what);
 
-// A file's bytes, as many as it really has. `what` as above.
+// Returns a file's bytes. `what` as above.
 std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what);
 
-// Throws Failure when something that is no file, a folder say, lies where one is to be written.
+// Throws Failure if `path`, to which a file will be written, exists and is not a file.
 void requireFreePath(const std::string& path);
 
 struct CloseFile {
@@ -26,16 +26,16 @@ struct CloseFile {
 };
 using FilePointer = std::unique_ptr<std::FILE, CloseFile>;
 
-// A file of which parts are read, wherever they lie.
+// A file of which parts are read.
 class InputFile {
 public:
-    // Throws Failure for what is no file or cannot be read; `what` as above.
+    // Throws Failure if `path` is not a file or cannot be read; `what` as above.
     InputFile(std::string path, const char* what);
 
     std::uint64_t size() const { return size_; }
 
-    // What stands from `offset` on, as far as it fits; the rest of `bytes` becomes 0. Returns how
-    // many bytes there were.
+    // Fills `bytes` from the file at `offset`, and with 0 beyond its end. Returns how many bytes were
+    // read.
     std::size_t read(std::uint64_t offset, std::span<std::uint8_t> bytes);
 
 private:
@@ -44,8 +44,8 @@ private:
     std::uint64_t size_ = 0;
 };
 
-// A file being written. Unless finish() was reached, what was written so far is removed again; that
-// goes for Ctrl-C, too, at which write() throws Interrupted.
+// A file being written. The destructor deletes it unless finish() succeeded. After Ctrl-C write()
+// throws Interrupted.
 class OutputFile {
 public:
     explicit OutputFile(std::string path);

@@ -1,6 +1,6 @@
 #pragma once
-// PSD maps as Morvane writes them: one flat uncompressed picture without resources or layers. The
-// layout of the file stands in the library's PsdOps.h.
+// PSD maps as the host writes them: one flat uncompressed image without resources or layers. PsdOps.h
+// has the layout of the file.
 
 #include <cstdint>
 #include <span>
@@ -17,10 +17,10 @@ struct PsdFormat {
 
 class PsdWriter {
 public:
-    // Throws Failure when the file cannot be created; the two below when it cannot be written.
+    // Throws Failure if the file cannot be created; the two below, if it cannot be written.
     PsdWriter(const std::string& path, const PsdFormat& format);
 
-    // Whole rows of one plane, from the top one on, plane after plane; 16 bits high byte first.
+    // Takes whole rows of one plane, from the top one on, plane after plane; 16 bits high byte first.
     void append(std::span<const std::uint8_t> rows) { file_.write(rows); }
     void finish() { file_.finish(); }
 

@@ -12,15 +12,15 @@ struct Entry {
     std::uint16_t tag;
     FieldType type;
     std::uint32_t count;
-    std::uint32_t value;  // or where the values stand
+    std::uint32_t value;  // or where the values are
 };
 
 constexpr std::uint32_t kDirectoryOffset = 8;
 constexpr std::size_t kEntries = 15;
 constexpr std::uint32_t kEntryBytes = 12;
 
-// What does not fit into an entry stands behind the directory: the resolution, and the depths and
-// sample formats of three channels.
+// What does not fit into an entry follows the directory: the resolution, and the depths and sample
+// formats of three channels.
 constexpr std::uint32_t kResolutionOffset = kDirectoryOffset + 2 + kEntries * kEntryBytes + 4;
 constexpr std::uint32_t kDepthsOffset = kResolutionOffset + 8;
 constexpr std::uint32_t kFormatsOffset = kDepthsOffset + 3 * 2;
@@ -33,8 +33,8 @@ constexpr std::uint32_t kPixelsPerInch = 72;
 
 using Head = std::array<std::uint8_t, kTiffPixelOffset>;
 
-// All tags up to the resolution's unit, none left out: a conversion to 16 bits puts the sizes where
-// this directory has them.
+// All tags up to the resolution's unit: a conversion to 16 bits puts the sizes where this directory
+// has them.
 std::array<Entry, kEntries> entriesOf(const TiffFormat& format) {
     const bool rgb = format.channels == 3;
     const std::uint16_t sampleFormat = format.bits == 32 ? kFloat : kUnsigned;

@@ -1,6 +1,6 @@
 #pragma once
-// TIFF maps as Morvane writes them: little-endian, the directory before the pixels, one
-// uncompressed strip, one or three samples a pixel.
+// TIFF maps as the host writes them: little-endian, the directory before the pixels, one
+// uncompressed strip, one or three samples per pixel.
 
 #include <cstdint>
 #include <span>
@@ -18,15 +18,15 @@ struct TiffFormat {
     std::uint64_t pixelsBytes() const { return std::uint64_t{width} * height * pixelBytes(); }
 };
 
-// Where the pixels start. Maps are merged only where this lies below the number of their bytes.
+// Where the pixels start. A map is merged only if its pixels take more bytes than this.
 inline constexpr std::uint32_t kTiffPixelOffset = 224;
 
 class TiffWriter {
 public:
-    // Throws Failure when the file cannot be created; the two below when it cannot be written.
+    // Throws Failure if the file cannot be created; the two below, if it cannot be written.
     TiffWriter(const std::string& path, const TiffFormat& format);
 
-    // Whole rows, from the top one on.
+    // Takes whole rows, from the top one on.
     void append(std::span<const std::uint8_t> rows) { file_.write(rows); }
     void finish() { file_.finish(); }
 

@@ -1,5 +1,5 @@
 #pragma once
-// The triangles of a mesh and how its surface lies in space.
+// The triangles of a mesh and the normals of its surface.
 
 #include <cstddef>
 #include <vector>
@@ -18,8 +18,8 @@ void forEachTriangle(const Face& face, Use use) {
 
 Vector pointOf(const VemoMesh& mesh, const Face& face, std::size_t corner);
 
-// A normal for each point, the mean of its triangles' by their areas; 0 where there is none.
+// Returns a normal for each point: the mean of its triangles' normals, weighted by area, or 0.
 std::vector<Vector> vertexNormals(const VemoMesh& mesh);
 
-// Whether all corners of a face lie in the tile that the mesh file is for.
+// Whether all corners of a face are in the tile that the mesh file is for.
 bool liesInTile(const Face& face, const FaceUvs& uvs);

@@ -15,7 +15,7 @@
 
 namespace {
 
-constexpr std::size_t kMostGroups = std::numeric_limits<std::int16_t>::max() + std::size_t{1};
+constexpr std::size_t kMaxGroups = std::numeric_limits<std::int16_t>::max() + std::size_t{1};
 
 tinyobj::ObjReader parse(const std::string& path) {
     requireFile(path, "model");
@@ -39,7 +39,7 @@ bool isWithin(int index, std::size_t count) {
     return index >= 0 && static_cast<std::size_t>(index) < count;
 }
 
-// Numbers names, or whatever tells groups apart, from 0 on in the order in which they come.
+// Numbers keys from 0 on, in the order in which they first appear.
 template <typename Key>
 class Numbering {
 public:
@@ -81,7 +81,7 @@ public:
 
     ObjModel take() {
         const std::size_t groups = groupsAreShapes_ ? shapes_.count() : materials_.count();
-        if (mesh_.faces.empty()) throw Failure("the model " + path_ + " holds no faces");
+        if (mesh_.faces.empty()) throw Failure("the model " + path_ + " has no faces");
         return {std::move(mesh_), groups};
     }
 
@@ -100,7 +100,7 @@ private:
     }
 
     void addPolygon(const tinyobj::index_t* corners, std::size_t count, std::size_t group) {
-        if (group >= kMostGroups) fail("it has more than 32768 groups");
+        if (group >= kMaxGroups) fail("it has more than 32768 groups");
         for (std::size_t next = 1; next + 1 < count;) {
             const bool quad = next + 2 < count;
             addFace({corners[0], corners[next], corners[next + 1], corners[next + (quad ? 2 : 1)]},
@@ -110,10 +110,10 @@ private:
         }
     }
 
-    void addFace(const std::array<tinyobj::index_t, kMostCorners>& corners, bool quad) {
+    void addFace(const std::array<tinyobj::index_t, kMaxCorners>& corners, bool quad) {
         Face face{};
         FaceUvs uvs{};
-        for (std::size_t i = 0; i < kMostCorners; ++i) {
+        for (std::size_t i = 0; i < kMaxCorners; ++i) {
             if (!isWithin(corners[i].vertex_index, mesh_.points.size()))
                 fail("a face names a vertex that does not exist");
             face.vertices[i] = corners[i].vertex_index;

@@ -11,8 +11,8 @@ struct ObjModel {
 };
 
 // Reads a model. Triangles and quads stay; a larger polygon becomes a fan of quads around its first
-// corner, with a triangle at the end where its corners are odd in number. Face groups are the
-// model's groups, by name; where there is only one, its materials.
+// corner, which ends with a triangle if the number of corners is odd. Face groups are the model's
+// groups, by name, or its materials if there is only one group.
 //
 // Throws Failure for a model that is broken, or in which a face has no UVs.
 ObjModel readObj(const std::string& path);

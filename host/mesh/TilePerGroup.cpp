@@ -29,7 +29,7 @@ struct GroupExtent {
     Extent v;
 };
 
-// How a group gets into the unit square: coordinate = (coordinate - start) * scale.
+// How a group is moved into the unit square: coordinate = (coordinate - start) * scale.
 struct Fit {
     double startU;
     double startV;
@@ -43,7 +43,7 @@ Fit fitOf(const GroupExtent& extent) {
     return {extent.u.low, extent.v.low, std::min(1.0, kLast / size)};
 }
 
-// The sum may round up to the next tile where floats lie further apart.
+// The sum may round up to the next tile where floats are further apart.
 float inTile(double local, std::size_t tile) {
     const auto start = static_cast<float>(tile);
     const float moved = static_cast<float>(static_cast<double>(tile) + std::min(local, kLast));

@@ -12,7 +12,7 @@ namespace {
 
 constexpr std::int32_t kNoVertex = -1;
 
-// The elements of the chunk `id`. Throws Failure when the file does not hold them all.
+// Returns the elements of the chunk `id`. Throws Failure if the file does not have them all.
 std::span<const std::uint8_t> elementsOf(const std::vector<std::uint8_t>& file, std::uint32_t id,
                                          std::size_t elementBytes, const std::string& missing) {
     Bytes bytes{file.data(), file.size()};
@@ -102,7 +102,7 @@ void putChunkHeader(ByteList& out, std::uint32_t id, std::size_t count, std::siz
 }
 
 ByteList bytesOf(const VemoMesh& mesh) {
-    ByteList out(kFirstChunk);  // the header, which nobody reads
+    ByteList out(kFirstChunk);  // the header, which is never read
     putChunkHeader(out, kVertexChunk, mesh.points.size(), kVertexBytes);
     for (const Point& point : mesh.points) {
         for (const float number : {point.x, point.y, point.z})
@@ -132,7 +132,7 @@ ByteList bytesOf(const VemoMesh& mesh) {
 VemoMesh readVemo(const std::string& path) {
     const std::vector<std::uint8_t> file = readWholeFile(path, "mesh");
     const auto elements = [&](std::uint32_t id, std::size_t bytes, const char* what) {
-        return elementsOf(file, id, bytes, path + " holds no " + what + ", or they are cut short");
+        return elementsOf(file, id, bytes, path + " has no " + what + ", or they are cut short");
     };
     VemoMesh mesh;
     mesh.points = pointsFrom(elements(kVertexChunk, kVertexBytes, "vertices"));

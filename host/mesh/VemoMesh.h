@@ -1,6 +1,5 @@
 #pragma once
-// A mesh as Morvane holds it, read from and written to its mesh files. The layout of the file
-// stands in the library's VemoOps.h.
+// A mesh, read from and written to the host's mesh files. VemoOps.h has the layout of the file.
 
 #include <array>
 #include <cstdint>
@@ -16,31 +15,31 @@ struct Uv {
     bool operator==(const Uv&) const = default;
 };
 
-// Whether a corner lies in the tile that its mesh file is for: the library marks the others with -1
-// and -1, which no place within a tile has.
+// Whether a corner is in the tile that its mesh file is for: the library marks the others with -1 and
+// -1, which no corner in a tile has.
 inline bool isInTile(const Uv& corner) {
     return corner != Uv{-1.0f, -1.0f};
 }
 
-inline constexpr std::size_t kMostCorners = 4;
+inline constexpr std::size_t kMaxCorners = 4;
 
 struct Face {
-    std::array<std::int32_t, kMostCorners> vertices;  // from 0; the fourth of a triangle is -1
+    std::array<std::int32_t, kMaxCorners> vertices;  // from 0; the fourth of a triangle is -1
 
     std::size_t corners() const { return vertices[3] < 0 ? 3 : 4; }
 };
 
-using FaceUvs = std::array<Uv, kMostCorners>;  // a triangle's fourth repeats its third
+using FaceUvs = std::array<Uv, kMaxCorners>;  // a triangle's fourth repeats its third
 
 struct VemoMesh {
     std::vector<Point> points;
     std::vector<Face> faces;
-    std::vector<FaceUvs> uvs;          // one a face
-    std::vector<std::int16_t> groups;  // one a face; may be missing
+    std::vector<FaceUvs> uvs;          // one per face
+    std::vector<std::int16_t> groups;  // one per face; may be missing
 };
 
-// Reads vertices, faces and face UVs. Every size is checked against the file's own, every index
-// against the vertices; throws Failure for a file that is broken or lacks one of the three.
+// Reads vertices, faces and face UVs. Checks every size against the file's and every index against the
+// vertices; throws Failure for a file that is broken or lacks one of the three.
 VemoMesh readVemo(const std::string& path);
 
 // Writes a mesh with vertices, faces, face UVs and face groups, in this order.

@@ -1,7 +1,6 @@
 #pragma once
-// The page of one or more exports of a mesh, put together while they go on. Its pictures are JPEG
-// files that the library makes; neither they nor the copies that are timed count as calls of the
-// export.
+// The page of one or more exports of a mesh, built while they run. Its pictures are JPEG files that
+// the library encodes; these calls, and the copies that are timed, are not among the export's calls.
 
 #include <map>
 #include <optional>
@@ -22,23 +21,23 @@ class ExportPage {
 public:
     ExportPage(const Library& library, std::string title);
 
-    // An export begins, whose calls are in `log`. What is written for the pictures lies in `folder`
-    // and is noted in `working`.
+    // Starts a chapter for an export, whose calls are in `log`. Files for the pictures are written to
+    // `folder` and added to `working`.
     void beginChapter(const std::string& title, const VemoMesh& mesh, const std::string& folder,
                       const CallLog& log, Leftovers& working);
     void endChapter();
 
-    // A tile and its part of a map.
+    // Adds a tile and its part of a map.
     void addTile(const std::string& name, const VemoMesh& tile, const std::string& map,
                  const MapPart& part);
 
-    // Adds the time of copying a file to what the call at a position of the log is compared with.
+    // Adds the time to copy a file to what the call at a position of the log is compared with.
     void timeCopyOf(const std::string& path, std::size_t position);
 
-    // The map as a call of a row left it, small.
+    // Adds a small picture of the map after one of several calls.
     void addBetween(const std::string& map, const std::string& caption);
 
-    // The row of calls that ends with the latest, and what it made: nothing, a map, a JPEG file.
+    // Adds the latest calls of one export, and what they wrote: nothing, a map, a JPEG file.
     void addStep();
     void addStep(const std::string& map);
     void addJpegStep(const std::string& jpeg);
@@ -52,11 +51,11 @@ private:
     PageCall callAt(std::size_t index) const;
     std::string lead() const;
 
-    // Where an export is that goes on.
+    // The state of the export that runs.
     struct Work {
         const CallLog& log;
         std::string folder;
-        std::map<std::size_t, double> copies;  // of the calls, by their positions
+        std::map<std::size_t, double> copies;  // by the positions of the calls
         std::vector<PagePicture> between;
     };
 

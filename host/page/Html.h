@@ -6,15 +6,15 @@
 #include <string>
 #include <string_view>
 
-// Text as it stands between tags and in attributes.
+// Escapes a text for use between tags and in attributes.
 std::string escaped(std::string_view text);
 
 std::string base64(std::span<const std::uint8_t> bytes);
 
-// A number with this many decimals.
+// Formats a number with that many decimals.
 std::string fixed(double number, int decimals);
 
-// Thousands apart: 2,497,014.
+// Formats a number with thousands separated: 2,497,014.
 std::string grouped(std::uint64_t number);
 
 // "1 tile", "19 tiles".

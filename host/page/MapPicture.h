@@ -1,5 +1,5 @@
 #pragma once
-// A map as a picture: every so many pixels, one of the file's own.
+// A map as a picture, made of every n-th pixel.
 
 #include <cstdint>
 #include <string>
@@ -14,10 +14,10 @@ struct MapPart {
     std::uint32_t height;
 };
 
-// A part of a TIFF, PSD or BMP map of the kinds that an export leaves, its longer side at most
-// `longest` pixels. Samples of 16 bits and floats from 0 to 1 become 0 to 255. Throws Failure when
-// the file is none of these, or cannot be read.
+// Returns a part of a map of a kind that exports write, its longer side at most `longest` pixels.
+// Samples of 16 bits and floats from 0 to 1 become 0 to 255. Throws Failure if the file is not such a
+// map or cannot be read.
 Picture pictureOfMap(const std::string& path, const MapPart& part, std::uint32_t longest);
 
-// The same of the whole map.
+// Returns the same of the whole map.
 Picture pictureOfMap(const std::string& path, std::uint32_t longest);

@@ -31,7 +31,7 @@ Vector inView(const Vector& point) {
             point.y * std::sin(kTilt) + depth * std::cos(kTilt)};
 }
 
-// What of a model is visible at a pixel.
+// What is visible of a model at a pixel.
 struct Surface {
     Vector normal;
     double nearness;
@@ -84,7 +84,7 @@ Rgb mixed(const Rgb& a, const Rgb& b, double share) {
     Rgb colour{};
     for (std::size_t channel = 0; channel < colour.size(); ++channel) {
         const double value = a[channel] + (b[channel] - a[channel]) * share + 0.5;
-        // A normal that is no number is drawn black.
+        // A NaN normal is drawn black.
         colour[channel] = value > 0.0 ? static_cast<std::uint8_t>(std::min(value, 255.0)) : 0;
     }
     return colour;
@@ -106,14 +106,14 @@ double lengthOf(const Corner<Vector>& a, const Corner<Vector>& b) {
     return std::hypot(a.x - b.x, a.y - b.y);
 }
 
-// Whether two corners of a face are neighbours; two triangles of a quad share a line that is none.
+// Whether two corners of a face are neighbours; the line between two triangles of a quad is no side.
 bool isSide(const Face& face, std::size_t a, std::size_t b) {
     const std::size_t apart = a < b ? b - a : a - b;
     return apart == 1 || apart == face.corners() - 1;
 }
 
-// A triangle's corners with their distances from its three sides in pixels, each the one opposite
-// the corner of its place. What lies between has its own distances then.
+// A triangle's corners with their distances from its three sides in pixels, each from the side
+// opposite the corner at its position. Interpolation then gives any point's distances.
 std::array<Corner<Vector>, 3> outlinedCorners(const Face& face, const FaceUvs& uvs,
                                               const std::size_t (&triangle)[3], double side) {
     constexpr double kNever = 1e9;

@@ -1,5 +1,5 @@
 #pragma once
-// The model as pictures: in space, and its UV tiles, each in a colour of its own.
+// Pictures of the model in space and of its UV tiles, each in its own colour.
 
 #include <array>
 #include <string>
@@ -13,15 +13,15 @@ using Rgb = std::array<std::uint8_t, 3>;
 // The colour of the tile at a position; neighbours differ.
 Rgb tileColour(std::size_t position);
 
-// As CSS has it: #rrggbb.
+// Returns the colour in CSS: #rrggbb.
 std::string cssOf(const Rgb& colour);
 
-// The colours of a mesh's faces. Those of no tile are grey.
+// The colours of a mesh's faces. Faces in no tile are grey.
 class FaceColours {
 public:
     explicit FaceColours(const VemoMesh& mesh);
 
-    // Gives a colour to the faces that lie in a tile, of which `tile` is the mesh file.
+    // Gives a colour to the faces in a tile, of which `tile` is the mesh file.
     void add(const VemoMesh& tile, const Rgb& colour);
 
     const Rgb& operator[](std::size_t face) const { return colours_[face]; }

@@ -259,7 +259,7 @@ std::string htmlOf(const Page& page) {
     html += comparisonOf(page);
     html += callsOf(page);
     html +=
-        "<footer>Each call was made through the built library, as Morvane makes it. The pictures "
+        "<footer>Each call was made through the built library, as the host makes it. The pictures "
         "show pixels of the files on disk; the library wrote them as JPEG.</footer>\n</main>\n"
         "</body>\n</html>\n";
     return html;

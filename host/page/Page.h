@@ -1,8 +1,7 @@
 #pragma once
-// A page that shows how maps came about: the model, its tiles, each sheet while it grows, what was
-// made of it, and the time of every call beside the time that copying its file takes. The page
-// stands alone: pictures, style and all are in the one file, which any browser opens. It needs no
-// scripts.
+// A page that shows how maps were made: the model, its tiles, the sheet after each merge, the files
+// made from it, and the time of each call beside the time to copy its file. The page is one file, with
+// its pictures and style, and has no scripts.
 
 #include <cstdint>
 #include <optional>
@@ -26,11 +25,11 @@ struct PagePicture {
 
 struct PageTile {
     std::string name;
-    std::string colour;  // as CSS has it
+    std::string colour;  // in CSS
     std::vector<PagePicture> pictures;
 };
 
-// Calls of one export in a row, and what a map looks like after the last.
+// Successive calls of one export, and the map after the last.
 struct PageStep {
     std::vector<PageCall> calls;
     std::string does;                  // what the export does, in a sentence
@@ -38,11 +37,11 @@ struct PageStep {
     std::optional<PagePicture> after;  // what the next step begins with
 };
 
-// What one map was made of and into.
+// The calls and files of one map.
 struct PageChapter {
     std::string title;
     std::vector<PageStep> steps;
-    std::vector<PageCall> calls;  // all, in the order in which they were made
+    std::vector<PageCall> calls;  // all, in order
 };
 
 struct Page {

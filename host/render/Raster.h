@@ -1,5 +1,5 @@
 #pragma once
-// Which pixels a triangle covers, and what it shows there.
+// Which pixels a triangle covers, and the value at each.
 
 #include <algorithm>
 #include <cmath>
@@ -21,7 +21,7 @@ struct Corner {
     Value value;
 };
 
-// How far a point lies to one side of the line from a to b, as a linear function of the point.
+// The distance of a point to one side of the line from a to b, as a linear function of the point.
 struct Edge {
     double perX;
     double perY;
@@ -38,7 +38,7 @@ struct PixelRange {
     std::uint32_t end;
 };
 
-// The pixels whose centres may lie between the smallest and the largest of three coordinates.
+// The pixels whose centres may be between the smallest and the largest of three coordinates.
 inline PixelRange pixelsBetween(double a, double b, double c, std::uint32_t size) {
     const double last = size;
     const double low = std::clamp(std::floor(std::min({a, b, c})), 0.0, last);
@@ -46,8 +46,8 @@ inline PixelRange pixelsBetween(double a, double b, double c, std::uint32_t size
     return {static_cast<std::uint32_t>(low), static_cast<std::uint32_t>(high)};
 }
 
-// Calls `paint(pixel, value)` for each pixel whose centre the triangle covers, in whichever sense
-// its corners run. Its sides count as covered, and a side seen from the other triangle is the exact
+// Calls `paint(pixel, value)` for each pixel whose centre the triangle covers, with its corners in
+// either order. Its sides count as covered, and a side seen from the other triangle is the exact
 // negative, so that triangles with a common side leave no gap.
 template <typename Value, typename Paint>
 void rasterize(const Corner<Value>& a, const Corner<Value>& second, const Corner<Value>& third,
@@ -70,7 +70,7 @@ void rasterize(const Corner<Value>& a, const Corner<Value>& second, const Corner
             const double shareB = towardB.at(x, y);
             const double shareC = towardC.at(x, y);
             if (shareA < 0.0 || shareB < 0.0 || shareC < 0.0) continue;
-            // The area, as this point sees it: in a sliver rounding makes the two differ.
+            // The area computed for this point: in a sliver rounding makes the two differ.
             const double shares = shareA + shareB + shareC;
             if (!(shares > 0.0)) continue;
             const Value sum = a.value * shareA + b.value * shareB + c.value * shareC;

@@ -22,7 +22,7 @@ public:
     SheetRows(const TileSheet& sheet, const Cell& cell, const TileMap& map)
         : sheet_(sheet), cell_(cell), map_(map) {}
 
-    // Row `y` from the top, pixel after pixel; lasts until the next call.
+    // Returns row `y` from the top, pixel after pixel; valid until the next call.
     const ByteList& at(std::uint32_t y) {
         stopIfInterrupted();
         row_.assign(std::size_t{sheet_.width()} * map_.pixelBytes, 0);

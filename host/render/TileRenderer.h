@@ -1,5 +1,5 @@
 #pragma once
-// Morvane's part in a map export: painting the map of one tile.
+// The host's part in a map export: rendering the map of one tile.
 
 #include "mesh/VemoMesh.h"
 #include "render/TileSheet.h"
@@ -11,6 +11,6 @@ enum class MapKind {
 
 std::uint32_t pixelBytesOf(MapKind kind);
 
-// Paints the faces that lie in the tile with all their corners. A pixel is covered when its centre
+// Renders the faces all of whose corners are in the tile. A pixel is covered when its centre
 // is; quads are painted as two triangles. `size` is the map's side in pixels.
 TileMap renderTile(const VemoMesh& tile, MapKind kind, std::uint32_t size);

@@ -8,7 +8,7 @@
 
 namespace {
 
-// The tile in which a coordinate lies; below 0 it counts as 1 less, as everywhere in the library.
+// The tile of a coordinate; below 0 it counts as 1 less, as everywhere in the library.
 std::int64_t tileOf(float coordinate) {
     return saturatedInt(coordinate < 0.0f ? coordinate - 1.0f : coordinate);
 }
@@ -21,7 +21,7 @@ TilePlace placeOfTile(const VemoMesh& mesh, const VemoMesh& tile, const std::str
         const Uv& begin = mesh.uvs[face][0];
         if (isInTile(tile.uvs[face][0])) return {tileOf(begin.u), tileOf(begin.v)};
     }
-    throw Failure(path + " shows no face of its tile; was it changed meanwhile?");
+    throw Failure(path + " has no face of its tile; was the file changed during the export?");
 }
 
 TileSheet::TileSheet(std::span<const TilePlace> tiles, std::uint32_t size) {

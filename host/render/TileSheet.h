@@ -1,5 +1,5 @@
 #pragma once
-// The sheet on which all tiles of a mesh lie side by side, and where each tile's cell is.
+// The sheet with all tiles of a mesh side by side, and each tile's cell on it.
 
 #include <cstdint>
 #include <span>
@@ -14,10 +14,8 @@ struct TilePlace {
     std::int64_t row;
 };
 
-// The place of the tile that `tile` shows, a mesh file written for one tile of `mesh`: the tile of
-// the first face that begins in it.
-//
-// Throws Failure when no face does or the two do not belong together; `path` names the tile's file.
+// Returns the place of the tile in `tile`, a mesh file written for one tile of `mesh`: the tile of the
+// first face that begins in it. Throws Failure if no face does; `path` names the tile's file.
 TilePlace placeOfTile(const VemoMesh& mesh, const VemoMesh& tile, const std::string& path);
 
 struct Cell {
@@ -28,7 +26,7 @@ struct Cell {
 class TileSheet {
 public:
     // As many columns and rows as the tiles span; the longer side has up to `size` pixels. Throws
-    // Failure when that leaves no pixel for a cell.
+    // Failure if that leaves no pixel for a cell.
     TileSheet(std::span<const TilePlace> tiles, std::uint32_t size);
 
     std::uint32_t cellSize() const { return cellSize_; }
@@ -49,7 +47,7 @@ private:
 // "16 x 8".
 std::string sizeText(const TileSheet& sheet);
 
-// A square map of one tile. Pixels that no face covers hold the background: all bytes 0.
+// A square map of one tile. Pixels that no face covers have the background: all bytes 0.
 struct TileMap {
     std::uint32_t size = 0;        // of a side, in pixels
     std::uint32_t pixelBytes = 0;  // 3: RGB of 8 bits, 4: a 32-bit float

@@ -1,10 +1,10 @@
 #pragma once
-// Colours for a person at a terminal. A file, a pipe, a terminal without colours and a person who
-// has set NO_COLOR get the text alone.
+// Colours on a terminal. A file, a pipe, a terminal without colours, and any output while NO_COLOR is
+// set, get plain text.
 
 #include <cstdio>
 #include <string>
 
-// The text for `stream`, green or red.
+// Returns the text for `stream`, green or red.
 std::string inGreen(std::FILE* stream, const std::string& text);
 std::string inRed(std::FILE* stream, const std::string& text);

@@ -1,6 +1,5 @@
 #pragma once
-// Why the program stops, as one sentence for the person at the console. main prints it after the
-// program's name and exits.
+// Why the program stops, as one sentence. main prints it after the program's name and exits.
 
 #include <stdexcept>
 

@@ -1,6 +1,6 @@
 #pragma once
-// One line on standard error that says how far long work has come. It is shown on a terminal only
-// and leaves nothing behind.
+// One line on standard error that shows the progress of long work. It appears on a terminal only and
+// is removed in the end.
 
 #include <cstddef>
 #include <string>
@@ -12,10 +12,10 @@ public:
     Progress& operator=(const Progress&) = delete;
     ~Progress() { clear(); }
 
-    // Replaces the line: `done` of `total` steps of `work` are behind, `current` is under way.
+    // Replaces the line: `done` of `total` steps of `work` are done, `current` is next.
     void show(const char* work, std::size_t done, std::size_t total, const std::string& current);
 
-    // Takes the line away, before something else is printed.
+    // Removes the line, before something else is printed.
     void clear();
 
 private:

@@ -4,6 +4,7 @@
 #include <gtest/gtest.h>
 #include <tiffio.h>
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <stdexcept>
@@ -55,6 +56,15 @@ private:
     }
     TIFF* file_;
 };
+
+// The names in a folder, sorted.
+inline std::vector<std::string> namesIn(const std::string& folder) {
+    std::vector<std::string> names;
+    for (const auto& entry : std::filesystem::directory_iterator(folder))
+        names.push_back(entry.path().filename().string());
+    std::ranges::sort(names);
+    return names;
+}
 
 // Exports of a mesh of two quads, to sheets of two cells side by side.
 struct ExportedQuads : ::testing::Test {

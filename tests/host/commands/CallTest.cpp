@@ -12,20 +12,20 @@ using ::testing::HasSubstr;
 using ::testing::Not;
 using ::testing::StartsWith;
 
-TEST(Call, TellsStatusAndMeaning) {
+TEST(Call, PrintsStatusAndMeaning) {
     const Ended call = quillon({"call", "Version"});
     EXPECT_EQ(call.exitStatus, 0);
     EXPECT_EQ(call.out, "status   48\nmeaning  success: the version of the interface\n");
     EXPECT_EQ(call.err, "");
 }
 
-TEST(Call, TellsTheTextThatTheExportWrote) {
+TEST(Call, PrintsTheTextThatTheExportWrote) {
     const Ended call = quillon({"call", "GetString", "abcdefgh", "--value", "2"});
     EXPECT_THAT(call.out, EndsWith("\ntext     cdefgh\n"));
     EXPECT_EQ(call.exitStatus, 0);
 }
 
-TEST(Call, TellsNoTextWhereTheExportWroteNone) {
+TEST(Call, PrintsNoTextIfTheExportWroteNone) {
     EXPECT_THAT(quillon({"call", "getUVString", "--value", "3"}).out, Not(HasSubstr("text ")));
 }
 
@@ -36,7 +36,7 @@ TEST(Call, TakesNegativeNumbersAndTextsOfAnyStart) {
     EXPECT_THAT(quillon({"call", "GetString", ""}).out, EndsWith("text     \n"));
 }
 
-TEST(Call, HoldsTextsBeyondAHostsUsualBlock) {
+TEST(Call, HasRoomForTextsBeyondTheUsualBlock) {
     const std::string text(100'000, 'a');
     EXPECT_THAT(quillon({"call", "GetString", text}).out, EndsWith("text     " + text + '\n'));
 }
@@ -107,7 +107,7 @@ TEST(Call, ACountIsASuccess) {
     EXPECT_THAT(call.out, EndsWith("text     _u1_v0\n"));
 }
 
-TEST(Call, APathWithoutADotIsASentence) {
+TEST(Call, APathWithoutADotIsReported) {
     const Ended call = quillon({"call", "convertTIFF16", "a.tif", "--value", "1", "--buffer", "b"});
     EXPECT_EQ(call.exitStatus, 1);
     EXPECT_THAT(call.err, StartsWith("quillon: convertTIFF16 needs a dot in its second path"));

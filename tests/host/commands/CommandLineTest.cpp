@@ -40,8 +40,8 @@ TEST(CommandLine, WrongUsageEndsWithTwo) {
     }
 }
 
-// Each row: options that make no sense together, and what the sentence says of them.
-TEST(CommandLine, ExportOptionsThatContradictAreASentence) {
+// Each row: options that contradict each other, and how the error starts.
+TEST(CommandLine, ExportOptionsThatContradictAreReported) {
     const struct {
         std::vector<std::string> options;
         const char* sentence;
@@ -83,7 +83,7 @@ TEST(CommandLine, EveryLevelOfHelpHasExamples) {
     }
 }
 
-TEST(CommandLine, TellsItsVersion) {
+TEST(CommandLine, PrintsItsVersion) {
     EXPECT_EQ(quillon({"--version"}).out, "quillon 48.0\n");
 }
 
@@ -91,13 +91,13 @@ TEST(CommandLine, TheLibraryCanBeNamed) {
     EXPECT_EQ(quillon({"--library", QUILLON_LIBRARY, "call", "Version"}).exitStatus, 0);
 }
 
-TEST(CommandLine, OutputThatNobodyTakesIsASentence) {
+TEST(CommandLine, OutputThatNobodyTakesIsReported) {
     const Ended ended = quillonInShell("exec \"$@\" >/dev/full", {"call", "Version"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: the output could not be written\n");
 }
 
-TEST(CommandLine, AMissingLibraryIsASentence) {
+TEST(CommandLine, AMissingLibraryIsReported) {
     const Ended ended = quillon({"--library", "/nowhere/lib.so", "call", "Version"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_THAT(ended.err, StartsWith("quillon: the library /nowhere/lib.so cannot be loaded ("));

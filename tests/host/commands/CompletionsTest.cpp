@@ -53,7 +53,7 @@ TEST(Completions, BashOffersThem) {
     EXPECT_EQ(ended.err, "");
 }
 
-TEST(Completions, EachShellHasAScriptOfItsOwn) {
+TEST(Completions, EachShellHasItsOwnScript) {
     EXPECT_THAT(quillon({"completions", "zsh"}).out, HasSubstr("#compdef quillon\n"));
     EXPECT_THAT(quillon({"completions", "fish"}).out, HasSubstr("complete -c quillon -a "));
     EXPECT_EQ(quillon({"completions", "tcsh"}).exitStatus, 2);

@@ -9,7 +9,7 @@ namespace {
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
-TEST(Describe, TellsAllAboutAnExport) {
+TEST(Describe, PrintsArgumentsStatusesAndOutput) {
     const Ended ended = quillon({"describe", "getUVsMask"});
     EXPECT_EQ(ended.exitStatus, 0);
     EXPECT_THAT(ended.out, StartsWith("### getUVsMask\n\nWrites a mesh once per tile"));

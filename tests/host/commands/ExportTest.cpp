@@ -97,10 +97,7 @@ TEST_F(Export, LeavesOnlyTheMap) {
     succeed();
     EXPECT_EQ(readBytes(mesh), twoQuads());
     EXPECT_THAT(dir.names(), ElementsAre("maps", "two.Vemo"));
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(out))
-        names.push_back(entry.path().filename().string());
-    EXPECT_THAT(names, ElementsAre("two_normal.tif"));
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.tif"));
 }
 
 TEST_F(Export, ReplacesAnEarlierMap) {
@@ -182,34 +179,36 @@ TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {
                           " returned -17: the mesh file cannot be opened or read\n");
 }
 
-TEST_F(Export, AMissingFilterIsASentence) {
+TEST_F(Export, AMissingFilterIsReported) {
     EXPECT_THAT(fail({"--tiles", dir.path("none.txt")}),
                 HasSubstr("setUVtilesOutput of " + dir.path("none.txt") + " returned -1: "));
 }
 
-TEST_F(Export, AMissingParentFolderIsASentence) {
+TEST_F(Export, AMissingParentFolderIsReported) {
     out = dir.path("none/maps");
     EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + out + " returned -1: the folder was not"));
 }
 
-TEST_F(Export, AFileInPlaceOfTheFolderIsASentence) {
+TEST_F(Export, AFileInPlaceOfTheFolderIsReported) {
     out = mesh;
     EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + mesh + " returned -1: "));
 }
 
 TEST_F(Export, AFolderInPlaceOfTheMapStays) {
     dir.makeFolder("maps/two_normal.tif");
-    EXPECT_THAT(fail(), EndsWith("two_normal.tif is in the way: it is not a file\n"));
+    EXPECT_THAT(
+        fail(),
+        EndsWith("two_normal.tif exists and is not a file; move it or choose another folder\n"));
     EXPECT_TRUE(dir.has("maps/two_normal.tif"));
 }
 
-TEST_F(Export, AFilterWithoutAMatchIsASentence) {
+TEST_F(Export, AFilterWithoutAMatchIsReported) {
     const std::string filter = dir.write("filter.txt", "1003");
     EXPECT_EQ(fail({"--tiles", filter}),
               "quillon: no tile of " + mesh + " is in the filter " + filter + "\n");
 }
 
-TEST_F(Export, AMeshWithoutFacesIsASentence) {
+TEST_F(Export, AMeshWithoutFacesIsReported) {
     mesh = dir.write("none.Vemo", Words()
                                       .u32({0, 0, 0, 0, 0, 0, 0, 0})
                                       .u32({10001, 16, 0, 0})
@@ -220,14 +219,14 @@ TEST_F(Export, AMeshWithoutFacesIsASentence) {
     EXPECT_THAT(fail(), EndsWith("has no faces, so there is no tile to export\n"));
 }
 
-TEST_F(Export, AFaceThatNamesAMissingVertexIsASentence) {
+TEST_F(Export, AFaceThatNamesAMissingVertexIsReported) {
     ByteList bytes = twoQuads();
     bytes[kFirstFace] = 8;
     dir.write("two.Vemo", bytes);
     EXPECT_THAT(fail(), EndsWith("is broken: a face names vertex 8 of 8\n"));
 }
 
-TEST_F(Export, TilesTooFarApartForTheSheetAreASentence) {
+TEST_F(Export, TilesTooFarApartForTheSheetAreReported) {
     ByteList bytes = twoQuads();
     const ByteList far = Words().floats({5000.25f}).bytes();
     std::copy(far.begin(), far.end(), bytes.begin() + kSecondQuadUvs);
@@ -235,8 +234,8 @@ TEST_F(Export, TilesTooFarApartForTheSheetAreASentence) {
     EXPECT_THAT(fail(), HasSubstr("the tiles span 5001 columns and 1 rows"));
 }
 
-// A limit on the size of files stands in for a full disk.
-TEST_F(Export, ADiskThatTakesNoMoreIsASentenceAndLeavesNothing) {
+// A limit on the size of files acts as a full disk.
+TEST_F(Export, ADiskThatTakesNoMoreIsReportedAndLeavesNothing) {
     const Ended ended =
         quillonInShell("ulimit -f 8; exec \"$@\"", {"export", mesh, "--out", out, "--size", "256"});
     EXPECT_EQ(ended.exitStatus, 1);
@@ -244,7 +243,7 @@ TEST_F(Export, ADiskThatTakesNoMoreIsASentenceAndLeavesNothing) {
     EXPECT_FALSE(dir.has("maps"));
 }
 
-TEST_F(Export, AMeshCutShortAnywhereIsASentence) {
+TEST_F(Export, AMeshCutShortAnywhereIsReported) {
     const ByteList whole = twoQuads();
     ASSERT_EQ(whole.size(), 288u);
     for (std::size_t length = 0; length < 272; ++length) {

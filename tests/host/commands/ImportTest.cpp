@@ -94,7 +94,7 @@ TEST_F(Import, MaterialsAreTheGroupsOfAModelWithOneGroup) {
     EXPECT_THAT(ByteList(mesh.begin() + 276, mesh.begin() + 282), ElementsAre(0, 0, 1, 0, 0, 0));
 }
 
-TEST_F(Import, AGroupThatGoesOnLaterIsOneGroup) {
+TEST_F(Import, AGroupThatContinuesLaterIsOneGroup) {
     const ByteList mesh = import(
         "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n"
         "g a\nf 1/1 2/1 3/1\ng b\nf 1/1 3/1 2/1\ng a\nf 3/1 2/1 1/1\n");
@@ -114,7 +114,7 @@ constexpr std::size_t uvOffset(std::size_t faces) {
     return 32 + 52 + 16 + 16 * faces + 16;
 }
 
-TEST_F(Import, GroupsMoveToTilesOfTheirOwnByWholeTiles) {
+TEST_F(Import, GroupsMoveToTheirOwnTilesByWholeTiles) {
     const ByteList mesh =
         import(groups(2, "vt 3.25 -1.75\nvt 3.5 -1.75\nvt 3.25 -1.5\n"), {"--tile-per-group"});
     EXPECT_THAT(floatsAt(mesh, uvOffset(2), 6),
@@ -145,15 +145,15 @@ TEST_F(Import, AGroupAcrossABorderIsMovedWithoutBeingMadeLarger) {
     EXPECT_THAT(floatsAt(mesh, uvOffset(1), 6), ElementsAre(0, 0, 0.5f, 0, 0, 0.5f));
 }
 
-TEST_F(Import, RefusesWhatIsNoModelInASentence) {
+TEST_F(Import, RefusesWhatIsNoModelWithAReason) {
     EXPECT_EQ(failure(dir.path("none.obj")),
               "quillon: there is no model " + dir.path("none.obj") + "\n");
     EXPECT_EQ(failure(dir.path()), "quillon: " + dir.path() + " is not a file\n");
-    EXPECT_THAT(failureOf(""), HasSubstr("holds no faces"));
-    EXPECT_THAT(failureOf(std::string_view("\0\xFF\x01v f\0", 7)), HasSubstr("holds no faces"));
+    EXPECT_THAT(failureOf(""), HasSubstr("has no faces"));
+    EXPECT_THAT(failureOf(std::string_view("\0\xFF\x01v f\0", 7)), HasSubstr("has no faces"));
 }
 
-TEST_F(Import, RefusesABrokenModelInASentence) {
+TEST_F(Import, RefusesABrokenModelWithAReason) {
     const std::string start = "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n";
     EXPECT_THAT(failureOf(start + "f 1/1 2/1 4/1\n"), HasSubstr("vertex that does not exist"));
     EXPECT_THAT(failureOf(start + "f 1/1 2/1 -9/1\n"), HasSubstr("vertex that does not exist"));
@@ -174,7 +174,7 @@ TEST_F(Import, RefusesAModelWithoutUvs) {
                 HasSubstr("has faces without UVs; give them UVs first"));
 }
 
-TEST_F(Import, AFullDiskOrAMissingFolderIsASentence) {
+TEST_F(Import, AFullDiskOrAMissingFolderIsReported) {
     const std::string model = dir.write("model.obj", kPolygons);
     EXPECT_EQ(quillon({"import", model, "/dev/full"}).err,
               "quillon: cannot write /dev/full: No space left on device\n");

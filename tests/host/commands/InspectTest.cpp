@@ -196,7 +196,7 @@ TEST_F(Inspect, PicturesThatQuillonMadeShowTheirHeaders) {
     EXPECT_EQ(field(targa, "pixels"), "18 135 ");
 }
 
-TEST_F(Inspect, ABrokenStartIsToldByTheExtension) {
+TEST_F(Inspect, ABrokenStartIsKnownByTheExtension) {
     EXPECT_EQ(field(inspect("map.PSD", PsdFile(3, 1).signature("8BPX").filled(9, 9)), "signature"),
               "0 4 8BPX");
     EXPECT_THAT(verdicts(inspect("no.bmp", ByteList{'x'})),
@@ -246,7 +246,7 @@ TEST_F(Inspect, FieldsTriesNoExport) {
         json::parse(quillon({"inspect", map, "--fields", "--json"}).out).contains("exports"));
 }
 
-TEST_F(Inspect, LinesTellTheSame) {
+TEST_F(Inspect, LinesSayTheSame) {
     const std::string map = dir.write("map.psd", PsdFile(3, 1).grey16().filled(6, 9));
     const Ended ended = quillon({"inspect", map});
     EXPECT_EQ(ended.exitStatus, 0);
@@ -263,7 +263,7 @@ TEST_F(Inspect, LinesTellTheSame) {
     EXPECT_THAT(shown, HasSubstr("-56  \x1B[31mrefused\x1B[0m: "));
 }
 
-TEST_F(Inspect, GoesOnAfterAFileThatIsNotThere) {
+TEST_F(Inspect, ContinuesAfterAMissingFile) {
     const std::string map = dir.write("map.bmp", BmpFile(2, 2));
     const Ended ended = quillon({"inspect", dir.path("none"), map, dir.path(), "--json"});
     EXPECT_EQ(ended.exitStatus, 1);

@@ -92,7 +92,7 @@ TEST_F(Script, StopsAtTheFirstCallThatFails) {
                              ":2: CloseFolder returned -1: no folder is open\n");
 }
 
-TEST_F(Script, KeepGoingGoesOnAndStillFails) {
+TEST_F(Script, KeepGoingContinuesAndStillFails) {
     const Ended ended = script("CloseFolder\nVersion\nGetFile\n", {"--keep-going"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.out,
@@ -113,7 +113,7 @@ TEST_F(Script, ACallThatThrowsIsACallThatFails) {
     EXPECT_EQ(calls[1]["status"], 48);
 }
 
-TEST_F(Script, JsonIsAnObjectALine) {
+TEST_F(Script, JsonIsAnObjectPerLine) {
     const Ended ended = script("# two calls\nVersion\nGetString abcdefgh 2\n", {"--json"});
     const std::vector<json> calls = objects(ended.out);
     ASSERT_EQ(calls.size(), 2u);
@@ -126,7 +126,7 @@ TEST_F(Script, JsonIsAnObjectALine) {
     EXPECT_TRUE(calls[1]["milliseconds"].is_number());
 }
 
-TEST_F(Script, QuietTellsByTheExitStatusAlone) {
+TEST_F(Script, QuietPrintsNothing) {
     const Ended ended = script("CloseFolder\n", {"--quiet"});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.out + ended.err, "");
@@ -165,8 +165,8 @@ TEST_F(Script, StandardInputIsCarriedOutLineByLine) {
     EXPECT_THAT(ended.err, StartsWith("quillon: standard input:3: there is no export None"));
 }
 
-// The second line is written only once the first one's answer is there.
-TEST_F(Script, AnAnswerIsThereBeforeTheNextCall) {
+// The second line is written only once the first call's result is there.
+TEST_F(Script, AResultIsThereBeforeTheNextCall) {
     const std::string shell = "cd " + dir.path() +
                               " && mkfifo in; \"$@\" <in >out & exec 3>in; "
                               "echo Version >&3; until grep -q 48 out; do sleep 0.01; done; "
@@ -177,7 +177,7 @@ TEST_F(Script, AnAnswerIsThereBeforeTheNextCall) {
     EXPECT_EQ(readBytes(dir.path("out")).size(), 52u);
 }
 
-TEST_F(Script, AMissingFileIsASentence) {
+TEST_F(Script, AMissingFileIsReported) {
     const Ended ended = quillon({"script", dir.path("none")});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: there is no script " + dir.path("none") + "\n");

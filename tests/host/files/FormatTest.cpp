@@ -13,14 +13,6 @@ using ::testing::HasSubstr;
 
 using Format = ExportedQuads;
 
-std::vector<std::string> namesIn(const std::string& folder) {
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(folder))
-        names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    return names;
-}
-
 // Each row: a format, the file it leaves, the exports it calls and the file's size.
 TEST_F(Format, EachIsMergedByItsOwnExport) {
     const struct {
@@ -91,12 +83,6 @@ TEST_F(Format, AnOrderOfChannelsIsTheSameInEach) {
     }
 }
 
-TEST_F(Format, AnOrderThatPsdCannotGiveAtOnceTakesTwoCalls) {
-    const std::string log = succeed({"--format", "psd", "--order", "bgr"}).out;
-    EXPECT_THAT(log, HasSubstr("swapRGBPSD              0  " + out + "/two_normal.psd, mode 1\n" +
-                               "swapRGBPSD              0  " + out + "/two_normal.psd, mode 3\n"));
-}
-
 // Heights of 1/16, 9/16 and 15/16 of 65535, rounded.
 TEST_F(Format, APsdHasHeightsOf16Bits) {
     succeed({"--map", "height", "--format", "psd"});
@@ -113,7 +99,7 @@ TEST_F(Format, APsdHasHeightsOf16Bits) {
     EXPECT_EQ(level(7, 3), 0);
 }
 
-TEST_F(Format, AHeightMapIsConvertedTo16BitsBesides) {
+TEST_F(Format, AHeightMapIsAlsoConvertedTo16Bits) {
     const Ended ended = succeed({"--map", "height", "--bits", "16"});
     EXPECT_THAT(ended.out, HasSubstr("convertTIFF16           0  " + out + "/two_height.tif to " +
                                      out + "/two_height_16bit.tif, layout 1\n"));
@@ -131,7 +117,7 @@ TEST_F(Format, AHeightMapIsConvertedTo16BitsBesides) {
 
 // 256 rows and 256 columns of a height of their own, and the background: 513 levels. Python
 // computes 18.49 e^(1049 / 513 - 0.00007071 x 513) in single precision.
-TEST_F(Format, AFloatMapTellsItsDisplacementScale) {
+TEST_F(Format, TheDisplacementScaleOfAFloatMapIsPrinted) {
     size = "1024";
     const Ended ended = succeed({"--map", "height"});
     EXPECT_THAT(ended.out, HasSubstr("  " + out + "/two_height.tif, channels 1\n"));
@@ -143,7 +129,7 @@ TEST_F(Format, AMapOfFewLevelsHasNoFiniteDisplacementScale) {
                 HasSubstr("\n\ndisplacement scale infinite: the map has too few levels"));
 }
 
-TEST_F(Format, ATargaFileHoldsTheReorderedMap) {
+TEST_F(Format, ATargaFileHasTheReorderedMap) {
     const Ended ended = succeed({"--targa", "--order", "bgr"});
     EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_normal.tif  608 bytes\n" + out +
                                     "/two_normal.tga  402 bytes\n"));
@@ -153,8 +139,8 @@ TEST_F(Format, ATargaFileHoldsTheReorderedMap) {
     EXPECT_EQ(targa.at(6, 5), kBackground);
 }
 
-// Every fourth pixel of cells of 32, in whose middle half the quads lie.
-TEST_F(Format, ABmpLeavesAThumbnailBesides) {
+// Every fourth pixel of cells of 32, in the middle half of which the quads are.
+TEST_F(Format, ABmpAlsoGetsAThumbnail) {
     size = "64";
     const Ended ended = succeed({"--format", "bmp", "--thumbnail", "16"});
     EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_normal.bmp  6198 bytes\n" + out +
@@ -170,7 +156,7 @@ TEST_F(Format, ABmpLeavesAThumbnailBesides) {
 }
 
 // The library's own JPEG, as another decoder sees it: flat cells come close to their colours.
-TEST_F(Format, ABmpIsSavedAsJpegBesides) {
+TEST_F(Format, ABmpIsAlsoSavedAsJpeg) {
     size = "64";
     const Ended ended = succeed({"--format", "bmp", "--jpeg", "0"});
     EXPECT_THAT(ended.out, HasSubstr("saveAsJpeg              0  " + out + "/two_normal.bmp to " +
@@ -182,11 +168,11 @@ TEST_F(Format, ABmpIsSavedAsJpegBesides) {
         EXPECT_NEAR(pixel[channel], kFacesZ[channel], 3) << channel;
 }
 
-TEST_F(Format, AJpegWithoutAQualityIsOfTheMiddleOne) {
+TEST_F(Format, AJpegWithoutAQualityHasTheMiddleOne) {
     EXPECT_THAT(succeed({"--format", "bmp", "--jpeg"}).out, HasSubstr("quality 50\n"));
 }
 
-TEST_F(Format, ASheetTooThinForItsThumbnailIsASentence) {
+TEST_F(Format, ASheetTooThinForItsThumbnailIsReported) {
     ByteList bytes = twoQuads();
     const ByteList far = Words().floats({40.25f}).bytes();
     std::ranges::copy(far, bytes.begin() + kSecondQuadUvs);
@@ -200,10 +186,13 @@ TEST_F(Format, ASheetTooThinForItsThumbnailIsASentence) {
 TEST_F(Format, AFolderInPlaceOfAnExtraStays) {
     for (const char* file : {"two_height_16bit.tif", "two_normal.tga", "two_normal_thumbnail.bmp"})
         dir.makeFolder(std::string("maps/") + file);
-    EXPECT_THAT(fail({"--targa"}), EndsWith("two_normal.tga is in the way: it is not a file\n"));
-    EXPECT_THAT(fail({"--map", "height", "--bits", "16"}), HasSubstr("16bit.tif is in the way"));
+    EXPECT_THAT(
+        fail({"--targa"}),
+        EndsWith("two_normal.tga exists and is not a file; move it or choose another folder\n"));
+    EXPECT_THAT(fail({"--map", "height", "--bits", "16"}),
+                HasSubstr("16bit.tif exists and is not a file"));
     EXPECT_THAT(fail({"--format", "bmp", "--thumbnail", "16"}),
-                HasSubstr("two_normal_thumbnail.bmp is in the way"));
+                HasSubstr("two_normal_thumbnail.bmp exists and"));
 }
 
 }  // namespace

@@ -224,7 +224,7 @@ TEST_F(Place, IsAnObjectAsJson) {
     EXPECT_FALSE(pixel.contains("fields"));
 }
 
-TEST_F(Place, BeyondTheEndIsASentence) {
+TEST_F(Place, BeyondTheEndIsReported) {
     file = dir.write("two.Vemo", twoQuads());
     const Ended ended = quillon({"inspect", file, "--at", "288"});
     EXPECT_EQ(ended.exitStatus, 1);

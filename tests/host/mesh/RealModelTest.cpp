@@ -1,5 +1,5 @@
-// A real model, from its OBJ file to the tiles' meshes: what the tiles hold, put back in place, is
-// what the model holds.
+// A real model, from its OBJ file to the tiles' meshes: the corners of the tiles, moved back, are the
+// model's corners.
 
 #include <gtest/gtest.h>
 

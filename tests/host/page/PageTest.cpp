@@ -1,4 +1,4 @@
-// The page of an export and of a tour: what it tells, and its pictures as ImageMagick reads them.
+// The page of an export and of a tour: its text, and its pictures as ImageMagick reads them.
 
 #include <gmock/gmock.h>
 
@@ -33,7 +33,7 @@ ByteList bytesOf(const std::string& base64) {
 }
 
 struct Shown {
-    std::string name;  // as those read it out who do not see the picture
+    std::string name;  // the alternative text
     std::size_t width;
     ByteList jpeg;
 };
@@ -185,7 +185,7 @@ TEST_F(Page, ShowsALargeSheetInFewerPixels) {
     EXPECT_TRUE(isNear(decoded(pictures[7]).at(1537, 512), kFacesX));
 }
 
-// A quad fills the middle half of each tile; a third of its colour lies between its lines.
+// A quad fills the middle half of each tile; between its lines is a third of its colour.
 TEST_F(Page, ATileShowsItsFacesInItsOwnColour) {
     const std::string page = pageOf({}, "two_normal.html");
     const std::vector<Shown> pictures = picturesIn(page);
@@ -218,7 +218,7 @@ TEST_F(Page, TheModelIsLitOnItsBackdrop) {
     EXPECT_LT(painted, 12800u / 2);
 }
 
-TEST_F(Page, TellsTheTimeOfACallBesideThatOfCopying) {
+TEST_F(Page, ShowsTheTimeOfACallBesideThatOfCopying) {
     const std::string page = pageOf({"--order", "bgr"}, "two_normal.html");
     const std::string comparison =
         page.substr(page.find("<h2>Time beside copying"), page.find("<details>"));
@@ -242,7 +242,7 @@ TEST_F(Page, ListsTheCallsButNotThoseForItsPictures) {
     EXPECT_THAT(calls, Not(HasSubstr("saveAsJpeg")));
 }
 
-TEST_F(Page, StandsAloneAndNeedsNoScripts) {
+TEST_F(Page, IsOneFileWithoutScripts) {
     const std::string page = pageOf({}, "two_normal.html");
     EXPECT_THAT(page, StartsWith("<!DOCTYPE html>\n<html lang=\"en\">\n"));
     EXPECT_THAT(page, EndsWith("</html>\n"));
@@ -253,7 +253,7 @@ TEST_F(Page, StandsAloneAndNeedsNoScripts) {
     EXPECT_THAT(unbalancedIn(page), ElementsAre());
 }
 
-TEST_F(Page, LettersThatHtmlTakesForItsOwnAreText) {
+TEST_F(Page, SpecialCharactersOfHtmlAreEscaped) {
     mesh = dir.write("a<b & c.Vemo", twoQuads());
     EXPECT_THAT(pageOf({}, "a<b & c_normal.html"),
                 HasSubstr("<h1>The maps of a&lt;b &amp; c</h1>"));
@@ -265,7 +265,7 @@ TEST_F(Page, LeavesNoWorkingFiles) {
     EXPECT_TRUE(dir.has("maps/two_normal.tif"));
 }
 
-TEST_F(Page, MoreTilesThanItShowsAreASentence) {
+TEST_F(Page, MoreTilesThanItShowsAreReported) {
     Words file;
     file.u32({0, 0, 0, 0, 0, 0, 0, 0}).u32({10001, 16 + 4 * 12, 4, 0});
     file.floats({0, 0, 0, 2, 0, 0, 2, 2, 0, 0, 2, 0}).u32({20001, 16 + 201 * 16, 201, 0});
@@ -285,12 +285,9 @@ TEST_F(Page, ATourShowsTwoExportsOnOnePage) {
     const Ended ended = tour();
     EXPECT_EQ(ended.exitStatus, 0) << ended.err;
     EXPECT_THAT(ended.out, HasSubstr('\n' + out + "/two.html  "));
-    std::vector<std::string> names;
-    for (const auto& entry : std::filesystem::directory_iterator(out))
-        names.push_back(entry.path().filename().string());
-    std::ranges::sort(names);
-    EXPECT_THAT(names, ElementsAre("two.html", "two_height.tif", "two_height_16bit.tif",
-                                   "two_normal.bmp", "two_normal.jpg", "two_normal_thumbnail.bmp"));
+    EXPECT_THAT(namesIn(out),
+                ElementsAre("two.html", "two_height.tif", "two_height_16bit.tif", "two_normal.bmp",
+                            "two_normal.jpg", "two_normal_thumbnail.bmp"));
     const std::string page = read("two.html");
     for (const char* part :
          {"<h1>The maps of two</h1>", "<h2>Normals as BMP</h2>", "<h2>Heights as TIFF</h2>",
@@ -308,11 +305,12 @@ TEST_F(Page, AFolderInPlaceOfTheToursPageStopsItAtOnce) {
     dir.makeFolder("maps/two.html");
     const Ended ended = tour();
     EXPECT_EQ(ended.exitStatus, 1);
-    EXPECT_THAT(ended.err, EndsWith("two.html is in the way: it is not a file\n"));
+    EXPECT_THAT(ended.err,
+                EndsWith("two.html exists and is not a file; move it or choose another folder\n"));
     EXPECT_FALSE(dir.has("maps/two_normal.bmp"));
 }
 
-TEST_F(Page, ATourTellsJsonOfBothExports) {
+TEST_F(Page, ATourReportsBothExportsAsJson) {
     const std::string report = tour({"--json"}).out;
     EXPECT_THAT(report, StartsWith("{\"success\":true,"));
     for (const char* file : {"/two_normal.bmp", "/two_height_16bit.tif", "/two.html"})

@@ -103,7 +103,7 @@ TEST(Interrupt, AnExportLeavesNothingAndEndsWith130) {
     EXPECT_EQ(readBytes(mesh), twoQuads());
 }
 
-// Whether a process has set a handler for Ctrl-C, as the system tells it.
+// Whether a process has set a handler for Ctrl-C, according to the system.
 bool notesInterrupts(pid_t process) {
     std::ifstream status("/proc/" + std::to_string(process) + "/status");
     for (std::string line; std::getline(status, line);) {
@@ -115,7 +115,7 @@ bool notesInterrupts(pid_t process) {
 
 // The model is large enough that it is still being read when Ctrl-C comes.
 TEST(Interrupt, AnImportLeavesAnEarlierMeshAndNothingOfItsOwn) {
-    if (*QUILLON_EMULATOR != '\0') GTEST_SKIP() << "the system tells of the emulator's handlers";
+    if (*QUILLON_EMULATOR != '\0') GTEST_SKIP() << "the system reports the emulator's handlers";
     const TempDir dir;
     std::string text = "vt 0 0\n";
     for (int i = 0; i < 100'000; ++i)

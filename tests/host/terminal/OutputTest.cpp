@@ -87,11 +87,11 @@ TEST_F(Output, WhatTheLibraryPrintsIsNotAmongTheJson) {
               "");
 }
 
-TEST_F(Output, BytesThatAreNoUtf8AreReplaced) {
+TEST_F(Output, BytesThatAreNotUtf8AreReplaced) {
     EXPECT_EQ(jsonOf({"call", "GetString", "a\xFF", "--value", "0"})["text"], "a\xEF\xBF\xBD");
 }
 
-TEST_F(Output, AnExportTellsItsCallsAndFiles) {
+TEST_F(Output, AnExportReportsItsCallsAndFiles) {
     const json report = jsonOf(exportArguments());
     EXPECT_EQ(report["success"], true);
     EXPECT_EQ(report["files"],
@@ -101,11 +101,11 @@ TEST_F(Output, AnExportTellsItsCallsAndFiles) {
     EXPECT_FALSE(report.contains("scale"));
 }
 
-TEST_F(Output, AnExportTellsTheScaleOfAHeightMap) {
+TEST_F(Output, AnExportReportsTheScaleOfAHeightMap) {
     EXPECT_TRUE(jsonOf(exportArguments({"--map", "height"})).contains("scale"));
 }
 
-TEST_F(Output, AnExportThatFailsTellsTheCallsUpToThere) {
+TEST_F(Output, AnExportThatFailsReportsTheCallsSoFar) {
     mesh = dir.write("empty.Vemo", "");
     const json report = jsonOf(exportArguments(), 1);
     EXPECT_EQ(report["success"], false);
@@ -114,7 +114,7 @@ TEST_F(Output, AnExportThatFailsTellsTheCallsUpToThere) {
     EXPECT_FALSE(report.contains("files"));
 }
 
-TEST_F(Output, AMergeTellsItsCallsAndTheTarget) {
+TEST_F(Output, AMergeReportsItsCallsAndTheTarget) {
     const json report = jsonOf({"merge", all, tile});
     EXPECT_EQ(exportsIn(report["calls"]), std::vector<std::string>{"mergeMapsTIF"});
     EXPECT_EQ(report["files"][0]["path"], all);
@@ -129,7 +129,7 @@ TEST_F(Output, AMergeThatFailsIsAnObject) {
                 HasSubstr("there is no map"));
 }
 
-TEST_F(Output, AnImportTellsItsNumbers) {
+TEST_F(Output, AnImportReportsItsNumbers) {
     const std::string obj =
         dir.write("m.obj", "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nf 1/1 2/1 3/1\n");
     const json report = jsonOf({"import", obj, dir.path("m.Vemo")});
@@ -162,7 +162,7 @@ TEST_F(Output, QuietPrintsNothingAndKeepsTheExitStatus) {
     }
 }
 
-TEST_F(Output, OneWayOfTellingAtATime) {
+TEST_F(Output, OutputFlagsExcludeEachOther) {
     EXPECT_EQ(quillon({"call", "Version", "--json", "--quiet"}).exitStatus, 2);
     EXPECT_EQ(quillon({"merge", all, tile, "--json", "--verbose"}).exitStatus, 2);
     EXPECT_EQ(quillon({"merge", all, tile, "--quiet", "--verbose"}).exitStatus, 2);
@@ -177,7 +177,7 @@ TEST_F(Output, ATerminalGetsColours) {
     EXPECT_THAT(quillonOnTerminal({"call", "None"}).shown, StartsWith("\x1B[31mquillon:\x1B[0m "));
 }
 
-TEST_F(Output, ATerminalWithoutColoursAndAPersonWhoWantsNoneGetNone) {
+TEST_F(Output, ATerminalWithoutColoursAndNoColorGetNone) {
     const std::vector<std::vector<std::string>> kEnvironments = {
         {}, {"TERM=dumb"}, {"TERM=xterm", "NO_COLOR=1"}};
     for (const auto& environment : kEnvironments) {

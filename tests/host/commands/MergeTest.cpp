@@ -35,7 +35,7 @@ struct MergeCommand : ::testing::Test {
     std::string third = dir.write("1003.tif", tiff(kThirdPixel));
 };
 
-TEST_F(MergeCommand, FoldsTiffTilesIntoTheTarget) {
+TEST_F(MergeCommand, MergesTiffTilesIntoTheTarget) {
     const Ended ended = merge({all, second, third});
     EXPECT_EQ(ended.exitStatus, 0);
     EXPECT_EQ(ended.err, "");
@@ -45,7 +45,7 @@ TEST_F(MergeCommand, FoldsTiffTilesIntoTheTarget) {
                 EndsWith("\n\n" + all + "  " + std::to_string(tiff(kPlain).size()) + " bytes\n"));
 }
 
-TEST_F(MergeCommand, FoldsPsdTilesIntoTheTarget) {
+TEST_F(MergeCommand, MergesPsdTilesIntoTheTarget) {
     const std::string map = dir.write("all.psd", PsdFile(3, 1).filled(9, 9));
     const std::string a =
         dir.write("a.psd", PsdFile(3, 1).pixels({{9, 9, 9}, {1, 2, 3}, {9, 9, 9}}));
@@ -55,7 +55,7 @@ TEST_F(MergeCommand, FoldsPsdTilesIntoTheTarget) {
     EXPECT_THAT(imageData(map), ElementsAre(9, 1, 4, 9, 2, 5, 9, 3, 6));
 }
 
-TEST_F(MergeCommand, FoldsBmpTilesIntoTheTarget) {
+TEST_F(MergeCommand, MergesBmpTilesIntoTheTarget) {
     const std::string map = dir.write("all.bmp", BmpFile(3, 1).pixels(kPlain));
     const std::string a = dir.write("a.bmp", BmpFile(3, 1).pixels(kSecondPixel));
     const std::string b = dir.write("b.bmp", BmpFile(3, 1).pixels(kThirdPixel));
@@ -63,7 +63,7 @@ TEST_F(MergeCommand, FoldsBmpTilesIntoTheTarget) {
     EXPECT_THAT(bmpPixelsOf(map), ElementsAre(9, 9, 9, 1, 2, 3, 4, 5, 6));
 }
 
-TEST_F(MergeCommand, TellsFormatsByExtensionsOfAnyCase) {
+TEST_F(MergeCommand, KnowsFormatsByExtensionsInAnyCase) {
     const std::string tile = dir.write("tile.TIFF", tiff(kSecondPixel));
     const std::string map = dir.write("map.Tif", tiff(kPlain));
     EXPECT_EQ(merge({map, tile}).exitStatus, 0);
@@ -130,7 +130,7 @@ TEST_F(MergeCommand, LeavesOutTheTargetAmongTheTiles) {
     EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 4, 5, 6));
 }
 
-TEST_F(MergeCommand, AMissingFileIsASentenceBeforeAnythingIsTouched) {
+TEST_F(MergeCommand, AMissingFileIsReportedBeforeAnythingIsTouched) {
     const std::string none = dir.path("none.tif");
     EXPECT_EQ(merge({none, second}).err, "quillon: there is no map " + none + '\n');
     const Ended ended = merge({all, second, none});
@@ -158,17 +158,6 @@ TEST_F(MergeCommand, ShowsEveryCallWhenAsked) {
     const std::string fourth = dir.write("1004.tif", tiff(kPlain));
     EXPECT_THAT(merge({all, second, third, fourth}).out, Not(HasSubstr(third)));
     EXPECT_THAT(merge({all, second, third, fourth, "--verbose"}).out, HasSubstr(third));
-}
-
-// The program script runs a command on a terminal of its own and passes on what it shows.
-TEST_F(MergeCommand, ShowsABarOnATerminal) {
-    std::string command;
-    for (const std::string& word : commandLine(QUILLON_HOST, {"merge", all, second, third}))
-        command += "'" + word + "' ";
-    const Ended ended =
-        run({"/usr/bin/script", "--quiet", "--return", "--command", command, "/dev/null"});
-    EXPECT_EQ(ended.exitStatus, 0);
-    EXPECT_THAT(ended.out, HasSubstr("merging [############............] 1 of 2  " + third));
 }
 
 }  // namespace
