@@ -53,7 +53,8 @@ TEST(Call, FailureStatusesEndWithOne) {
         const char* meaning;
     } kCases[] = {
         {{"CreateFolder", dir.path()}, "-1", "it exists"},
-        {{"FileDelete"}, "-1", "not deleted"},
+        {{"FileDelete"}, "-1", "TEXT is missing"},
+        {{"FileDelete", dir.path("none")}, "-1", "not deleted"},
         {{"GetFile"}, "-1", "no folder is open"},
         {{"getUVTile", dir.path("none")}, "-17", "cannot be opened"},
         {{"getUVs", dir.path("none"), "--buffer", dir.path("x.y")}, "-1760", "cannot be opened"},
@@ -77,7 +78,7 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"swapRGBBMP", dir.path("none"), "--value", "1"}, "-1760", "the map cannot be opened"},
         {{"CreateThumbnailBMP", dir.path("none"), "--value", "8"}, "-1", "cannot be opened"},
         {{"CreateThumbnailBMP", noBmp, "--value", "8"}, "-2", "is no BMP"},
-        {{"CreateThumbnailBMP", bmp}, "-9", "the size is below 1"},
+        {{"CreateThumbnailBMP", bmp}, "-9", "--value is to be the longer side"},
     };
     for (const auto& row : kCases) {
         std::vector<std::string> arguments = row.arguments;

@@ -176,7 +176,8 @@ TEST_F(Export, TheLeftCornersStayBackground) {
 TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {
     mesh = dir.path("none.Vemo");
     EXPECT_EQ(fail(), "quillon: getUVTile of " + mesh +
-                          " returned -17: the mesh file cannot be opened or read\n");
+                          " returned -17: the mesh file cannot be opened or read, or there is "
+                          "too little memory\n");
 }
 
 TEST_F(Export, AMissingFilterIsReported) {

@@ -75,8 +75,8 @@ TEST_F(MergeCommand, StopsAtTheFirstTileThatDoesNotFit) {
     const Ended ended = merge({all, second, wide, third});
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: " + wide + " cannot be merged into " + all +
-                             ": the maps differ in size, or the target is no TIFF "
-                             "(mergeMapsTIF returned -30)\n");
+                             ": the maps differ in size, or no directory is found in one of "
+                             "them (mergeMapsTIF returned -30)\n");
     EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF          -30  " + wide));
     EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
 }
@@ -97,7 +97,7 @@ TEST_F(MergeCommand, SaysWhatDiffers) {
         {psd, dir.write("wide.psd", PsdFile(4, 1).filled(12, 9)),
          "the maps differ in size (mergeMapsPSD returned -6)"},
         {psd, dir.write("short.psd", PsdFile(3, 1).filled(8, 9)),
-         "a map cannot be opened, is no PSD, or is cut short (mergeMapsPSD returned -1)"},
+         "a map cannot be opened or read, is no PSD, or is cut short (mergeMapsPSD returned -1)"},
         {psd, dir.write("grey.psd", PsdFile(3, 1).channels(1).colourMode(1).filled(9, 9)),
          "the source is neither 8-bit RGB nor 16-bit grey (mergeMapsPSD returned 36)"},
         {bmp, dir.write("wide.bmp", BmpFile(4, 1)),
