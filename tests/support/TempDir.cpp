@@ -28,7 +28,7 @@ std::string TempDir::path(std::string_view name) const {
 std::string TempDir::write(std::string_view name, const ByteList& bytes) const {
     const std::string file = path(name);
     std::ofstream out(file, std::ios::binary);
-    std::copy(bytes.begin(), bytes.end(), std::ostreambuf_iterator<char>(out));
+    out.write(reinterpret_cast<const char*>(bytes.data()), std::ssize(bytes));
     if (!out.flush()) throw std::runtime_error("cannot write " + file);
     return file;
 }
@@ -58,5 +58,11 @@ std::vector<std::string> TempDir::names() const {
 ByteList readBytes(const std::string& path) {
     std::ifstream in(path, std::ios::binary);
     EXPECT_TRUE(in.is_open()) << path;
-    return ByteList(std::istreambuf_iterator<char>(in), {});
+    ByteList bytes;
+    ByteList piece(16 << 10);
+    do {
+        in.read(reinterpret_cast<char*>(piece.data()), std::ssize(piece));
+        bytes.insert(bytes.end(), piece.begin(), piece.begin() + in.gcount());
+    } while (in);
+    return bytes;
 }
