@@ -8,13 +8,14 @@ namespace {
 constexpr const char* kIntroduction = R"(# The exports
 
 Each of the 34 functions takes the same seven arguments, of which it reads at most three: `text`, a
-path or another text; `value`, a number; `buffer1`, a second path or the block for a text. It answers
-with a number, the status. `quillon call EXPORT TEXT --value VALUE --buffer BUFFER1` makes one call;
-`quillon describe EXPORT` shows a section of this page.
+path or another text; `value`, a number; `buffer1`, a second path or the block for a text. It returns
+a number, the status. `quillon call EXPORT TEXT --value VALUE --buffer BUFFER1` makes one call;
+`quillon describe EXPORT` shows a section of this page. What each operation does, step by step, is
+written out as short Python in [tests/model/](../tests/model).
 
-The examples work on small files, which `docs/examples/make FOLDER` leaves in a folder; each starts
-from them anew. This page is what `quillon reference` prints; a test compares the two and runs every
-example.
+The examples work on small files, which `docs/examples/make FOLDER` writes to a folder; each starts
+with fresh copies. This page is what `quillon reference` prints; a test compares the two and runs
+every example.
 
 Where a whole number is wanted, the fraction of `value` is cut off. Whether a number is taken is
 decided before that: 100.5 is beyond 100, and 1.5 is neither 1 nor 3.

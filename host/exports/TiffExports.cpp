@@ -70,10 +70,7 @@ constexpr StatusMeaning kSwap[] = {
     kRefusedArgument};
 
 constexpr StatusMeaning kConvert[] = {
-    {kOk, cause::kDone,
-     "the 16-bit map was written; a header alone for a map without pixels, or in which no "
-     "directory "
-     "is found"},
+    {kOk, cause::kDone, "the 16-bit map was written"},
     kMapNotOpened,
     {kNotReopened, cause::kSourceNotOpened, "the map cannot be opened again"},
     kTargetUnwritten,
@@ -91,9 +88,7 @@ constexpr StatusMeaning kConvert[] = {
     kRefusedArgument};
 
 constexpr StatusMeaning kSingle[] = {
-    {kOk, cause::kDone,
-     "the first channel was written; a header alone for a map without pixels, or in which no "
-     "directory is found"},
+    {kOk, cause::kDone, "the first channel was written"},
     {quillon_status::kFailed, cause::kNullArgument | cause::kNoMemory,
      "there is too little memory"},
     kMapNotOpened,
@@ -178,7 +173,8 @@ constexpr Export kExports[] = {
                "3, else a TIFF. An older file is written over and then cut to the new length; if "
                "the disk fails, the older file is lost and a part of the new one is left. 0 to 1 "
                "becomes 0 to 65535. In a PSD width and height have "
-               "changed places, which square maps do not show.",
+               "changed places, which square maps do not show. "
+               "A map without pixels, or in which no directory is found, gives a header alone.",
      .statuses = kConvert,
      .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
                "reaches a host.",
@@ -197,7 +193,8 @@ constexpr Export kExports[] = {
      .bufferIs = "target",
      .writes = "The target: a TIFF of one channel of 32-bit floats. An older file is written over "
                "and then cut to the new length; if the disk fails, the older file is lost and a "
-               "part of the new one is left. The map is only read, yet it must be writable.",
+               "part of the new one is left. The map is only read, yet it must be writable. "
+               "A map without pixels, or in which no directory is found, gives a header alone.",
      .statuses = kSingle,
      .example = "quillon call convertTIFFSingle colour.tif --buffer first.tif",
      .output = "status   0\n"

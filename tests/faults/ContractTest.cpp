@@ -12,6 +12,7 @@
 #include <functional>
 #include <limits>
 #include <map>
+#include <memory>
 #include <optional>
 #include <set>
 #include <sstream>
@@ -20,7 +21,7 @@
 #include <utility>
 #include <vector>
 
-#include "Exports.h"
+#include "exports/Exports.h"
 #include "exports/Groups.h"
 #include "faults/FaultyStage.h"
 #include "faults/Refusals.h"
@@ -307,8 +308,8 @@ private:
     void make(const Trial& trial) {
         stage_.prepare(*scenario_);
         trial.spoil();
-        std::optional<WithoutRoot> anyUser;
-        if (trial.asAnyUser) anyUser.emplace();
+        std::unique_ptr<WithoutRoot> anyUser;
+        if (trial.asAnyUser) anyUser = std::make_unique<WithoutRoot>();
         const Answer answer = stage_.make(trial.call);
         anyUser.reset();
         if (trial.asAnyUser) letOthersIn();
