@@ -2,7 +2,6 @@
 #include <cstring>
 #include <vector>
 
-#include "Literals.h"
 #include "Pictures.h"
 #include "PlainPixels.h"
 #include "Races.h"
@@ -14,9 +13,6 @@ constexpr std::uint32_t kHeadBytes = 54;
 constexpr std::uint32_t kThumbSide = 256;
 
 // Sides are multiples of four, so that rows have no padding.
-RowLayout layoutOf(std::uint32_t side) {
-    return {kHeadBytes, bmpRowBytes(side), side, side};
-}
 
 // What one writes for want of a library: files mapped, one pass over the pixels.
 
@@ -70,29 +66,24 @@ float thumbnailTraffic(const std::string& path, std::uint32_t side) {
 
 Race merge(const Setup& setup) {
     const MapPaths paths(setup, ".bmp");
-    const RowLayout layout = layoutOf(setup.side);
     const std::size_t pixels = pixelsOf(setup);
     Race race = mergeRace(setup, paths, "mergeMapsBMP", writeBmp, 1.4);
     race.add(peer("C++, mapped", 0.75, [=] { return mergeMapped(paths.tile, paths.map, pixels); }));
-    race.add(literal([=] { return literalMerge(paths.tile, paths.map, layout, 3); }));
     return race;
 }
 
 Race swap(const Setup& setup) {
     const MapPaths paths(setup, ".bmp");
-    const RowLayout layout = layoutOf(setup.side);
     const std::size_t pixels = pixelsOf(setup);
     Race race = rewriteRace(setup, paths, {"swapRGBBMP", paths.map, 2}, writeBmp);
     race.add(rewriteLimit(paths, 1.3));
     race.add(peer("C++, mapped", 0.95, [=] { return swapMapped(paths.map, pixels); }));
-    race.add(literal([=] { return literalSwap(paths.map, layout); }));
     return race;
 }
 
 Race thumbnail(const Setup& setup) {
     const MapPaths paths(setup, ".bmp");
     const std::uint32_t side = setup.side;
-    const RowLayout layout = layoutOf(side);
     Race race = rewriteRace(setup, paths, {"CreateThumbnailBMP", paths.map, kThumbSide}, writeBmp);
     race.bytesHeld = race.bytesWritten;
     race.add({.role = Role::kLimit,
@@ -101,7 +92,6 @@ Race thumbnail(const Setup& setup) {
               .target = 1.1,
               .sameResult = false});
     race.add(peer("C++, mapped", 0.9, [=] { return thumbnailMapped(paths.map, side); }));
-    race.add(literal([=] { return literalThumbnail(paths.map, layout, kThumbSide); }));
     return race;
 }
 

@@ -6,13 +6,9 @@
 #include <ImfHeader.h>
 #include <ImfInputFile.h>
 #include <ImfThreading.h>
-#include <tinyexr.h>
 
-#include <algorithm>
 #include <memory>
 #include <span>
-
-#include "terminal/Failure.h"
 
 namespace {
 
@@ -41,24 +37,4 @@ float rangeByOpenExr(const std::string& path) {
     file.setFrameBuffer(plane);
     file.readPixels(window.min.y, window.max.y);
     return rangeOf({samples.get(), width * height});
-}
-
-float rangeByTinyExr(const std::string& path) {
-    EXRVersion version;
-    EXRHeader header;
-    EXRImage image;
-    InitEXRHeader(&header);
-    InitEXRImage(&image);
-    if (ParseEXRVersionFromFile(&version, path.c_str()) != TINYEXR_SUCCESS ||
-        ParseEXRHeaderFromFile(&header, &version, path.c_str(), nullptr) != TINYEXR_SUCCESS)
-        throw Failure("tinyexr cannot read the header of " + path);
-    std::fill_n(header.requested_pixel_types, header.num_channels, TINYEXR_PIXELTYPE_FLOAT);
-    if (LoadEXRImageFromFile(&image, &header, path.c_str(), nullptr) != TINYEXR_SUCCESS)
-        throw Failure("tinyexr cannot load " + path);
-    const auto count =
-        static_cast<std::size_t>(image.width) * static_cast<std::size_t>(image.height);
-    const float range = rangeOf({reinterpret_cast<const float*>(image.images[0]), count});
-    FreeEXRImage(&image);
-    FreeEXRHeader(&header);
-    return range;
 }

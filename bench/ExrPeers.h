@@ -5,6 +5,3 @@
 
 // The OpenEXR library on one thread, which converts the first channel only.
 float rangeByOpenExr(const std::string& path);
-
-// The plainest implementation: tinyexr loads everything, one loop looks at every sample.
-float rangeByTinyExr(const std::string& path);

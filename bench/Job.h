@@ -14,10 +14,9 @@
 
 enum class Role {
     kQuillon,
-    kBefore,   // another build of the library, to compare with
-    kPeer,     // the best that other software does
-    kLimit,    // the same file traffic without any computing
-    kLiteral,  // the plainest implementation
+    kBefore,  // another build of the library, to compare with
+    kPeer,    // the best that other software does
+    kLimit,   // the same file traffic without any computing
 };
 
 struct Contender {

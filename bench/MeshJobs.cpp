@@ -1,8 +1,6 @@
 #include <cmath>
 #include <cstdint>
-#include <cstdio>
 #include <cstring>
-#include <memory>
 #include <set>
 #include <string>
 #include <utility>
@@ -110,65 +108,6 @@ float splitMapped(const Mesh& mesh) {
     return static_cast<float>(tiles.size());
 }
 
-// The plainest implementations: the mesh loaded byte by byte, a name built for each face, numbers
-// written one at a time.
-
-std::vector<std::uint8_t> loadBytewise(const std::string& path) {
-    const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "rb"),
-                                                               std::fclose);
-    if (file == nullptr) throw Failure("cannot open " + path);
-    std::vector<std::uint8_t> bytes;
-    for (int byte = std::getc(file.get()); byte != EOF; byte = std::getc(file.get()))
-        bytes.push_back(static_cast<std::uint8_t>(byte));
-    return bytes;
-}
-
-struct NamedTile {
-    std::string name;
-    Tile tile;
-    bool operator<(const NamedTile& other) const { return name < other.name; }
-};
-
-std::set<NamedTile> namedTilesIn(const Mesh& mesh, const std::vector<std::uint8_t>& bytes) {
-    std::set<NamedTile> tiles;
-    for (std::size_t face = mesh.firstUv(); face < mesh.endOfUvs(); face += kFaceUvBytes) {
-        const Tile tile{placeOf(&bytes[face]).whole, placeOf(&bytes[face + 4]).whole};
-        const int number = static_cast<int>(tile.first) + 10 * static_cast<int>(tile.second) + 1001;
-        tiles.insert({std::to_string(number), tile});
-    }
-    return tiles;
-}
-
-float countLiterally(const Mesh& mesh) {
-    return static_cast<float>(namedTilesIn(mesh, loadBytewise(mesh.path)).size());
-}
-
-void writeFloat(std::FILE* file, float value) {
-    std::fwrite(&value, sizeof(value), 1, file);
-}
-
-float splitLiterally(const Mesh& mesh) {
-    const std::vector<std::uint8_t> bytes = loadBytewise(mesh.path);
-    const std::set<NamedTile> tiles = namedTilesIn(mesh, bytes);
-    for (const NamedTile& named : tiles) {
-        const std::string path = mesh.outPath + named.name + ".Vemo";
-        const std::unique_ptr<std::FILE, int (*)(std::FILE*)> file(std::fopen(path.c_str(), "wb"),
-                                                                   std::fclose);
-        if (file == nullptr) throw Failure("cannot create " + path);
-        std::fwrite(bytes.data(), 1, mesh.firstUv(), file.get());
-        for (std::size_t at = mesh.firstUv(); at < mesh.endOfUvs(); at += kCornerBytes) {
-            const Place u = placeOf(&bytes[at]);
-            const Place v = placeOf(&bytes[at + 4]);
-            const bool inside = Tile{u.whole, v.whole} == named.tile;
-            writeFloat(file.get(), inside ? u.local : -1.0f);
-            writeFloat(file.get(), inside ? v.local : -1.0f);
-        }
-        for (int i = 0; i < 4; ++i)
-            writeFloat(file.get(), 0.0f);
-    }
-    return static_cast<float>(tiles.size());
-}
-
 double millionFaces(const Mesh& mesh) {
     return static_cast<double>(mesh.size.faces()) * 1e-6;
 }
@@ -180,7 +119,6 @@ Race count(const Setup& setup) {
               .contenders = exportContenders(setup, {"getUVTile", mesh.path, kNumberedNames})};
     race.add(limit({{kRead, mesh.path, mesh.endOfUvs() - mesh.firstUv(), mesh.firstUv()}}, 1.3));
     race.add(peer("C++, mapped", 0.75, [=] { return countMapped(mesh); }));
-    race.add(literal([=] { return countLiterally(mesh); }));
     return race;
 }
 
@@ -208,7 +146,6 @@ Race split(const Setup& setup) {
               .contenders = exportContenders(setup, call)};
     race.add(limit(traffic, 1.1));
     race.add(peer("C++, mapped", 0.75, [=] { return splitMapped(mesh); }));
-    race.add(literal([=] { return splitLiterally(mesh); }));
     return race;
 }
 

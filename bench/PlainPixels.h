@@ -1,6 +1,5 @@
 #pragma once
-// The arithmetic of peers and literal implementations, as one writes it without a second thought,
-// and left to the compiler.
+// The arithmetic of peers, as one writes it without a second thought, and left to the compiler.
 
 #include <array>
 #include <cstddef>

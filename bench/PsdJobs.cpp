@@ -1,6 +1,5 @@
 #include <cstdint>
 
-#include "Literals.h"
 #include "Pictures.h"
 #include "Races.h"
 
@@ -47,8 +46,6 @@ Race merge(const Setup& setup) {
     Race race = mergeRace(setup, paths, "mergeMapsPSD", writePsd8, 1.4);
     race.bytesHeld = race.bytesWritten;
     race.add(peer("C++, mapped", 0.75, [=] { return mergeMapped(paths.tile, paths.map, pixels); }));
-    race.add(
-        literal([=] { return literalMergePlanes(paths.tile, paths.map, kHeadBytes, pixels); }));
     return race;
 }
 
@@ -59,7 +56,6 @@ Race rotate(const Setup& setup) {
     race.bytesHeld = race.bytesWritten;
     race.add(rewriteLimit(paths, 1.2));
     race.add(peer("C++, mapped", 1.0, [=] { return rotateMapped(paths.map, pixels); }));
-    race.add(literal([=] { return literalRotatePlanes(paths.map, kHeadBytes, pixels); }));
     return race;
 }
 

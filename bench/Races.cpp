@@ -53,10 +53,6 @@ Contender peer(const std::string& name, double target, std::function<float()> wo
     return {.role = Role::kPeer, .name = name, .work = std::move(work), .target = target};
 }
 
-Contender literal(std::function<float()> work) {
-    return {.role = Role::kLiteral, .name = "literal", .work = std::move(work)};
-}
-
 std::uint64_t fileBytes(const std::string& path) {
     return OpenFile::forReading(path).size();
 }

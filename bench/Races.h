@@ -39,7 +39,6 @@ Race makeRace(const Setup& setup, const MapPaths& paths, const ExportCall& call,
 Contender rewriteLimit(const MapPaths& paths, double target);
 
 Contender peer(const std::string& name, double target, std::function<float()> work);
-Contender literal(std::function<float()> work);
 
 std::uint64_t fileBytes(const std::string& path);
 std::size_t pixelsOf(const Setup& setup);

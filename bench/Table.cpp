@@ -61,7 +61,6 @@ TableRow rowOf(const Line& line) {
             text("%.0f %s/s", line.amount / quillon.cpu, line.unit),
             ratiosTo(line, Role::kLimit),
             ratiosTo(line, Role::kPeer),
-            ratiosTo(line, Role::kLiteral),
             memoryOf(line),
             isMet(line) ? "met" : "not met",
             ratiosTo(line, Role::kBefore)};
@@ -99,8 +98,8 @@ bool isMet(const Line& line) {
 }
 
 std::string tableOf(const std::vector<Line>& lines) {
-    std::vector<TableRow> rows{{"job", "CPU", "rate", "/ limit", "/ peer", "/ literal",
-                                "memory, MiB", "targets", "/ before"}};
+    std::vector<TableRow> rows{
+        {"job", "CPU", "rate", "/ limit", "/ peer", "memory, MiB", "targets", "/ before"}};
     for (const Line& line : lines)
         rows.push_back(rowOf(line));
     if (!hasBefore(lines.front())) {

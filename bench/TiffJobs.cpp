@@ -1,98 +1,74 @@
 #include <cstdint>
 
-#include "Literals.h"
 #include "Numpy.h"
 #include "Pictures.h"
 #include "Races.h"
 #include "TiffPeers.h"
-#include "files/TiffWriter.h"
 
 namespace {
-
-constexpr std::uint32_t kPixelBytes8 = 3;
-constexpr std::uint32_t kPixelBytesFloat = 12;
 
 // The side of the largest float map that can be merged: its strip is shorter than 2 GiB.
 constexpr std::uint32_t kLargestStrip = 13312;
 
-RowLayout layoutOf(const Setup& setup, std::uint32_t pixelBytes) {
-    return {kTiffPixelOffset, setup.side * pixelBytes, setup.side, setup.side};
-}
-
 Race merge8(const Setup& setup) {
     const MapPaths paths(setup, ".tif");
-    const RowLayout layout = layoutOf(setup, kPixelBytes8);
     Race race = mergeRace(setup, paths, "mergeMapsTIF", writeTiff8, 1.5);
     race.add(peer("libtiff", 0.5, [=] { return mergeByLibtiff(paths.tile, paths.map); }));
-    race.add(literal([=] { return literalMerge(paths.tile, paths.map, layout, kPixelBytes8); }));
     return race;
 }
 
 Race mergeFloat(const Setup& setup) {
     const MapPaths paths(setup, ".tif");
-    const RowLayout layout = layoutOf(setup, kPixelBytesFloat);
     Race race = mergeRace(setup, paths, "mergeMapsTIF", writeTiffFloat, 1.5);
     race.add(peer("libtiff", 0.8, [=] { return mergeByLibtiff(paths.tile, paths.map); }));
-    race.add(
-        literal([=] { return literalMerge(paths.tile, paths.map, layout, kPixelBytesFloat); }));
     return race;
 }
 
 Race swap(const Setup& setup) {
     const MapPaths paths(setup, ".tif");
-    const RowLayout layout = layoutOf(setup, kPixelBytes8);
     Race race = rewriteRace(setup, paths, {"swapRGBTIF", paths.map, 2}, writeTiff8);
     race.add(rewriteLimit(paths, 1.7));
     race.add(peer("libtiff", 0.6, [=] { return swapByLibtiff(paths.map); }));
-    race.add(literal([=] { return literalSwap(paths.map, layout); }));
     return race;
 }
 
 Race convert(const Setup& setup) {
     const MapPaths paths(setup, ".tif");
     const std::string out = setup.folder + "/converted.tif";
-    const RowLayout layout = layoutOf(setup, kPixelBytesFloat);
     Race race = makeRace(setup, paths, {"convertTIFF16", paths.map, 3, out}, writeTiffFloat,
                          {.bytesPerPixel = 6, .limitTarget = 1.2});
     race.resultDigest = [out] { return digestOfPixels(out); };
     race.add(peer("libtiff", 0.55, [=] { return convertByLibtiff(paths.map, out); }));
-    race.add(literal([=] { return literalConvert(paths.map, out, layout); }));
     return race;
 }
 
 Race firstChannel(const Setup& setup) {
     const MapPaths paths(setup, ".tif");
     const std::string out = setup.folder + "/single.tif";
-    const RowLayout layout = layoutOf(setup, kPixelBytesFloat);
     Race race = makeRace(setup, paths, {"convertTIFFSingle", paths.map, 0, out}, writeTiffFloat,
                          {.bytesPerPixel = 4, .limitTarget = 1.15});
     race.resultDigest = [out] { return digestOfPixels(out); };
     for (const char* variant : {"whole", "pieces"})
         race.add(firstChannelByNumpy(paths.map, out, setup.side, variant, 0.75));
-    race.add(literal([=] { return literalFirstChannel(paths.map, out, layout); }));
     return race;
 }
 
 Race scale(const Setup& setup) {
     const std::string map = setup.folder + "/map.tif";
     writeTiffFloat(map, {setup.side, setup.sparse}, Tile::kFirst);
-    const RowLayout layout = layoutOf(setup, kPixelBytesFloat);
     Race race{.amount = static_cast<double>(pixelsOf(setup)) * 1e-6,
               .contenders = exportContenders(setup, {"getScale", map, 3})};
     race.add(limit({{Traffic::Kind::kRead, map, fileBytes(map)}}, 2.0));
     race.add(peer("libtiff", 0.5, [=] { return scaleByLibtiff(map); }));
-    race.add(literal([=] { return literalScale(map, layout); }));
     return race;
 }
 
 Race targa(const Setup& setup) {
     const MapPaths paths(setup, ".tif");
     const std::string out = setup.folder + "/map.tga";
-    const RowLayout layout = layoutOf(setup, kPixelBytes8);
     Race race = makeRace(setup, paths, {"saveAsTarga", paths.map, 0, out}, writeTiff8,
                          {.bytesPerPixel = 3, .limitTarget = 1.3});
     race.add(peer("libtiff", 0.95, [=] { return targaByLibtiff(paths.map, out); }));
-    race.add(literal([=] { return literalTarga(paths.map, out, layout); }));
     return race;
 }
 

@@ -17,6 +17,7 @@ NO_PATH = -3.0
 TOO_SHORT = -4.0
 NOT_OPENED = -7.0
 REFUSED = -99999.0  # damaged or unsupported: any negative status
+ANYTHING = -88888.0  # in place of any status or range
 
 TILED, DEEP, MULTIPART = 0x200, 0x800, 0x1000  # flags; others do not matter
 SAMPLE_TYPES = ["<u4", "<f2", "<f4"]  # UINT, HALF, FLOAT
@@ -36,6 +37,10 @@ REQUIRED = [
 
 class Damaged(Exception):
     """The file is damaged, or it uses what this reader does not know."""
+
+
+class LeftToTheLoader(Exception):
+    """A chunk that unpacks to another size: what the loader makes of it is not known here."""
 
 
 def check(good):
@@ -106,7 +111,8 @@ def unpack(data, compression, size):
         return data[:size]
     check(compression != NONE)
     data = unpack_runs(data) if compression == RLE else zlib.decompress(data)
-    check(len(data) == size)
+    if len(data) != size:
+        raise LeftToTheLoader
     # Each byte is the difference to the one before, plus 128. The bytes at even places come first,
     # then those at odd places.
     steps = np.frombuffer(data, np.uint8).copy()
@@ -199,6 +205,8 @@ def LoadMultiChannelEXRFromFile(path):
         return 0.0, load_image(data)
     except (Damaged, zlib.error):
         return REFUSED, None
+    except LeftToTheLoader:
+        return ANYTHING, None
 
 
 def OpenEXR(path):
