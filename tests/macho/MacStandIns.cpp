@@ -70,6 +70,7 @@ constexpr std::pair<int, int> kOpenFlags[] = {
 
 }  // namespace
 
+extern "C" int openMac(const char* path, int flags, int mode);
 extern "C" int openMac(const char* path, int flags, int mode) {
     int known = 0;
     int translated = 0;
@@ -87,6 +88,7 @@ extern "C" int openMac(const char* path, int flags, int mode) {
 }
 
 #ifdef __aarch64__
+extern "C" int printOnStack(const char* format, void* arguments);
 extern "C" int printOnStack(const char* format, void* arguments) {
     // A list without arguments in registers takes all from the stack, eight bytes each as on macOS.
     struct {

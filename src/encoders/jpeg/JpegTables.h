@@ -163,7 +163,8 @@ constexpr std::uint8_t signedCategory(std::int32_t value) {
 }
 
 // The same, looked up.
-using CategoryTable = std::array<std::uint8_t, 2 * kMaxValue + 1>;
+inline constexpr std::size_t kValues = 2 * 2047 + 1;
+using CategoryTable = std::array<std::uint8_t, kValues>;
 consteval CategoryTable makeSignedCategories() {
     CategoryTable categories{};
     for (std::int32_t value = -kMaxValue; value <= kMaxValue; ++value)

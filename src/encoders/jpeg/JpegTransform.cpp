@@ -32,7 +32,7 @@ constexpr std::size_t kParts = kSide * sizeof(float) / kBytes;
 // Samples of a component: lane j of vector [0][i] is the one in row j, column i; [1][i] continues
 // the column where a vector has four lanes.
 template <std::size_t kBytes>
-using DataUnit = Ints<kBytes>[kParts<kBytes>][kSide];
+using DataUnit = Ints<kBytes>[kSide * sizeof(float) / kBytes][kSide];
 
 template <std::size_t kBytes>
 struct DataUnits {
@@ -118,24 +118,26 @@ QUILLON_PART void quantise(Ints<kBytes>& rounded, const Floats<kBytes>& coeffici
 template <std::size_t kBytes>
 QUILLON_PART void fdct_and_quantization(const DataUnit<kBytes>& data, const DivisorTable& fdtbl,
                                         QuantisedUnit& outdata) {
-    Floats<kBytes> lines[kParts<kBytes>][kSide];
-    for (std::size_t part = 0; part < kParts<kBytes>; ++part) {
+    using Values = Ints<kBytes>;
+    constexpr std::size_t kCount = kParts<kBytes>;
+    Floats<kBytes> lines[kCount][kSide];
+    for (std::size_t part = 0; part < kCount; ++part) {
         for (std::size_t i = 0; i < kSide; ++i)
             lines[part][i] = __builtin_convertvector(data[part][i], Floats<kBytes>);
         transformLine(lines[part]);
     }
     transpose(lines);
-    for (std::size_t part = 0; part < kParts<kBytes>; ++part) {
+    for (std::size_t part = 0; part < kCount; ++part) {
         transformLine(lines[part]);
-        const std::size_t column = kSide / kParts<kBytes> * part;
-        Ints<kBytes> nonzeroRows{};
+        const std::size_t column = kSide / kCount * part;
+        Values nonzeroRows{};
         for (std::size_t row = 0; row < kSide; ++row) {
             const std::size_t at = kSide * row + column;
-            Ints<kBytes> values;
+            Values values;
             quantise<kBytes>(values, lines[part][row], &fdtbl[at]);
             std::memcpy(&outdata.DU_DCT[at], &values, sizeof values);
             const std::int32_t bit = 1 << row;
-            nonzeroRows |= reinterpret_cast<Ints<kBytes>>(values != 0) & bit;
+            nonzeroRows |= reinterpret_cast<Values>(values != 0) & bit;
         }
         std::memcpy(&outdata.nonzeroRows[column], &nonzeroRows, sizeof nonzeroRows);
     }
