@@ -1,6 +1,6 @@
 #pragma once
 // BmpHeader: the BMP module's state, its one header reader and its little-endian routines. Only the
-// files of this module include it. The layout stands in BmpOps.h.
+// files of this module include it. The layout is in BmpOps.h.
 
 #include <cstddef>
 #include <cstdint>

@@ -1,5 +1,5 @@
 #pragma once
-// BmpOps: the one kind of BMP that Morvane writes for a map: 24 bits a pixel, uncompressed, bottom
+// BmpOps: the one kind of BMP that the host writes for a map: 24 bits a pixel, uncompressed, bottom
 // row first. All values are little-endian.
 //
 //   0   1   "B"

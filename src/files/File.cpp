@@ -30,7 +30,7 @@ int openPatiently(const char* path, int flags, mode_t mode = 0) {
     }
 }
 
-// Moves `count` bytes by calls of `transfer(done, length)`, which answers like read and write.
+// Moves `count` bytes by calls of `transfer(done, length)`, which returns what read and write do.
 // Returns how many bytes were moved before the end or an error.
 template <typename Transfer>
 std::size_t transferAll(std::uint64_t offset, std::size_t count, Transfer transfer) {

@@ -9,7 +9,7 @@
 
 namespace {
 
-// A piece is written as it stands in memory.
+// A piece is written as it is in memory.
 static_assert(std::endian::native == std::endian::little);
 
 constexpr std::uint32_t kOneBits = std::bit_cast<std::uint32_t>(1.0f);

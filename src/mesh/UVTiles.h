@@ -1,5 +1,5 @@
 #pragma once
-// UVTiles: the UV tiles that the faces of a mesh occupy. The rules stand in VemoOps.h.
+// UVTiles: the UV tiles that the faces of a mesh occupy. The rules are in VemoOps.h.
 
 #include <array>
 #include <cstddef>

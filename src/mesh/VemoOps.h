@@ -1,5 +1,5 @@
 #pragma once
-// VemoOps: Morvane's mesh interchange files. All values are little-endian.
+// VemoOps: the host's mesh interchange files. All values are little-endian.
 //
 // A file is a header of 32 bytes, which nobody reads, and a row of chunks, each starting where the
 // previous one ends:
@@ -31,7 +31,7 @@
 //
 // Tiles of the same name are one tile, with the place of the one that came first in the file.
 //
-// Colour block. Painted colours stand in OBJ text as comments, which every other reader skips: 32
+// Colour block. Painted colours are comments in OBJ text, which every other reader skips: 32
 // colours a line, each "RRGGBB" in lower-case hexadecimal digits after a space, all between two
 // lines of explanation. An empty line stands before the second one when the last row is full, or
 // when there is no colour at all:
@@ -138,7 +138,7 @@ float ReadVertColorVemo(const char* in_path, char* out_path);
 //   out_path  OBJ file, replaced. That the disk could not take it all is not reported.
 //   returns   kOk, which uses the counts up; kObjMeshNotOpened; kChunkMissing when the file ends
 //             before these chunks do, before anything is written; kTextNotCreated; or, as a float,
-//             the id of another chunk that stands in the place of one of the three: of the first
+//             the id of another chunk that is in the place of one of the three: of the first
 //             before anything is written, of the second or third after all that comes before it
 float writeOBJfromVemo(const char* in_path, char* out_path);
 

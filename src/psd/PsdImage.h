@@ -1,6 +1,6 @@
 #pragma once
 // PsdImage: the file that a PSD operation works on: loading it, reading its header, asking whether
-// its planes are there, writing it. The layout stands in PsdOps.h. Only src/psd looks in here.
+// its planes are there, writing it. The layout is in PsdOps.h. Only src/psd includes this.
 
 #include <cstddef>
 #include <cstdint>

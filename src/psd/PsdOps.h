@@ -129,7 +129,7 @@ float convertPSD(const char* path, float fromColour, float toColour, bool invert
 // The picture shows every step-th column and row: step is the longer side divided by `size`,
 // rounded down, at least 1. A picture higher than wide starts (size - width / step) / 2 columns
 // from the left, any other (size - height / step) / 2 rows from the top, not before the border; a
-// picture smaller than the thumbnail, too, so it has black on one side besides. Right below that
+// picture smaller than the thumbnail, too, so it also has black on one side. Right below that
 // margin comes the picture's row 0, right beside it column 0. What the step leaves over, r = width
 // - step x size, is spread: column j of the picture shows column step x j + j / (size / r), in
 // whole numbers, the same in each row, and rows go alike. Places past the picture's last column or

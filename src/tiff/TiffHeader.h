@@ -1,5 +1,5 @@
 #pragma once
-// TiffHeader: the one reader of TIFF directories. Which tags it reads stands in TiffOps.h.
+// TiffHeader: the one reader of TIFF directories. TiffOps.h lists the tags that it reads.
 
 #include <cstddef>
 #include <cstdint>
@@ -16,7 +16,7 @@ struct TiffInfo {
     std::int32_t stripByteCount = 0;
 };
 
-// One directory entry as it stands in the file.
+// One directory entry as it is in the file.
 struct TiffEntry {
     std::uint16_t tag = 0;
     std::uint32_t count = 0;
