@@ -26,7 +26,7 @@ ELEMENTS = {  # what one element holds: the type of its values and their number
 FIRST_CHUNK = 32
 EMPTY_CHUNK = bytes(16)  # closes a file
 
-filterNames = set()  # the tile filter: names as they stand in its file,
+filterNames = set()  # the tile filter: names as they are in its file,
 filterRanges = []  # and pairs of numbers, both included
 UVTileStr = []  # the names of the tiles of the last UV export
 faceID = []  # how many faces each base face has become
