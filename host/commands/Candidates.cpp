@@ -32,15 +32,6 @@ void step(Position& position, const std::string& word) {
         position = {commands.front()};
 }
 
-std::vector<std::string> exportNames() {
-    std::vector<std::string> names;
-    for (const ExportGroup& group : exportGroups()) {
-        for (const Export& entry : group.exports)
-            names.emplace_back(entry.name);
-    }
-    return names;
-}
-
 std::vector<std::string> valuesOf(const CLI::Option& option, const OptionChoices& choices) {
     if (option.get_name(true) == "EXPORT") return exportNames();
     const auto found = choices.find(&option);

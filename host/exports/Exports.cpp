@@ -30,6 +30,15 @@ std::span<const ExportGroup> exportGroups() {
     return kGroups;
 }
 
+std::vector<std::string> exportNames() {
+    std::vector<std::string> names;
+    for (const ExportGroup& group : exportGroups()) {
+        for (const Export& entry : group.exports)
+            names.emplace_back(entry.name);
+    }
+    return names;
+}
+
 const Export* findExport(std::string_view name) {
     for (const ExportGroup& group : exportGroups()) {
         const auto found = std::ranges::find(group.exports, name, &Export::name);

@@ -5,6 +5,7 @@
 #include <span>
 #include <string>
 #include <string_view>
+#include <vector>
 
 enum class BufferUse {
     kNone,    // not read
@@ -90,6 +91,9 @@ struct ExportGroup {
 
 // All exports, each in one group.
 std::span<const ExportGroup> exportGroups();
+
+// The names of all of them, in that order.
+std::vector<std::string> exportNames();
 
 // Null when the library has no such export.
 const Export* findExport(std::string_view name);

@@ -393,15 +393,6 @@ private:
     std::set<std::pair<float, std::string>> reached_;
 };
 
-std::vector<std::string> exportNames() {
-    std::vector<std::string> names;
-    for (const ExportGroup& group : exportGroups()) {
-        for (const Export& entry : group.exports)
-            names.emplace_back(entry.name);
-    }
-    return names;
-}
-
 class Contract : public testing::TestWithParam<std::string> {
 protected:
     const Export& entry() const { return *findExport(GetParam()); }
