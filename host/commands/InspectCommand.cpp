@@ -207,10 +207,9 @@ void addInspectCommand(CommandLine& line) {
                  });
     CommandLine::addArgument(command, "FILE", options->files, "Meshes, maps and images");
     command.add_flag("--fields", options->fieldsOnly, "Only print fields; call no export");
-    command
-        .add_option_function<std::string>(
-            "--at", [options](const std::string& text) { options->at = offsetFrom(text); },
-            "Only say what the byte at this offset belongs to")
+    command.add_option("--at")
+        ->description("Only say what the byte at this offset belongs to")
+        ->each([options](const std::string& text) { options->at = offsetFrom(text); })
         ->type_name("OFFSET");
     line.addJsonFlag(command, "Print JSON, an object per line for each file");
 }

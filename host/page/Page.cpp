@@ -189,7 +189,7 @@ std::string barOf(const char* kind, double time, double longest) {
 
 std::string comparisonRow(const std::vector<PageCall>& run, double longest) {
     const double time = timeOf(run);
-    const double copy = *copyTimeOf(run);
+    const double copy = copyTimeOf(run).value();
     return "<tr><td class=\"name\">" + nameOf(run) + "</td><td class=\"bars\">" +
            barOf("bar", time, longest) + barOf("bar copy", copy, longest) +
            "</td><td class=\"number\">" + millisecondsOf(time) + "</td><td class=\"number\">" +

@@ -31,5 +31,5 @@ static_assert(std::endian::native == std::endian::little);
 const float* readSamples(const FloatMap& map, Piece& piece, std::uint64_t offset,
                          std::size_t pixels) {
     if (!piece.read(map.file, offset, pixels * map.strip.pixelBytes)) return nullptr;
-    return static_cast<const float*>(static_cast<const void*>(piece.data()));
+    return reinterpret_cast<const float*>(piece.data());
 }
