@@ -18,7 +18,7 @@
 //
 // Fields marked "-" are kept and not looked at. A pixel is blue, green and red, a byte each,
 // whatever the bits per pixel say. A row is followed by as many bytes of padding as getPadding
-// tells (BmpHeader.h).
+// (BmpHeader.h) returns.
 //
 // A file shorter than 54 bytes is no BMP. One that ends before its last row is worked on as far as
 // it has whole pixels.
@@ -63,9 +63,8 @@ float mergeBMP(const char* source, const char* target);
 //            kNotReopened
 float swapChannelsBMP(const char* path, std::int32_t mode);
 
-// Writes a band of columns of an image, without the bottom row and the two top rows. No export calls
-// it. An image of
-// less than 4 rows leaves the headers alone, with the height 3 less all the same.
+// Writes a band of columns of an image, without the bottom row and the two top rows. An image of less
+// than 4 rows leaves the headers alone, with the height 3 less all the same. No export calls this.
 //
 //   input     path, whole in memory during the call; only read unless it is the output, too
 //   output    path, replaced; all bytes before the pixels as the input has them, but for the sizes
@@ -89,5 +88,5 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
 //            that would not fit into 4 GiB; kThumbNotOpened; kThumbNotABmp; kNotABmp when the file
 //            is shorter than its headers or ends before its pixels start. Nothing is changed by a
 //            failure, unless the disk cannot be read to the end: then kThumbNotOpened, with some of
-//            the pixels written over and without the first two bytes, so that it is no BMP any more.
+//            the pixels written over and without the first two bytes, so that it is no longer a BMP.
 float createBMPthumb(const char* path, std::int32_t size);

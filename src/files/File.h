@@ -29,8 +29,8 @@ public:
     // disk that fails.
     std::uint64_t size() const { return size_; }
 
-    // Whether `path` leads to this very file, be it by another name. Yes, too, when the system cannot
-    // tell: a file that is read must not be written over.
+    // True if `path` refers to this file, even through a link, and when the system cannot tell: a
+    // file that is being read must not be overwritten.
     bool isSameAs(const char* path) const;
 
     // Reads up to `count` bytes from `offset` on. Returns how many there were; fewer only at the
@@ -43,7 +43,7 @@ public:
     // The same; returns how many bytes the disk took.
     std::size_t writeUpTo(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
 
-    // Takes off what lies from `length` on, if anything does. False if the system refuses.
+    // Truncates the file to `length` bytes if it is longer. False on failure.
     bool cut(std::uint64_t length) const;
 
 private:

@@ -23,8 +23,7 @@ bool isSelfOrParent(std::string_view name) {
     return name == "." || name == "..";
 }
 
-// The names in an open folder in the order in which they are walked: "." and ".." first, whatever
-// the order of the file system, then the others as they come.
+// The names in an open folder: "." and ".." first, then the others in the file system's order.
 std::vector<std::string> entriesSelfFirst(DIR* stream) {
     std::vector<std::string> names = {".", ".."};
     while (const dirent* entry = ::readdir(stream)) {

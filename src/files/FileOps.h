@@ -24,8 +24,8 @@ std::string FileNameExtract(const std::string& path, int mode);
 
 // Deletes the files of one folder; its sub-folders stay and are never entered.
 //
-// What counts as a file is told by the name alone (IsDirectory): an entry without a dot stays, an
-// empty folder whose name has a dot goes. An entry whose joined path is longer than
+// The name alone decides what counts as a file (IsDirectory): an entry without a dot stays, an empty
+// folder with a dot in its name is removed. An entry whose joined path is longer than
 // kLongestJoinedPath stays.
 //
 //   returns  1 if the folder could be opened, also when single removals failed; else 0. An empty

@@ -7,8 +7,8 @@
 
 #include "files/File.h"
 
-// What an older file has behind the bytes appended is cut off by finish, or by the destructor:
-// writing over its blocks (File::createOver) is cheaper than giving them back and asking for new ones.
+// finish(), or the destructor, truncates the file to the bytes appended: overwriting an older file's
+// blocks (File::createOver) is cheaper than freeing them and allocating new ones.
 class FileWriter {
 public:
     explicit FileWriter(File file) : file_(std::move(file)) {}
@@ -24,10 +24,10 @@ public:
     // Appends all of `count` bytes; false if the disk took fewer.
     bool append(const std::uint8_t* bytes, std::size_t count);
 
-    // Takes back what was appended behind `length`: the next bytes go there.
+    // Discards what was appended after the first `length` bytes.
     void goBackTo(std::uint64_t length) { length_ = length; }
 
-    // Cuts off the rest of an older file and closes this one. False if the rest stays.
+    // Truncates the file and closes it. False if it could not be truncated.
     bool finish();
 
 private:

@@ -8,7 +8,7 @@
 
 class PieceWriter {
 public:
-    // Takes its memory, before any file is touched. Room is given for `capacity` bytes at most.
+    // Allocates its memory, before any file is touched. Room is given for `capacity` bytes at most.
     explicit PieceWriter(std::size_t capacity = kPieceBytes)
         : piece_(capacity), capacity_(capacity) {}
 

@@ -30,7 +30,7 @@ bool allNear(const std::uint8_t* coordinates, std::size_t count) {
     return (beyond & kSignBit) == 0;
 }
 
-// All bits when `condition` holds: what a loop without branches selects with.
+// All bits set if `condition` holds: a mask to select with, without a branch.
 std::uint32_t maskOf(bool condition) {
     return 0u - static_cast<std::uint32_t>(condition);
 }

@@ -1,6 +1,6 @@
 #pragma once
 // CornerPiece: a run of UV corners, taken apart once and then shown as each tile sees them. A corner
-// is a pair of 32-bit floats, u and v; where it lies is told by placeOf (UVTiles.h).
+// is a pair of 32-bit floats, u and v; placeOf (UVTiles.h) gives its tile and its place in that.
 
 #include <array>
 #include <cstddef>

@@ -17,7 +17,7 @@ namespace {
 // emptied by the writeOBJfromVemo that used it; lives as long as the library is loaded.
 std::vector<std::uint32_t> faceID;
 
-constexpr std::uint32_t kMostFaces = std::numeric_limits<std::uint32_t>::max();
+constexpr std::uint32_t kMaxFaces = std::numeric_limits<std::uint32_t>::max();
 
 bool isQuad(const std::uint8_t* face) {
     return static_cast<std::int32_t>(loadLe32(face + 12)) >= 0;
@@ -26,11 +26,11 @@ bool isQuad(const std::uint8_t* face) {
 std::uint32_t facesPerCorner(double level) {
     const double faces = std::exp2((level - 1.0) + (level - 1.0));
     if (!(faces >= 1.0)) return 0;
-    return faces < kMostFaces ? static_cast<std::uint32_t>(faces) : kMostFaces;
+    return faces < kMaxFaces ? static_cast<std::uint32_t>(faces) : kMaxFaces;
 }
 
 std::uint32_t saturatedProduct(std::uint32_t a, std::uint32_t b) {
-    return static_cast<std::uint32_t>(std::min(std::uint64_t{a} * b, std::uint64_t{kMostFaces}));
+    return static_cast<std::uint32_t>(std::min(std::uint64_t{a} * b, std::uint64_t{kMaxFaces}));
 }
 
 // The chunks of an OBJ as they follow one another, whatever lengths their headers give.

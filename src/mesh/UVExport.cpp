@@ -31,7 +31,7 @@ constexpr std::uint8_t kOutsideTile = 255;
 constexpr std::uint8_t kInsideTile = 0;
 
 // Tile files that are open at the same time; a host has some 200 descriptors to spare.
-constexpr std::size_t kMostOpenTiles = 32;
+constexpr std::size_t kMaxOpenTiles = 32;
 
 constexpr std::size_t kFaceCorners = 4;
 constexpr std::size_t kPieceFaces = kPieceCorners / kFaceCorners;
@@ -95,7 +95,7 @@ private:
 std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::const_iterator end,
                                       const char* outPath) {
     std::vector<TileFile> files;
-    for (; next != end && files.size() < kMostOpenTiles; ++next) {
+    for (; next != end && files.size() < kMaxOpenTiles; ++next) {
         TileFile created(outPath, *next);
         if (!created.isOpen()) break;
         UVTileStr.push_back(next->name);

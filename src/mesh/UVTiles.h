@@ -12,7 +12,7 @@
 #include "mesh/TileFilter.h"
 #include "mesh/VemoFile.h"
 
-// Where one coordinate, u or v, lies.
+// The tile of one coordinate, u or v, and its place there.
 struct TilePlace {
     std::int32_t tile;  // the tile's column or row
     float local;        // the place within the tile, 0 to 1

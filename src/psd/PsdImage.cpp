@@ -26,7 +26,7 @@ constexpr std::size_t kColourTableLengthEnd = 30;
 constexpr std::size_t kResourceLength = 30;
 
 // Memory that `img` keeps while it is empty.
-constexpr std::size_t kMostKeptBytes = kPieceBytes;
+constexpr std::size_t kMaxKeptBytes = kPieceBytes;
 
 Bytes bytesOfImg() {
     return {img.data(), img.size()};
@@ -82,7 +82,7 @@ ImgInUse::~ImgInUse() {
 
 void emptyImg() {
     img.clear();
-    if (img.capacity() > kMostKeptBytes) img.shrink_to_fit();
+    if (img.capacity() > kMaxKeptBytes) img.shrink_to_fit();
 }
 
 bool loadImg(const char* path) {

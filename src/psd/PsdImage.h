@@ -49,8 +49,9 @@ void emptyImg();
 bool loadImg(const char* path);
 
 // Reads the header at the start of `img` into `fHeader` and stops at the first field that is
-// refused; fields not reached keep what the file before had there. `offst` is 0, then the end of the image resources, then the
-// end of the layers, then the start of the image data, as far as the reading came.
+// refused; fields not reached keep the values of the file before. `offst` is 0, then the end of the
+// image resources, then the end of the layers, then the start of the image data, as far as the header
+// could be read.
 //
 //   returns  kOk, kNotOpened (no signature, or cut short), kBadVersion, kHasColourTable,
 //            kCompressed

@@ -62,7 +62,7 @@ float mergePlanes(const File& source, const File& target, const Planes& planes,
 }
 
 constexpr std::uint32_t kDisplacement = 50;
-constexpr std::uint32_t kLeastSide = 2 * kDisplacement;
+constexpr std::uint32_t kMinSide = 2 * kDisplacement;
 constexpr std::size_t kSeamColumns = 2;    // at each side
 constexpr std::size_t kSeamRows = 10;      // at each end
 constexpr std::size_t kRowsKeptAtTop = 2;  // between the left and the right seam
@@ -118,7 +118,7 @@ float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) 
     const ImgInUse inUse;
     const float status = loadPSD(shifted);
     if (status != kOk) return status;
-    if (fHeader.height < kLeastSide || fHeader.width < kLeastSide) return kBadSize;
+    if (fHeader.height < kMinSide || fHeader.width < kMinSide) return kBadSize;
     const PsdHeader displaced = fHeader;
     const std::vector<std::uint8_t> displacedBytes = std::exchange(img, {});
 

@@ -20,8 +20,8 @@
 // takes depth/8 bytes. Where planes are said to be taken as 8-bit, depth and number of channels are
 // not looked at: red, green and blue are the first three runs of width x height bytes.
 //
-// What stands before the image data comes back as it was, save for the fields that an operation
-// says it changes.
+// Everything before the image data is kept, except for the fields that an operation is documented to
+// change.
 //
 // A file that ends before its image data, or before the end of a plane that the operation works on,
 // is refused as kNotOpened before anything is written. Planes that the header announces beyond those
@@ -54,9 +54,9 @@ inline constexpr float kNotThreeBytes = -56.0f;   // swapping: not three channel
 // background replaces the target's, so where both have a pixel the source's wins. Background: the
 // first pixel of the target. A pixel that differs from it in one byte counts as painted.
 //
-// The kind is told by depth x colour mode of the source: 24 is 8-bit RGB, 16 is 16-bit grey. Both
-// files are taken to have their image data at one place: where the target has it (RGB), where the
-// source has it (grey). Planes beyond the third, and bytes beyond the planes, stay the target's.
+// The source's depth x colour mode decides: 24 is 8-bit RGB, 16 is 16-bit grey. Both files are taken
+// to have their image data at one place: where the target has it (RGB), where the source has it (grey).
+// Planes beyond the third, and bytes beyond the planes, stay the target's.
 //
 //   source   path, only read
 //   target   path, rewritten

@@ -44,5 +44,5 @@ inline constexpr std::size_t kTiffHeadBytes = 1000;
 
 // Reads the directory of the file at `path`.
 //
-//   notOpened  what `refused` tells when the file cannot be opened or read
+//   notOpened  the value of `refused` when the file cannot be opened or read
 TiffHeader readTiffHeader(const char* path, float notOpened, const TiffRules& rules = {});

@@ -13,7 +13,7 @@
 
 namespace {
 
-// Some failures are told to the person at the console, too.
+// Some failures are also printed, for the person at the console.
 float printed(float status) {
     std::printf("%d\n", static_cast<int>(status));
     std::fflush(stdout);

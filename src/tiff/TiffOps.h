@@ -63,8 +63,8 @@ float swapChannels(const char* path, int mode);
 // as the caller says. A map whose strip starts at 2 GiB or beyond, or that ends before its last
 // row, is refused before anything is written: kStripTooFar, kPixelsMissing. A map without pixels (a
 // width or length below 1, no directory) converts to a header alone. Source and target must be two
-// files. An old target is written over; what it has behind the new file's end is cut off at the end.
-// When a read or write fails, the old file is lost and a part of the new one is left.
+// files. An old target is overwritten and in the end truncated to the new length. When a read or
+// write fails, the old file is lost and a part of the new one is left.
 
 // Writes the first channel of a three-channel float map as a one-channel float map.
 //

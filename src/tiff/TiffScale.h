@@ -1,5 +1,5 @@
 #pragma once
-// TiffScale: how strongly a displacement map is to be applied, told by the number of its levels.
+// TiffScale: the scale at which a displacement map is applied, from the number of its levels.
 
 #include <cstddef>
 

@@ -5,7 +5,7 @@
 namespace {
 
 // More pixels than any file holds, few enough that their bytes can be counted.
-constexpr std::uint64_t kMostPixels = std::uint64_t{1} << 58;
+constexpr std::uint64_t kMaxPixels = std::uint64_t{1} << 58;
 
 }  // namespace
 
@@ -17,8 +17,7 @@ Strip stripOf(const TiffInfo& info, std::size_t pixelBytes) {
     if (!hasPixels(info) || info.stripOffset < 0) return {0, 0, pixelBytes};
     const std::uint64_t pixels =
         static_cast<std::uint64_t>(info.width) * static_cast<std::uint64_t>(info.length);
-    return {static_cast<std::uint64_t>(info.stripOffset), std::min(pixels, kMostPixels),
-            pixelBytes};
+    return {static_cast<std::uint64_t>(info.stripOffset), std::min(pixels, kMaxPixels), pixelBytes};
 }
 
 Strip wholeRowsWithin(const Strip& strip, const TiffInfo& info, std::uint64_t fileBytes) {

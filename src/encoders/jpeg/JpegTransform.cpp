@@ -100,7 +100,7 @@ QUILLON_PART void transpose(Floats<32> (&lines)[1][kSide]) {
 
 // Multiplies coefficients by their entries of a divisor table and rounds them to the nearest
 // integer, halves upward. The sum with kUnits has no bits for a fraction: adding rounds to the
-// nearest, halves to even, so the remainder tells which halves went down.
+// nearest, halves to even, so the remainder shows which halves went down.
 template <std::size_t kBytes>
 QUILLON_PART void quantise(Ints<kBytes>& rounded, const Floats<kBytes>& coefficients,
                            const float* fdtbl) {
