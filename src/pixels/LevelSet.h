@@ -5,25 +5,13 @@
 #include <cstddef>
 #include <cstdint>
 
-// Samples that are looked at together: flat parts of a map repeat themselves at this distance, be it
-// with one channel or with three.
-inline constexpr std::size_t kPeriod = 24;
-
-// A range of values for each sample of a period: from `from` on, less than `below`.
-struct PeriodRanges {
-    std::array<float, kPeriod> from;
-    std::array<float, kPeriod> below;
+// Levels from `first` on and before `end` that are all in a set. None at first.
+struct LevelRun {
+    std::size_t first = 1;
+    std::size_t end = 1;
 };
 
-// Counts the samples at the start that lie in their ranges or repeat those a period before bit by
-// bit, in whole periods. A NaN lies in no range.
-//
-//   hasPrevious  whether a period lies before `samples`
-using PassOver = std::size_t(const float* samples, std::size_t count, const PeriodRanges& ranges,
-                             bool hasPrevious);
-PassOver passOver;
-
-// A set of levels, and what samples need not be added to it again.
+// A set of levels, and which samples need not be added to it again.
 class LevelSet {
 public:
     // Adds the levels of samples, see levelOf in Samples.h.
@@ -35,20 +23,13 @@ public:
 private:
     static constexpr std::size_t kLevels = 65536;
 
-    // Levels from `first` on and before `end` that are all in the set. None at first.
-    struct Run {
-        std::size_t first = 1;
-        std::size_t end = 1;
-    };
-
     void addPeriod(const float* samples);
     void follow(const float* pixel);
-    Run& runAround(std::size_t level);
-    Run extended(Run run) const;
-    PeriodRanges knownRanges() const;
+    LevelRun& runAround(std::size_t level);
+    LevelRun extended(LevelRun run) const;
 
     std::array<std::uint8_t, kLevels> seen_{};  // a byte each: adding one is a single store
-    std::array<Run, 8> runs_;                   // found so far
-    std::size_t nextRun_ = 0;                   // to be given up for another one
-    std::array<Run, 3> known_;                  // the run that each of three channels is in
+    std::array<LevelRun, 8> runs_;              // found so far
+    std::size_t nextRun_ = 0;                   // the next to be replaced
+    std::array<LevelRun, 3> known_;             // the run that each of three channels is in
 };

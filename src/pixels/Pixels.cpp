@@ -4,8 +4,8 @@
 #include <cstring>
 #include <utility>
 
+#include "pixels/Avx2Kernels.h"
 #include "pixels/Lanes.h"
-#include "pixels/WideKernels.h"
 
 namespace {
 
@@ -57,7 +57,7 @@ void copyExchanged(std::uint8_t* to, const std::uint8_t* from, std::size_t pixel
                    const Exchange& exchange) {
     constexpr std::size_t kBlockPixels = kBlockBytes / 3;
     const Exchanger exchanger(exchange);
-    std::size_t done = copyExchangedWide(to, from, pixels, exchange);
+    std::size_t done = copyExchangedAvx2(to, from, pixels, exchange);
     for (; pixels - done > kBlockPixels; done += kBlockPixels)
         exchanger.copyBlock(to + 3 * done, from + 3 * done);
     for (; done < pixels; ++done) {

@@ -3,9 +3,9 @@
 #include <cstring>
 
 #include "bytes/Bytes.h"
+#include "pixels/Avx2Kernels.h"
 #include "pixels/Lanes.h"
 #include "pixels/LevelLanes.h"
-#include "pixels/WideKernels.h"
 
 namespace {
 
@@ -19,7 +19,7 @@ float heldLevel(float sample) {
 template <ByteOrder kOrder>
 void quantise(std::uint8_t* to, const float* from, std::size_t count, std::size_t step) {
     constexpr auto store = kOrder == ByteOrder::kLittle ? storeLe16 : storeBe16;
-    std::size_t i = step == 1 ? quantiseWide(to, from, count, kOrder) : 0;
+    std::size_t i = step == 1 ? quantiseAvx2(to, from, count, kOrder) : 0;
     for (; step == 1 && i + kRunSamples <= count; i += kRunSamples) {
         const Lanes<std::uint16_t> levels = levelsOfRun(from + i);
         storeLanes<std::uint16_t>(

@@ -3,7 +3,6 @@
 #include <gtest/gtest.h>
 
 #include <bit>
-#include <cmath>
 #include <cstring>
 #include <limits>
 #include <memory>
@@ -12,7 +11,6 @@
 #include <vector>
 
 #include "pixels/Samples.h"
-#include "pixels/WideKernels.h"
 #include "support/SomeSamples.h"
 
 namespace {
@@ -99,9 +97,9 @@ TEST(LevelSet, HasTheLevelsOfManyRuns) {
     EXPECT_EQ(levels->count(), 65u * 60u);
 }
 
-// Samples within a run of levels that are all there are passed over: a set that is added to for so
+// Samples within a run of levels that are all there are skipped: a set that is added to for so
 // long that it knows such a run, then samples right at its ends.
-TEST(LevelSet, PassesOverNoSampleOfAnotherLevel) {
+TEST(LevelSet, SkipsNoSampleOfAnotherLevel) {
     const auto levels = std::make_unique<LevelSet>();
     add(*levels, throughLevels(20000, 23000, 240000));
     add(*levels, throughLevels(20000, 23000, 240000));
@@ -119,7 +117,7 @@ TEST(LevelSet, PassesOverNoSampleOfAnotherLevel) {
 }
 
 // A run ends where a level is missing, however many there are behind it.
-TEST(LevelSet, PassesOverNoSampleOfALevelBetweenKnownOnes) {
+TEST(LevelSet, SkipsNoSampleOfALevelBetweenKnownOnes) {
     const auto levels = std::make_unique<LevelSet>();
     std::vector<float> samples;
     for (int i = 0; i < 240000; ++i) {
@@ -156,87 +154,29 @@ TEST(LevelSet, HasAllLevelsThereAre) {
     EXPECT_EQ(levels->count(), 65536u);
 }
 
-// What passOver is to give, sample by sample.
-std::size_t passedOverPlainly(const std::vector<float>& samples, std::size_t from,
-                              const PeriodRanges& ranges, bool hasPrevious) {
-    std::size_t done = from;
-    for (; samples.size() - done >= kPeriod; done += kPeriod) {
-        bool within = true;
-        bool repeats = hasPrevious || done > from;
-        for (std::size_t i = 0; i < kPeriod; ++i) {
-            const float sample = samples[done + i];
-            within = within && sample >= ranges.from[i] && sample < ranges.below[i];
-            repeats = repeats && std::bit_cast<std::uint32_t>(sample) ==
-                                     std::bit_cast<std::uint32_t>(samples[done + i - kPeriod]);
-        }
-        if (!within && !repeats) break;
-    }
-    return done - from;
-}
-
-class PassOverKernel : public testing::TestWithParam<PassOver*> {};
-
-// The plain one and, where the processor has wide vectors, theirs.
-std::vector<PassOver*> kernels() {
-    std::vector<PassOver*> all = {passOver};
-    if (widePassOver() != nullptr) all.push_back(widePassOver());
-    return all;
-}
-
-TEST_P(PassOverKernel, StopsWhereThePlainLoopDoes) {
-    std::mt19937 random(1);
-    for (int round = 0; round < 4000; ++round) {
-        const std::size_t periods = random() % 6;
-        std::vector<float> samples(kPeriod * (periods + 1) + random() % kPeriod);
-        for (float& sample : samples)
-            sample = 0.5f;
-        PeriodRanges ranges{};
-        for (std::size_t i = 0; i < kPeriod; ++i) {
-            ranges.from[i] = round % 3 == 0 ? 0.5f : 0.75f;
-            ranges.below[i] = std::nextafter(1.0f, 0.0f);
-        }
-        // One sample is another one; as bits, as a value, or not at all.
-        const float others[] = {-0.0f, kNan, 0.75f, 1.0f, kInfinity, 0.4999f, 0.5f};
-        samples[random() % samples.size()] = others[random() % std::size(others)];
-        const bool hasPrevious = random() % 2 == 0;
-        ASSERT_EQ(
-            GetParam()(samples.data() + kPeriod, samples.size() - kPeriod, ranges, hasPrevious),
-            passedOverPlainly(samples, kPeriod, ranges, hasPrevious))
-            << round;
-    }
-}
-
-// Each sample of a period has a range of its own.
-TEST_P(PassOverKernel, LooksAtEachSamplesOwnRange) {
-    PeriodRanges ranges{};
-    std::vector<float> samples(kPeriod);
-    for (std::size_t i = 0; i < kPeriod; ++i) {
-        ranges.from[i] = static_cast<float>(i);
-        ranges.below[i] = static_cast<float>(i + 1);
-        samples[i] = static_cast<float>(i);
-    }
-    EXPECT_EQ(GetParam()(samples.data(), kPeriod, ranges, false), kPeriod);
-    for (std::size_t i = 0; i < kPeriod; ++i) {
-        for (const float outside :
-             {static_cast<float>(i) - 0.5f, static_cast<float>(i + 1), kNan}) {
-            std::vector<float> changed = samples;
-            changed[i] = outside;
-            EXPECT_EQ(GetParam()(changed.data(), kPeriod, ranges, false), 0u)
-                << i << ' ' << outside;
+// A period of 24 samples is skipped only if all of them are in their channels' runs.
+TEST(LevelSet, HasANewLevelAtAnyPlaceOfAPeriod) {
+    const auto known = std::make_unique<LevelSet>();
+    add(*known, throughLevels(30000, 31000, 24000));
+    add(*known, throughLevels(30000, 31000, 24000));
+    for (std::size_t place = 0; place < 24; ++place) {
+        for (const float sample : {kNan, 29999.0f / 65535.0f, 31000.0f / 65535.0f}) {
+            const auto levels = std::make_unique<LevelSet>(*known);
+            std::vector<float> samples = throughLevels(30500, 30501, 72);
+            samples[24 + place] = sample;
+            add(*levels, samples);
+            EXPECT_EQ(levels->count(), 1001u) << place << ' ' << sample;
+            EXPECT_TRUE(levels->test(levelOf(sample))) << place << ' ' << sample;
         }
     }
 }
 
-TEST_P(PassOverKernel, LeavesWhatIsLessThanAPeriod) {
-    PeriodRanges ranges{};
-    ranges.below.fill(kInfinity);
-    for (std::size_t count = 0; count < 3 * kPeriod; ++count) {
-        const std::vector<float> samples(count);  // the address sanitizer sees a step beyond them
-        EXPECT_EQ(GetParam()(samples.data(), count, ranges, false), count / kPeriod * kPeriod);
-    }
+// The address sanitizer sees a step beyond the samples.
+TEST(LevelSet, LooksAtNoMoreThanTheSamplesGiven) {
+    const auto levels = std::make_unique<LevelSet>();
+    for (std::size_t count = 0; count < 72; ++count)
+        add(*levels, std::vector<float>(count));
+    EXPECT_EQ(levels->count(), 1u);
 }
-
-INSTANTIATE_TEST_SUITE_P(OfAnyWidth, PassOverKernel, testing::ValuesIn(kernels()),
-                         [](const auto& tested) { return tested.index == 0 ? "Plain" : "Wide"; });
 
 }  // namespace

@@ -5,8 +5,8 @@
 
 #include "bytes/Bytes.h"
 #include "encoders/jpeg/JpegDct.h"
+#include "pixels/Avx2.h"
 #include "pixels/Lanes.h"
-#include "pixels/WideVectors.h"
 
 #if defined(__x86_64__)
 #include <immintrin.h>
@@ -268,7 +268,7 @@ void transformBlock(const std::uint8_t* pixels, std::ptrdiff_t rowStep, const Di
 
 TransformBlock* avx2Transform() {
 #if defined(__x86_64__)
-    return hasWideVectors() ? transformBlockAvx2 : nullptr;
+    return hasAvx2() ? transformBlockAvx2 : nullptr;
 #else
     return nullptr;
 #endif

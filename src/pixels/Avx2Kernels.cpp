@@ -1,4 +1,4 @@
-#include "pixels/WideKernels.h"
+#include "pixels/Avx2Kernels.h"
 
 #if defined(__x86_64__)
 
@@ -6,24 +6,24 @@
 
 #include <array>
 
+#include "pixels/Avx2.h"
 #include "pixels/Lanes.h"
-#include "pixels/WideVectors.h"
 
-#define QUILLON_WIDE [[gnu::target("avx2")]]
+#define QUILLON_AVX2 [[gnu::target("avx2")]]
 
 namespace {
 
 // 16 bytes each of two blocks of pixels, one in each half of a vector: processors shuffle bytes
 // within halves only.
 
-QUILLON_WIDE __m256i loadPair(const std::uint8_t* from) {
+QUILLON_AVX2 __m256i loadPair(const std::uint8_t* from) {
     const auto half = [](const std::uint8_t* at) {
         return _mm_loadu_si128(reinterpret_cast<const __m128i*>(at));
     };
     return _mm256_set_m128i(half(from + kBlockBytes), half(from));
 }
 
-QUILLON_WIDE void storePair(std::uint8_t* to, __m256i pair) {
+QUILLON_AVX2 void storePair(std::uint8_t* to, __m256i pair) {
     const auto store = [](std::uint8_t* at, __m128i half) {
         _mm_storeu_si128(reinterpret_cast<__m128i*>(at), half);
     };
@@ -32,7 +32,7 @@ QUILLON_WIDE void storePair(std::uint8_t* to, __m256i pair) {
 }
 
 // Picks, out of vector `from` of a block, the bytes that vector `to` of the new block has from there.
-QUILLON_WIDE __m256i shuffleFor(const Exchange& exchange, std::size_t to, std::size_t from) {
+QUILLON_AVX2 __m256i shuffleFor(const Exchange& exchange, std::size_t to, std::size_t from) {
     constexpr std::uint8_t kNone = 0x80;
     alignas(kLanesBytes) std::uint8_t places[kLanesBytes];
     for (std::size_t i = 0; i < kLanesBytes; ++i) {
@@ -49,7 +49,7 @@ QUILLON_WIDE __m256i shuffleFor(const Exchange& exchange, std::size_t to, std::s
     return _mm256_broadcastsi128_si256(_mm_load_si128(reinterpret_cast<const __m128i*>(places)));
 }
 
-QUILLON_WIDE std::size_t copyBlockPairs(std::uint8_t* to, const std::uint8_t* from,
+QUILLON_AVX2 std::size_t copyBlockPairs(std::uint8_t* to, const std::uint8_t* from,
                                         std::size_t pixels, const Exchange& exchange) {
     constexpr std::size_t kPairPixels = 2 * kBlockBytes / 3;
     const __m256i from0To0 = shuffleFor(exchange, 0, 0);
@@ -78,7 +78,7 @@ QUILLON_WIDE std::size_t copyBlockPairs(std::uint8_t* to, const std::uint8_t* fr
 }
 
 // The levels of eight samples, see levelOf.
-QUILLON_WIDE __m256i levelsOfEight(const float* from) {
+QUILLON_AVX2 __m256i levelsOfEight(const float* from) {
     const __m256 lowest = _mm256_setzero_ps();
     const __m256 highest = _mm256_set1_ps(65535.0f);
     const __m256 scaled = _mm256_loadu_ps(from) * highest;
@@ -88,7 +88,7 @@ QUILLON_WIDE __m256i levelsOfEight(const float* from) {
 }
 
 template <ByteOrder kOrder>
-QUILLON_WIDE std::size_t quantiseRuns(std::uint8_t* to, const float* from, std::size_t count) {
+QUILLON_AVX2 std::size_t quantiseRuns(std::uint8_t* to, const float* from, std::size_t count) {
     constexpr std::size_t kRunSamples = 16;
     std::size_t done = 0;
     for (; count - done >= kRunSamples; done += kRunSamples) {
@@ -104,74 +104,27 @@ QUILLON_WIDE std::size_t quantiseRuns(std::uint8_t* to, const float* from, std::
     return done;
 }
 
-QUILLON_WIDE __m256 isWithin(__m256 samples, __m256 from, __m256 below) {
-    return _mm256_and_ps(_mm256_cmp_ps(samples, from, _CMP_GE_OQ),
-                         _mm256_cmp_ps(samples, below, _CMP_LT_OQ));
-}
-
-QUILLON_WIDE __m256i differencesOf(__m256 samples, const float* before) {
-    return _mm256_xor_si256(_mm256_castps_si256(samples),
-                            _mm256_loadu_si256(reinterpret_cast<const __m256i*>(before)));
-}
-
-QUILLON_WIDE std::size_t passOverWide(const float* samples, std::size_t count,
-                                      const PeriodRanges& ranges, bool hasPrevious) {
-    static_assert(kPeriod == 3 * 8);
-    const __m256 lowest0 = _mm256_loadu_ps(ranges.from.data());
-    const __m256 lowest1 = _mm256_loadu_ps(&ranges.from[8]);
-    const __m256 lowest2 = _mm256_loadu_ps(&ranges.from[16]);
-    const __m256 end0 = _mm256_loadu_ps(ranges.below.data());
-    const __m256 end1 = _mm256_loadu_ps(&ranges.below[8]);
-    const __m256 end2 = _mm256_loadu_ps(&ranges.below[16]);
-    std::size_t done = 0;
-    for (; count - done >= kPeriod; done += kPeriod) {
-        const float* const period = samples + done;
-        const __m256 samples0 = _mm256_loadu_ps(period);
-        const __m256 samples1 = _mm256_loadu_ps(period + 8);
-        const __m256 samples2 = _mm256_loadu_ps(period + 16);
-        const __m256 inside = _mm256_and_ps(
-            _mm256_and_ps(isWithin(samples0, lowest0, end0), isWithin(samples1, lowest1, end1)),
-            isWithin(samples2, lowest2, end2));
-        if (_mm256_movemask_ps(inside) == 0xFF) continue;
-        if (done == 0 && !hasPrevious) break;
-        const __m256i differences =
-            _mm256_or_si256(_mm256_or_si256(differencesOf(samples0, period - kPeriod),
-                                            differencesOf(samples1, period - kPeriod + 8)),
-                            differencesOf(samples2, period - kPeriod + 16));
-        if (_mm256_testz_si256(differences, differences) == 0) break;
-    }
-    return done;
-}
-
 }  // namespace
 
-std::size_t copyExchangedWide(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels,
+std::size_t copyExchangedAvx2(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels,
                               const Exchange& exchange) {
-    return hasWideVectors() ? copyBlockPairs(to, from, pixels, exchange) : 0;
+    return hasAvx2() ? copyBlockPairs(to, from, pixels, exchange) : 0;
 }
 
-std::size_t quantiseWide(std::uint8_t* to, const float* from, std::size_t count, ByteOrder order) {
-    if (!hasWideVectors()) return 0;
+std::size_t quantiseAvx2(std::uint8_t* to, const float* from, std::size_t count, ByteOrder order) {
+    if (!hasAvx2()) return 0;
     return order == ByteOrder::kBig ? quantiseRuns<ByteOrder::kBig>(to, from, count)
                                     : quantiseRuns<ByteOrder::kLittle>(to, from, count);
 }
 
-PassOver* widePassOver() {
-    return hasWideVectors() ? passOverWide : nullptr;
-}
-
 #else
 
-std::size_t copyExchangedWide(std::uint8_t*, const std::uint8_t*, std::size_t, const Exchange&) {
+std::size_t copyExchangedAvx2(std::uint8_t*, const std::uint8_t*, std::size_t, const Exchange&) {
     return 0;
 }
 
-std::size_t quantiseWide(std::uint8_t*, const float*, std::size_t, ByteOrder) {
+std::size_t quantiseAvx2(std::uint8_t*, const float*, std::size_t, ByteOrder) {
     return 0;
-}
-
-PassOver* widePassOver() {
-    return nullptr;
 }
 
 #endif
