@@ -39,7 +39,7 @@ constexpr Golden kGolden[] = {
 
 class JpegGolden : public testing::TestWithParam<Golden> {};
 
-TEST_P(JpegGolden, IsTheFileThatItAlwaysWas) {
+TEST_P(JpegGolden, IsWhatTheIndependentEncoderWrites) {
     const Golden& golden = GetParam();
     const TempDir dir;
     const std::string in = dir.write(
