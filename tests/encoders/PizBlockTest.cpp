@@ -2,8 +2,7 @@
 
 #include <gtest/gtest.h>
 
-#include <utility>
-#include <vector>
+#include <initializer_list>
 
 #include "support/Append.h"
 
@@ -31,8 +30,8 @@ private:
     int used_ = 0;
 };
 
-// A block in the making. Unless a setter says otherwise: no bitmap, the symbols 0 and 1 with codes of
-// one bit, and eight bits of samples.
+// A block in the making. Unless a setter says otherwise: no bitmap, the symbols 0 and 1 with codes
+// of one bit, and eight bits of samples.
 class Block {
 public:
     Block& bitmap(std::uint16_t first, std::uint16_t last, std::size_t bytes) {
@@ -48,29 +47,24 @@ public:
 
     ByteList bytes() const {
         ByteList rest;
-        put(rest, lowest_, 4);
-        put(rest, highest_, 4);
-        put(rest, 0, 4);
-        put(rest, sampleBits_, 4);
-        put(rest, 0, 4);
+        appendLe32(rest, lowest_);
+        appendLe32(rest, highest_);
+        appendLe32(rest, 0);
+        appendLe32(rest, sampleBits_);
+        appendLe32(rest, 0);
         append(rest, code_);
         append(rest, ByteList(samples_, 0x55));
 
         ByteList all;
-        put(all, firstByte_, 2);
-        put(all, lastByte_, 2);
+        appendLe16(all, firstByte_);
+        appendLe16(all, lastByte_);
         append(all, ByteList(bitmapBytes_, 0xFF));
-        put(all, announced_ > 0 ? announced_ : static_cast<std::uint32_t>(rest.size()), 4);
+        appendLe32(all, announced_ > 0 ? announced_ : static_cast<std::uint32_t>(rest.size()));
         append(all, rest);
         return all;
     }
 
 private:
-    static void put(ByteList& bytes, std::uint32_t value, int count) {
-        for (int i = 0; i < count; ++i)
-            bytes.push_back(static_cast<std::uint8_t>(value >> 8 * i));
-    }
-
     std::uint16_t firstByte_ = 8191;
     std::uint16_t lastByte_ = 0;
     std::size_t bitmapBytes_ = 0;
@@ -161,7 +155,7 @@ TEST(PizBlock, CodesOfUnlikeLengthsArePrefixFree) {
     EXPECT_FALSE(isSound(code({1, 1, 2, 2})));
 }
 
-// 2^k codes of 14 + k bits make up one slot, and one code of each length from 14 down to 1 the rest.
+// 2^k codes of 14 + k bits fill one slot, and one code of each length from 14 down to 1 the rest.
 Block oneSlotOf(std::uint32_t bitsBeyondTheSlot) {
     Lengths code;
     const std::uint32_t codes = std::uint32_t{1} << bitsBeyondTheSlot;
