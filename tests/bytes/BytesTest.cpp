@@ -1,14 +1,14 @@
 #include "bytes/Bytes.h"
 
-#include <gtest/gtest.h>
+#include <gmock/gmock.h>
 
-#include <bit>
 #include <cmath>
-#include <limits>
 
 #include "bytes/Numbers.h"
 
 namespace {
+
+using testing::ElementsAre;
 
 constexpr std::uint8_t kBytes[] = {0x01, 0x80, 0xFF, 0x7F, 0xFE};
 
@@ -45,14 +45,11 @@ TEST(Bytes, HoldsCountsElementsWithoutWrapping) {
 TEST(Bytes, StoresAreTheReverseOfLoads) {
     std::uint8_t out[4];
     storeLe32(out, 0x01020304);
-    EXPECT_EQ(out[0], 4);
-    EXPECT_EQ(out[3], 1);
+    EXPECT_THAT(out, ElementsAre(4, 3, 2, 1));
     storeBe32(out, 0x01020304);
-    EXPECT_EQ(out[0], 1);
-    EXPECT_EQ(out[3], 4);
+    EXPECT_THAT(out, ElementsAre(1, 2, 3, 4));
     storeBe16(out, 0x0506);
-    EXPECT_EQ(out[0], 5);
-    EXPECT_EQ(out[1], 6);
+    EXPECT_THAT(out, ElementsAre(5, 6, 3, 4));
     storeLeFloat(out, -1.0f);
     EXPECT_EQ(loadLe32(out), 0xBF800000u);
     EXPECT_EQ(loadLeFloat(out), -1.0f);
@@ -65,15 +62,15 @@ TEST(SaturatedInt, TruncatesTowardZero) {
 }
 
 TEST(SaturatedInt, StopsAtTheEndsOfItsRange) {
-    EXPECT_EQ(saturatedInt(2147483647.0), 2147483647);
-    EXPECT_EQ(saturatedInt(2147483648.0), 2147483647);
-    EXPECT_EQ(saturatedInt(-2147483648.5), -2147483647 - 1);
-    EXPECT_EQ(saturatedInt(1e30), 2147483647);
-    EXPECT_EQ(saturatedInt(-INFINITY), -2147483647 - 1);
+    EXPECT_EQ(saturatedInt(2147483647.0), INT32_MAX);
+    EXPECT_EQ(saturatedInt(2147483648.0), INT32_MAX);
+    EXPECT_EQ(saturatedInt(-2147483648.5), INT32_MIN);
+    EXPECT_EQ(saturatedInt(1e30), INT32_MAX);
+    EXPECT_EQ(saturatedInt(-INFINITY), INT32_MIN);
 }
 
 TEST(SaturatedInt, NotANumberIsZero) {
-    EXPECT_EQ(saturatedInt(std::numeric_limits<double>::quiet_NaN()), 0);
+    EXPECT_EQ(saturatedInt(NAN), 0);
 }
 
 }  // namespace

@@ -160,7 +160,7 @@ TEST_F(Jpeg, EachCoefficientIsCodedWithTheZerosBeforeIt) {
             rising.pixel(column, row, level, level, level);
         }
     }
-    // 00 | category 4 after no zeros: 1011 0010 | category 1 after four: 111011 0 | 1010 | 0000 0000
+    // 00, category 4 after no zeros: 1011 0010, category 1 after four: 111011 0, 1010, 00 00, 00 00
     EXPECT_THAT(scanOf(saved(rising, 255)), ElementsAre(0x2C, 0xBB, 0x50, 0x07));
 }
 

@@ -2,19 +2,15 @@
 
 #include <gtest/gtest.h>
 
-#include <vector>
+#include "support/TempDir.h"
 
 namespace {
 
-using ByteList = std::vector<std::uint8_t>;
-
-struct FillCase {
-    std::size_t pixelBytes;
-    ByteList row, source, background, expected;
-};
-
 TEST(FillBackground, ReplacesPixelsThatEqualTheBackgroundInEveryByte) {
-    const FillCase cases[] = {
+    const struct {
+        std::size_t pixelBytes;
+        ByteList row, source, background, expected;
+    } kCases[] = {
         {1, {9, 5, 9}, {1, 2, 3}, {9}, {1, 5, 3}},
         {2, {9, 8, 9, 9, 8, 9}, {1, 2, 3, 4, 5, 6}, {9, 8}, {1, 2, 9, 9, 8, 9}},
         {3, {9, 8, 7, 9, 8, 6}, {1, 2, 3, 4, 5, 6}, {9, 8, 7}, {1, 2, 3, 9, 8, 6}},
@@ -30,7 +26,7 @@ TEST(FillBackground, ReplacesPixelsThatEqualTheBackgroundInEveryByte) {
          {5, 5, 5, 5, 5, 5, 1, 1, 1, 1, 1, 2}},
         {12, ByteList(12, 1), ByteList(12, 5), ByteList(12, 1), ByteList(12, 5)},
     };
-    for (const FillCase& test : cases) {
+    for (const auto& test : kCases) {
         ByteList row = test.row;
         fillBackground(row.data(), test.source.data(), test.background.data(),
                        row.size() / test.pixelBytes, test.pixelBytes);
@@ -44,6 +40,20 @@ TEST(FillBackground, LeavesPixelsOfAnotherSizeAlone) {
         const ByteList source(24, 1);
         fillBackground(row.data(), source.data(), ByteList(24, 7).data(), 1, pixelBytes);
         EXPECT_EQ(row, ByteList(24, 7)) << pixelBytes;
+    }
+}
+
+TEST(ExchangeSamples, ExchangesTwoBytesOfEachPixel) {
+    const struct {
+        Exchange exchange;
+        ByteList after;
+    } kCases[] = {{{0, 1}, {2, 1, 3, 5, 4, 6, 7}},
+                  {{0, 2}, {3, 2, 1, 6, 5, 4, 7}},
+                  {{1, 2}, {1, 3, 2, 4, 6, 5, 7}}};
+    for (const auto& test : kCases) {
+        ByteList pixels = {1, 2, 3, 4, 5, 6, 7};
+        exchangeSamples(pixels.data(), 2, test.exchange);
+        EXPECT_EQ(pixels, test.after);
     }
 }
 

@@ -10,22 +10,15 @@ namespace {
 
 using testing::ElementsAre;
 
-TEST(LevelOf, HoldsSamplesInTheRangeOfSixteenBits) {
+TEST(LevelOf, ClampsSamplesToTheRangeOfSixteenBits) {
     const float infinity = std::numeric_limits<float>::infinity();
     const float nan = std::numeric_limits<float>::quiet_NaN();
-    EXPECT_EQ(levelOf(0.0f), 0);
-    EXPECT_EQ(levelOf(-0.0f), 0);
-    EXPECT_EQ(levelOf(-0.2f), 0);
-    EXPECT_EQ(levelOf(-infinity), 0);
-    EXPECT_EQ(levelOf(nan), 0);
-    EXPECT_EQ(levelOf(-nan), 0);
-    EXPECT_EQ(levelOf(1.0f), 65535);
-    EXPECT_EQ(levelOf(1.5f), 65535);
-    EXPECT_EQ(levelOf(3e38f), 65535);
-    EXPECT_EQ(levelOf(infinity), 65535);
+    for (const float below : {0.0f, -0.0f, -0.2f, -infinity, nan, -nan, 1e-45f})
+        EXPECT_EQ(levelOf(below), 0) << below;
+    for (const float above : {1.0f, 1.5f, 3e38f, infinity})
+        EXPECT_EQ(levelOf(above), 65535) << above;
     EXPECT_EQ(levelOf(0.5f), 32768);
     EXPECT_EQ(levelOf(0.25f), 16384);
-    EXPECT_EQ(levelOf(1e-45f), 0);
 }
 
 TEST(LevelOf, EveryLevelIsItsOwn) {
