@@ -18,7 +18,7 @@ namespace {
 
 using ByteList = std::vector<std::uint8_t>;
 
-constexpr std::size_t kMostPixels = 70;
+constexpr std::size_t kMaxPixels = 70;
 constexpr std::size_t kStarts[] = {0, 1, 2, 7, 15};
 
 // Bytes with few values, so that many pixels equal one another in some of their bytes.
@@ -63,7 +63,7 @@ class FillKernel : public testing::TestWithParam<std::size_t> {};
 TEST_P(FillKernel, IsThePlainLoop) {
     const std::size_t pixelBytes = GetParam();
     std::mt19937 random(1);
-    for (std::size_t pixels = 0; pixels <= kMostPixels; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
         for (const std::size_t start : kStarts) {
             for (const unsigned values : {1u, 2u, 3u, 128u}) {
                 const ByteList background = fewValues(random, pixelBytes, std::min(values, 3u));
@@ -98,7 +98,7 @@ class ExchangeKernel : public testing::TestWithParam<std::size_t> {};
 TEST_P(ExchangeKernel, IsThePlainLoop) {
     const Exchange exchange = {GetParam() / 3, GetParam() % 3};
     std::mt19937 random(1);
-    for (std::size_t pixels = 0; pixels <= kMostPixels; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
         for (const std::size_t start : kStarts) {
             const ByteList row = fewValues(random, 3 * pixels, 128);
             ByteList exchanged = behind(start, row);
@@ -114,7 +114,7 @@ INSTANTIATE_TEST_SUITE_P(OfAnyTwo, ExchangeKernel, testing::Range<std::size_t>(0
 
 TEST(CopyReversedKernel, IsThePlainLoop) {
     std::mt19937 random(1);
-    for (std::size_t pixels = 0; pixels <= kMostPixels; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
         for (const std::size_t start : kStarts) {
             const ByteList row = fewValues(random, 3 * pixels, 128);
             ByteList reversed(start + row.size(), 0);
@@ -128,7 +128,7 @@ TEST(CopyReversedKernel, IsThePlainLoop) {
 TEST(Quantise16Kernel, IsTheLevelOfEachSample) {
     std::mt19937 random(1);
     for (const std::size_t step : {1u, 3u}) {
-        for (std::size_t count = 0; count <= kMostPixels; ++count) {
+        for (std::size_t count = 0; count <= kMaxPixels; ++count) {
             for (const std::size_t start : kStarts) {
                 const std::vector<float> samples = someSamples(random, count * step, 1);
                 ByteList little(start + 2 * count, 0);
@@ -148,7 +148,7 @@ TEST(Quantise16Kernel, IsTheLevelOfEachSample) {
 
 TEST(TakeFirstSamplesKernel, IsTheFirstOfEachThree) {
     std::mt19937 random(1);
-    for (std::size_t pixels = 0; pixels <= kMostPixels; ++pixels) {
+    for (std::size_t pixels = 0; pixels <= kMaxPixels; ++pixels) {
         for (const std::size_t start : kStarts) {
             const std::vector<float> samples = someSamples(random, 3 * pixels, 3);
             ByteList taken(start + 4 * pixels, 0);
