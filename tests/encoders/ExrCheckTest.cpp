@@ -167,7 +167,7 @@ TEST(ExrCheck, EachAttributeThatAPictureNeedsIsThere) {
 }
 
 TEST(ExrCheck, AChunkHasTheBytesOfItsRow) {
-    for (const std::uint32_t bytes : {1u, 3u}) {
+    for (const std::uint32_t bytes : {1u, 3u, 0x80000004u}) {
         ExrFile file;
         file.chunkBytes = bytes;
         EXPECT_EQ(file.check(), -4) << bytes;

@@ -380,6 +380,18 @@ TEST_F(ExrRange, TilesThatCannotBeInflatedAreDamage) {
     }
 }
 
+TEST_F(ExrRange, WaveletsThatCannotBeDecodedAreDamage) {
+    ByteList bytes = bytesOf(Picture{.width = 64,
+                                     .height = 32,
+                                     .samples = std::vector<float>(2048, 1.0f),
+                                     .type = Imf::HALF,
+                                     .compression = Imf::PIZ_COMPRESSION});
+    EXPECT_EQ(rangeOfBytes(bytes), 0.0f);
+    const std::size_t chunk = tableOf(bytes) + 8;
+    bytes[chunk + 4 + 4 + 3] = 0xFF;  // the last byte of a bitmap of more than 8192, see PizBlock.h
+    EXPECT_EQ(rangeOfBytes(bytes), -4.0f);
+}
+
 TEST_F(ExrRange, OtherFilesGiveTheLoadersCode) {
     EXPECT_EQ(OpenEXR(nullptr), -3.0f);
     EXPECT_EQ(OpenEXR(dir.path("missing").c_str()), -7.0f);
@@ -419,7 +431,7 @@ TEST_F(ExrRange, DeepFilesAreRefused) {
     EXPECT_EQ(rangeOfBytes(bytes), -4.0f);
 }
 
-TEST_F(ExrRange, HeadersThatTheLoaderWouldNotSurviveAreRefused) {
+TEST_F(ExrRange, HeadersThatTheLoaderMightNotSurviveAreRefused) {
     const Picture picture{.width = 2, .samples = {1, 2}};
     EXPECT_EQ(rangeOfTiles(picture, 16, 16), 1.0f);
     const ByteList tiled = readBytes(path());
@@ -428,6 +440,7 @@ TEST_F(ExrRange, HeadersThatTheLoaderWouldNotSurviveAreRefused) {
     const std::size_t tiles = valueOf(tiled, "tiles", "tiledesc");
     const std::size_t window = valueOf(rows, "dataWindow", "box2i");
     const std::size_t channels = valueOf(rows, "channels", "chlist");
+    const std::size_t ratio = valueOf(rows, "pixelAspectRatio", "float");
     const struct {
         const char* defect;
         const ByteList& file;
@@ -443,8 +456,17 @@ TEST_F(ExrRange, HeadersThatTheLoaderWouldNotSurviveAreRefused) {
         {"no columns", rows, window + 8, {0xFF, 0xFF, 0xFF, 0xFF}, -4.0f},
         {"endless", rows, window + 8, {0xFF, 0xFF, 0xFF, 0x7F}, -4.0f},
         {"2 million columns", rows, window + 8, {0, 0, 0x1F, 0}, -4.0f},
+        {"no rows", rows, window + 12, {0xFF, 0xFF, 0xFF, 0xFF}, -4.0f},
+        {"starts too far left", rows, window, {0xFF, 0xFF, 0xDF, 0xFF}, -4.0f},
+        {"starts too far up", rows, window + 4, {0xFF, 0xFF, 0xDF, 0xFF}, -4.0f},
+        {"ends too far down", rows, window + 12, {1, 0, 0x20, 0}, -4.0f},
+        {"a short window", rows, window - 4, {15}, -4.0f},
+        {"half a channel", rows, channels - 4, {17}, -4.0f},
+        {"channels without an end", rows, channels - 4, {18}, -4.0f},
         {"an unknown pixel type", rows, channels + 2, {7}, -4.0f},
         {"every second column", rows, channels + 10, {2}, -10.0f},
+        {"every second row", rows, channels + 14, {2}, -10.0f},
+        {"an attribute of another name", rows, ratio - 27, {'q'}, -9.0f},
     };
     for (const auto& row : kCases) {
         ByteList bent = row.file;
@@ -489,6 +511,14 @@ TEST_F(ExrRange, TilesWhoseTableHoldsZerosAreMeasured) {
     expectTableRebuilt(15);
     writeTiles(path(), picture, 8, 8, Imf::MIPMAP_LEVELS);
     expectTableRebuilt(26);
+
+    // A column and a row that the full picture does not have, and a resolution that is not there.
+    const ByteList zeros = readBytes(path());
+    for (const auto& [at, number] : {std::pair<std::size_t, std::uint8_t>{0, 5}, {4, 3}, {12, 1}}) {
+        ByteList bent = zeros;
+        bent[tableOf(zeros) + 8 * 26 + at] = number;
+        EXPECT_EQ(rangeOfBytes(bent), -4.0f) << at;
+    }
 }
 
 TEST_F(ExrRange, TruncatedFilesAreRefused) {
