@@ -125,14 +125,14 @@ inline constexpr std::uint8_t kEndOfBlock = 0x00;
 inline constexpr std::uint8_t kSixteenZeros = 0xF0;
 
 // The magnitude category of a value from -32767 to 32767: how many bits its magnitude has.
-constexpr std::uint8_t category(std::int32_t value) {
+consteval std::uint8_t category(std::int32_t value) {
     return static_cast<std::uint8_t>(
         std::bit_width(static_cast<std::uint32_t>(value < 0 ? -value : value)));
 }
 
 // The bits that follow the code of a value's category: those of a positive value itself, or the
 // complement of a negative value's magnitude.
-constexpr bitstring bitcode(std::int32_t value) {
+consteval bitstring bitcode(std::int32_t value) {
     const std::uint8_t length = category(value);
     const std::int32_t bits = value < 0 ? (1 << length) - 1 + value : value;
     return {length, static_cast<std::uint16_t>(bits)};
@@ -158,7 +158,7 @@ struct ValueCode {
 // up to 2047 for the difference of two DC coefficients.
 inline constexpr std::int32_t kMaxValue = 2047;
 inline constexpr std::size_t kSignedCategories = 32;
-constexpr std::uint8_t signedCategory(std::int32_t value) {
+consteval std::uint8_t signedCategory(std::int32_t value) {
     return static_cast<std::uint8_t>(category(value) + (value < 0 ? kSignedCategories / 2 : 0));
 }
 
