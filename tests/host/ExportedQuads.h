@@ -6,9 +6,9 @@
 
 #include <algorithm>
 #include <array>
-#include <cstring>
 #include <stdexcept>
 
+#include "bytes/Bytes.h"
 #include "host/Quillon.h"
 
 using Rgb = std::array<int, 3>;
@@ -28,21 +28,13 @@ public:
     Map& operator=(const Map&) = delete;
     ~Map() { TIFFClose(file_); }
 
-    std::array<int, 3> rgb(std::uint32_t x, std::uint32_t y) const {
+    Rgb rgb(std::uint32_t x, std::uint32_t y) const {
         const ByteList row = rowAt(y);
         return {row.at(3 * x), row.at(3 * x + 1), row.at(3 * x + 2)};
     }
-    int level16(std::uint32_t x, std::uint32_t y) const {
-        const ByteList row = rowAt(y);
-        std::uint16_t level = 0;
-        std::memcpy(&level, &row.at(2 * x), 2);
-        return level;
-    }
+    int level16(std::uint32_t x, std::uint32_t y) const { return loadLe16(&rowAt(y).at(2 * x)); }
     float height32(std::uint32_t x, std::uint32_t y) const {
-        const ByteList row = rowAt(y);
-        float value = 0;
-        std::memcpy(&value, &row.at(4 * x), 4);
-        return value;
+        return loadLeFloat(&rowAt(y).at(4 * x));
     }
 
     std::uint32_t width = 0;
@@ -68,21 +60,17 @@ inline std::vector<std::string> namesIn(const std::string& folder) {
 
 // Exports of a mesh of two quads, to sheets of two cells side by side.
 struct ExportedQuads : ::testing::Test {
-    Ended exportMesh(const std::vector<std::string>& options = {}) {
-        std::vector<std::string> arguments = {"export", mesh, "--out", out, "--size", size};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        return quillon(arguments);
-    }
-    Ended succeed(const std::vector<std::string>& options = {}) {
-        Ended ended = exportMesh(options);
+    Words words() const { return {"export", mesh, "--out", out, "--size", size}; }
+    Ended succeed(const Words& options = {}) const {
+        Ended ended = quillon(words(), options);
         EXPECT_EQ(ended.exitStatus, 0) << ended.err;
         EXPECT_EQ(ended.err, "");
         return ended;
     }
     // The sentence with which an export stops, leaving nothing behind.
-    std::string fail(const std::vector<std::string>& options = {}) {
+    std::string fail(const Words& options = {}) const {
         const auto before = dir.names();
-        const Ended ended = exportMesh(options);
+        const Ended ended = quillon(words(), options);
         EXPECT_EQ(ended.exitStatus, 1);
         EXPECT_EQ(dir.names(), before);
         return ended.err;

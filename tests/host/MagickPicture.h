@@ -3,19 +3,17 @@
 
 #include <gtest/gtest.h>
 
-#include <algorithm>
 #include <filesystem>
 
 #include "host/ExportedQuads.h"
 
-// The samples of a picture, top row first, as ImageMagick reads them; `as` is one of its raw kinds.
-inline ByteList samplesOf(const TempDir& dir, const std::string& path,
-                          std::vector<std::string> as) {
+// The samples of a picture, top row first, the high byte first. `kind` is one of ImageMagick's raw
+// ones, such as "rgb:".
+inline ByteList samplesOf(const TempDir& dir, const std::string& path, const std::string& kind,
+                          const std::string& depth) {
     const std::string raw = dir.path("samples.raw");
-    std::vector<std::string> arguments = {"/usr/bin/env", "convert", path + "[0]"};
-    as.back() += raw;
-    arguments.insert(arguments.end(), as.begin(), as.end());
-    const Ended ended = run(arguments);
+    const Ended ended = run(
+        {"/usr/bin/env", "convert", path + "[0]", "-endian", "MSB", "-depth", depth, kind + raw});
     EXPECT_EQ(ended.exitStatus, 0) << ended.err;
     ByteList samples = readBytes(raw);
     std::filesystem::remove(raw);
@@ -25,7 +23,7 @@ inline ByteList samplesOf(const TempDir& dir, const std::string& path,
 // A picture of 8-bit RGB.
 struct Picture {
     Picture(const TempDir& dir, const std::string& path, std::size_t pixelsInARow)
-        : width(pixelsInARow), samples(samplesOf(dir, path, {"-depth", "8", "rgb:"})) {}
+        : width(pixelsInARow), samples(samplesOf(dir, path, "rgb:", "8")) {}
 
     Rgb at(std::size_t x, std::size_t y) const {
         const std::size_t first = 3 * (y * width + x);

@@ -9,16 +9,15 @@ namespace {
 using ::testing::HasSubstr;
 
 // What is offered for the last word, in one line.
-std::string offered(std::vector<std::string> words) {
-    words.insert(words.begin(), "complete");
-    std::string found = quillon(words).out;
+std::string offered(const Words& words) {
+    std::string found = quillon({"complete"}, words).out;
     std::ranges::replace(found, '\n', ' ');
     return found;
 }
 
 // Each row: the words behind "quillon", the last one unfinished, and what is offered for it.
 TEST(Completions, OfferWhatTheCommandLineTakes) {
-    const std::vector<std::pair<std::vector<std::string>, const char*>> kCases = {
+    const std::vector<std::pair<Words, const char*>> kCases = {
         {{""}, "call script describe reference inspect import export tour merge completions "},
         {{"ex"}, "export "},
         {{"--"}, "--help --version --library "},

@@ -13,26 +13,12 @@ using ::testing::HasSubstr;
 using Export = ExportedQuads;
 
 // The first word of each line of the call log.
-std::vector<std::string> callsIn(const std::string& out) {
+Words callsIn(const std::string& out) {
     std::istringstream lines(out);
-    std::vector<std::string> names;
+    Words names;
     for (std::string line; std::getline(lines, line) && !line.empty();)
         names.push_back(line.substr(0, line.find(' ')));
     return names;
-}
-
-// Cells of 8 x 8 pixels; each quad covers the middle 4 x 4 of its cell.
-TEST_F(Export, MergesTheNormalsOfAllTilesIntoOneSheet) {
-    succeed();
-    const Map map(out + "/two_normal.tif");
-    EXPECT_EQ(map.width, 16u);
-    EXPECT_EQ(map.height, 8u);
-    EXPECT_EQ(map.rgb(2, 2), kFacesZ);
-    EXPECT_EQ(map.rgb(5, 5), kFacesZ);
-    EXPECT_EQ(map.rgb(10, 2), kFacesX);
-    EXPECT_EQ(map.rgb(13, 5), kFacesX);
-    for (const auto& [x, y] : {std::pair{0u, 0u}, {1u, 2u}, {6u, 5u}, {2u, 1u}, {9u, 2u}, {5u, 6u}})
-        EXPECT_EQ(map.rgb(x, y), kBackground) << x << ' ' << y;
 }
 
 // In the first quad v and y grow together, from 0 to half of the mesh's height over 4 pixels; in
@@ -48,14 +34,8 @@ TEST_F(Export, HeightsRunFromTheLowestToTheHighestVertex) {
 }
 
 TEST_F(Export, RowsOfTilesGrowUpward) {
-    ByteList bytes = twoQuads();
-    for (std::size_t corner = 0; corner < 4; ++corner) {  // the second quad one up, not one right
-        const ByteList uv =
-            Words().floats({corner % 3 == 0 ? 0.25f : 0.75f, corner < 2 ? 1.25f : 1.75f}).bytes();
-        std::copy(uv.begin(), uv.end(),
-                  bytes.begin() + kSecondQuadUvs + static_cast<int>(8 * corner));
-    }
-    dir.write("two.Vemo", bytes);
+    dir.write("two.Vemo", twoQuads(kMiddleOf1001, {0.25f, 1.25f, 0.75f, 1.25f,  //
+                                                   0.75f, 1.75f, 0.25f, 1.75f}));
     succeed();
     const Map map(out + "/two_normal.tif");
     EXPECT_EQ(map.width, 8u);
@@ -81,38 +61,26 @@ TEST_F(Export, ShowsOfARowOfEqualCallsTheFirstAndTheLast) {
                                "getUVString             0  position 1 gives 1002\n"));
 }
 
-TEST_F(Export, ACallThatFailsIsNeverLeftOut) {
-    dir.makeFolder("maps/working");
-    dir.makeFolder("maps/working-2");
-    EXPECT_THAT(succeed().out, HasSubstr("CreateFolder           -1  " + out + "/working\n" +
-                                         "CreateFolder           -1  " + out + "/working-2\n" +
-                                         "CreateFolder            0  " + out + "/working-3\n"));
-}
-
-TEST_F(Export, EndsWithThePathAndSizeOfTheMap) {
-    EXPECT_THAT(succeed().out, EndsWith("\n\n" + out + "/two_normal.tif  608 bytes\n"));
-}
-
-TEST_F(Export, LeavesOnlyTheMap) {
+TEST_F(Export, ReplacesAnEarlierMapAndLeavesNothingElse) {
+    dir.makeFolder("maps");
+    dir.write("maps/two_normal.tif", "an earlier map");
     succeed();
+    EXPECT_EQ(Map(out + "/two_normal.tif").rgb(2, 2), kFacesZ);
     EXPECT_EQ(readBytes(mesh), twoQuads());
     EXPECT_THAT(dir.names(), ElementsAre("maps", "two.Vemo"));
     EXPECT_THAT(namesIn(out), ElementsAre("two_normal.tif"));
 }
 
-TEST_F(Export, ReplacesAnEarlierMap) {
-    dir.makeFolder("maps");
-    dir.write("maps/two_normal.tif", "an earlier map");
-    succeed();
-    EXPECT_EQ(Map(out + "/two_normal.tif").rgb(2, 2), kFacesZ);
-}
-
 TEST_F(Export, NeverTouchesAFolderThatIsCalledWorkingAlready) {
+    dir.makeFolder("maps/working-2");
     dir.makeFolder("maps/working");
     dir.write("maps/working/two1001.Vemo", "the user's own");
-    EXPECT_THAT(succeed().out, HasSubstr(out + "/working-2\n"));
+    EXPECT_THAT(succeed().out, HasSubstr("CreateFolder           -1  " + out + "/working\n" +
+                                         "CreateFolder           -1  " + out + "/working-2\n" +
+                                         "CreateFolder            0  " + out + "/working-3\n"));
     EXPECT_EQ(readBytes(dir.path("maps/working/two1001.Vemo")).size(), 14u);
-    EXPECT_FALSE(dir.has("maps/working-2"));
+    EXPECT_TRUE(dir.has("maps/working-2"));
+    EXPECT_FALSE(dir.has("maps/working-3"));
 }
 
 TEST_F(Export, KeepTilesLeavesTheWorkingFiles) {
@@ -133,11 +101,7 @@ TEST_F(Export, AFilterChoosesTiles) {
 }
 
 TEST_F(Export, AFaceAcrossTheBorderIsNotDrawn) {
-    ByteList bytes = twoQuads();
-    const ByteList beyond = Words().floats({1.5f}).bytes();
-    std::copy(beyond.begin(), beyond.end(),
-              bytes.begin() + kFirstQuadUvs + 8);  // its second corner
-    dir.write("two.Vemo", bytes);
+    dir.write("two.Vemo", twoQuads({0.25f, 0.25f, 1.5f, 0.25f, 0.75f, 0.75f, 0.25f, 0.75f}));
     succeed();
     EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
 }
@@ -145,11 +109,8 @@ TEST_F(Export, AFaceAcrossTheBorderIsNotDrawn) {
 // Three of its corners coincide. In cells of 41 pixels rounding gives its area one sign, whichever
 // way round the corners are taken.
 TEST_F(Export, AFaceWithoutAnAreaLeavesNothing) {
-    ByteList bytes = twoQuads();
-    const ByteList sliver =
-        Words().floats({0.668f, 0.389f, 0.808f, 0.215f, 0.808f, 0.215f, 0.808f, 0.215f}).bytes();
-    std::copy(sliver.begin(), sliver.end(), bytes.begin() + kFirstQuadUvs);
-    dir.write("two.Vemo", bytes);
+    dir.write("two.Vemo", twoQuads({0.668f, 0.389f, 0.808f, 0.215f,  //
+                                    0.808f, 0.215f, 0.808f, 0.215f}));
     size = "82";
     succeed();
     const Map map(out + "/two_normal.tif");
@@ -159,10 +120,7 @@ TEST_F(Export, AFaceWithoutAnAreaLeavesNothing) {
 
 // The first pixel of a file: of a TIFF or PSD at the top, of a BMP at the bottom.
 TEST_F(Export, TheLeftCornersStayBackground) {
-    ByteList bytes = twoQuads();
-    const ByteList full = Words().floats({0, 0, 0.999f, 0, 0.999f, 0.9999f, 0, 0.9999f}).bytes();
-    std::copy(full.begin(), full.end(), bytes.begin() + kFirstQuadUvs);
-    dir.write("two.Vemo", bytes);
+    dir.write("two.Vemo", twoQuads({0, 0, 0.999f, 0, 0.999f, 0.9999f, 0, 0.9999f}));
     succeed();
     const Map map(out + "/two_normal.tif");
     EXPECT_EQ(map.rgb(0, 0), kBackground);
@@ -185,22 +143,12 @@ TEST_F(Export, AMissingFilterIsReported) {
                 HasSubstr("setUVtilesOutput of " + dir.path("none.txt") + " returned -1: "));
 }
 
-TEST_F(Export, AMissingParentFolderIsReported) {
-    out = dir.path("none/maps");
-    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + out + " returned -1: the folder was not"));
-}
-
-TEST_F(Export, AFileInPlaceOfTheFolderIsReported) {
-    out = mesh;
-    EXPECT_THAT(fail(), HasSubstr("CreateFolder of " + mesh + " returned -1: "));
-}
-
-TEST_F(Export, AFolderInPlaceOfTheMapStays) {
-    dir.makeFolder("maps/two_normal.tif");
-    EXPECT_THAT(
-        fail(),
-        EndsWith("two_normal.tif exists and is not a file; move it or choose another folder\n"));
-    EXPECT_TRUE(dir.has("maps/two_normal.tif"));
+TEST_F(Export, AFolderThatCannotBeCreatedIsReported) {
+    for (const std::string& folder : {dir.path("none/maps"), mesh}) {
+        out = folder;
+        EXPECT_THAT(fail(),
+                    HasSubstr("CreateFolder of " + out + " returned -1: the folder was not"));
+    }
 }
 
 TEST_F(Export, AFilterWithoutAMatchIsReported) {
@@ -210,35 +158,27 @@ TEST_F(Export, AFilterWithoutAMatchIsReported) {
 }
 
 TEST_F(Export, AMeshWithoutFacesIsReported) {
-    mesh = dir.write("none.Vemo", Words()
-                                      .u32({0, 0, 0, 0, 0, 0, 0, 0})
-                                      .u32({10001, 16, 0, 0})
-                                      .u32({20001, 16, 0, 0})
-                                      .u32({25001, 16, 0, 0})
-                                      .u32({0, 0, 0, 0})
-                                      .bytes());
+    dir.write("two.Vemo", VemoBuilder().vertices({}).faces({}).faceUvs({}).closing().bytes());
     EXPECT_THAT(fail(), EndsWith("has no faces, so there is no tile to export\n"));
 }
 
 TEST_F(Export, AFaceThatNamesAMissingVertexIsReported) {
     ByteList bytes = twoQuads();
-    bytes[kFirstFace] = 8;
+    bytes[160] = 8;  // the first face's first one
     dir.write("two.Vemo", bytes);
     EXPECT_THAT(fail(), EndsWith("is broken: a face names vertex 8 of 8\n"));
 }
 
 TEST_F(Export, TilesTooFarApartForTheSheetAreReported) {
-    ByteList bytes = twoQuads();
-    const ByteList far = Words().floats({5000.25f}).bytes();
-    std::copy(far.begin(), far.end(), bytes.begin() + kSecondQuadUvs);
-    dir.write("two.Vemo", bytes);
+    dir.write("two.Vemo", twoQuads(kMiddleOf1001, {5000.25f, 0.25f, 1.75f, 0.25f,  //
+                                                   1.75f, 0.75f, 1.25f, 0.75f}));
     EXPECT_THAT(fail(), HasSubstr("the tiles span 5001 columns and 1 rows"));
 }
 
 // A limit on the size of files acts as a full disk.
 TEST_F(Export, ADiskThatTakesNoMoreIsReportedAndLeavesNothing) {
-    const Ended ended =
-        quillonInShell("ulimit -f 8; exec \"$@\"", {"export", mesh, "--out", out, "--size", "256"});
+    size = "256";
+    const Ended ended = quillonInShell("ulimit -f 8; exec \"$@\"", words());
     EXPECT_EQ(ended.exitStatus, 1);
     EXPECT_EQ(ended.err, "quillon: cannot write " + out + "/working/two1001.tif: File too large\n");
     EXPECT_FALSE(dir.has("maps"));
@@ -249,7 +189,7 @@ TEST_F(Export, AMeshCutShortAnywhereIsReported) {
     ASSERT_EQ(whole.size(), 288u);
     for (std::size_t length = 0; length < 272; ++length) {
         dir.write("two.Vemo", ByteList(whole.begin(), whole.begin() + static_cast<int>(length)));
-        const Ended ended = exportMesh();
+        const Ended ended = quillon(words());
         ASSERT_EQ(ended.exitStatus, 1) << length;
         ASSERT_THAT(ended.err, HasSubstr("quillon: ")) << length;
         ASSERT_FALSE(dir.has("maps")) << length;

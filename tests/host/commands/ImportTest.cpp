@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <cmath>
-
 #include "bytes/Bytes.h"
 #include "host/Quillon.h"
 
@@ -10,44 +8,36 @@ namespace {
 using ::testing::ElementsAre;
 using ::testing::FloatEq;
 using ::testing::HasSubstr;
-
-constexpr std::uint32_t kTriangle = 0xFFFFFFFF;
-
-std::vector<std::uint32_t> wordsAt(const ByteList& bytes, std::size_t offset, std::size_t count) {
-    std::vector<std::uint32_t> words;
-    for (std::size_t i = 0; i < count && offset + 4 <= bytes.size(); ++i, offset += 4)
-        words.push_back(loadLe32(&bytes[offset]));
-    return words;
-}
+using ::testing::StartsWith;
 
 std::vector<float> floatsAt(const ByteList& bytes, std::size_t offset, std::size_t count) {
     std::vector<float> floats;
-    for (const std::uint32_t word : wordsAt(bytes, offset, count))
-        floats.push_back(std::bit_cast<float>(word));
+    for (std::size_t i = 0; i < count; ++i)
+        floats.push_back(loadLeFloat(&bytes.at(offset + 4 * i)));
     return floats;
 }
 
 struct Import : ::testing::Test {
     // Imports a model and returns the mesh file's bytes.
-    ByteList import(const std::string& obj, const std::vector<std::string>& options = {}) {
-        dir.write("model.obj", obj);
-        std::vector<std::string> arguments = {"import", dir.path("model.obj"), dir.path("m.Vemo")};
-        arguments.insert(arguments.end(), options.begin(), options.end());
-        const Ended ended = quillon(arguments);
+    ByteList import(std::string_view obj, const Words& options = {}) const {
+        const Ended ended =
+            quillon({"import", dir.write("model.obj", obj), dir.path("m.Vemo")}, options);
         EXPECT_EQ(ended.exitStatus, 0) << ended.err;
         EXPECT_EQ(ended.err, "");
         return readBytes(dir.path("m.Vemo"));
     }
 
     // The sentence with which an import stops; no mesh file may be there.
-    std::string failure(const std::string& model) {
+    std::string failure(const std::string& model) const {
         const Ended ended = quillon({"import", model, dir.path("m.Vemo")});
         EXPECT_EQ(ended.exitStatus, 1);
         EXPECT_EQ(ended.out, "");
         EXPECT_FALSE(dir.has("m.Vemo"));
         return ended.err;
     }
-    std::string failureOf(std::string_view obj) { return failure(dir.write("model.obj", obj)); }
+    std::string failureOf(std::string_view obj) const {
+        return failure(dir.write("model.obj", obj));
+    }
 
     TempDir dir;
 };
@@ -59,46 +49,36 @@ constexpr const char* kPolygons =
     "g triangle\nf 2/2 5/5 3/3\n"
     "g pentagon\nf 1/1 2/2 5/5 3/3 4/4\n";
 
+// The pentagon becomes a quad and a triangle. A triangle's fourth UV repeats its third.
 TEST_F(Import, WritesVerticesFacesUvsGroupsAndTheClosingHeader) {
-    const ByteList mesh = import(kPolygons);
-    ASSERT_EQ(mesh.size(), 372u);
-    EXPECT_THAT(wordsAt(mesh, 0, 8), ElementsAre(0, 0, 0, 0, 0, 0, 0, 0));
-    EXPECT_THAT(wordsAt(mesh, 32, 4), ElementsAre(10001, 76, 5, 0));
-    EXPECT_THAT(floatsAt(mesh, 96, 3), ElementsAre(2.0f, 0.5f, 0.0f));
-    EXPECT_THAT(wordsAt(mesh, 108, 4), ElementsAre(20001, 80, 4, 0));
-    EXPECT_THAT(wordsAt(mesh, 188, 4), ElementsAre(25001, 144, 4, 0));
-    EXPECT_THAT(wordsAt(mesh, 332, 4), ElementsAre(40001, 24, 4, 0));
-    EXPECT_THAT(wordsAt(mesh, 348, 6), ElementsAre(0x00010000, 0x00020002, 0, 0, 0, 0));
+    ByteList want = VemoBuilder()
+                        .vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {2, 0.5f, 0}})
+                        .faces({{0, 1, 2, 3}, {1, 4, 2, -1}, {0, 1, 4, 2}, {0, 2, 3, -1}})
+                        .faceUvs({{0, 0, 0.5f, 0, 0.5f, 1, 0, 1},
+                                  {0.5f, 0, 0.75f, 0.5f, 0.5f, 1, 0.5f, 1},
+                                  {0, 0, 0.5f, 0, 0.75f, 0.5f, 0.5f, 1},
+                                  {0, 0, 0.5f, 1, 0, 1, 0, 1}})
+                        .groups({0, 1, 2, 2})
+                        .closing()
+                        .bytes();
+    std::fill_n(want.begin(), 32, std::uint8_t{0});  // what is never read
+    EXPECT_EQ(import(kPolygons), want);
 }
 
-TEST_F(Import, KeepsQuadsAndTrianglesAndFansOutLargerPolygons) {
-    const ByteList mesh = import(kPolygons);
-    EXPECT_THAT(wordsAt(mesh, 124, 4), ElementsAre(0, 1, 2, 3));
-    EXPECT_THAT(wordsAt(mesh, 140, 4), ElementsAre(1, 4, 2, kTriangle));
-    EXPECT_THAT(wordsAt(mesh, 156, 4), ElementsAre(0, 1, 4, 2));
-    EXPECT_THAT(wordsAt(mesh, 172, 4), ElementsAre(0, 2, 3, kTriangle));
-}
-
-TEST_F(Import, ATrianglesFourthUvRepeatsItsThird) {
-    const ByteList mesh = import(kPolygons);
-    EXPECT_THAT(floatsAt(mesh, 236, 8),
-                ElementsAre(0.5f, 0.0f, 0.75f, 0.5f, 0.5f, 1.0f, 0.5f, 1.0f));
-}
-
-TEST_F(Import, MaterialsAreTheGroupsOfAModelWithOneGroup) {
+// Three triangles, of which the last one belongs to the first one's group again. A model with one
+// group has its materials as groups.
+TEST_F(Import, GroupsAreNumberedByTheirFirstFaces) {
     dir.write("two.mtl", "newmtl red\nnewmtl blue\n");
-    const ByteList mesh = import(
-        "mtllib two.mtl\nv 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n"
-        "usemtl blue\nf 1/1 2/1 3/1\nusemtl red\nf 1/1 3/1 2/1\nusemtl blue\nf 3/1 2/1 1/1\n");
-    ASSERT_EQ(mesh.size(), 32u + 52 + 64 + 112 + 22 + 16);
-    EXPECT_THAT(ByteList(mesh.begin() + 276, mesh.begin() + 282), ElementsAre(0, 0, 1, 0, 0, 0));
-}
-
-TEST_F(Import, AGroupThatContinuesLaterIsOneGroup) {
-    const ByteList mesh = import(
-        "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n"
-        "g a\nf 1/1 2/1 3/1\ng b\nf 1/1 3/1 2/1\ng a\nf 3/1 2/1 1/1\n");
-    EXPECT_THAT(ByteList(mesh.begin() + 276, mesh.begin() + 282), ElementsAre(0, 0, 1, 0, 0, 0));
+    const std::string corners = "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n";
+    for (const std::string faces :
+         {"g a\nf 1/1 2/1 3/1\ng b\nf 1/1 3/1 2/1\ng a\nf 3/1 2/1 1/1\n",
+          "mtllib two.mtl\nusemtl blue\nf 1/1 2/1 3/1\nusemtl red\nf 1/1 3/1 2/1\n"
+          "usemtl blue\nf 3/1 2/1 1/1\n"}) {
+        const ByteList mesh = import(corners + faces);
+        ASSERT_EQ(mesh.size(), 32u + 52 + 64 + 112 + 22 + 16);
+        EXPECT_THAT(ByteList(mesh.begin() + 276, mesh.begin() + 282),
+                    ElementsAre(0, 0, 1, 0, 0, 0));
+    }
 }
 
 // A triangle in each of `count` groups, with the three UVs given.
@@ -145,6 +125,17 @@ TEST_F(Import, AGroupAcrossABorderIsMovedWithoutBeingMadeLarger) {
     EXPECT_THAT(floatsAt(mesh, uvOffset(1), 6), ElementsAre(0, 0, 0.5f, 0, 0, 0.5f));
 }
 
+// grep counts the vertices, faces and groups; a separate reading of the UVs, which reach below 0 and
+// beyond 1, finds nine tiles.
+TEST_F(Import, ReadsARealModel) {
+    const std::string mesh = dir.path("m.Vemo");
+    const Words import = {"import", "/usr/share/assimp/models/OBJ/spider.obj", mesh};
+    EXPECT_EQ(quillon(import).out, mesh + ": vertices 762, quads 0, triangles 1368, groups 19\n");
+    EXPECT_THAT(quillon({"call", "getUVTile", mesh}).out, StartsWith("status   9\n"));
+    EXPECT_EQ(quillon(import, {"--tile-per-group"}).exitStatus, 0);
+    EXPECT_THAT(quillon({"call", "getUVTile", mesh}).out, StartsWith("status   19\n"));
+}
+
 TEST_F(Import, RefusesWhatIsNoModelWithAReason) {
     EXPECT_EQ(failure(dir.path("none.obj")),
               "quillon: there is no model " + dir.path("none.obj") + "\n");
@@ -153,25 +144,23 @@ TEST_F(Import, RefusesWhatIsNoModelWithAReason) {
     EXPECT_THAT(failureOf(std::string_view("\0\xFF\x01v f\0", 7)), HasSubstr("has no faces"));
 }
 
+// Each row: what follows three vertices and a UV, and a part of the error.
 TEST_F(Import, RefusesABrokenModelWithAReason) {
-    const std::string start = "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n";
-    EXPECT_THAT(failureOf(start + "f 1/1 2/1 4/1\n"), HasSubstr("vertex that does not exist"));
-    EXPECT_THAT(failureOf(start + "f 1/1 2/1 -9/1\n"), HasSubstr("vertex that does not exist"));
-    EXPECT_THAT(failureOf(start + "f 1/1 2/1 3/2\n"), HasSubstr("UVs that do not exist"));
-    EXPECT_THAT(failureOf(start + "f 0/1 2/1 3/1\n"), HasSubstr("is broken: "));
-    EXPECT_THAT(failureOf(start + "v 1e999 0 0\nf 1/1 2/1 3/1\n"), HasSubstr("range of numbers"));
-}
-
-TEST_F(Import, RefusesAPolygonOfMoreThan255Corners) {
-    std::string obj = "v 0 0 0\nvt 0 0\nf";
+    std::string polygon = "f";
     for (int i = 0; i < 259; ++i)
-        obj += " 1/1";
-    EXPECT_THAT(failureOf(obj + "\n"), HasSubstr("more than 255 corners"));
-}
-
-TEST_F(Import, RefusesAModelWithoutUvs) {
-    EXPECT_THAT(failureOf("v 0 0 0\nv 1 0 0\nv 1 1 0\nf 1 2 3\n"),
-                HasSubstr("has faces without UVs; give them UVs first"));
+        polygon += " 1/1";
+    const std::vector<std::pair<std::string, const char*>> kCases = {
+        {"f 1/1 2/1 4/1", "vertex that does not exist"},
+        {"f 1/1 2/1 -9/1", "vertex that does not exist"},
+        {"f 1/1 2/1 3/2", "UVs that do not exist"},
+        {"f 0/1 2/1 3/1", "is broken: "},
+        {"v 1e999 0 0\nf 1/1 2/1 3/1", "range of numbers"},
+        {"f 1 2 3", "has faces without UVs; give them UVs first"},
+        {polygon, "more than 255 corners"},
+    };
+    for (const auto& [faces, sentence] : kCases)
+        EXPECT_THAT(failureOf("v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n" + faces + '\n'),
+                    HasSubstr(sentence));
 }
 
 TEST_F(Import, AFullDiskOrAMissingFolderIsReported) {

@@ -29,6 +29,12 @@ struct Inspect : ::testing::Test {
     json inspect(std::string_view name, const ByteList& bytes) {
         return inspect(dir.write(name, bytes));
     }
+    // How many lines are printed of these files.
+    static std::ptrdiff_t linesOf(const Words& words, const Words& files, int exitStatus) {
+        const Ended ended = quillon(words, files);
+        EXPECT_EQ(ended.exitStatus, exitStatus) << ended.err;
+        return std::ranges::count(ended.out, '\n');
+    }
     // The field of that name as "offset bytes value".
     static std::string field(const json& file, const std::string& name) {
         for (const json& field : file["fields"]) {
@@ -39,15 +45,15 @@ struct Inspect : ::testing::Test {
         }
         return "no such field";
     }
-    // What the exports said: "name status", with "!" before a refusal.
-    static std::vector<std::string> verdicts(const json& file) {
-        std::vector<std::string> said;
+    // What the exports returned: "name status", with "!" before a refusal.
+    static Words verdicts(const json& file) {
+        Words all;
         for (const json& trial : file["exports"]) {
             std::string name = trial["export"];
             if (!trial["accepted"]) name.insert(0, 1, '!');
-            said.push_back(name.append(" ").append(trial["status"].dump()));
+            all.push_back(name.append(" ").append(trial["status"].dump()));
         }
-        return said;
+        return all;
     }
 
     TempDir dir;
@@ -132,7 +138,7 @@ TEST_F(Inspect, ARefusalSaysWhy) {
     }
 }
 
-TEST_F(Inspect, ABigEndianMapIsSaidToBeOne) {
+TEST_F(Inspect, ABigEndianMapIsReportedAsOne) {
     const json file = inspect("big.tif", {'M', 'M', 0, 42, 0, 0, 0, 8, 0, 0});
     EXPECT_THAT(field(file, "note"), HasSubstr("big-endian"));
     EXPECT_FALSE(file.contains("width"));
@@ -205,7 +211,7 @@ TEST_F(Inspect, ABrokenStartIsKnownByTheExtension) {
     EXPECT_EQ(inspect("notes.txt", ByteList{'x'})["format"], "no format that Quillon knows");
 }
 
-// Every length of a small file of each kind: nothing is ever read past its end.
+// Lengths of a small file of each kind: nothing is ever read past its end.
 TEST_F(Inspect, FilesCutShortAnywhereAreShownAsFarAsTheyGo) {
     const std::vector<std::pair<std::string, ByteList>> kFiles = {
         {"a.Vemo", twoQuads()},
@@ -213,16 +219,17 @@ TEST_F(Inspect, FilesCutShortAnywhereAreShownAsFarAsTheyGo) {
         {"a.psd", PsdFile(3, 1).filled(9, 9).bytes()},
         {"a.bmp", BmpFile(3, 1)},
         {"a.tga", ByteList(20, 3)}};
-    std::vector<std::string> arguments = {"inspect", "--fields", "--json"};
+    Words files;
     for (const auto& [name, bytes] : kFiles) {
         for (std::size_t length = 0; length < bytes.size(); length += 3)
-            arguments.push_back(
-                dir.write(std::to_string(length) + name,
-                          ByteList(bytes.begin(), bytes.begin() + static_cast<long>(length))));
+            files.push_back(dir.write(
+                std::to_string(length) + name,
+                ByteList(bytes.begin(), bytes.begin() + static_cast<std::ptrdiff_t>(length))));
     }
-    const Ended ended = quillon(arguments);
-    EXPECT_EQ(ended.exitStatus, 0) << ended.err;
-    EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(ended.out, '\n')), arguments.size() - 3);
+    EXPECT_EQ(linesOf({"inspect", "--json", "--fields"}, files, 0), std::ssize(files));
+    // Bytes within and beyond the files; an empty one has none.
+    for (const char* offset : {"0", "9", "21", "47", "62", "165", "239"})
+        EXPECT_EQ(linesOf({"inspect", "--json", "--at", offset}, files, 1), std::ssize(files));
 }
 
 TEST_F(Inspect, TheFileIsOnlyReadAndNoCopyStays) {

@@ -7,21 +7,12 @@
 namespace {
 
 using nlohmann::json;
-using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
 struct Script : ::testing::Test {
-    Ended script(std::string_view text, std::vector<std::string> options = {}) {
-        options.insert(options.begin(), {"script", dir.write("calls.txt", text)});
-        return quillon(options);
-    }
-    // The texts that GetString passed on, which show how a script's words were read.
-    std::vector<std::string> textsOf(const std::string& lines) {
-        std::vector<std::string> texts;
-        for (const json& call : objects(script(lines, {"--json"}).out))
-            texts.push_back(call["text"]);
-        return texts;
+    Ended script(std::string_view text, const Words& options = {}) {
+        return quillon({"script", dir.write("calls.txt", text)}, options);
     }
     static std::vector<json> objects(const std::string& out) {
         std::vector<json> found;
@@ -34,30 +25,7 @@ struct Script : ::testing::Test {
     TempDir dir;
 };
 
-TEST_F(Script, CallsCarryStateOver) {
-    const std::string mesh = dir.write("two.Vemo", twoQuads());
-    const std::string filter = dir.write("filter.txt", "1002");
-    const std::string lines = "setUVtilesOutput " + filter + "\ngetUVs " + mesh + " 2 " +
-                              dir.path("t.Vemo") + "\ngetUVString --value 0\nclearUVtilesOutput\n" +
-                              "getUVTile " + mesh + " 2\n";
-    const Ended ended = script(lines);
-    EXPECT_EQ(ended.exitStatus, 0);
-    EXPECT_EQ(ended.err, "");
-    EXPECT_THAT(ended.out, StartsWith("setUVtilesOutput        0  " + filter + "\n"));
-    EXPECT_THAT(ended.out, HasSubstr("\ngetUVString             0  position 0 gives 1002\n"));
-    EXPECT_THAT(ended.out,
-                EndsWith("\ngetUVTile               2  " + mesh + ", naming 2 gives 1002\n"));
-}
-
-TEST_F(Script, TheOpenFolderIsListed) {
-    dir.makeFolder("empty");
-    const Ended ended =
-        script("OpenFolder " + dir.path("empty") + "\nGetFile\nGetFile\nCloseFolder\n");
-    EXPECT_EQ(ended.exitStatus, 0);
-    EXPECT_THAT(ended.out, HasSubstr("GetFile                 0  gives .."));
-}
-
-// Each row of words and how they are read.
+// Each row: a line and how its first word behind GetString, which is its text, is read.
 TEST_F(Script, WordsAreQuotedAsInAShell) {
     const std::vector<std::pair<const char*, const char*>> kCases = {
         {"GetString plain 0", "plain"},
@@ -74,8 +42,16 @@ TEST_F(Script, WordsAreQuotedAsInAShell) {
         {"GetString abcdefgh 2", "cdefgh"},
         {"GetString --value 0 -- -1", "-1"},
     };
-    for (const auto& [line, text] : kCases)
-        EXPECT_EQ(textsOf(line), std::vector<std::string>{text}) << line;
+    std::string lines;
+    Words texts;
+    for (const auto& [line, text] : kCases) {
+        lines += std::string(line) + '\n';
+        texts.emplace_back(text);
+    }
+    Words have;
+    for (const json& call : objects(script(lines, {"--json"}).out))
+        have.push_back(call["text"]);
+    EXPECT_EQ(have, texts);
 }
 
 TEST_F(Script, EmptyLinesAndCommentsAreNoCalls) {
@@ -124,12 +100,6 @@ TEST_F(Script, JsonIsAnObjectPerLine) {
     EXPECT_EQ(calls[1]["line"], 3);
     EXPECT_EQ(calls[1]["text"], "cdefgh");
     EXPECT_TRUE(calls[1]["milliseconds"].is_number());
-}
-
-TEST_F(Script, QuietPrintsNothing) {
-    const Ended ended = script("CloseFolder\n", {"--quiet"});
-    EXPECT_EQ(ended.exitStatus, 1);
-    EXPECT_EQ(ended.out + ended.err, "");
 }
 
 // Each row: a line that is no call, and what is wrong with it.

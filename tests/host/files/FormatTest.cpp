@@ -13,7 +13,8 @@ using ::testing::HasSubstr;
 
 using Format = ExportedQuads;
 
-// Each row: a format, the file it leaves, the exports it calls and the file's size.
+// Each row: a format, the file it leaves, the export it calls and the file's size. Cells are of 8 x 8
+// pixels; each quad covers the middle 4 x 4 of its cell.
 TEST_F(Format, EachIsMergedByItsOwnExport) {
     const struct {
         const char* format;
@@ -31,12 +32,14 @@ TEST_F(Format, EachIsMergedByItsOwnExport) {
         EXPECT_THAT(ended.out,
                     EndsWith("\n\n" + out + '/' + row.file + "  " + row.size + " bytes\n"));
         const Picture picture(dir, out + '/' + row.file, 16);
-        EXPECT_EQ(picture.samples.size(), 3u * 16 * 8);
-        EXPECT_EQ(picture.at(2, 2), kFacesZ) << row.format;
-        EXPECT_EQ(picture.at(5, 5), kFacesZ) << row.format;
-        EXPECT_EQ(picture.at(10, 2), kFacesX) << row.format;
-        EXPECT_EQ(picture.at(6, 5), kBackground) << row.format;
-        EXPECT_EQ(picture.at(2, 1), kBackground) << row.format;
+        ASSERT_EQ(picture.samples.size(), 3u * 16 * 8);
+        for (std::size_t i = 0; i < 16 * 8; ++i) {
+            const std::size_t x = i % 16;
+            const std::size_t y = i / 16;
+            const bool inQuad = x % 8 >= 2 && x % 8 < 6 && y >= 2 && y < 6;
+            const Rgb faces = x < 8 ? kFacesZ : kFacesX;
+            EXPECT_EQ(picture.at(x, y), inQuad ? faces : kBackground) << x << ' ' << y;
+        }
     }
     EXPECT_THAT(namesIn(out), ElementsAre("two_normal.bmp", "two_normal.psd", "two_normal.tif"));
 }
@@ -86,8 +89,7 @@ TEST_F(Format, AnOrderOfChannelsIsTheSameInEach) {
 // Heights of 1/16, 9/16 and 15/16 of 65535, rounded.
 TEST_F(Format, APsdHasHeightsOf16Bits) {
     succeed({"--map", "height", "--format", "psd"});
-    const ByteList samples =
-        samplesOf(dir, out + "/two_height.psd", {"-depth", "16", "-endian", "MSB", "gray:"});
+    const ByteList samples = samplesOf(dir, out + "/two_height.psd", "gray:", "16");
     const auto level = [&](std::size_t x, std::size_t y) {
         const std::size_t first = 2 * (16 * y + x);
         return samples.at(first) * 256 + samples.at(first + 1);
@@ -158,9 +160,10 @@ TEST_F(Format, ABmpAlsoGetsAThumbnail) {
 // The library's own JPEG, as another decoder sees it: flat cells come close to their colours.
 TEST_F(Format, ABmpIsAlsoSavedAsJpeg) {
     size = "64";
-    const Ended ended = succeed({"--format", "bmp", "--jpeg", "0"});
-    EXPECT_THAT(ended.out, HasSubstr("saveAsJpeg              0  " + out + "/two_normal.bmp to " +
-                                     out + "/two_normal.jpg, quality 0\n"));
+    EXPECT_THAT(succeed({"--format", "bmp", "--jpeg"}).out, HasSubstr("quality 50\n"));
+    EXPECT_THAT(succeed({"--format", "bmp", "--jpeg", "0"}).out,
+                HasSubstr("saveAsJpeg              0  " + out + "/two_normal.bmp to " + out +
+                          "/two_normal.jpg, quality 0\n"));
     const Picture jpeg(dir, out + "/two_normal.jpg", 64);
     ASSERT_EQ(jpeg.samples.size(), 3u * 64 * 32);
     const Rgb pixel = jpeg.at(16, 16);
@@ -168,31 +171,30 @@ TEST_F(Format, ABmpIsAlsoSavedAsJpeg) {
         EXPECT_NEAR(pixel[channel], kFacesZ[channel], 3) << channel;
 }
 
-TEST_F(Format, AJpegWithoutAQualityHasTheMiddleOne) {
-    EXPECT_THAT(succeed({"--format", "bmp", "--jpeg"}).out, HasSubstr("quality 50\n"));
-}
-
 TEST_F(Format, ASheetTooThinForItsThumbnailIsReported) {
-    ByteList bytes = twoQuads();
-    const ByteList far = Words().floats({40.25f}).bytes();
-    std::ranges::copy(far, bytes.begin() + kSecondQuadUvs);
-    dir.write("two.Vemo", bytes);
+    dir.write("two.Vemo", twoQuads(kMiddleOf1001, {40.25f, 0.25f, 1.75f, 0.25f,  //
+                                                   1.75f, 0.75f, 1.25f, 0.75f}));
     size = "64";
     EXPECT_THAT(fail({"--format", "bmp", "--thumbnail", "16"}),
                 EndsWith("a sheet of 41 x 1 pixels is too thin for that thumbnail; raise "
                          "--thumbnail\n"));
 }
 
-TEST_F(Format, AFolderInPlaceOfAnExtraStays) {
-    for (const char* file : {"two_height_16bit.tif", "two_normal.tga", "two_normal_thumbnail.bmp"})
-        dir.makeFolder(std::string("maps/") + file);
-    EXPECT_THAT(
-        fail({"--targa"}),
-        EndsWith("two_normal.tga exists and is not a file; move it or choose another folder\n"));
-    EXPECT_THAT(fail({"--map", "height", "--bits", "16"}),
-                HasSubstr("16bit.tif exists and is not a file"));
-    EXPECT_THAT(fail({"--format", "bmp", "--thumbnail", "16"}),
-                HasSubstr("two_normal_thumbnail.bmp exists and"));
+// Each row: a file, and the options with which an export writes it.
+TEST_F(Format, AFolderInPlaceOfAFileStays) {
+    const std::vector<std::pair<std::string, Words>> kCases = {
+        {"/two_normal.tif", {}},
+        {"/two_normal.tga", {"--targa"}},
+        {"/two_height_16bit.tif", {"--map", "height", "--bits", "16"}},
+        {"/two_normal_thumbnail.bmp", {"--format", "bmp", "--thumbnail", "16"}},
+    };
+    for (const auto& [file, options] : kCases) {
+        dir.makeFolder("maps" + file);
+        EXPECT_EQ(fail(options), "quillon: " + out + file +
+                                     " exists and is not a file; move it or choose another "
+                                     "folder\n");
+        EXPECT_TRUE(std::filesystem::remove(out + file));
+    }
 }
 
 }  // namespace

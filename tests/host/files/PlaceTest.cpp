@@ -24,8 +24,8 @@ struct Place : ::testing::Test {
         std::istringstream lines(ended.out);
         std::string line;
         std::getline(lines, line);
-        std::getline(lines, line);
-        return line.substr(std::min<std::size_t>(line.size(), 2));
+        std::getline(lines >> std::ws, line);
+        return line;
     }
     void expect(const std::vector<std::pair<const char*, const char*>>& places) const {
         for (const auto& [offset, place] : places)
@@ -33,8 +33,8 @@ struct Place : ::testing::Test {
     }
     json jsonAt(const std::string& offset) const {
         json object = json::parse(quillon({"inspect", file, "--at", offset, "--json"}).out);
-        EXPECT_EQ(object["success"], true);
         EXPECT_EQ(object["file"], file);
+        object.erase("file");
         return object;
     }
 
@@ -82,10 +82,9 @@ TEST_F(Place, OfATiffWhoseSamplesAreCompressed) {
 
 // Resources of 12 bytes at 34, no layers; planes of 6 bytes from byte 52 on.
 TEST_F(Place, OfAPsd) {
-    ByteList planes;
-    for (std::uint8_t sample = 100; sample < 118; ++sample)
-        planes.push_back(sample);
-    file = dir.write("map.psd", PsdFile(3, 2).resources(12).planes(planes));
+    file = dir.write("map.psd", PsdFile(3, 2).resources(12).planes(
+                                    {100, 101, 102, 103, 104, 105, 106, 107, 108,  //
+                                     109, 110, 111, 112, 113, 114, 115, 116, 117}));
     expect({{"3", "signature = 8BPS"},
             {"17", "height = 2"},
             {"21", "width = 3"},
@@ -162,29 +161,6 @@ TEST_F(Place, OfAValueThatTheFileCutsShort) {
     EXPECT_EQ(at("260"), "face UV chunk, face 1, corner 2, v = cut short by the end of the file");
 }
 
-// Every length of a small file of each kind, at bytes within and beyond it.
-TEST_F(Place, OfFilesCutShortAnywhereIsOneObjectEach) {
-    const std::vector<std::pair<std::string, ByteList>> kFiles = {
-        {"a.Vemo", twoQuads()},
-        {"a.tif", TiffFile(3, 1).rgb8(ByteList(9, 9)).bytes()},
-        {"a.psd", PsdFile(3, 1).filled(9, 9).bytes()},
-        {"a.bmp", BmpFile(3, 1)}};
-    std::vector<std::string> arguments = {"inspect", "--json", "--at", ""};
-    for (const auto& [name, bytes] : kFiles) {
-        for (std::size_t length = 0; length < bytes.size(); length += 3)
-            arguments.push_back(
-                dir.write(std::to_string(length) + name,
-                          ByteList(bytes.begin(), bytes.begin() + static_cast<long>(length))));
-    }
-    for (const char* offset : {"0", "9", "21", "47", "62", "165", "239"}) {
-        arguments[3] = offset;
-        const Ended ended = quillon(arguments);
-        EXPECT_EQ(ended.exitStatus, 1) << offset;
-        EXPECT_EQ(static_cast<std::size_t>(std::ranges::count(ended.out, '\n')),
-                  arguments.size() - 4);
-    }
-}
-
 TEST_F(Place, OfAFileOfNoKnownKind) {
     file = dir.write("notes.txt", "AB");
     EXPECT_EQ(quillon({"inspect", file, "--at", "1"}).out,
@@ -204,24 +180,15 @@ TEST_F(Place, SaysWhereTheValueStarts) {
 
 TEST_F(Place, IsAnObjectAsJson) {
     file = dir.write("two.Vemo", twoQuads());
-    const json mesh = jsonAt("0x104");
-    EXPECT_EQ(mesh["at"], 260);
-    EXPECT_EQ(mesh["byte"], 0);
-    EXPECT_EQ(mesh["part"], "face UV chunk");
-    EXPECT_EQ(mesh["face"], 1);
-    EXPECT_EQ(mesh["corner"], 2);
-    EXPECT_EQ(mesh["component"], "v");
-    EXPECT_EQ(mesh["value"], "0.75");
-    EXPECT_EQ(mesh["valueOffset"], 260);
-    EXPECT_EQ(mesh["valueBytes"], 4);
+    EXPECT_EQ(jsonAt("0x104"),
+              json::parse(R"({"success": true, "format": "Vemo mesh", "bytes": 288, "at": 260,
+                  "byte": 0, "part": "face UV chunk", "face": 1, "corner": 2, "component": "v",
+                  "value": "0.75", "valueOffset": 260, "valueBytes": 4})"));
     file = dir.write("map.bmp", BmpFile(3, 2));
-    const json pixel = jsonAt("59");
-    EXPECT_EQ(pixel["part"], "pixels");
-    EXPECT_EQ(pixel["x"], 1);
-    EXPECT_EQ(pixel["y"], 1);
-    EXPECT_EQ(pixel["channel"], "red");
-    EXPECT_EQ(pixel["value"], "6");
-    EXPECT_FALSE(pixel.contains("fields"));
+    EXPECT_EQ(jsonAt("59"),
+              json::parse(R"({"success": true, "format": "BMP", "bytes": 78, "at": 59, "byte": 6,
+                  "part": "pixels", "x": 1, "y": 1, "channel": "red", "value": "6",
+                  "valueOffset": 59, "valueBytes": 1})"));
 }
 
 TEST_F(Place, BeyondTheEndIsReported) {
