@@ -32,8 +32,7 @@ int run(int argc, char** argv) {
 }
 
 int stopped(const char* sentence, int status) {
-    std::fflush(stdout);
-    std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), sentence);
+    printError(sentence);
     return status;
 }
 
@@ -48,8 +47,8 @@ int main(int argc, char** argv) {
         return run(argc, argv);
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);
-    } catch (const Interrupted&) {
-        return stopped(kInterruptedSentence, kInterrupted);
+    } catch (const Interrupted& interrupted) {
+        return stopped(interrupted.what(), kInterrupted);
     } catch (const std::bad_alloc&) {
         return stopped("there is too little memory", kFailure);
     } catch (const std::exception& failure) {

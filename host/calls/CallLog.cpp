@@ -1,29 +1,26 @@
 #include "calls/CallLog.h"
 
-#include <algorithm>
 #include <cstdio>
-#include <utility>
+#include <iomanip>
+#include <sstream>
 
-#include "exports/Meanings.h"
 #include "terminal/Failure.h"
 
 namespace {
 
-constexpr std::size_t kNameWidth = 18;  // the columns of a line
-constexpr std::size_t kStatusWidth = 6;
+// The columns of a line, and the start of one: equal for calls of one export with one status.
+constexpr int kNameWidth = 18;
+constexpr int kStatusWidth = 6;
 
-std::string padded(std::string text, std::size_t width) {
-    text.resize(std::max(text.size(), width), ' ');
-    return text;
-}
-
-std::string leftPadded(const std::string& text, std::size_t width) {
-    return std::string(width - std::min(text.size(), width), ' ') + text;
-}
-
-// The start of a line; equal for calls of one export with one status.
 std::string startOf(const std::string& name, const std::string& status) {
-    return padded(name, kNameWidth) + ' ' + leftPadded(status, kStatusWidth);
+    std::ostringstream start;
+    start << std::left << std::setw(kNameWidth) << name << ' '  //
+          << std::right << std::setw(kStatusWidth) << status;
+    return start.str();
+}
+
+std::string lineFrom(const std::string& start, const std::string& detail) {
+    return detail.empty() ? start : start + "  " + detail;
 }
 
 }  // namespace
@@ -44,24 +41,19 @@ std::string detailOf(const CallRecord& call) {
 }
 
 std::string lineOf(const CallRecord& call) {
-    const std::string start = startOf(call.name, statusText(call.result.status));
-    const std::string detail = detailOf(call);
-    return detail.empty() ? start : start + "  " + detail;
+    return lineFrom(startOf(call.name, statusText(call.result.status)), detailOf(call));
 }
 
 CallResult CallLog::call(std::string_view name, const CallArguments& arguments) {
-    CallRecord made = library_.call(name, arguments);
-    const std::string status = statusText(made.result.status);
-    const std::string detail = detailOf(made);
+    const CallRecord& made = calls_.emplace_back(library_.call(name, arguments));
     report_.addCall(made);
-    print(made.name, status, detail);
-    calls_.push_back(std::move(made));
-    return calls_.back().result;
+    print(made.name, statusText(made.result.status), detailOf(made));
+    return made.result;
 }
 
 CallResult CallLog::require(std::string_view name, const CallArguments& arguments) {
     CallResult result = call(name, arguments);
-    if (!meaningOf(requireExport(name), arguments, result.status).success)
+    if (!calls_.back().meaning.success)
         throw Failure(failureSentence(name, arguments, result.status));
     return result;
 }
@@ -75,10 +67,10 @@ void CallLog::quietly(std::string_view name, const CallArguments& arguments) con
 }
 
 void CallLog::print(const std::string& name, const std::string& status, const std::string& detail) {
-    if (!printsLines(style_)) return;
+    if (!report_.hasLines()) return;
     const std::string start = startOf(name, status);
-    const std::string line = start + (detail.empty() ? "" : "  " + detail) + '\n';
-    if (style_ == OutputStyle::kAllLines || start != row_) {
+    const std::string line = lineFrom(start, detail) + '\n';
+    if (report_.style == OutputStyle::kAllLines || start != row_) {
         finishRow();
         row_ = start;
         std::fputs(line.c_str(), stdout);
@@ -90,9 +82,7 @@ void CallLog::print(const std::string& name, const std::string& status, const st
 
 void CallLog::finishRow() {
     progress_.clear();
-    if (leftOut_ > 0)
-        std::printf("%s  %zu more\n", padded("...", kNameWidth + 1 + kStatusWidth).c_str(),
-                    leftOut_);
+    if (leftOut_ > 0) std::printf("%s  %zu more\n", startOf("...", "").c_str(), leftOut_);
     std::fputs(heldBack_.c_str(), stdout);
     row_.clear();
     heldBack_.clear();

@@ -1,7 +1,7 @@
 #pragma once
-// A sequence of calls to the library. Each is added to the report and, if the output style has lines,
-// printed as one: the export, its status, what it worked on. Of successive calls of one export with
-// one status only the first and the last are printed, except with kAllLines.
+// A sequence of calls to the library. Each is added to the report and, if that has lines, printed as
+// one: the export, its status, what it worked on. Of successive calls of one export with one status
+// only the first and the last are printed, except with kAllLines.
 
 #include <string>
 #include <string_view>
@@ -13,8 +13,8 @@
 
 class CallLog {
 public:
-    CallLog(const Library& library, Progress& progress, Report& report, OutputStyle style)
-        : library_(library), progress_(progress), report_(report), style_(style) {}
+    CallLog(const Library& library, Report& report)
+        : library_(library), report_(report), progress_(report.style != OutputStyle::kQuiet) {}
     CallLog(const CallLog&) = delete;
     CallLog& operator=(const CallLog&) = delete;
     ~CallLog() { finishRow(); }
@@ -37,11 +37,13 @@ public:
     // The calls, in order.
     const std::vector<CallRecord>& calls() const { return calls_; }
 
+    // The line that shows how far the work has come, between the lines of the calls.
+    Progress& progress() { return progress_; }
+
 private:
     const Library& library_;
-    Progress& progress_;
     Report& report_;
-    OutputStyle style_;
+    Progress progress_;
     std::vector<CallRecord> calls_;
     std::string row_;          // export and status of the latest calls
     std::string heldBack_;     // the line of the latest one, unless it was printed

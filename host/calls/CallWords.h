@@ -5,32 +5,19 @@
 #include <string>
 #include <vector>
 
-#include "calls/Library.h"
+#include "exports/CallArguments.h"
 
 namespace CLI {
 class App;
 }
 
-class CallWords {
-public:
-    // Declares the words, which are available once the command has been parsed.
-    void addTo(CLI::App& command);
-
-    const std::string& name() const { return name_; }  // of the export
-    CallArguments arguments() const;
-
-private:
-    const CLI::App* command_ = nullptr;
-    std::string name_;
-    std::string text_;
-    double value_ = 0.0;
-    std::string buffer_;
-};
-
 struct NamedCall {
-    std::string name;  // of an export that exists
+    std::string name;  // of the export
     CallArguments arguments;
 };
 
-// Returns the call that these words describe. Throws WrongUsage.
+// Declares the words, which parsing the command puts into `call`.
+void addCallWords(CLI::App& command, NamedCall& call);
+
+// Returns the call of an existing export that these words describe. Throws WrongUsage.
 NamedCall callFrom(std::vector<std::string> words);

@@ -28,10 +28,6 @@ constexpr const char* kUntouched = "\x1A untouched \x1A";
 
 constexpr const char* kLibraryName = "libQuillon.so";
 
-fs::path programPath() {
-    return fs::canonical("/proc/self/exe");
-}
-
 // A block with a text in it, large enough for whatever an export writes in this call.
 std::vector<char> blockFor(const CallArguments& arguments, const std::string& content) {
     const std::size_t textBytes = arguments.text ? arguments.text->size() + 1 : 0;
@@ -76,7 +72,7 @@ Library::Library(const std::string& path, LibraryPrints prints)
         throw Failure("the library " + path + " cannot be loaded (" + ::dlerror() + ")");
 }
 
-CallResult Library::call(const Export& entry, const CallArguments& arguments) const {
+CallResult Library::resultOf(const Export& entry, const CallArguments& arguments) const {
     const std::string name(entry.name);
     auto* const function = reinterpret_cast<ExportFunction*>(::dlsym(handle_.get(), name.c_str()));
     if (function == nullptr) throw Failure("the library has no export " + name);
@@ -100,13 +96,14 @@ CallResult Library::call(const Export& entry, const CallArguments& arguments) co
 CallRecord Library::call(std::string_view name, const CallArguments& arguments) const {
     const Export& entry = requireExport(name);
     const auto start = std::chrono::steady_clock::now();
-    CallResult result = call(entry, arguments);
+    CallResult result = resultOf(entry, arguments);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
-    return {std::string(name), arguments, std::move(result), time.count()};
+    Meaning meaning = meaningOf(entry, arguments, result.status);
+    return {std::string(name), arguments, std::move(result), std::move(meaning), time.count()};
 }
 
 std::string libraryBesideProgram() {
-    const fs::path folder = programPath().parent_path();
+    const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
     for (const char* place : {"..", "../lib", "."}) {
         const fs::path library = folder / place / kLibraryName;
         std::error_code ignored;

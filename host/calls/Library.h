@@ -8,6 +8,7 @@
 
 #include "exports/CallArguments.h"
 #include "exports/Exports.h"
+#include "exports/Meanings.h"
 
 struct CallResult {
     float status;
@@ -19,6 +20,7 @@ struct CallRecord {
     std::string name;  // of the export
     CallArguments arguments;
     CallResult result;
+    Meaning meaning;  // of the status
     double milliseconds;
 };
 
@@ -30,14 +32,14 @@ public:
     // Loads the library at `path`; throws Failure if it cannot be loaded.
     explicit Library(const std::string& path, LibraryPrints prints = LibraryPrints::kShown);
 
-    // Calls one export. A missing argument is passed as a null pointer, except the block for a text.
-    // Throws Failure if the library lacks the export or the export throws.
-    CallResult call(const Export& entry, const CallArguments& arguments) const;
-
-    // Calls an export by name and measures the time; throws WrongUsage for an unknown name.
+    // Calls one export and measures the time. A missing argument is passed as a null pointer, except
+    // the block for a text. Throws WrongUsage for an unknown name, and Failure if the library lacks the
+    // export or the export throws.
     CallRecord call(std::string_view name, const CallArguments& arguments) const;
 
 private:
+    CallResult resultOf(const Export& entry, const CallArguments& arguments) const;
+
     struct Close {
         void operator()(void* handle) const;
     };

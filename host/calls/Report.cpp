@@ -4,26 +4,22 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "exports/Meanings.h"
-
 Json jsonOf(float status) {
     const std::string text = statusText(status);
     return std::isfinite(status) ? Json::parse(text) : Json(text);
 }
 
 Json jsonOf(const CallRecord& call) {
-    const CallArguments& arguments = call.arguments;
-    const Meaning meaning = meaningOf(requireExport(call.name), arguments, call.result.status);
     Json passed = Json::object();
-    if (arguments.text) passed["text"] = *arguments.text;
-    passed["value"] = arguments.value;
-    if (arguments.buffer) passed["buffer1"] = *arguments.buffer;
+    if (call.arguments.text) passed["text"] = *call.arguments.text;
+    passed["value"] = call.arguments.value;
+    if (call.arguments.buffer) passed["buffer1"] = *call.arguments.buffer;
 
     Json object = {{"export", call.name},
                    {"arguments", std::move(passed)},
                    {"status", jsonOf(call.result.status)},
-                   {"success", meaning.success},
-                   {"meaning", meaning.sentence}};
+                   {"success", call.meaning.success},
+                   {"meaning", call.meaning.sentence}};
     if (call.result.text) object["text"] = *call.result.text;
     object["milliseconds"] = call.milliseconds;
     return object;

@@ -13,10 +13,6 @@ enum class OutputStyle {
     kQuiet,     // only the exit status
 };
 
-inline bool printsLines(OutputStyle style) {
-    return style == OutputStyle::kLines || style == OutputStyle::kAllLines;
-}
-
 // Members stay in the order in which they were set.
 using Json = nlohmann::ordered_json;
 
@@ -33,9 +29,16 @@ void printJson(const Json& value);
 // Prints "maps/all.tif  608 bytes".
 void printSize(const std::string& path);
 
-// The object that a command's --json prints. What is set is kept if the command then fails.
+// What a command prints: as lines while it works, or with --json one object at its end. What is set is
+// kept if the command then fails.
 class Report {
 public:
+    OutputStyle style = OutputStyle::kLines;
+    bool isJson() const { return style == OutputStyle::kJson; }
+    bool hasLines() const {
+        return style == OutputStyle::kLines || style == OutputStyle::kAllLines;
+    }
+
     // Adds a result of the command.
     void set(const char* name, Json value) { object_[name] = std::move(value); }
     void addCall(const CallRecord& call) { object_["calls"].push_back(jsonOf(call)); }

@@ -35,21 +35,20 @@ void printLines(const CallResult& result, const Meaning& meaning) {
     if (result.text) std::printf("text     %s\n", result.text->c_str());
 }
 
-bool callExport(const CommandLine& line, const CallWords& words) {
-    const CallRecord call = line.openLibrary().call(words.name(), words.arguments());
-    const Meaning meaning = meaningOf(requireExport(call.name), call.arguments, call.result.status);
-    if (line.output() == OutputStyle::kJson) printJson(jsonOf(call));
-    if (printsLines(line.output())) printLines(call.result, meaning);
-    return meaning.success;
+bool callExport(CommandLine& line, const NamedCall& words) {
+    const CallRecord call = line.openLibrary().call(words.name, words.arguments);
+    if (line.report().isJson()) printJson(jsonOf(call));
+    if (line.report().hasLines()) printLines(call.result, call.meaning);
+    return call.meaning.success;
 }
 
 }  // namespace
 
 void addCallCommand(CommandLine& line) {
-    const auto words = std::make_shared<CallWords>();
+    const auto words = std::make_shared<NamedCall>();
     CLI::App& command =
         line.add("call", "Call one export and print its status and its meaning",
                  kExamples + exportList(), [&line, words] { return callExport(line, *words); });
-    words->addTo(command);
+    addCallWords(command, *words);
     line.addOutputFlags(command, Verbose::kNo);
 }

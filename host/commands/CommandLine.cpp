@@ -4,7 +4,6 @@
 #include <cstdio>
 
 #include "terminal/Failure.h"
-#include "terminal/Interrupt.h"
 
 namespace {
 
@@ -50,20 +49,22 @@ CLI::App& CommandLine::add(const char* name, const char* description, const std:
     return *command;
 }
 
-void CommandLine::addOutputFlags(CLI::App& command, Verbose verbose) {
-    CLI::Option* json = command.add_flag("--json", json_, "Print JSON, for scripts");
-    CLI::Option* quiet =
-        command
-            .add_flag("--quiet", quiet_, "Print nothing; the exit status says whether it worked")
-            ->excludes(json);
-    if (verbose == Verbose::kNo) return;
-    command.add_flag("--verbose", verbose_, "Print every call, also in long rows of equal calls")
-        ->excludes(json)
-        ->excludes(quiet);
+CLI::Option* CommandLine::addStyle(CLI::App& command, const char* name, OutputStyle style,
+                                   const char* description) {
+    return command.add_flag_callback(
+        name, [this, style] { report_.style = style; }, description);
 }
 
-void CommandLine::addJsonFlag(CLI::App& command, const char* description) {
-    command.add_flag("--json", json_, description);
+void CommandLine::addOutputFlags(CLI::App& command, Verbose verbose) {
+    CLI::Option* json = addStyle(command, "--json", OutputStyle::kJson, "Print JSON, for scripts");
+    CLI::Option* quiet = addStyle(command, "--quiet", OutputStyle::kQuiet,
+                                  "Print nothing; the exit status says whether it worked")
+                             ->excludes(json);
+    if (verbose == Verbose::kNo) return;
+    addStyle(command, "--verbose", OutputStyle::kAllLines,
+             "Print every call, also in long rows of equal calls")
+        ->excludes(json)
+        ->excludes(quiet);
 }
 
 void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& choices) {
@@ -72,19 +73,13 @@ void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& cho
     choices_[option] = choices;
 }
 
-OutputStyle CommandLine::output() const {
-    if (json_) return OutputStyle::kJson;
-    if (quiet_) return OutputStyle::kQuiet;
-    return verbose_ ? OutputStyle::kAllLines : OutputStyle::kLines;
-}
-
 bool CommandLine::finishReport() const {
-    if (json_) report_.printSuccess();
+    if (report_.isJson()) report_.printSuccess();
     return true;
 }
 
 Library CommandLine::openLibrary() const {
-    return openLibrary(printsLines(output()) ? LibraryPrints::kShown : LibraryPrints::kDropped);
+    return openLibrary(report_.hasLines() ? LibraryPrints::kShown : LibraryPrints::kDropped);
 }
 
 Library CommandLine::openLibrary(LibraryPrints prints) const {
@@ -111,11 +106,8 @@ bool CommandLine::runParsed() const {
     const auto isParsed = [](const Command& command) { return command.app->parsed(); };
     try {
         return std::ranges::find_if(commands_, isParsed)->work();
-    } catch (const Interrupted&) {
-        if (json_) report_.printFailure(kInterruptedSentence);
-        throw;
     } catch (const std::exception& failure) {
-        if (json_) report_.printFailure(failure.what());
+        if (report_.isJson()) report_.printFailure(failure.what());
         throw;
     }
 }

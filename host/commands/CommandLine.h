@@ -36,7 +36,10 @@ public:
 
     // Adds --json, --quiet and, if the command has it, --verbose.
     void addOutputFlags(CLI::App& command, Verbose verbose);
-    void addJsonFlag(CLI::App& command, const char* description);
+
+    // Adds one such flag.
+    CLI::Option* addStyle(CLI::App& command, const char* name, OutputStyle style,
+                          const char* description);
 
     // Adds a required argument without a dash.
     template <typename Value>
@@ -48,7 +51,6 @@ public:
     // Limits an option to these words, appends them to its description and completes them.
     void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
 
-    OutputStyle output() const;
     Report& report() { return report_; }
 
     // Prints the report if --json was given; returns true, as the end of a command that succeeded.
@@ -70,8 +72,5 @@ private:
     std::vector<Command> commands_;
     OptionChoices choices_;
     std::string library_;
-    bool json_ = false;
-    bool quiet_ = false;
-    bool verbose_ = false;
     Report report_;
 };

@@ -25,15 +25,7 @@ working files. For a 32-bit height map, also prints the displacement scale.
 Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0.
 )";
 
-struct CommandOptions : ExportOptions {
-    std::string kind = "normal";
-    std::string formatName = "tiff";
-};
-
-bool runExport(CommandLine& line, CommandOptions& options) {
-    options.output = line.output();
-    options.map = options.kind == "height" ? MapKind::kHeight : MapKind::kNormal;
-    options.format = formatNamed(options.formatName).value();
+bool runExport(CommandLine& line, const ExportOptions& options) {
     requireConsistent(options);
     const std::string name = std::filesystem::path(options.mesh).stem().string();
     const Library library = line.openLibrary();
@@ -51,13 +43,20 @@ void addTileOptions(CLI::App& command, ExportOptions& options) {
         ->type_name("FILTER");
 }
 
-void addKinds(CommandLine& line, CLI::App& command, CommandOptions& options) {
-    line.oneOf(
-        command.add_option("--map", options.kind, "")->type_name("KIND")->capture_default_str(),
-        {"normal", "height"});
-    line.oneOf(command.add_option("--format", options.formatName, "")
+void addKinds(CommandLine& line, CLI::App& command, ExportOptions& options) {
+    const auto setMap = [&options](const std::string& kind) {
+        options.map = kind == "height" ? MapKind::kHeight : MapKind::kNormal;
+    };
+    const auto setFormat = [&options](const std::string& name) {
+        options.format = formatNamed(name).value();
+    };
+    line.oneOf(command.add_option_function<std::string>("--map", setMap)
+                   ->type_name("KIND")
+                   ->default_str("normal"),
+               {"normal", "height"});
+    line.oneOf(command.add_option_function<std::string>("--format", setFormat)
                    ->type_name("FORMAT")
-                   ->capture_default_str(),
+                   ->default_str("tiff"),
                formatNames());
     line.oneOf(
         command.add_option("--order", options.order, "Colour channels as ")->type_name("ORDER"),
@@ -104,7 +103,7 @@ void addMeshOutAndSize(CLI::App& command, ExportOptions& options) {
 }
 
 void addExportCommand(CommandLine& line) {
-    const auto options = std::make_shared<CommandOptions>();
+    const auto options = std::make_shared<ExportOptions>();
     CLI::App& command = line.add("export", "Export a map of all UV tiles of a mesh", kExamples,
                                  [&line, options] { return runExport(line, *options); });
     addMeshOutAndSize(command, *options);

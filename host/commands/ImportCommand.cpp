@@ -26,7 +26,6 @@ struct ImportOptions {
     std::string model;
     std::string out;
     bool tilePerGroup = false;
-    OutputStyle output = OutputStyle::kLines;
 };
 
 void requireOtherFile(const ImportOptions& options) {
@@ -46,7 +45,7 @@ void summarise(const ImportOptions& options, const ObjModel& model, Report& repo
     report.set("quads", faces - triangles);
     report.set("triangles", triangles);
     report.set("groups", model.groupCount);
-    if (printsLines(options.output))
+    if (report.hasLines())
         std::printf("%s: vertices %zu, quads %zu, triangles %zu, groups %zu\n", options.out.c_str(),
                     vertices, faces - triangles, triangles, model.groupCount);
 }
@@ -67,7 +66,6 @@ void addImportCommand(CommandLine& line) {
     const auto options = std::make_shared<ImportOptions>();
     CLI::App& command =
         line.add("import", "Convert an OBJ model to a mesh file", kExamples, [&line, options] {
-            options->output = line.output();
             importModel(*options, line.report());
             return line.finishReport();
         });

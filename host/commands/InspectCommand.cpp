@@ -1,6 +1,7 @@
 // quillon inspect: the fields of files, which exports accept them, and what a byte belongs to.
 
 #include <charconv>
+#include <cinttypes>
 #include <cstdio>
 #include <optional>
 
@@ -33,18 +34,16 @@ struct InspectOptions {
     std::vector<std::string> files;
     bool fieldsOnly = false;          // no export is called
     std::optional<std::uint64_t> at;  // the byte to explain; nothing: the whole file
-    OutputStyle output = OutputStyle::kLines;
+    bool json = false;
 };
 
 void printHead(const std::string& path, const FileFacts& facts) {
-    std::printf("%s: %s, %s bytes", path.c_str(), facts.format.c_str(),
-                std::to_string(facts.bytes).c_str());
+    std::printf("%s: %s, %" PRIu64 " bytes", path.c_str(), facts.format.c_str(), facts.bytes);
     if (const auto& picture = facts.picture) {
-        std::printf(", %s x %s pixels, %s %s", std::to_string(picture->width).c_str(),
-                    std::to_string(picture->height).c_str(),
-                    std::to_string(picture->channels).c_str(),
+        std::printf(", %" PRId64 " x %" PRId64 " pixels, %" PRId64 " %s", picture->width,
+                    picture->height, picture->channels,
                     picture->channels == 1 ? "channel" : "channels");
-        if (picture->depth > 0) std::printf(" of %s bits", std::to_string(picture->depth).c_str());
+        if (picture->depth > 0) std::printf(" of %" PRId64 " bits", picture->depth);
     }
     std::puts("");
 }
@@ -53,11 +52,10 @@ void printFields(const FileFacts& facts) {
     if (facts.fields.empty()) return;
     std::printf("  %10s %10s  %-22s %s\n", "offset", "bytes", "field", "value");
     for (const Field& field : facts.fields) {
-        const std::string padding(field.name.size() < 22 ? 22 - field.name.size() : 0, ' ');
-        std::printf("  %10s %10s  %s", std::to_string(field.offset).c_str(),
-                    std::to_string(field.bytes).c_str(), field.name.c_str());
-        if (!field.value.empty()) std::printf("%s %s", padding.c_str(), field.value.c_str());
-        std::puts("");
+        const int width = field.value.empty() ? 0 : 22;
+        std::printf("  %10" PRIu64 " %10" PRIu64 "  %-*s", field.offset, field.bytes, width,
+                    field.name.c_str());
+        std::puts(field.value.empty() ? "" : (' ' + field.value).c_str());
     }
 }
 
@@ -114,15 +112,13 @@ Json verdictList(const std::vector<Verdict>& verdicts) {
 
 void printPlace(const std::string& path, const FileFacts& facts, std::uint64_t offset) {
     const Place place = placeOf(path, facts, offset);
-    std::printf("%s: %s, byte %s (0x%llX) of %s is %d (0x%02X)\n", path.c_str(),
-                facts.format.c_str(), std::to_string(offset).c_str(),
-                static_cast<unsigned long long>(offset), std::to_string(facts.bytes).c_str(),
-                place.byte, place.byte);
+    std::printf("%s: %s, byte %" PRIu64 " (0x%" PRIX64 ") of %" PRIu64 " is %d (0x%02X)\n",
+                path.c_str(), facts.format.c_str(), offset, offset, facts.bytes, place.byte,
+                place.byte);
     std::printf("  %s\n", textOf(place).c_str());
     if (place.bytes > 1)
-        std::printf("  byte %s of %s from offset %s on\n",
-                    std::to_string(offset - place.offset).c_str(),
-                    std::to_string(place.bytes).c_str(), std::to_string(place.offset).c_str());
+        std::printf("  byte %" PRIu64 " of %" PRIu64 " from offset %" PRIu64 " on\n",
+                    offset - place.offset, place.bytes, place.offset);
 }
 
 Json placeObject(const std::string& path, const FileFacts& facts, std::uint64_t offset) {
@@ -141,7 +137,7 @@ void inspectWhole(const Library& library, const std::string& path, const FileFac
                   const InspectOptions& options) {
     std::vector<Verdict> verdicts;
     if (!options.fieldsOnly) verdicts = trialsOf(library, path, facts);
-    if (options.output == OutputStyle::kJson) {
+    if (options.json) {
         Json object = factsObject(path, facts);
         if (!options.fieldsOnly) object["exports"] = verdictList(verdicts);
         printJson(object);
@@ -155,16 +151,8 @@ void inspectWhole(const Library& library, const std::string& path, const FileFac
 void inspectFile(const Library& library, const std::string& path, const InspectOptions& options) {
     const FileFacts facts = factsOf(path);
     if (!options.at) return inspectWhole(library, path, facts, options);
-    if (options.output == OutputStyle::kJson)
-        return printJson(placeObject(path, facts, *options.at));
+    if (options.json) return printJson(placeObject(path, facts, *options.at));
     printPlace(path, facts, *options.at);
-}
-
-void reportFailure(const std::string& path, const Failure& failure, OutputStyle output) {
-    if (output == OutputStyle::kJson)
-        printJson({{"file", path}, {"success", false}, {"error", failure.what()}});
-    std::fflush(stdout);
-    std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), failure.what());
 }
 
 // Returns whether every file could be inspected. A file that no export accepts is no failure.
@@ -174,11 +162,13 @@ bool inspectFiles(const Library& library, const InspectOptions& options) {
     for (const std::string& path : options.files) {
         stopIfInterrupted();
         try {
-            if (&path != &options.files.front() && printsLines(options.output)) std::puts("");
+            if (&path != &options.files.front() && !options.json) std::puts("");
             inspectFile(library, path, options);
         } catch (const Failure& failure) {
             all = false;
-            reportFailure(path, failure, options.output);
+            if (options.json)
+                printJson({{"file", path}, {"success", false}, {"error", failure.what()}});
+            printError(failure.what());
         }
     }
     return all;
@@ -202,7 +192,7 @@ void addInspectCommand(CommandLine& line) {
     CLI::App& command =
         line.add("inspect", "Print the fields of files and which exports accept them", kExamples,
                  [&line, options] {
-                     options->output = line.output();
+                     options->json = line.report().isJson();
                      return inspectFiles(line.openLibrary(LibraryPrints::kDropped), *options);
                  });
     CommandLine::addArgument(command, "FILE", options->files, "Meshes, maps and images");
@@ -211,5 +201,6 @@ void addInspectCommand(CommandLine& line) {
         ->description("Only say what the byte at this offset belongs to")
         ->each([options](const std::string& text) { options->at = offsetFrom(text); })
         ->type_name("OFFSET");
-    line.addJsonFlag(command, "Print JSON, an object per line for each file");
+    line.addStyle(command, "--json", OutputStyle::kJson,
+                  "Print JSON, an object per line for each file");
 }

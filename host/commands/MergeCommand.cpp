@@ -10,7 +10,6 @@
 #include "files/MapFormat.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
-#include "terminal/Progress.h"
 
 namespace fs = std::filesystem;
 
@@ -30,7 +29,6 @@ fit ends the merge; the tiles before it are in the target.
 struct MergeOptions {
     std::string target;
     std::vector<std::string> sources;
-    OutputStyle output = OutputStyle::kLines;
 };
 
 MapFormat requireFormat(const std::string& path) {
@@ -54,65 +52,36 @@ void requireFiles(const MergeOptions& options) {
         requireFile(source, "map");
 }
 
-bool isTarget(const std::string& source, const MergeOptions& options) {
-    std::error_code ignored;
-    return fs::equivalent(source, options.target, ignored);
-}
-
-class Merge {
-public:
-    Merge(const Library& library, const MergeOptions& options, MapFormat format, Report& report)
-        : options_(options),
-          export_(infoOf(format).merge),
-          report_(report),
-          progress_(options.output != OutputStyle::kQuiet),
-          log_(library, progress_, report, options.output) {}
-
-    void run();
-
-private:
-    void merge(const std::string& source);
-
-    const MergeOptions& options_;
-    const std::string_view export_;
-    Report& report_;
-    Progress progress_;
-    CallLog log_;
-};
-
-void Merge::run() {
-    std::size_t done = 0;
-    for (const std::string& source : options_.sources) {
-        stopIfInterrupted();
-        progress_.show("merging", done++, options_.sources.size(), source);
-        if (isTarget(source, options_))
-            log_.print("(left out)", "", source + " is the target itself");
-        else
-            merge(source);
-    }
-    log_.finishRow();
-    report_.addFile(options_.target);
-    if (!printsLines(options_.output)) return;
-    std::puts("");
-    printSize(options_.target);
-}
-
-void Merge::merge(const std::string& source) {
-    const CallArguments arguments{.text = source, .buffer = options_.target};
-    const float status = log_.call(export_, arguments).status;
-    const Meaning meaning = meaningOf(requireExport(export_), arguments, status);
+void mergeOne(CallLog& log, std::string_view merge, const std::string& source,
+              const std::string& target) {
+    const float status = log.call(merge, {.text = source, .buffer = target}).status;
+    const Meaning& meaning = log.calls().back().meaning;
     if (!meaning.success)
-        throw Failure(source + " cannot be merged into " + options_.target + ": " +
-                      meaning.sentence + " (" + std::string(export_) + " returned " +
-                      statusText(status) + ')');
+        throw Failure(source + " cannot be merged into " + target + ": " + meaning.sentence + " (" +
+                      std::string(merge) + " returned " + statusText(status) + ')');
 }
 
 // Merges the sources into the target, in their order, until one does not fit.
 void mergeMaps(const Library& library, const MergeOptions& options, Report& report) {
-    const MapFormat format = requireOneFormat(options);
+    const std::string_view merge = infoOf(requireOneFormat(options)).merge;
     requireFiles(options);
     noteInterrupts();
-    Merge(library, options, format, report).run();
+    CallLog log(library, report);
+    std::size_t done = 0;
+    for (const std::string& source : options.sources) {
+        stopIfInterrupted();
+        log.progress().show("merging", done++, options.sources.size(), source);
+        std::error_code ignored;
+        if (fs::equivalent(source, options.target, ignored))
+            log.print("(left out)", "", source + " is the target itself");
+        else
+            mergeOne(log, merge, source, options.target);
+    }
+    log.finishRow();
+    report.addFile(options.target);
+    if (!report.hasLines()) return;
+    std::puts("");
+    printSize(options.target);
 }
 
 }  // namespace
@@ -121,7 +90,6 @@ void addMergeCommand(CommandLine& line) {
     const auto options = std::make_shared<MergeOptions>();
     CLI::App& command =
         line.add("merge", "Merge maps of single tiles into one map", kExamples, [&line, options] {
-            options->output = line.output();
             mergeMaps(line.openLibrary(), *options, line.report());
             return line.finishReport();
         });

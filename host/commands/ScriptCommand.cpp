@@ -3,12 +3,13 @@
 
 #include <cstdio>
 #include <iostream>
+#include <optional>
 #include <sstream>
 
 #include "calls/CallLog.h"
-#include "calls/ScriptReader.h"
+#include "calls/CallWords.h"
+#include "calls/ShellWords.h"
 #include "commands/Commands.h"
-#include "exports/Meanings.h"
 #include "files/DiskFile.h"
 #include "terminal/Colour.h"
 #include "terminal/Failure.h"
@@ -34,102 +35,96 @@ per line for each call.
 struct ScriptOptions {
     std::string file;        // "-" for standard input
     bool keepGoing = false;  // after a call that failed
-    OutputStyle output = OutputStyle::kLines;
 };
 
-class Script {
+// The calls of a script, one per line. `name` is what errors call the script.
+class ScriptReader {
 public:
-    Script(const Library& library, const ScriptOptions& options, const ScriptReader& reader)
-        : library_(library), options_(options), reader_(reader) {}
+    ScriptReader(std::istream& in, std::string name) : in_(in), name_(std::move(name)) {}
 
-    // Returns whether the script continues.
-    bool carryOut(const ScriptLine& line) {
-        if (!call(line)) succeeded_ = false;
-        std::fflush(stdout);  // a program that reads along has it before the next call
-        return succeeded_ || options_.keepGoing;
+    // Returns the next call, or nothing at the end of the script. Throws WrongUsage, with the line,
+    // for a line that is no call.
+    std::optional<NamedCall> next() {
+        for (std::string line; std::getline(in_, line);) {
+            ++number_;
+            try {
+                std::vector<std::string> words = shellWords(line);
+                if (!words.empty()) return callFrom(std::move(words));
+            } catch (const WrongUsage& wrong) {
+                throw WrongUsage(place() + wrong.what());
+            }
+        }
+        return std::nullopt;
     }
 
-    bool succeeded() const { return succeeded_; }
+    // The line of that call, from 1, and as errors start: "calls.txt:3: ".
+    std::size_t number() const { return number_; }
+    std::string place() const { return name_ + ':' + std::to_string(number_) + ": "; }
 
 private:
-    bool call(const ScriptLine& line) const;
-    void printFailure(const ScriptLine& line, const std::string& sentence) const;
-
-    const Library& library_;
-    const ScriptOptions& options_;
-    const ScriptReader& reader_;
-    bool succeeded_ = true;
+    std::istream& in_;
+    const std::string name_;
+    std::size_t number_ = 0;
 };
 
-Json numbered(const ScriptLine& line, const Json& object) {
-    Json numbered = {{"line", line.number}};
-    numbered.update(object);
-    return numbered;
+void printNumbered(std::size_t line, const Json& call) {
+    Json numbered = {{"line", line}};
+    numbered.update(call);
+    printJson(numbered);
 }
 
-bool Script::call(const ScriptLine& line) const {
-    const auto& [name, arguments] = line.call;
+// Makes a call and prints what comes of it. Returns why it failed; nothing if it succeeded.
+std::optional<std::string> failureOf(const Library& library, const NamedCall& call,
+                                     std::size_t line, const Report& report) {
     try {
-        const CallRecord made = library_.call(name, arguments);
-        if (options_.output == OutputStyle::kJson) printJson(numbered(line, jsonOf(made)));
-        if (printsLines(options_.output)) std::puts(lineOf(made).c_str());
-        if (meaningOf(requireExport(name), arguments, made.result.status).success) return true;
-        printFailure(line, failureSentence(name, arguments, made.result.status));
+        const CallRecord made = library.call(call.name, call.arguments);
+        if (report.isJson()) printNumbered(line, jsonOf(made));
+        if (report.hasLines()) std::puts(lineOf(made).c_str());
+        if (made.meaning.success) return std::nullopt;
+        return failureSentence(call.name, call.arguments, made.result.status);
     } catch (const Failure& failure) {  // there is no status
-        const Json object = {{"export", name}, {"success", false}, {"error", failure.what()}};
-        if (options_.output == OutputStyle::kJson) printJson(numbered(line, object));
-        printFailure(line, failure.what());
+        if (report.isJson())
+            printNumbered(line,
+                          {{"export", call.name}, {"success", false}, {"error", failure.what()}});
+        return failure.what();
     }
-    return false;
 }
 
-void Script::printFailure(const ScriptLine& line, const std::string& sentence) const {
-    if (options_.output == OutputStyle::kQuiet) return;
-    std::fflush(stdout);
-    std::fprintf(stderr, "%s %s%s\n", inRed(stderr, "quillon:").c_str(),
-                 reader_.place(line.number).c_str(), sentence.c_str());
-}
-
-bool runStream(const Library& library, const ScriptOptions& options) {
-    ScriptReader reader(std::cin, "standard input");
-    Script script(library, options, reader);
-    while (const auto line = reader.next()) {
-        if (!script.carryOut(*line)) break;
+bool runCalls(const Library& library, ScriptReader reader, bool keepGoing, const Report& report) {
+    bool succeeded = true;
+    while (const auto call = reader.next()) {
+        const auto failure = failureOf(library, *call, reader.number(), report);
+        if (failure && report.style != OutputStyle::kQuiet) printError(reader.place() + *failure);
+        std::fflush(stdout);  // a program that reads along has it before the next call
+        succeeded = succeeded && !failure;
+        if (!succeeded && !keepGoing) break;
     }
-    return script.succeeded();
-}
-
-bool runFile(const Library& library, const ScriptOptions& options) {
-    const std::vector<std::uint8_t> bytes = readWholeFile(options.file, "script");
-    std::istringstream text(std::string(bytes.begin(), bytes.end()));
-    ScriptReader reader(text, options.file);
-    std::vector<ScriptLine> lines;
-    while (auto line = reader.next())
-        lines.push_back(std::move(*line));
-
-    Script script(library, options, reader);
-    for (const ScriptLine& line : lines) {
-        if (!script.carryOut(line)) break;
-    }
-    return script.succeeded();
+    return succeeded;
 }
 
 // Prints each call as it is made, and returns whether every one succeeded. A file is checked to its
 // end before the first call; standard input is carried out line by line, so that a program can go on
 // with what a call returned.
-bool runScript(const Library& library, const ScriptOptions& options) {
-    return options.file == "-" ? runStream(library, options) : runFile(library, options);
+bool runScript(const Library& library, const ScriptOptions& options, const Report& report) {
+    if (options.file == "-")
+        return runCalls(library, {std::cin, "standard input"}, options.keepGoing, report);
+    const std::vector<std::uint8_t> bytes = readWholeFile(options.file, "script");
+    const std::string text(bytes.begin(), bytes.end());
+    std::istringstream checked(text);
+    ScriptReader reader(checked, options.file);
+    while (reader.next()) {
+    }
+    std::istringstream calls(text);
+    return runCalls(library, {calls, options.file}, options.keepGoing, report);
 }
 
 }  // namespace
 
 void addScriptCommand(CommandLine& line) {
     const auto options = std::make_shared<ScriptOptions>();
-    CLI::App& command =
-        line.add("script", "Make a list of calls in one process", kExamples, [&line, options] {
-            options->output = line.output();
-            return runScript(line.openLibrary(), *options);
-        });
+    CLI::App& command = line.add(
+        "script", "Make a list of calls in one process", kExamples,
+        [&line, options] { return runScript(line.openLibrary(), *options, line.report()); });
     CommandLine::addArgument(command, "FILE", options->file,
                              "The calls, one per line; - is standard input");
     command.add_flag("--keep-going", options->keepGoing, "Continue after a call that failed");

@@ -42,11 +42,11 @@ void runTour(const Library& library, const ExportOptions& options, Report& repor
     requireFreePath(path);
     ExportPage page(library, "The maps of " + name);
     exportMap(library, normalsOf(options), report, &page);
-    if (printsLines(options.output)) std::puts("");
+    if (report.hasLines()) std::puts("");
     exportMap(library, heightsOf(options), report, &page);
     page.write(path);
     report.addFile(path);
-    if (printsLines(options.output)) printSize(path);
+    if (report.hasLines()) printSize(path);
 }
 
 }  // namespace
@@ -55,7 +55,6 @@ void addTourCommand(CommandLine& line) {
     const auto options = std::make_shared<ExportOptions>();
     CLI::App& command = line.add("tour", "Export two maps of a mesh and a page that shows how",
                                  kExamples, [&line, options] {
-                                     options->output = line.output();
                                      runTour(line.openLibrary(), *options, line.report());
                                      return line.finishReport();
                                  });

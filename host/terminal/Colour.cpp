@@ -27,3 +27,8 @@ std::string inGreen(std::FILE* stream, const std::string& text) {
 std::string inRed(std::FILE* stream, const std::string& text) {
     return painted(stream, "\x1B[31m", text);
 }
+
+void printError(const std::string& sentence) {
+    std::fflush(stdout);
+    std::fprintf(stderr, "%s %s\n", inRed(stderr, "quillon:").c_str(), sentence.c_str());
+}

@@ -5,7 +5,6 @@
 #include <optional>
 #include <string>
 
-#include "calls/Report.h"
 #include "files/MapFormat.h"
 #include "render/TileRenderer.h"
 
@@ -25,7 +24,6 @@ struct ExportOptions {
     std::optional<double> jpeg;   // a JPEG file of this quality
     bool page = false;            // a page that shows the export
     bool keepTiles = false;       // the working files stay
-    OutputStyle output = OutputStyle::kLines;
 };
 
 // Throws WrongUsage for options that contradict each other.

@@ -20,180 +20,135 @@ std::string titleOf(const ExportOptions& options) {
     return kind + " as " + infoOf(options.format).title;
 }
 
-class MapExport {
-public:
-    MapExport(const Library& library, const ExportOptions& options, Report& report,
-              ExportPage* page)
-        : options_(options), report_(report), run_(library, options, report, page), page_(page) {}
-
-    void run();
-
-private:
-    void requireFreeOutputs() const;
-    void mergeTiles();
-    void reorderChannels();
-    CallResult process(std::string_view name, const CallArguments& arguments);
-    void requireWholeMap() const;
-    void makeExtras();
-    void measureScale();
-    void convertTo16Bits();
-    void saveTarga();
-    void makeThumbnail();
-    void saveJpeg();
-    void finishPage();
-    void finish();
-    std::vector<std::string> remainingFiles() const;
-    void printOutputs() const;
-
-    const ExportOptions& options_;
-    Report& report_;
-    ExportRun run_;
-    ExportPage* page_;  // null: none is wanted
-    const ExportFiles& files_ = run_.files;
-    const MapFormatInfo& format_ = infoOf(options_.format);
-    std::vector<Tile> tiles_;
-    std::optional<float> scale_;  // of a displacement
-};
-
-void MapExport::run() {
-    requireFreeOutputs();
-    const std::size_t count = findTiles(run_);
-    const VemoMesh mesh = readVemo(options_.mesh);
-    makeOutFolder(run_);
-    makeWorkingFolder(run_);
-    if (page_)
-        page_->beginChapter(titleOf(options_), mesh, run_.workingFolder, run_.log, run_.working);
-    tiles_ = writeTileMeshes(run_, count);
-    renderTiles(run_, layOutSheet(run_, mesh, tiles_), tiles_);
-    mergeTiles();
-    if (!options_.order.empty()) reorderChannels();
-    requireWholeMap();
-    makeExtras();
-    finish();
-}
-
 // An earlier output is replaced.
-void MapExport::requireFreeOutputs() const {
-    for (const std::string& path : files_.wanted(options_))
+void requireFreeOutputs(const ExportRun& run) {
+    for (const std::string& path : run.files.wanted(run.options))
         requireFreePath(path);
 }
 
-void MapExport::mergeTiles() {
-    run_.unfinished.add(files_.map);
-    process("FileCopyTo", {.text = tiles_.front().mapFile, .buffer = files_.map});
-    if (page_) page_->addBetween(files_.map, tiles_.front().name);
-    for (std::size_t i = 1; i < tiles_.size(); ++i) {
-        stopIfInterrupted();
-        run_.progress.show("merging", i, tiles_.size(), tiles_[i].name);
-        process(format_.merge, {.text = tiles_[i].mapFile, .buffer = files_.map});
-        if (page_) page_->addBetween(files_.map, "+ " + tiles_[i].name);
-    }
-    if (page_) page_->addStep(files_.map);
-}
-
-void MapExport::reorderChannels() {
-    for (const int mode : swapsFor(options_.format, options_.order))
-        process(format_.swap, {.text = files_.map, .value = static_cast<double>(mode)});
-    if (page_) page_->addStep(files_.map);
-}
-
 // A call that processes a map and must succeed.
-CallResult MapExport::process(std::string_view name, const CallArguments& arguments) {
-    if (page_) page_->timeCopyOf(*arguments.text, run_.log.calls().size());
-    return run_.log.require(name, arguments);
+CallResult process(ExportRun& run, std::string_view name, const CallArguments& arguments) {
+    if (run.page) run.page->timeCopyOf(*arguments.text, run.log.calls().size());
+    return run.log.require(name, arguments);
+}
+
+void mergeTiles(ExportRun& run, const std::vector<Tile>& tiles) {
+    const std::string& map = run.files.map;
+    run.unfinished.add(map);
+    process(run, "FileCopyTo", {.text = tiles.front().mapFile, .buffer = map});
+    if (run.page) run.page->addBetween(map, tiles.front().name);
+    for (std::size_t i = 1; i < tiles.size(); ++i) {
+        stopIfInterrupted();
+        run.log.progress().show("merging", i, tiles.size(), tiles[i].name);
+        process(run, infoOf(run.options.format).merge, {.text = tiles[i].mapFile, .buffer = map});
+        if (run.page) run.page->addBetween(map, "+ " + tiles[i].name);
+    }
+    if (run.page) run.page->addStep(map);
+}
+
+void reorderChannels(ExportRun& run) {
+    const std::string& map = run.files.map;
+    for (const int mode : swapsFor(run.options.format, run.options.order))
+        process(run, infoOf(run.options.format).swap,
+                {.text = map, .value = static_cast<double>(mode)});
+    if (run.page) run.page->addStep(map);
 }
 
 // The library does not report every full disk. The map is as long as each tile's.
-void MapExport::requireWholeMap() const {
-    if (fs::file_size(files_.map) != fs::file_size(tiles_.front().mapFile))
-        throw Failure("cannot write " + files_.map + ": the disk took only a part of it");
+void requireWholeMap(const std::string& map, const Tile& tile) {
+    if (fs::file_size(map) != fs::file_size(tile.mapFile))
+        throw Failure("cannot write " + map + ": the disk took only a part of it");
 }
 
-void MapExport::makeExtras() {
-    stopIfInterrupted();
-    if (options_.map == MapKind::kHeight && options_.format == MapFormat::kTiff) measureScale();
-    if (options_.sixteenBits) convertTo16Bits();
-    if (options_.targa) saveTarga();
-    if (options_.thumbnail > 0) makeThumbnail();
-    if (options_.jpeg) saveJpeg();
-    if (page_) finishPage();
-    stopIfInterrupted();
+float measureScale(ExportRun& run) {
+    const float scale = process(run, "getScale", {.text = run.files.map, .value = 1.0}).status;
+    if (run.page) run.page->addStep();
+    return scale;
 }
 
-void MapExport::measureScale() {
-    scale_ = process("getScale", {.text = files_.map, .value = 1.0}).status;
-    if (page_) page_->addStep();
-}
-
-void MapExport::convertTo16Bits() {
-    run_.unfinished.add(files_.sixteenBitMap);
+void convertTo16Bits(ExportRun& run) {
+    const std::string& target = run.files.sixteenBitMap;
+    run.unfinished.add(target);
     constexpr double kGreyToGrey = 1.0;
-    process("convertTIFF16",
-            {.text = files_.map, .value = kGreyToGrey, .buffer = files_.sixteenBitMap});
-    if (page_) page_->addStep(files_.sixteenBitMap);
+    process(run, "convertTIFF16", {.text = run.files.map, .value = kGreyToGrey, .buffer = target});
+    if (run.page) run.page->addStep(target);
 }
 
-void MapExport::saveTarga() {
-    run_.unfinished.add(files_.targa);
-    process("saveAsTarga", {.text = files_.map, .buffer = files_.targa});
-    if (page_) page_->addStep();
+void saveTarga(ExportRun& run) {
+    run.unfinished.add(run.files.targa);
+    process(run, "saveAsTarga", {.text = run.files.map, .buffer = run.files.targa});
+    if (run.page) run.page->addStep();
 }
 
-void MapExport::makeThumbnail() {
-    run_.unfinished.add(files_.thumbnail);
-    process("FileCopyTo", {.text = files_.map, .buffer = files_.thumbnail});
-    const auto size = static_cast<double>(options_.thumbnail);
-    process("CreateThumbnailBMP", {.text = files_.thumbnail, .value = size});
-    if (page_) page_->addStep(files_.thumbnail);
+void makeThumbnail(ExportRun& run) {
+    const std::string& thumbnail = run.files.thumbnail;
+    run.unfinished.add(thumbnail);
+    process(run, "FileCopyTo", {.text = run.files.map, .buffer = thumbnail});
+    const auto size = static_cast<double>(run.options.thumbnail);
+    process(run, "CreateThumbnailBMP", {.text = thumbnail, .value = size});
+    if (run.page) run.page->addStep(thumbnail);
 }
 
-void MapExport::saveJpeg() {
-    run_.unfinished.add(files_.jpeg);
-    process("saveAsJpeg", {.text = files_.map, .value = *options_.jpeg, .buffer = files_.jpeg});
-    if (page_) page_->addJpegStep(files_.jpeg);
+void saveJpeg(ExportRun& run) {
+    const std::string& jpeg = run.files.jpeg;
+    run.unfinished.add(jpeg);
+    process(run, "saveAsJpeg", {.text = run.files.map, .value = *run.options.jpeg, .buffer = jpeg});
+    if (run.page) run.page->addJpegStep(jpeg);
 }
 
-void MapExport::finishPage() {
-    page_->endChapter();
-    if (!options_.page) return;
-    run_.unfinished.add(files_.page);
-    page_->write(files_.page);
+void finishPage(ExportRun& run) {
+    run.page->endChapter();
+    if (!run.options.page) return;
+    run.unfinished.add(run.files.page);
+    run.page->write(run.files.page);
 }
 
-void MapExport::finish() {
-    run_.unfinished.keep();
-    if (options_.keepTiles)
-        run_.working.keep();
-    else
-        run_.working.deleteAll();
-    run_.log.finishRow();
-    if (scale_) report_.set("scale", jsonOf(*scale_));
-    for (const std::string& path : remainingFiles())
-        report_.addFile(path);
-    if (!printsLines(options_.output)) return;
-    std::puts("");
-    printOutputs();
+// Returns the displacement scale, where the map has one.
+std::optional<float> makeExtras(ExportRun& run) {
+    const ExportOptions& options = run.options;
+    std::optional<float> scale;
+    stopIfInterrupted();
+    if (options.map == MapKind::kHeight && options.format == MapFormat::kTiff)
+        scale = measureScale(run);
+    if (options.sixteenBits) convertTo16Bits(run);
+    if (options.targa) saveTarga(run);
+    if (options.thumbnail > 0) makeThumbnail(run);
+    if (options.jpeg) saveJpeg(run);
+    if (run.page) finishPage(run);
+    stopIfInterrupted();
+    return scale;
 }
 
-// The working files that stay come first.
-std::vector<std::string> MapExport::remainingFiles() const {
+// The files that remain; working files come first.
+std::vector<std::string> finishFiles(ExportRun& run, const std::vector<Tile>& tiles) {
     std::vector<std::string> paths;
-    if (options_.keepTiles) {
-        for (const Tile& tile : tiles_)
+    run.unfinished.keep();
+    if (run.options.keepTiles) {
+        run.working.keep();
+        for (const Tile& tile : tiles)
             paths.insert(paths.end(), {tile.meshFile, tile.mapFile});
+    } else {
+        run.working.deleteAll();
     }
-    const std::vector<std::string> made = files_.wanted(options_);
+    run.log.finishRow();
+    const std::vector<std::string> made = run.files.wanted(run.options);
     paths.insert(paths.end(), made.begin(), made.end());
     return paths;
 }
 
-void MapExport::printOutputs() const {
-    if (scale_) {
-        std::printf("displacement scale %s\n", std::isinf(*scale_)
+void reportOutputs(const std::vector<std::string>& paths, std::optional<float> scale,
+                   Report& report) {
+    if (scale) report.set("scale", jsonOf(*scale));
+    for (const std::string& path : paths)
+        report.addFile(path);
+    if (!report.hasLines()) return;
+    std::puts("");
+    if (scale) {
+        std::printf("displacement scale %s\n", std::isinf(*scale)
                                                    ? "infinite: the map has too few levels to tell"
-                                                   : statusText(*scale_).c_str());
+                                                   : statusText(*scale).c_str());
     }
-    for (const std::string& path : remainingFiles())
+    for (const std::string& path : paths)
         printSize(path);
 }
 
@@ -202,5 +157,18 @@ void MapExport::printOutputs() const {
 void exportMap(const Library& library, const ExportOptions& options, Report& report,
                ExportPage* page) {
     noteInterrupts();
-    MapExport(library, options, report, page).run();
+    ExportRun run(library, options, report, page);
+    requireFreeOutputs(run);
+    const std::size_t count = findTiles(run);
+    const VemoMesh mesh = readVemo(options.mesh);
+    makeOutFolder(run);
+    makeWorkingFolder(run);
+    if (page) page->beginChapter(titleOf(options), mesh, run.workingFolder, run.log, run.working);
+    std::vector<Tile> tiles = writeTileMeshes(run, count);
+    renderTiles(run, layOutSheet(run, mesh, tiles), tiles);
+    mergeTiles(run, tiles);
+    if (!options.order.empty()) reorderChannels(run);
+    requireWholeMap(run.files.map, tiles.front());
+    const std::optional<float> scale = makeExtras(run);
+    reportOutputs(finishFiles(run, tiles), scale, report);
 }

@@ -34,7 +34,7 @@ void renderTile(ExportRun& run, const TileSheet& sheet, const Tile& tile) {
 TileSheet layOutSheet(ExportRun& run, const VemoMesh& mesh, std::vector<Tile>& tiles) {
     std::vector<TilePlace> places;
     for (Tile& tile : tiles) {
-        run.progress.show("placing", places.size(), tiles.size(), tile.name);
+        run.log.progress().show("placing", places.size(), tiles.size(), tile.name);
         tile.place = placeOfTile(mesh, readVemo(tile.meshFile), tile.meshFile);
         places.push_back(tile.place);
     }
@@ -48,7 +48,7 @@ void renderTiles(ExportRun& run, const TileSheet& sheet, const std::vector<Tile>
     std::size_t done = 0;
     for (const Tile& tile : tiles) {
         stopIfInterrupted();
-        run.progress.show("rendering", done++, tiles.size(), tile.name);
+        run.log.progress().show("rendering", done++, tiles.size(), tile.name);
         renderTile(run, sheet, tile);
     }
     run.log.print("(rendered)", std::to_string(tiles.size()),
