@@ -5,6 +5,7 @@
 
 #include <algorithm>
 #include <cstdio>
+#include <filesystem>
 #include <fstream>
 #include <sstream>
 #include <string>
@@ -68,6 +69,22 @@ TEST(ExportList, HoldsGetSubstrAndTheLibraryObject) {
     EXPECT_THAT(sorted(names),
                 ElementsAre("_Z10get_substrPci",  // get_substr(char*, int)
                             "_ZN11QuillonPriv14HelloWorldPrivEPKc", "_ZN7Quillon10HelloWorldEPKc"));
+}
+
+// A function that only the header declares would be missing from the library without any error: the
+// linker exports what the list names.
+TEST(ExportList, HoldsEveryExportThatTheHeaderDeclares) {
+    std::ifstream header(std::filesystem::path(QUILLON_EXPORT_LIST).replace_filename("Quillon.h"));
+    const std::string declaration = "QUILLON_API ExportFunction ";
+    Names declared;
+    for (std::string line; std::getline(header, line);) {
+        if (line.starts_with(declaration))
+            declared.push_back(
+                line.substr(declaration.size(), line.rfind(';') - declaration.size()));
+    }
+    Names names = exportList();
+    std::erase_if(names, isMangled);
+    EXPECT_EQ(sorted(declared), sorted(names));
 }
 
 TEST(Symbols, AreTheExportListAndNothingElse) {

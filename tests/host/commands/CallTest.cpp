@@ -71,7 +71,9 @@ TEST(Call, APathWithoutADotIsReported) {
 TEST(Call, EveryExportCanBeCalledAndItsStatusIsKnown) {
     std::ifstream list(QUILLON_EXPORT_LIST);
     int exports = 0;
-    for (std::string name; std::getline(list, name) && !name.starts_with("_Z"); ++exports) {
+    for (std::string name; std::getline(list, name);) {
+        if (name.starts_with("_Z")) continue;
+        ++exports;
         const Ended call = quillon({"call", name});
         EXPECT_LE(call.exitStatus, 1) << name;
         EXPECT_THAT(call.out, HasSubstr("meaning  ")) << name;
