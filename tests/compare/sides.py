@@ -142,10 +142,8 @@ class Model:
         self.world.stdout.clear()
         try:
             status = getattr(module, name)(*arguments)
-        except IndexError as error:
-            if "extension" not in str(error):
-                raise
-            status = "out_of_range"
+        except self.world.Refused as refusal:
+            status = refusal.status
         if isinstance(status, bytes):
             block.copy(status)
             status = 0.0

@@ -7,7 +7,7 @@ about its bits. A row is followed by padding up to a multiple of four bytes.
 import math
 from typing import NamedTuple
 
-from world import can_rewrite, create, le, load, single, whole
+from world import check, check_writable, create, le, load, single, whole
 
 
 class Header(NamedTuple):
@@ -27,9 +27,8 @@ def getPadding(width):
 
 
 def readBMPHeader(data):
-    """The header of a BMP; None where there is no "BM" or the file is shorter than its headers."""
-    if data[:2] != b"BM" or len(data) < 54:
-        return None
+    """The header of a BMP. The file must start with "BM" and be as long as its headers."""
+    check(data[:2] == b"BM" and len(data) >= 54, -7)
     width = le(data, 18, 4, signed=True)
     height = le(data, 22, 4, signed=True)
     stride = 3 * width + getPadding(width)
@@ -37,7 +36,7 @@ def readBMPHeader(data):
 
 
 def pixels(bmp, end):
-    """The places of all whole pixels before `end`, row by row. Without columns there are none."""
+    """The offsets of all whole pixels before `end`, row by row. Without columns there are none."""
     if bmp.width < 1:
         return
     for row in range(bmp.height):
@@ -52,51 +51,32 @@ def mergeBMP(source, target):
 
     The background is the source's first stored pixel, bottom left.
     """
-    painted = load(target)
-    if painted is None:
-        return -1760
+    painted = load(target, -1760)
     bmp = readBMPHeader(painted)
-    if bmp is None:
-        return -7
-    data = load(source)
-    if data is None:
-        return -1770
+    data = load(source, -1770)
     other = readBMPHeader(data)
-    if other is None:
-        return -7
-    if other.width != bmp.width or other.height != bmp.height:
-        return -30
-    if other.offset != bmp.offset or other.bits != bmp.bits:
-        return -40
-    if not can_rewrite(source):
-        return -101
-    if not can_rewrite(target):
-        return -201
+    check((other.width, other.height) == (bmp.width, bmp.height), -30)
+    check((other.offset, other.bits) == (bmp.offset, bmp.bits), -40)
+    check_writable(source, -101)
+    check_writable(target, -201)
     background = data[bmp.offset : bmp.offset + 3]
     merged = bytearray(painted)
     for p in pixels(bmp, min(len(data), len(painted))):
         if painted[p : p + 3] == background:
             merged[p : p + 3] = data[p : p + 3]
-    create(target, merged)
-    return 0
+    return create(target, merged, -201)
 
 
 def swapChannelsBMP(path, mode):
     """Exchanges two channels of every pixel. A mode that does not exist changes nothing."""
-    data = load(path)
-    if data is None:
-        return -1760
+    data = load(path, -1760)
     bmp = readBMPHeader(data)
-    if bmp is None:
-        return -7
-    if not can_rewrite(path):
-        return -101
+    check_writable(path, -101)
     a, b = {1: (0, 1), 2: (0, 2), 3: (1, 2)}.get(mode, (0, 0))
     swapped = bytearray(data)
     for p in pixels(bmp, len(data)):
         swapped[p + a], swapped[p + b] = data[p + b], data[p + a]
-    create(path, swapped)
-    return 0
+    return create(path, swapped, -101)
 
 
 def run(data, at, size):
@@ -121,15 +101,11 @@ def patched(data, bmp, width, height):
 
 def cropBMP(input, output, xOffset, newWidth):
     """Writes a band of columns, without the bottom row and the top two. xOffset counts bytes."""
-    data = load(input)
-    if data is None:
-        return -1760
+    data = load(input, -1760)
     bmp = readBMPHeader(data)
-    if bmp is None or bmp.offset > len(data):
-        return -7
+    check(bmp.offset <= len(data), -7)
     height = bmp.height - 3
-    if bmp.offset + pixelBytes(newWidth, height) > 2**32 - 1:
-        return -9
+    check(bmp.offset + pixelBytes(newWidth, height) < 2**32, -9)
     rows = bytearray()
     q = bmp.offset + bmp.stride + xOffset
     for _ in range(height if newWidth > 0 else 0):
@@ -137,7 +113,7 @@ def cropBMP(input, output, xOffset, newWidth):
         band = run(data, q, 3 * newWidth) if bmp.width > 0 else bytes(3 * newWidth)
         rows += band + bytes(getPadding(newWidth))
         q += bmp.stride
-    return 0 if create(output, patched(data, bmp, newWidth, height) + rows) else -5
+    return create(output, patched(data, bmp, newWidth, height) + rows, -5)
 
 
 def createBMPthumb(path, size):
@@ -145,27 +121,20 @@ def createBMPthumb(path, size):
 
     All ratios and sums are single precision. A file that cannot be written is not reported.
     """
-    if size < 1:
-        return -9
-    data = load(path)
-    if data is None:
-        return -1
-    if data[:2] != b"BM":
-        return -2
+    check(size >= 1, -9)
+    check(path is not None, -1)
+    data = load(path, -1)
+    check(data[:2] == b"BM", -2)
     bmp = readBMPHeader(data)
-    if bmp is None:
-        return -7
     W, H = bmp.width, bmp.height
     if H < size and W < size:
         return 0
-    if bmp.offset > len(data):
-        return -7
+    check(bmp.offset <= len(data), -7)
     ratio = single(single(min(W, H)) / single(max(W, H)))
     shorter = whole(single(ratio * single(size)))
     width, height = (size, shorter) if H <= W else (shorter, size)
     step = single(single(max(W, H)) / single(size))
-    if bmp.offset + pixelBytes(width, height) > 2**32 - 1:
-        return -9
+    check(bmp.offset + pixelBytes(width, height) < 2**32, -9)
     rows = bytearray()
     rowSum, rowStart = 0.0, bmp.offset
     for _ in range(height if width > 0 else 0):
@@ -177,5 +146,4 @@ def createBMPthumb(path, size):
         rows += bytes(getPadding(width))
         old, rowSum = rowSum, single(rowSum + step)
         rowStart += bmp.stride * (int(rowSum) - int(old))
-    create(path, patched(data, bmp, width, height) + rows)
-    return 0
+    return create(path, patched(data, bmp, width, height) + rows, 0)

@@ -3,6 +3,8 @@
 Every export takes (text, value, buffer1) and returns the status. None stands for a null pointer.
 """
 
+import os
+
 import bmp
 import exr
 import jpeg
@@ -11,7 +13,7 @@ import psd
 import services
 import targa
 import tiff
-from world import whole
+from world import check, whole
 
 folder = None  # the rest of the open folder listing
 
@@ -31,19 +33,19 @@ NONE, TEXT, BUFFER, BOTH = (), (0,), (2,), (0, 2)
 
 
 def export(needs, refusal, operation, takes=lambda value: True):
-    """An export that answers `refusal` to a null argument, or to a value that it does not take."""
+    """An export that returns `refusal` for a null argument or for a value that it does not take."""
 
-    def call(text, value, buffer1):
-        if any((text, value, buffer1)[position] is None for position in needs) or not takes(value):
-            return refusal
-        return operation(text, value, buffer1)
+    def call(*arguments):
+        check(all(arguments[position] is not None for position in needs), refusal)
+        check(takes(arguments[1]), refusal)
+        return operation(*arguments)
 
     return call
 
 
-def status(succeeded):
-    """The answer of the file services."""
-    return 0.0 if succeeded else -1.0
+def succeeded(good):
+    """The status of the file services."""
+    return 0.0 if good else -1.0
 
 
 def copied(block, text):
@@ -52,55 +54,23 @@ def copied(block, text):
     return 0.0
 
 
-def done(_):
-    """The answer of operations that cannot fail."""
-    return 0.0
-
-
 def naming_mode(value):
     """One of the four ways to name tiles; the nearest where there is none."""
     return max(0, min(3, whole(value)))
 
 
-def start_of_text(value):
-    """Where a copied text starts: 0 to 10, or 5."""
-    return whole(value) if 0 <= value <= 10 else 5
-
-
-def quality(value):
-    """The JPEG quality: 0 to 100, or 50."""
-    return whole(value) if 0 <= value <= 100 else 50
-
-
-def channel_order(value):
-    """Whether a value lies strictly between 0 and 4; it is cut down only after that."""
-    return 0 < value < 4
-
-
-def layout(value):
-    """Whether a value is exactly grey, colour or colour to grey."""
-    return value in (1.0, 3.0, 4.0)
-
-
-def channels(value):
-    """Whether a value is exactly one channel or three."""
-    return value in (1.0, 3.0)
+def up_to(last, value, default):
+    """An integer from 0 to `last`; `default` for any other value."""
+    return whole(value) if 0 <= value <= last else default
 
 
 def is_psd(path):
-    """1 for a PSD extension in lower or upper case. A path without a dot raises IndexError."""
+    """Whether a path has a PSD extension in lower or upper case."""
     extension = services.FileNameExtract(path, 4)
-    return int(b"psd" in extension or b"PSD" in extension)
+    return b"psd" in extension or b"PSD" in extension
 
 
 # Folder listing
-
-
-def CheckFolder(text, value, buffer1):
-    """Whether a folder can be opened. It ends a listing that is open."""
-    global folder
-    folder = None
-    return status(text is not None and services.list_folder(text) is not None)
 
 
 def OpenFolder(text, value, buffer1):
@@ -108,22 +78,29 @@ def OpenFolder(text, value, buffer1):
     global folder
     entries = None if text is None else services.list_folder(text)
     folder = None if entries is None else iter(entries)
-    return status(folder is not None)
+    return succeeded(folder is not None)
+
+
+def CheckFolder(text, value, buffer1):
+    """Whether a folder can be opened. It ends a listing that is open."""
+    global folder
+    status = OpenFolder(text, value, buffer1)
+    folder = None
+    return status
 
 
 def GetFile(text, value, buffer1):
     """The next entry's name; -3 when none is left."""
-    if folder is None or buffer1 is None:
-        return -1.0
+    check(folder is not None and buffer1 is not None, -1.0)
     name = next(folder, None)
-    return -3.0 if name is None else copied(buffer1, name)
+    check(name is not None, -3.0)
+    return copied(buffer1, name)
 
 
 def CloseFolder(text, value, buffer1):
     """Ends the listing."""
     global folder
-    if folder is None:
-        return -1.0
+    check(folder is not None, -1.0)
     folder = None
     return 0.0
 
@@ -131,27 +108,33 @@ def CloseFolder(text, value, buffer1):
 # Folders and files: needed pointers, refusal, operation
 
 Version = export(NONE, None, lambda t, v, b: 48.0)
-CreateFolder = export(TEXT, -1.0, lambda t, v, b: status(services.createFolder(t)))
-GetPublicFolder = export(BUFFER, 0.0, lambda t, v, b: copied(b, services.getSharedFolder()) + 1.0)
-EmptyFolder = export(TEXT, -1.0, lambda t, v, b: status(services.ClearFolder(t)))
-FileDelete = export(TEXT, -1.0, lambda t, v, b: status(services.remove_file(t)))
-FileCopyTo = export(BOTH, -1.0, lambda t, v, b: status(services.copy_file(t, b)))
-FileRename = export(BOTH, -1.0, lambda t, v, b: status(services.rename_file(t, b)))
-GetString = export(BOTH, -1.0, lambda t, v, b: copied(b, t[start_of_text(v) :]))
+CreateFolder = export(TEXT, -1.0, lambda t, v, b: succeeded(services.succeeds(os.mkdir, t)))
+GetPublicFolder = export(BUFFER, 0.0, lambda t, v, b: copied(b, b"/home") + 1.0)
+EmptyFolder = export(TEXT, -1.0, lambda t, v, b: succeeded(services.ClearFolder(t)))
+FileDelete = export(TEXT, -1.0, lambda t, v, b: succeeded(services.remove_file(t)))
+FileCopyTo = export(BOTH, -1.0, lambda t, v, b: services.copy_file(t, b))
+FileRename = export(BOTH, -1.0, lambda t, v, b: succeeded(services.succeeds(os.rename, t, b)))
+GetString = export(BOTH, -1.0, lambda t, v, b: copied(b, t[up_to(10, v, 5) :]))
 
 # Meshes
 
-clearUVtilesOutput = export(NONE, None, lambda t, v, b: done(mesh.clearUVtilesOut()))
+clearUVtilesOutput = export(NONE, None, lambda t, v, b: mesh.clearUVtilesOut())
 setUVtilesOutput = export(TEXT, -9.0, lambda t, v, b: mesh.setUVtilesOut(t))
 getUVTile = export(BOTH, -9.0, lambda t, v, b: mesh.GetUVTile(t, b, naming_mode(v)))
 getUVGroups = export(TEXT, -9.0, lambda t, v, b: mesh.GetUVGroup(t))
-getUVString = export(NONE, None, lambda t, v, b: done(mesh.getUVTileString(whole(v), b)))
-clearUVString = export(NONE, None, lambda t, v, b: done(mesh.clearUVTileString()))
+getUVString = export(NONE, None, lambda t, v, b: mesh.getUVTileString(whole(v), b))
+clearUVString = export(NONE, None, lambda t, v, b: mesh.clearUVTileString())
 getUVs = export(BOTH, -9.0, lambda t, v, b: mesh.GetUVsFromVemo(t, b, naming_mode(v)))
 getUVsMask = export(BOTH, -9.0, lambda t, v, b: mesh.GetUVsFromVemoMASK(t, b, naming_mode(v)))
 mergeCrease = export(BOTH, -9.0, lambda t, v, b: mesh.mergeFiles(t, b))
 
 # Maps: needed pointers, refusal, operation, values taken
+
+
+def channel_order(value):
+    """Strictly between 0 and 4; the value is truncated only after that."""
+    return 0 < value < 4
+
 
 mergeMapsTIF = export(BOTH, -9.0, lambda t, v, b: tiff.mergeTiff(t, b))
 mergeMapsPSD = export(BOTH, -9.0, lambda t, v, b: psd.mergePSD(t, b))
@@ -159,12 +142,12 @@ mergeMapsBMP = export(BOTH, -9.0, lambda t, v, b: bmp.mergeBMP(t, b))
 swapRGBTIF = export(TEXT, -9.0, lambda t, v, b: tiff.swapChannels(t, whole(v)), channel_order)
 swapRGBPSD = export(TEXT, -9.0, lambda t, v, b: psd.swapChannelsPSD(t, whole(v)), channel_order)
 swapRGBBMP = export(TEXT, -9.0, lambda t, v, b: bmp.swapChannelsBMP(t, whole(v)), channel_order)
-convertTIFF16 = export(
-    BOTH, -9.0, lambda t, v, b: tiff.convertTiff(t, b, whole(v), is_psd(b)), layout
+convertTIFF16 = export(  # grey, colour, colour to grey
+    BOTH, -9.0, lambda t, v, b: tiff.convertTiff(t, b, v, is_psd(b)), lambda v: v in (1, 3, 4)
 )
 convertTIFFSingle = export(BOTH, -1.0, lambda t, v, b: tiff.singleChannelTiff(t, b))
-getScale = export(TEXT, -9.0, lambda t, v, b: tiff.getScaleTiff(t, whole(v)), channels)
+getScale = export(TEXT, -9.0, lambda t, v, b: tiff.getScaleTiff(t, whole(v)), lambda v: v in (1, 3))
 saveAsTarga = export(BOTH, -9.0, lambda t, v, b: targa.convertToTarga(t, b))
-saveAsJpeg = export(BOTH, -9.0, lambda t, v, b: jpeg.convertToJPEG(t, b, quality(v)))
+saveAsJpeg = export(BOTH, -9.0, lambda t, v, b: jpeg.convertToJPEG(t, b, up_to(100, v, 50)))
 CreateThumbnailBMP = export(NONE, None, lambda t, v, b: bmp.createBMPthumb(t, whole(v)))
 OpenEXR = export(TEXT, -3.0, lambda t, v, b: exr.OpenEXR(t))

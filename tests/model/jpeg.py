@@ -7,15 +7,7 @@ significant bit first.
 
 import numpy as np
 
-from world import create, le, load
-
-NOT_OPENED = 3.0
-TOO_SHORT = 4.0
-NOT_24_BIT_BMP = 5.0
-FAILED = -1.0  # a path is too long, or the output cannot be created
-SIZE_REFUSED = -9.0
-
-COMMENT = b"Quillon v1.0.."
+from world import check, create, le, load
 
 
 def numbers(text):
@@ -38,7 +30,7 @@ ZIGZAG = numbers(
 )
 
 # The standard quantisation tables, row-major.
-STD_LUMINANCE_QT = numbers(
+LUMINANCE = numbers(
     """
     16  11  10  16  24  40  51  61
     12  12  14  19  26  58  60  55
@@ -50,27 +42,18 @@ STD_LUMINANCE_QT = numbers(
     72  92  95  98 112 100 103  99
     """
 )
-STD_CHROMINANCE_QT = numbers(
+CHROMINANCE = numbers(
     """
     17  18  24  47  99  99  99  99
     18  21  26  66  99  99  99  99
     24  26  56  99  99  99  99  99
     47  66  99  99  99  99  99  99
-    99  99  99  99  99  99  99  99
-    99  99  99  99  99  99  99  99
-    99  99  99  99  99  99  99  99
-    99  99  99  99  99  99  99  99
     """
-)
+) + 32 * [99]
 
-# The standard Huffman tables: how many codes have 1, 2, ... 16 bits, and the symbols in the order
-# of their codes. Both DC tables have the same symbols.
-STD_DC_LUMINANCE_NRCODES = bytes(numbers("0 1 5 1 1 1 1 1 1 0 0 0 0 0 0 0"))
-STD_DC_CHROMINANCE_NRCODES = bytes(numbers("0 3 1 1 1 1 1 1 1 1 1 0 0 0 0 0"))
-STD_AC_LUMINANCE_NRCODES = bytes(numbers("0 2 1 3 3 2 4 3 5 5 4 4 0 0 1 125"))
-STD_AC_CHROMINANCE_NRCODES = bytes(numbers("0 2 1 2 4 4 3 4 7 5 4 4 0 1 2 119"))
-STD_DC_VALUES = bytes(range(12))
-STD_AC_LUMINANCE_VALUES = bytes.fromhex(
+# The symbols of the standard Huffman tables, in the order of their codes.
+DC_SYMBOLS = bytes(range(12))
+LUMINANCE_SYMBOLS = bytes.fromhex(
     """
     01 02 03 00 04 11 05 12 21 31 41 06 13 51 61 07 22 71 14 32 81 91 a1 08 23 42 b1 c1 15 52 d1 f0
     24 33 62 72 82 09 0a 16 17 18 19 1a 25 26 27 28 29 2a 34 35 36 37 38 39 3a 43 44 45 46 47 48 49
@@ -80,7 +63,7 @@ STD_AC_LUMINANCE_VALUES = bytes.fromhex(
     f9 fa
     """
 )
-STD_AC_CHROMINANCE_VALUES = bytes.fromhex(
+CHROMINANCE_SYMBOLS = bytes.fromhex(
     """
     00 01 02 03 11 04 05 21 31 06 12 41 51 07 61 71 13 22 32 81 08 14 42 91 a1 b1 c1 09 23 33 52 f0
     15 62 72 d1 0a 16 24 34 e1 25 f1 17 18 19 1a 26 27 28 29 2a 35 36 37 38 39 3a 43 44 45 46 47 48
@@ -91,45 +74,41 @@ STD_AC_CHROMINANCE_VALUES = bytes.fromhex(
     """
 )
 
+# By table id, luminance DC and AC, chrominance DC and AC: how many codes have 1, 2, ... 16 bits, and
+# the symbols.
+HUFFMAN = {
+    0x00: (numbers("0 1 5 1 1 1 1 1 1 0 0 0 0 0 0 0"), DC_SYMBOLS),
+    0x10: (numbers("0 2 1 3 3 2 4 3 5 5 4 4 0 0 1 125"), LUMINANCE_SYMBOLS),
+    0x01: (numbers("0 3 1 1 1 1 1 1 1 1 1 0 0 0 0 0"), DC_SYMBOLS),
+    0x11: (numbers("0 2 1 2 4 4 3 4 7 5 4 4 0 1 2 119"), CHROMINANCE_SYMBOLS),
+}
+
 # How much larger the float DCT leaves each frequency, apart from a factor of 8 for the block.
 AAN_SCALE = [1, 1.387039845, 1.306562965, 1.175875602, 1, 0.785694958, 0.541196100, 0.275899379]
 
 
-def write_APP0info():
-    """JFIF 1.01, aspect ratio 1 : 1, no thumbnail."""
-    return bytes.fromhex("FFE0 0010") + b"JFIF\0" + bytes.fromhex("0101 00 0001 0001 00 00")
+def segment(marker, content):
+    """A segment; its length counts its own two bytes."""
+    return bytes([0xFF, marker]) + (len(content) + 2).to_bytes(2, "big") + content
 
 
-def write_comment(text):
-    """A comment without a terminator; the length counts its own two bytes."""
-    return bytes.fromhex("FFFE") + ((len(text) + 2) % 65536).to_bytes(2, "big") + text
-
-
-def write_DQTinfo(luminance, chrominance):
-    """Both quantisation tables in one segment."""
-    return bytes.fromhex("FFDB 0084 00") + bytes(luminance) + b"\x01" + bytes(chrominance)
-
-
-def write_SOF0info(width, height):
-    """The real size, and three components with sampling factors of 1 x 1."""
+def headers(width, height, luminance, chrominance):
+    """All that precedes the coded data."""
+    jfif = b"JFIF\0" + bytes.fromhex("0101 00 0001 0001 00 00")  # 1.01, ratio 1 : 1, no thumbnail
+    quantisation = b"\x00" + bytes(luminance) + b"\x01" + bytes(chrominance)
     size = height.to_bytes(2, "big") + width.to_bytes(2, "big")
-    return bytes.fromhex("FFC0 0011 08") + size + bytes.fromhex("03 011100 021101 031101")
-
-
-def write_DHTinfo():
-    """All four Huffman tables in one segment: luminance DC and AC, chrominance DC and AC."""
+    frame = b"\x08" + size + bytes.fromhex("03 011100 021101 031101")  # no component is subsampled
+    huffman = b"".join(bytes([i, *counts]) + symbols for i, (counts, symbols) in HUFFMAN.items())
+    scan = bytes.fromhex("03 0100 0211 0311 00 3F 00")  # tables 0 for Y, tables 1 for Cb and Cr
     return (
-        bytes.fromhex("FFC4 01A2")
-        + (b"\x00" + STD_DC_LUMINANCE_NRCODES + STD_DC_VALUES)
-        + (b"\x10" + STD_AC_LUMINANCE_NRCODES + STD_AC_LUMINANCE_VALUES)
-        + (b"\x01" + STD_DC_CHROMINANCE_NRCODES + STD_DC_VALUES)
-        + (b"\x11" + STD_AC_CHROMINANCE_NRCODES + STD_AC_CHROMINANCE_VALUES)
+        bytes.fromhex("FFD8")
+        + segment(0xE0, jfif)
+        + segment(0xFE, b"Quillon v1.0..")
+        + segment(0xDB, quantisation)
+        + segment(0xC0, frame)
+        + segment(0xC4, huffman)
+        + segment(0xDA, scan)
     )
-
-
-def write_SOSinfo():
-    """One scan of all components: tables 0 for the first, tables 1 for the others."""
-    return bytes.fromhex("FFDA 000C 03 0100 0211 0311 00 3F 00")
 
 
 def set_quant_table(basic_table, scale_factor):
@@ -142,12 +121,12 @@ def set_quant_table(basic_table, scale_factor):
 
 
 def compute_Huffman_table(nrcodes, values):
-    """Codes of one length count upwards; the next length goes on with a zero bit appended."""
+    """Codes of one length count upwards; the next length continues with a zero bit appended."""
     table = {}
     code = 0
     symbols = iter(values)
-    for length in range(1, 17):
-        for _ in range(nrcodes[length - 1]):
+    for length, count in enumerate(nrcodes, 1):
+        for _ in range(count):
             table[next(symbols)] = f"{code:0{length}b}"
             code += 1
         code *= 2
@@ -174,9 +153,9 @@ def prepare_quant_table(table):
 
 
 def load_bitmap(data, width, height):
-    """The picture, top row first, as rows x columns x (blue, green, red).
+    """The image, top row first, as rows x columns x (blue, green, red).
 
-    Both sides are filled up to multiples of 8: with the last column and with the bottom row. Bytes
+    Both sides are extended to multiples of 8: with the last column and with the bottom row. Bytes
     that the file does not have are 0.
     """
     padded_width = (width + 7) & 0xFFF8
@@ -188,20 +167,20 @@ def load_bitmap(data, width, height):
     rows = np.pad(rows, ((0, 0), (0, padded_width - width), (0, 0)), "edge")
     rows = rows.reshape(height, 3 * padded_width)
 
-    # The rows run from the bottom up. The length of the part that is turned round has 16 bits, so
-    # the right part of a picture wider than 21845 pixels stays as it is.
+    # The rows run from the bottom up. The length of the part that is flipped has 16 bits, so the
+    # right part of an image wider than 21845 pixels stays as it is.
     row_length = 3 * padded_width % 65536 // 8 * 8
     rows[:, :row_length] = rows[::-1, :row_length].copy()
     rows = np.pad(rows, ((0, padded_height - height), (0, 0)), "edge")
     return rows.reshape(padded_height, padded_width, 3)
 
 
-def load_data_units(picture):
+def load_data_units(image):
     """The 8 x 8 blocks of Y, Cb and Cr, left to right and top to bottom.
 
     The coefficients are in 16.16 fixed point. All three come out centred on 0.
     """
-    blue, green, red = np.moveaxis(picture.astype(np.int32), 2, 0)
+    blue, green, red = np.moveaxis(image.astype(np.int32), 2, 0)
     planes = [
         ((19595 * red + 38470 * green + 7471 * blue) >> 16) - 128,
         (-11058 * red - 21708 * green + 32768 * blue) >> 16,
@@ -213,7 +192,7 @@ def load_data_units(picture):
 
 
 def dct_pass(d):
-    """The Arai-Agui-Nakajima DCT of 8 points, which lie along the first axis, in 32-bit floats."""
+    """The Arai-Agui-Nakajima DCT of 8 points, along the first axis, in 32-bit floats."""
     c0_707, c0_383 = np.float32([0.707106781, 0.382683433])
     c0_541, c1_307 = np.float32([0.541196100, 1.306562965])
     out = np.empty_like(d)
@@ -274,32 +253,25 @@ def process_DU(du, last_dc, HTDC, HTAC):
     return bits
 
 
-def main_encoder(picture, luminance, chrominance):
-    """All blocks of the picture, each as Y, Cb, Cr; a DC value is coded as a difference."""
-    YDC_HT = compute_Huffman_table(STD_DC_LUMINANCE_NRCODES, STD_DC_VALUES)
-    CbDC_HT = compute_Huffman_table(STD_DC_CHROMINANCE_NRCODES, STD_DC_VALUES)
-    YAC_HT = compute_Huffman_table(STD_AC_LUMINANCE_NRCODES, STD_AC_LUMINANCE_VALUES)
-    CbAC_HT = compute_Huffman_table(STD_AC_CHROMINANCE_NRCODES, STD_AC_CHROMINANCE_VALUES)
-
-    components = []
-    for blocks, table in zip(load_data_units(picture), [luminance, chrominance, chrominance]):
+def main_encoder(image, luminance, chrominance):
+    """All blocks of the image, each as Y, Cb, Cr; a DC value is coded as a difference."""
+    codes = {i: compute_Huffman_table(*table) for i, table in HUFFMAN.items()}
+    components = []  # of each the codes of its blocks
+    for number, blocks in enumerate(load_data_units(image)):
+        table, i = (luminance, 0x00) if number == 0 else (chrominance, 0x01)
         coefficients = fdct_and_quantization(blocks, prepare_quant_table(table))
         units = np.empty_like(coefficients)
         units[:, ZIGZAG] = coefficients
-        components.append(units.tolist())
-
-    bits = []
-    dc_y = dc_cb = dc_cr = 0
-    for y, cb, cr in zip(*components):
-        bits.append(process_DU(y, dc_y, YDC_HT, YAC_HT))
-        bits.append(process_DU(cb, dc_cb, CbDC_HT, CbAC_HT))
-        bits.append(process_DU(cr, dc_cr, CbDC_HT, CbAC_HT))
-        dc_y, dc_cb, dc_cr = y[0], cb[0], cr[0]
-    return "".join(bits)
+        coded, last_dc = [], 0
+        for du in units.tolist():
+            coded.append(process_DU(du, last_dc, codes[i], codes[i + 0x10]))
+            last_dc = du[0]
+        components.append(coded)
+    return "".join(y + cb + cr for y, cb, cr in zip(*components))
 
 
 def writebits(bits):
-    """The coded data as bytes: filled up with ones, and a zero byte behind each byte of 0xFF.
+    """The coded data as bytes: padded with ones, and a zero byte after each byte of 0xFF.
 
     Codes that end on a byte boundary are followed by a whole byte of ones.
     """
@@ -313,32 +285,15 @@ def convertToJPEG(in_path, out_path, scale_factor):
     Only the fields named here are looked at; the pixels are always read from byte 54. Of the width
     and the height only the low 16 bits count.
     """
-    if len(in_path) >= 512 or len(out_path) >= 512:
-        return FAILED
-    data = load(in_path)
-    if data is None:
-        return NOT_OPENED
-    if len(data) < 54:
-        return TOO_SHORT
-    if data[:2] != b"BM" or le(data, 28, 2) != 24:
-        return NOT_24_BIT_BMP
-    width = le(data, 18, 2)
-    height = le(data, 22, 2)
-    if not 1 <= width <= 65528 or not 1 <= height <= 65528:
-        return SIZE_REFUSED
+    check(len(in_path) < 512 and len(out_path) < 512, -1.0)
+    data = load(in_path, 3.0)
+    check(len(data) >= 54, 4.0)
+    check(data[:2] == b"BM" and le(data, 28, 2) == 24, 5.0)
+    width, height = le(data, 18, 2), le(data, 22, 2)
+    check(1 <= width <= 65528 and 1 <= height <= 65528, -9.0)
 
-    picture = load_bitmap(data, width, height)
-    luminance = set_quant_table(STD_LUMINANCE_QT, scale_factor % 256)
-    chrominance = set_quant_table(STD_CHROMINANCE_QT, scale_factor % 256)
-    jpeg = (
-        bytes.fromhex("FFD8")
-        + write_APP0info()
-        + write_comment(COMMENT)
-        + write_DQTinfo(luminance, chrominance)
-        + write_SOF0info(width, height)
-        + write_DHTinfo()
-        + write_SOSinfo()
-        + writebits(main_encoder(picture, luminance, chrominance))
-        + bytes.fromhex("FFD9")
-    )
-    return 0.0 if create(out_path, jpeg) else FAILED
+    luminance = set_quant_table(LUMINANCE, scale_factor % 256)
+    chrominance = set_quant_table(CHROMINANCE, scale_factor % 256)
+    coded = writebits(main_encoder(load_bitmap(data, width, height), luminance, chrominance))
+    jpeg = headers(width, height, luminance, chrominance) + coded + bytes.fromhex("FFD9")
+    return create(out_path, jpeg, -1.0)

@@ -1,7 +1,7 @@
 """Mesh interchange files: UV tiles, one file per tile, vertex colours, OBJ text, crease merge.
 
-A file is a header of 32 bytes, which nobody reads, and a row of chunks: id, length with these 16
-bytes included, element count, 0, then the elements. All values are little-endian.
+A file is a header of 32 bytes, which nobody reads, and chunks: id, length with these 16 bytes
+included, element count, 0, then the elements. All values are little-endian.
 """
 
 import math
@@ -10,8 +10,8 @@ import struct
 
 import numpy as np
 
-from services import FileNameExtract, load_regular
-from world import create, le, single, whole
+from services import FileNameExtract
+from world import check, create, le, load, single, whole
 
 VERTEX, FACE, FACE_UV, MASK, COLOUR, GROUP = 10001, 20001, 25001, 30001, 35001, 40001
 
@@ -32,45 +32,34 @@ UVTileStr = []  # the names of the tiles of the last UV export
 faceID = []  # how many faces each base face has become
 
 
-def load_mesh(path):
-    """A file's bytes and its last byte once more; None where it cannot be opened."""
-    data = load_regular(path)
-    return None if data is None else data + (data[-1:] or b"\0")
+def load_mesh(path, status):
+    """A file's bytes and its last byte once more."""
+    data = load(path, status)
+    return data + (data[-1:] or b"\0")
 
 
-def find_chunk(data, wanted, start, guarded):
-    """The place of the first chunk with the wanted id at or after `start`; None without one.
+def find_chunk(data, wanted, start=FIRST_CHUNK, guarded=True, missing=-18.0):
+    """The offset of the first chunk with the wanted id at or after `start`.
 
-    A length of 0 would stall the walk: the guarded search skips the 16 bytes of the header, the
-    plain one ends.
+    A length of 0 would stall the search: the guarded one skips the 16 bytes of the header, the
+    other one ends.
     """
     at = start
     while le(data, at, 4) != wanted:
         length = le(data, at + 4, 4)
-        if length == 0 and not guarded:
-            return None
+        check(length != 0 or guarded, missing)
         at += length or 16
-        if at >= min(len(data), 2**32):
-            return None
+        check(at < min(len(data), 2**32), missing)
     return at
 
 
 def elements(data, at, kind):
-    """The elements of the chunk at a place, a row each; None where the file ends before them."""
+    """The elements of the chunk at an offset, a row each. The file must have all of them."""
     value, size = ELEMENTS[kind]
     count = le(data, at + 8, 4)
     end = at + 16 + count * size * np.dtype(value).itemsize
-    if end > len(data):
-        return None
+    check(end <= len(data), -18.0)
     return np.frombuffer(data[at + 16 : end], value).reshape(count, size)
-
-
-def save(path, data):
-    """Whether a file can be created. That the disk could not take it all is not reported."""
-    created = create(path, b"")
-    if created:
-        create(path, data)
-    return created
 
 
 # UV tiles
@@ -79,8 +68,8 @@ def save(path, data):
 def split_uv(x):
     """The tiles of coordinates, and their places within these tiles.
 
-    Below zero 1 is subtracted before the cut, so that -0.25 lies in tile -1, and -1.0 in tile -2.
-    What is no number lies in tile 0 and stays as it is.
+    Below zero 1 is subtracted before truncation, so that -0.25 is in tile -1, and -1.0 in tile -2.
+    NaN is in tile 0 and stays as it is.
     """
     with np.errstate(all="ignore"):
         y = np.where(x < 0, x - np.float32(1), x)
@@ -125,13 +114,8 @@ def find_tiles(uvs, mode):
 
 def GetUVTile(path, out, mode):
     """The number of tiles. `out` takes the last face's tile, also if the filter rejects it."""
-    data = load_mesh(path)
-    if data is None:
-        return -17.0
-    at = find_chunk(data, FACE_UV, FIRST_CHUNK, guarded=False)
-    uvs = None if at is None else elements(data, at, FACE_UV)
-    if uvs is None:
-        return -18.0
+    data = load_mesh(path, -17.0)
+    uvs = elements(data, find_chunk(data, FACE_UV, guarded=False), FACE_UV)
     tiles, last = find_tiles(uvs, mode)
     out.copy(last)
     return float(len(tiles))
@@ -139,20 +123,15 @@ def GetUVTile(path, out, mode):
 
 def GetUVGroup(path):
     """The number of different group ids of the faces."""
-    data = load_mesh(path)
-    if data is None:
-        return -17.0
-    at = find_chunk(data, GROUP, FIRST_CHUNK, guarded=True)
-    groups = None if at is None else elements(data, at, GROUP)
-    if groups is None:
-        return -18.0
-    return float(len(np.unique(groups)))
+    data = load_mesh(path, -17.0)
+    return float(len(np.unique(elements(data, find_chunk(data, GROUP), GROUP))))
 
 
 def clearUVtilesOut():
     """Empties the tile filter."""
     filterNames.clear()
     filterRanges.clear()
+    return 0.0
 
 
 def leading_number(text):
@@ -167,10 +146,7 @@ def setUVtilesOut(path):
     Ranges are kept as such, since a long one would fill the memory.
     """
     clearUVtilesOut()
-    text = load_regular(path)
-    if text is None:
-        return -1.0
-    for line in text.split(b"\n"):
+    for line in load(path, -1.0).split(b"\n"):
         for piece in line.replace(b" ", b"").split(b","):
             if b"-" in piece:
                 first, last = (leading_number(end) for end in piece.split(b"-", 1))
@@ -185,11 +161,13 @@ def getUVTileString(position, out):
     """Copies the name of a tile of the last UV export; nothing where there is no such tile."""
     if out is not None and 0 <= position < len(UVTileStr):
         out.copy(UVTileStr[position])
+    return 0.0
 
 
 def clearUVTileString():
     """Forgets the names of the last export's tiles."""
     UVTileStr.clear()
+    return 0.0
 
 
 # One file per tile
@@ -201,12 +179,8 @@ def write_tiles(tiles, outPath, content):
     Returns the number of tiles, or 1501 + k where file k fails; those before it stay.
     """
     for k, (name, tile) in enumerate(tiles.items()):
-        path = FileNameExtract(outPath, 3) + name + b".Vemo"
-        if not create(path, b""):
-            return 1501.0 + k
+        create(FileNameExtract(outPath, 3) + name + b".Vemo", content(tile), 1501.0 + k)
         UVTileStr.append(name)
-        if not create(path, content(tile)):
-            return 1501.0 + k
     return float(len(tiles))
 
 
@@ -217,13 +191,9 @@ def GetUVsFromVemo(path, outPath, mode):
     the others become -1, -1.
     """
     UVTileStr.clear()
-    data = load_mesh(path)
-    if data is None:
-        return -1760.0
-    at = find_chunk(data, FACE_UV, FIRST_CHUNK, guarded=False)
-    uvs = None if at is None else elements(data, at, FACE_UV)
-    if uvs is None:
-        return -18.0
+    data = load_mesh(path, -1760.0)
+    at = find_chunk(data, FACE_UV, guarded=False)
+    uvs = elements(data, at, FACE_UV)
     tiles, _ = find_tiles(uvs, mode)
     corner_tiles, local = split_uv(uvs.reshape(-1, 2))
 
@@ -240,25 +210,15 @@ def GetUVsFromVemoMASK(path, outPath, mode):
     The mask takes the place of the last 16 bytes, which close the file.
     """
     UVTileStr.clear()
-    data = load_mesh(path)
-    if data is None:
-        return -1760.0
-    vertex_at = find_chunk(data, VERTEX, FIRST_CHUNK, guarded=True)
-    if vertex_at is None:
-        return -18.0
-    face_at = find_chunk(data, FACE, vertex_at, guarded=True)
-    if face_at is None:
-        return -19.0
-    uv_at = find_chunk(data, FACE_UV, face_at, guarded=True)
-    if uv_at is None:
-        return -18.0
+    data = load_mesh(path, -1760.0)
+    vertex_at = find_chunk(data, VERTEX)
+    face_at = find_chunk(data, FACE, vertex_at, missing=-19.0)
+    uv_at = find_chunk(data, FACE_UV, face_at)
     vertices = elements(data, vertex_at, VERTEX)
     faces = elements(data, face_at, FACE)
     uvs = elements(data, uv_at, FACE_UV)
-    if vertices is None or faces is None or uvs is None or len(faces) != len(uvs):
-        return -18.0
-    if (faces >= len(vertices)).any() or (faces[:, :3] < 0).any():
-        return -19.0
+    check(len(faces) == len(uvs), -18.0)
+    check((faces < len(vertices)).all() and (faces[:, :3] >= 0).all(), -19.0)
     tiles, _ = find_tiles(uvs, mode)
     face_tiles, _ = split_uv(uvs[:, :2])
 
@@ -294,13 +254,8 @@ def colour_block(colours):
 
 def ReadVertColorVemo(in_path, out_path):
     """Writes the vertex colours as text. They are taken to be the first chunk."""
-    data = load_mesh(in_path)
-    if data is None:
-        return -1760.0
-    colours = elements(data, FIRST_CHUNK, COLOUR)
-    if colours is None:
-        return -18.0
-    return 0.0 if save(out_path, colour_block(colours).encode()) else -2.0
+    colours = elements(load_mesh(in_path, -1760.0), FIRST_CHUNK, COLOUR)
+    return create(out_path, colour_block(colours).encode(), -2.0)
 
 
 def face_lines(faces):
@@ -321,30 +276,24 @@ def face_lines(faces):
 def writeOBJfromVemo(in_path, out_path):
     """Writes vertices, colours and faces as an OBJ file; success uses the face counts up.
 
-    The three chunks must come first and in this order. Another chunk in a place of theirs is
-    answered with its id, after what comes before it is written.
+    The three chunks must come first and in this order. The id of another chunk in place of one of
+    them is the status, after what precedes it is written.
     """
-    data = load_mesh(in_path)
-    if data is None:
-        return -1760.0
+    data = load_mesh(in_path, -1760.0)
     chunks = []
     status = 0.0
     at = FIRST_CHUNK
     for kind in (VERTEX, COLOUR, FACE):
-        if at + 4 > len(data):
-            return -18.0
+        check(at + 4 <= len(data), -18.0)
         if le(data, at, 4) != kind:
             status = single(le(data, at, 4))
             break
-        chunk = elements(data, at, kind)
-        if chunk is None:
-            return -18.0
-        chunks.append(chunk)
-        at += 16 + chunk.nbytes
+        chunks.append(elements(data, at, kind))
+        at += 16 + chunks[-1].nbytes
     if not chunks:
         return status
 
-    # The face count goes by the chunks' lengths, not by their element counts.
+    # The face count is found by the chunks' lengths, not by their element counts.
     third = FIRST_CHUNK
     for _ in range(2):
         third += le(data, third + 4, 4)
@@ -355,8 +304,7 @@ def writeOBJfromVemo(in_path, out_path):
         text += colour_block(chunks[1])
     if len(chunks) == 3:
         text += face_lines(chunks[2].tolist())
-    if not save(out_path, text.encode()):
-        return -2.0
+    create(out_path, text.encode(), -2.0)
     if len(chunks) == 3:
         faceID.clear()
     return status
@@ -365,18 +313,13 @@ def writeOBJfromVemo(in_path, out_path):
 def GetFaceIDsVemo(in_path, level):
     """Counts what each base face becomes at a subdivision level: 4^(level - 1) for each corner.
 
-    Counts end at the highest number of 32 bits. The faces are taken to be the first chunk.
+    Counts stay at the highest number of 32 bits. The faces are taken to be the first chunk.
     """
     most = 2**32 - 1
     exponent = (level - 1) + (level - 1)
     n = 0 if math.isnan(level) else min(int(2.0 ** min(exponent, 64.0)), most)
     faceID.clear()
-    data = load_mesh(in_path)
-    if data is None:
-        return -1760.0
-    faces = elements(data, FIRST_CHUNK, FACE)
-    if faces is None:
-        return -18.0
+    faces = elements(load_mesh(in_path, -1760.0), FIRST_CHUNK, FACE)
     faceID.extend(min((3 if fourth < 0 else 4) * n, most) for fourth in faces[:, 3].tolist())
     return float(len(faceID))
 
@@ -386,12 +329,7 @@ def mergeFiles(first_path, second_path):
 
     So the first two bytes of each closing header stay.
     """
-    second = load_mesh(second_path)
-    if second is None:
-        return -2760.0
-    first = load_mesh(first_path)
-    if first is None:
-        return -1760.0
-    if len(second) < 15 or len(first) < 15:
-        return -18.0
-    return 0.0 if save(second_path, second[:-15] + first[:-15]) else -3760.0
+    second = load_mesh(second_path, -2760.0)
+    first = load_mesh(first_path, -1760.0)
+    check(len(second) >= 15 and len(first) >= 15, -18.0)
+    return create(second_path, second[:-15] + first[:-15], -3760.0)

@@ -5,33 +5,32 @@ Paths are bytes. Both "/" and "\\" separate folders wherever a path is searched 
 
 import os
 
-from world import create, load
+from world import check, create, load
 
 LONGEST_JOINED_PATH = 255  # the longest path that ClearFolder removes, in bytes
 
 
-def last_separator(path):
-    """The place of the last separator, -1 without one."""
-    return max(path.rfind(b"/"), path.rfind(b"\\"))
+def last_component(path):
+    """What follows the last separator."""
+    return path[max(path.rfind(b"/"), path.rfind(b"\\")) + 1 :]
 
 
 def IsDirectory(path):
     """1 when the last component has no dot, else 0. The file system is not asked."""
-    return int(b"." not in path[last_separator(path) + 1 :])
+    return int(b"." not in last_component(path))
 
 
 def FileNameExtract(path, mode):
     """A piece of a path: the folder, the name, the extension, or all of it for any other mode."""
-    name = path[last_separator(path) + 1 :]
+    name = last_component(path)
     if mode == 1:
         return path[: len(path) - len(name)]
     if mode == 2:
         return name.rpartition(b".")[0] if b"." in name else name
-    if mode == 3:  # the last dot of the whole path counts, even if it lies in a folder's name
+    if mode == 3:  # the last dot of the whole path counts, even if it is in a folder's name
         return path.rpartition(b".")[0] if b"." in path else path
     if mode == 4:
-        if b"." not in path:
-            raise IndexError("a path without an extension")
+        check(b"." in path, "out_of_range")  # an exception, which reaches the caller
         return path[path.rfind(b".") :]
     if mode == 6:
         return name
@@ -47,26 +46,15 @@ def succeeds(service, *paths):
         return False
 
 
-def load_regular(path):
-    """A file's bytes; None for a folder, a device or a pipe, as for a file that is not there."""
-    return load(path) if os.path.isfile(path) else None
-
-
 def remove_file(path):
     """Removes a file, or an empty folder, as the C library does."""
     return succeeds(os.unlink, path) or succeeds(os.rmdir, path)
 
 
-def rename_file(old, new):
-    """Renames a file; one that has the new name is replaced."""
-    return succeeds(os.rename, old, new)
-
-
 def copy_file(source, target):
     """Copies a file. The target goes first, so that a failed copy leaves no old file behind."""
     remove_file(target)
-    data = load_regular(source)
-    return data is not None and create(target, data)
+    return create(target, load(source, -1.0), -1.0)
 
 
 def list_folder(path):
@@ -91,17 +79,6 @@ def ClearFolder(path):
     if entries is None:
         return 0
     for name in entries[2:]:
-        joined = path + name
-        if not IsDirectory(joined) and len(joined) <= LONGEST_JOINED_PATH:
-            remove_file(joined)
+        if not IsDirectory(path + name) and len(path + name) <= LONGEST_JOINED_PATH:
+            remove_file(path + name)
     return 1
-
-
-def createFolder(path):
-    """Creates one folder; False when it exists or its parent does not."""
-    return succeeds(os.mkdir, path)
-
-
-def getSharedFolder():
-    """The folder that holds the users' folders."""
-    return b"/home"
