@@ -1,16 +1,16 @@
-# Read by ctest: adds the test suites of `file`, the program of that name.
+# Read by ctest: adds the test suites of the program `program`, which is `file`.
 if(NOT EXISTS ${file})
-  add_test(${program}.is-not-built ${file}) # fails, which is what should be noticed
+  add_test(${program}.is-not-built ${file}) # fails, so that it is noticed
   return()
 endif()
 
 execute_process(COMMAND ${file} --gtest_list_tests
   OUTPUT_VARIABLE list RESULT_VARIABLE result ERROR_VARIABLE errors)
 if(NOT result EQUAL 0)
-  message(FATAL_ERROR "${file} cannot tell its tests:\n${errors}")
+  message(FATAL_ERROR "${file} cannot list its tests:\n${errors}")
 endif()
 
-# A suite's line starts at the margin and ends with a dot, behind which a type may be named.
+# A suite's line starts at the margin and ends with a dot, after which a type may be named.
 string(REGEX MATCHALL "(^|\n)[A-Za-z0-9_/]+\\." suites "${list}")
 list(TRANSFORM suites STRIP)
 foreach(suite IN LISTS suites)

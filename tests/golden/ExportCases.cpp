@@ -6,14 +6,15 @@
 #include <cstring>
 #include <deque>
 #include <filesystem>
+#include <fstream>
 #include <set>
 #include <stdexcept>
 #include <vector>
 
 #include "export/Quillon.h"
+#include "golden/Digest.h"
 #include "golden/Inputs.h"
 #include "golden/Random.h"
-#include "golden/Record.h"
 #include "support/CaptureStdout.h"
 #include "support/TempDir.h"
 
@@ -32,32 +33,35 @@ public:
           find_(find),
           name_(name),
           block_(kBlockBytes, kUntouched) {
-        callQuietly("clearUVtilesOutput");
-        callQuietly("clearUVString");
-        callQuietly("CloseFolder");
+        for (const char* forgetting : {"clearUVtilesOutput", "clearUVString", "CloseFolder"})
+            callUnnoted(forgetting, nullptr, 0.0, nullptr);
     }
 
     Random random;
 
     // A path in the case's folder, which need not exist.
-    std::string path(std::string_view name) const { return dir_.path() + "/" + std::string(name); }
+    std::string path(std::string_view name) const { return dir_.path(name); }
+    // The path of one of these names.
+    std::string anyPath(std::initializer_list<const char*> names) {
+        return path(random.pick<const char*>(names));
+    }
+    // A path for an output: mostly this name, else one in another script, or in no folder.
+    std::string outPath(const std::string& name) {
+        return anyPath({name.c_str(), name.c_str(), name.c_str(), name.c_str(), "größe",
+                        ("missing/" + name).c_str()});
+    }
     std::string write(std::string_view name, const ByteList& bytes) const {
         return dir_.write(name, bytes);
     }
-    const TempDir& folder() const { return dir_; }
+    const char* exportName() const { return name_; }
 
     // The path as an export gets it, or now and then what a script gives by mistake: a path to
     // nothing, a folder, no path at all.
     const char* mostly(const std::string& path) {
         if (!random.oneIn(16)) return kept(path);
-        switch (random.below(3)) {
-            case 0:
-                return nullptr;
-            case 1:
-                return kept(this->path("missing/file.tif"));
-            default:
-                return kept(dir_.path());
-        }
+        const std::uint32_t mistake = random.below(3);
+        if (mistake == 0) return nullptr;
+        return kept(this->path(mistake == 1 ? "missing/file.tif" : ""));
     }
     const char* kept(const std::string& path) { return texts_.emplace_back(path).c_str(); }
 
@@ -68,17 +72,20 @@ public:
     void call(const char* text, double value) { callOther(name_, text, value, emptyBlock()); }
     void call(const char* text) { call(text, random.scriptNumber()); }
 
-    // Calls any export and notes what came of it.
+    // Calls any export and notes its status and what it wrote into the block.
     float callOther(const char* name, const char* text, double value, char* block) {
-        const float status = function(name)(text, value, block, -1, nullptr, -1, nullptr);
+        const float status = callUnnoted(name, text, value, block);
         const std::string bits = hexadecimal(std::bit_cast<std::uint32_t>(status), 8);
         calls_.append(1, ' ').append(bits).append(1, '/');
         calls_ += block == nullptr ? "=" : whatBlockTook();
         return status;
     }
     // The same without noting it.
-    float callUnnoted(const char* text, double value, char* block) const {
-        return function(name_)(text, value, block, -1, nullptr, -1, nullptr);
+    float callUnnoted(const char* name, const char* text, double value, char* block) const {
+        void* address = find_(name);
+        if (address == nullptr) throw std::runtime_error(std::string("no export ") + name);
+        return reinterpret_cast<ExportFunction*>(address)(text, value, block, -1, nullptr, -1,
+                                                          nullptr);
     }
     char* emptyBlock() {
         given_.assign(kBlockBytes, kUntouched);
@@ -98,7 +105,7 @@ public:
     void listEntries() {
         std::multiset<std::string> names;
         emptyBlock();
-        while (function("GetFile")(nullptr, 0.0, block_.data(), -1, nullptr, -1, nullptr) == 0.0f)
+        while (callUnnoted("GetFile", nullptr, 0.0, block_.data()) == 0.0f)
             names.insert(blockText());
         for (const std::string& name : names)
             note(name);
@@ -115,15 +122,6 @@ private:
         Digest digest;
         digest.add(name);
         return digest.value();
-    }
-
-    ExportFunction* function(const char* name) const {
-        void* address = find_(name);
-        if (address == nullptr) throw std::runtime_error(std::string("no export ") + name);
-        return reinterpret_cast<ExportFunction*>(address);
-    }
-    void callQuietly(const char* name) const {
-        function(name)(nullptr, 0.0, nullptr, -1, nullptr, -1, nullptr);
     }
 
     std::string whatBlockTook() const {
@@ -166,41 +164,38 @@ void fillFolder(Case& test, const std::string& folder) {
 std::string someFolder(Case& test) {
     fillFolder(test, "folder");
     test.write("file.tif", {1, 2, 3});
-    return test.path(
-        test.random.pick<const char*>({"folder", "folder", "folder", "folder/", "folder//",
-                                       "missing", "file.tif", "folder/../folder"}));
+    return test.anyPath({"folder", "folder", "folder", "folder/", "folder//", "missing", "file.tif",
+                         "folder/../folder"});
 }
 
 void createFolder(Case& test) {
     someFolder(test);
-    test.call(test.mostly(test.path(
-        test.random.pick<const char*>({"new", "new/", "größe 高さ", "folder", "missing/new",
-                                       "file.tif", "folder/new.d", "file.tif/new", "a\\b"}))));
+    test.call(test.mostly(test.anyPath({"new", "new/", "größe 高さ", "folder", "missing/new",
+                                        "file.tif", "folder/new.d", "file.tif/new", "a\\b"})));
 }
 
-// Where the shared folder lies is the machine's own affair; that the block holds an absolute path when
-// the status says so is not.
+// Machines have other shared folders, but each must have an absolute path in the block when the status
+// says so.
 void getPublicFolder(Case& test) {
     const bool withBlock = !test.random.oneIn(4);
     char* block = withBlock ? test.emptyBlock() : nullptr;
     const char* text = test.random.oneIn(2) ? nullptr : test.kept("anything");
-    const float status = test.callUnnoted(text, test.random.scriptNumber(), block);
+    const float status =
+        test.callUnnoted("GetPublicFolder", text, test.random.scriptNumber(), block);
     const bool copied = withBlock && test.blockText().front() == '/';
     test.note(copied == (status == 1.0f) ? "the status says what the block holds"
                                          : "the status is wrong");
 }
 
 void checkFolder(Case& test) {
-    if (test.random.oneIn(2))
-        test.callOther("OpenFolder", test.kept(test.folder().path()), 0.0, nullptr);
+    if (test.random.oneIn(2)) test.callOther("OpenFolder", test.kept(test.path("")), 0.0, nullptr);
     test.call(test.mostly(someFolder(test)));
     test.callOther("CloseFolder", nullptr, 0.0, nullptr);
 }
 
 void openFolder(Case& test) {
     const std::string first = someFolder(test);
-    if (test.random.oneIn(4))
-        test.callOther("OpenFolder", test.kept(test.folder().path()), 0.0, nullptr);
+    if (test.random.oneIn(4)) test.callOther("OpenFolder", test.kept(test.path("")), 0.0, nullptr);
     test.call(test.mostly(first));
     test.listEntries();
     test.callOther("CloseFolder", nullptr, 0.0, nullptr);
@@ -239,8 +234,8 @@ void fileCopyTo(Case& test) {
     const std::string source = test.write("file.tif", randomBytes(test.random, size));
     if (test.random.oneIn(2)) test.write("old.tif", randomBytes(test.random, 9000));
     const char* text = test.mostly(source);
-    const std::string target = test.path(test.random.pick<const char*>(
-        {"old.tif", "old.tif", "old.tif", "größe.tif", "größe.tif", "missing/x", "file.tif"}));
+    const std::string target = test.anyPath(
+        {"old.tif", "old.tif", "old.tif", "größe.tif", "größe.tif", "missing/x", "file.tif"});
     test.call(text, 0.0, test.mostly(target));
 }
 
@@ -248,8 +243,8 @@ void fileRename(Case& test) {
     const std::string folder = someFolder(test);
     test.write("other.tif", {9});
     const char* text = test.mostly(test.random.oneIn(4) ? folder : test.path("file.tif"));
-    const std::string target = test.path(test.random.pick<const char*>(
-        {"new.tif", "other.tif", "größe", "missing/x", "file.tif", "folder"}));
+    const std::string target =
+        test.anyPath({"new.tif", "other.tif", "größe", "missing/x", "file.tif", "folder"});
     test.call(text, 0.0, test.mostly(target));
 }
 
@@ -296,20 +291,14 @@ void exportTiles(Case& test, const char* name) {
     if (test.random.oneIn(3)) setFilter(test);
     const char* text = test.mostly(mesh(test));
     const double mode = test.random.scriptNumber();
-    const std::string out = test.path(test.random.pick<const char*>(
-        {"out.Vemo", "out.Vemo", "o ut.tiles.x", "größe.Vemo", "größe.Vemo", "missing/out.Vemo"}));
+    const std::string out = test.anyPath(
+        {"out.Vemo", "out.Vemo", "o ut.tiles.x", "größe.Vemo", "größe.Vemo", "missing/out.Vemo"});
     char* block = test.random.oneIn(20) ? nullptr : test.blockWith(out);
     test.callOther(name, text, mode, block);
 }
 
-void getUVs(Case& test) {
-    exportTiles(test, "getUVs");
-    for (int tile = 0; tile < 3; ++tile)
-        test.callOther("getUVString", nullptr, tile, test.emptyBlock());
-}
-
-void getUVsMask(Case& test) {
-    exportTiles(test, "getUVsMask");
+void exportAndNameTiles(Case& test) {
+    exportTiles(test, test.exportName());
     for (int tile = 0; tile < 3; ++tile)
         test.callOther("getUVString", nullptr, tile, test.emptyBlock());
 }
@@ -345,16 +334,6 @@ void mergeCrease(Case& test) {
     test.call(text, 0.0, test.mostly(test.random.oneIn(25) ? first : second));
 }
 
-void mergeMapsTIF(Case& test) {
-    merge(test, tiffShape, tiffMap);
-}
-void mergeMapsPSD(Case& test) {
-    merge(test, psdShape, psdMap);
-}
-void mergeMapsBMP(Case& test) {
-    merge(test, bmpShape, bmpMap);
-}
-
 // A value that most swaps take.
 double swapValue(Random& random) {
     return random.oneIn(4) ? random.scriptNumber() : random.between(1, 7) / 2.0;
@@ -367,16 +346,6 @@ void swap(Case& test, Shape (*shape)(Random&), ByteList (*make)(Random&, const S
     test.call(test.mostly(path), value);
 }
 
-void swapRGBTIF(Case& test) {
-    swap(test, tiffShape, tiffMap);
-}
-void swapRGBPSD(Case& test) {
-    swap(test, psdShape, psdMap);
-}
-void swapRGBBMP(Case& test) {
-    swap(test, bmpShape, bmpMap);
-}
-
 std::string floatMap(Case& test, bool mostlyGrey) {
     TiffShape shape = floatTiffShape(test.random);
     if (test.random.oneIn(3)) shape.width = 20 + test.random.below(100);  // for many levels
@@ -387,18 +356,15 @@ std::string floatMap(Case& test, bool mostlyGrey) {
 void convertTIFF16(Case& test) {
     const double layout = test.random.pick({1.0, 3.0, 4.0});
     const char* text = test.mostly(floatMap(test, layout == 1.0));
-    const std::string out = test.path(
-        test.random.pick<const char*>({"out.tif", "out.tif", "out.psd", "out.psd", "out.PSD",
-                                       "out.Psd", "größe.x", "missing/out.tif"}));
+    const std::string out = test.anyPath({"out.tif", "out.tif", "out.psd", "out.psd", "out.PSD",
+                                          "out.Psd", "größe.x", "missing/out.tif"});
     const double value = test.random.oneIn(10) ? test.random.scriptNumber() : layout;
     test.call(text, value, test.random.oneIn(20) ? nullptr : test.kept(out));
 }
 
 void convertTIFFSingle(Case& test) {
     const char* text = test.mostly(floatMap(test, false));
-    test.call(text, 0.0,
-              test.mostly(test.path(test.random.pick<const char*>(
-                  {"out.tif", "out.tif", "out.tif", "out.tif", "größe", "missing/out.tif"}))));
+    test.call(text, 0.0, test.mostly(test.outPath("out.tif")));
 }
 
 void getScale(Case& test) {
@@ -411,9 +377,7 @@ void saveAsTarga(Case& test) {
     TiffShape shape = tiffShape(test.random);
     if (!test.random.oneIn(8)) shape.bits = 8;
     const char* text = test.mostly(test.write("map.tif", tiffMap(test.random, shape)));
-    test.call(text, 0.0,
-              test.mostly(test.path(test.random.pick<const char*>(
-                  {"out.tga", "out.tga", "out.tga", "out.tga", "größe", "missing/out.tga"}))));
+    test.call(text, 0.0, test.mostly(test.outPath("out.tga")));
 }
 
 void saveAsJpeg(Case& test) {
@@ -421,8 +385,7 @@ void saveAsJpeg(Case& test) {
     const char* text = test.mostly(path);
     const double quality =
         test.random.oneIn(3) ? test.random.scriptNumber() : test.random.between(0, 100);
-    const std::string out = test.path(test.random.pick<const char*>(
-        {"out.jpg", "out.jpg", "out.jpg", "out.jpg", "größe", "missing/out.jpg"}));
+    const std::string out = test.outPath("out.jpg");
     test.call(text, quality, test.mostly(test.random.oneIn(25) ? path : out));
 }
 
@@ -432,7 +395,7 @@ void createThumbnailBMP(Case& test) {
     test.call(text, test.random.oneIn(3) ? test.random.scriptNumber() : test.random.between(1, 16));
 }
 
-// Of three files in ten, one that OpenEXR's own library has deflated or packed as wavelets.
+// In three cases of ten the file is one that OpenEXR's own library has deflated or packed as wavelets.
 void openExr(Case& test) {
     ByteList file = exrPicture(test.random);
     if (test.random.below(10) < 3) {
@@ -473,15 +436,15 @@ constexpr Export kExports[] = {
     {"getUVGroups", meshAlone},
     {"getUVString", getUVString},
     {"clearUVString", clearUVString},
-    {"getUVs", getUVs},
-    {"getUVsMask", getUVsMask},
+    {"getUVs", exportAndNameTiles},
+    {"getUVsMask", exportAndNameTiles},
     {"mergeCrease", mergeCrease},
-    {"mergeMapsTIF", mergeMapsTIF},
-    {"mergeMapsPSD", mergeMapsPSD},
-    {"mergeMapsBMP", mergeMapsBMP},
-    {"swapRGBTIF", swapRGBTIF},
-    {"swapRGBPSD", swapRGBPSD},
-    {"swapRGBBMP", swapRGBBMP},
+    {"mergeMapsTIF", [](Case& test) { merge(test, tiffShape, tiffMap); }},
+    {"mergeMapsPSD", [](Case& test) { merge(test, psdShape, psdMap); }},
+    {"mergeMapsBMP", [](Case& test) { merge(test, bmpShape, bmpMap); }},
+    {"swapRGBTIF", [](Case& test) { swap(test, tiffShape, tiffMap); }},
+    {"swapRGBPSD", [](Case& test) { swap(test, psdShape, psdMap); }},
+    {"swapRGBBMP", [](Case& test) { swap(test, bmpShape, bmpMap); }},
     {"convertTIFF16", convertTIFF16},
     {"convertTIFFSingle", convertTIFFSingle},
     {"getScale", getScale},
@@ -493,7 +456,8 @@ constexpr Export kExports[] = {
 
 }  // namespace
 
-void writeExportCases(const FindSymbol& find, std::ostream& lines) {
+void writeExportCases(const FindSymbol& find, const std::string& transcript) {
+    std::ofstream lines(transcript);
     for (const auto& [name, runCase] : kExports) {
         for (int number = 0; number < kCases; ++number) {
             const CaptureStdout captured;
@@ -503,4 +467,5 @@ void writeExportCases(const FindSymbol& find, std::ostream& lines) {
             lines << test.line(number, captured.text()) << '\n';
         }
     }
+    if (!lines.flush()) throw std::runtime_error("cannot write " + transcript);
 }

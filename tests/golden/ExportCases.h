@@ -2,16 +2,16 @@
 // The cases of the transcript that call the library's exports.
 
 #include <functional>
-#include <ostream>
 #include <string>
 
 // The address of an exported function, or null.
 using FindSymbol = std::function<void*(const std::string& name)>;
 
-// Calls every export with a few hundred generated inputs and writes one line a case:
+// Calls every export with a few hundred generated inputs and writes a transcript of one line a case:
 //
 //   EXPORT CASE CALL... stdout=BYTES files=COUNT:DIGEST
 //
 // with one CALL for each call that was made, "STATUS/BLOCK": the bits of the status and what the call
-// wrote into the host's block, "=" where it wrote nothing.
-void writeExportCases(const FindSymbol& find, std::ostream& lines);
+// wrote into the host's block, "=" where it wrote nothing. Throws std::runtime_error when the file
+// cannot be written.
+void writeExportCases(const FindSymbol& find, const std::string& transcript);

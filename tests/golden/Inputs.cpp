@@ -60,52 +60,26 @@ void bend(Random& random, TiffFile& file) {
 
 void bend(Random& random, PsdFile& file) {
     const auto number = static_cast<std::uint16_t>(random.below(5));
-    switch (random.below(9)) {
-        case 0:
-            file.signature("8BPT");
-            break;
-        case 1:
-            file.version(number);
-            break;
-        case 2:
-            file.channels(number);
-            break;
-        case 3:
-            file.depth(static_cast<std::uint16_t>(8 * number));
-            break;
-        case 4:
-            file.colourMode(number);
-            break;
-        case 5:
-            file.compression(number);
-            break;
-        case 6:
-            file.colourTable(number);
-            break;
-        case 7:
-            file.announceResources(field(random));
-            break;
-        default:
-            file.announceLayers(field(random));
-            break;
-    }
+    const std::uint32_t part = random.below(9);
+    if (part == 0) file.signature("8BPT");
+    if (part == 1) file.version(number);
+    if (part == 2) file.channels(number);
+    if (part == 3) file.depth(static_cast<std::uint16_t>(8 * number));
+    if (part == 4) file.colourMode(number);
+    if (part == 5) file.compression(number);
+    if (part == 6) file.colourTable(number);
+    if (part == 7) file.announceResources(field(random));
+    if (part == 8) file.announceLayers(field(random));
 }
 
 void bend(Random& random, BmpFile& file) {
-    switch (random.below(4)) {
-        case 0:
-            file.signature('B', 'N');
-            break;
-        case 1:
-            file.bitsPerPixel(static_cast<std::uint16_t>(8 * random.below(5)));
-            break;
-        case 2:
-            file.claimPixelOffset(field(random));
-            break;
-        default: {
-            const std::int32_t width = random.between(-5, 40);
-            file.claimSize(width, random.between(-5, 40));
-        }
+    const std::uint32_t part = random.below(4);
+    if (part == 0) file.signature('B', 'N');
+    if (part == 1) file.bitsPerPixel(static_cast<std::uint16_t>(8 * random.below(5)));
+    if (part == 2) file.claimPixelOffset(field(random));
+    if (part == 3) {
+        const std::int32_t width = random.between(-5, 40);
+        file.claimSize(width, random.between(-5, 40));
     }
 }
 
@@ -127,74 +101,59 @@ VemoBuilder::FaceUvs faceUvs(Random& random) {
     return made;
 }
 
+VemoBuilder::Colour colour(Random& random) {
+    VemoBuilder::Colour made;
+    for (std::uint8_t& part : made)
+        part = random.byte();
+    return made;
+}
+
+std::int16_t group(Random& random) {
+    return static_cast<std::int16_t>(random.between(-3, 3));
+}
+
+template <typename Make>
+auto list(Random& random, std::uint32_t count, Make make) {
+    std::vector<decltype(make(random))> made(count);
+    for (auto& element : made)
+        element = make(random);
+    return made;
+}
+
 class MeshParts {
 public:
     explicit MeshParts(Random& random)
         : random_(random), vertexCount_(random.below(20)), faceCount_(random.below(16)) {}
 
     void addTo(VemoBuilder& mesh, std::uint32_t chunk) {
-        switch (chunk) {
-            case 10001:
-                mesh.vertices(list<VemoBuilder::Vertex>(vertexCount_, vertex));
-                break;
-            case 20001:
-                addFaces(mesh);
-                break;
-            case 25001:
-                mesh.faceUvs(list<VemoBuilder::FaceUvs>(faceCount_, faceUvs));
-                break;
-            case 35001:
-                addColours(mesh);
-                break;
-            case 40001:
-                addGroups(mesh);
-                break;
-            default:
-                addStranger(mesh);
-                break;
-        }
+        if (chunk == 10001)
+            mesh.vertices(list(random_, vertexCount_, vertex));
+        else if (chunk == 20001)
+            mesh.faces(list(random_, faceCount_, [this](Random&) { return face(); }));
+        else if (chunk == 25001)
+            mesh.faceUvs(list(random_, faceCount_, faceUvs));
+        else if (chunk == 35001)
+            mesh.vertexColours(list(random_, colourCount(), colour));
+        else if (chunk == 40001)
+            mesh.groups(list(random_, faceCount_, group));
+        else
+            addUnknown(mesh);
     }
 
 private:
-    template <typename Element>
-    std::vector<Element> list(std::uint32_t count, Element (*make)(Random&)) {
-        std::vector<Element> made;
-        for (std::uint32_t i = 0; i < count; ++i)
-            made.push_back(make(random_));
+    VemoBuilder::Face face() {
+        VemoBuilder::Face made;
+        for (std::int32_t& index : made)
+            index = static_cast<std::int32_t>(random_.below(std::max(vertexCount_, 1u)));
+        if (random_.oneIn(3)) made[3] = -1;
+        if (random_.oneIn(60)) made[random_.below(4)] = static_cast<std::int32_t>(field(random_));
         return made;
     }
 
-    void addFaces(VemoBuilder& mesh) {
-        std::vector<VemoBuilder::Face> faces(faceCount_);
-        for (VemoBuilder::Face& face : faces) {
-            for (std::int32_t& index : face)
-                index = static_cast<std::int32_t>(random_.below(std::max(vertexCount_, 1u)));
-            if (random_.oneIn(3)) face[3] = -1;
-            if (random_.oneIn(60))
-                face[random_.below(4)] = static_cast<std::int32_t>(field(random_));
-        }
-        mesh.faces(faces);
-    }
-
-    void addColours(VemoBuilder& mesh) {
-        std::vector<VemoBuilder::Colour> colours(random_.oneIn(6) ? random_.below(100)
-                                                                  : vertexCount_);
-        for (VemoBuilder::Colour& colour : colours) {
-            for (std::uint8_t& part : colour)
-                part = random_.byte();
-        }
-        mesh.vertexColours(colours);
-    }
-
-    void addGroups(VemoBuilder& mesh) {
-        std::vector<std::int16_t> groups(faceCount_);
-        for (std::int16_t& group : groups)
-            group = static_cast<std::int16_t>(random_.between(-3, 3));
-        mesh.groups(groups);
-    }
+    std::uint32_t colourCount() { return random_.oneIn(6) ? random_.below(100) : vertexCount_; }
 
     // A chunk of another kind, or one whose header is wrong.
-    void addStranger(VemoBuilder& mesh) {
+    void addUnknown(VemoBuilder& mesh) {
         const auto id = random_.pick<std::uint32_t>({10001, 20001, 25001, 35001, 40001, 50001, 0});
         const std::uint32_t size = random_.below(40);
         const ByteList elements = randomBytes(random_, size);
@@ -339,7 +298,7 @@ void addSample(Random& random, ByteList& raw, std::uint32_t type, bool wild) {
             raw, wild ? random.number() : static_cast<float>(random.between(-9999, 9999)) / 64.0f);
 }
 
-// The rows of a chunk: in each row one channel behind the other.
+// The rows of a chunk: in each row one channel after the other.
 ByteList exrPixels(Random& random, const ExrShape& shape, std::uint32_t width, std::uint32_t rows) {
     ByteList raw;
     for (std::uint32_t row = 0; row < rows; ++row) {
@@ -441,7 +400,7 @@ ByteList perhapsDamaged(Random& random, ByteList bytes) {
             bytes.clear();
             break;
         default: {
-            // Most of what can go wrong stands in the first bytes.
+            // Most of what can go wrong is in the first bytes.
             const std::uint32_t reach = random.oneIn(2) ? std::min(size, 60u) : size;
             const std::uint32_t patches = 1 + random.below(4);
             for (std::uint32_t i = 0; i < patches; ++i)
@@ -533,11 +492,6 @@ ByteList vemoMesh(Random& random) {
     for (std::uint32_t i = 0; random.oneIn(2) && i < chunks.size(); ++i)
         std::swap(chunks[i], chunks[random.below(static_cast<std::uint32_t>(chunks.size()))]);
     return perhapsDamaged(random, mesh(random, chunks));
-}
-
-ByteList vemoMeshStartingWith(Random& random, std::uint32_t firstChunk) {
-    if (firstChunk == 10001) return perhapsDamaged(random, mesh(random, {10001, 35001, 20001}));
-    return perhapsDamaged(random, mesh(random, {firstChunk, 10001, 20001}));
 }
 
 ByteList filterText(Random& random) {

@@ -7,7 +7,7 @@
 
 ByteList randomBytes(Random& random, std::size_t count);
 
-// Samples of a picture: of one colour, of a few, or of any.
+// Samples of an image: of one colour, of a few, or of any.
 ByteList paintedBytes(Random& random, std::size_t count);
 
 // The same bytes, or in one case of six cut short, patched, prolonged or gone.
@@ -44,14 +44,13 @@ BmpShape bmpShape(Random& random);
 ByteList bmpMap(Random& random, const BmpShape& shape);
 
 // A mesh with the chunks of vertices, faces, face UVs, groups and colours, not always all of them, in
-// any order, or first those that it must start with.
+// any order.
 ByteList vemoMesh(Random& random);
-ByteList vemoMeshStartingWith(Random& random, std::uint32_t firstChunk);
 
 // The text of a tile filter.
 ByteList filterText(Random& random);
 
-// A picture in OpenEXR, of one to three channels in scanlines or tiles.
+// An OpenEXR image, of one to three channels in scanlines or tiles.
 ByteList exrPicture(Random& random);
 
 // The shape of a second map: that of the first, mostly.

@@ -54,7 +54,7 @@ public:
         }));
     }
 
-    // What a script may hand over as the number of a call.
+    // What a script may pass as the number of a call.
     double scriptNumber() {
         if (oneIn(3)) return between(-3, 12);
         if (oneIn(3)) return between(-10, 1100) / 10.0;

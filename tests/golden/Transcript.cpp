@@ -2,21 +2,21 @@
 
 #include <algorithm>
 #include <fstream>
+#include <iostream>
 #include <map>
 #include <stdexcept>
 
-#include "golden/Record.h"
+#include "golden/Digest.h"
 
 namespace {
 
-// More lines than this tell nothing new.
-constexpr std::size_t kMostShown = 40;
+constexpr std::size_t kMaxShown = 40;
 
 std::string nameOf(const std::string& line) {
     return line.substr(0, line.find(' '));
 }
 
-// The first two words, which name a case or tell how many there are.
+// The first two words: the name and the number of a case, or how many cases there are.
 std::string keyOf(const std::string& line) {
     return line.substr(0, line.find(' ', line.find(' ') + 1));
 }
@@ -48,14 +48,14 @@ Lines digestsOf(const Lines& transcript) {
     return digests;
 }
 
-std::size_t reportDifferences(const Lines& have, const Lines& want, std::ostream& out) {
+std::size_t reportDifferences(const Lines& have, const Lines& want) {
     std::map<std::string, const std::string*> open;
     for (const std::string& line : want)
         open[keyOf(line)] = &line;
 
     std::size_t different = 0;
     const auto report = [&](const std::string& ours, const std::string& theirs) {
-        if (++different <= kMostShown) out << "have: " << ours << "\nwant: " << theirs << '\n';
+        if (++different <= kMaxShown) std::cout << "have: " << ours << "\nwant: " << theirs << '\n';
     };
     for (const std::string& line : have) {
         const auto wanted = open.find(keyOf(line));
@@ -69,4 +69,11 @@ std::size_t reportDifferences(const Lines& have, const Lines& want, std::ostream
     for (const auto& [key, line] : open)
         report("nothing", *line);
     return different;
+}
+
+bool agreesWithDigests(const std::string& transcript, const std::string& digests) {
+    const Lines lines = readLines(transcript);
+    const std::size_t different = reportDifferences(digestsOf(lines), readLines(digests));
+    std::cout << lines.size() << " cases, " << different << " digests differ\n";
+    return different == 0;
 }

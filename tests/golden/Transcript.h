@@ -2,7 +2,6 @@
 // A transcript: a text of one line for each case, which starts with the name of what the case calls
 // and the case's number.
 
-#include <ostream>
 #include <string>
 #include <vector>
 
@@ -16,6 +15,9 @@ Lines readLines(const std::string& path);
 // their lines.
 Lines digestsOf(const Lines& transcript);
 
-// Tells which lines of two transcripts, or of two lists of digests, differ. A line belongs to the one
+// Prints which lines of two transcripts, or of two lists of digests, differ. A line belongs to the one
 // that starts with the same two words. Returns how many differ.
-std::size_t reportDifferences(const Lines& have, const Lines& want, std::ostream& out);
+std::size_t reportDifferences(const Lines& have, const Lines& want);
+
+// Whether the digests of a transcript are those of a file; prints the ones that differ.
+bool agreesWithDigests(const std::string& transcript, const std::string& digests);

@@ -28,8 +28,8 @@ extern "C" int __cxa_atexit(void (*)(void*), void*, void*);
 extern "C" void macThreadVariable();
 
 #ifdef __aarch64__
-// Variadic arguments lie on the stack there, on Linux they start in registers: these hand them on to
-// the functions of the same name below.
+// Variadic arguments are on the stack there, on Linux they start in registers: these pass them on to
+// the functions openMac and printOnStack below.
 extern "C" void macOpen();
 extern "C" void macPrintf();
 asm(R"(
@@ -126,8 +126,8 @@ struct MacStat {
 };
 static_assert(sizeof(MacStat) == 144 && offsetof(MacStat, size) == 96);
 
-// What the library asks for; the rest is zero.
-int answer(int result, const struct stat& status, MacStat* mac) {
+// The fields that the library reads; the rest is zero.
+int converted(int result, const struct stat& status, MacStat* mac) {
     if (result != 0) return result;
     *mac = {};
     mac->device = static_cast<std::int32_t>(status.st_dev);
@@ -139,12 +139,12 @@ int answer(int result, const struct stat& status, MacStat* mac) {
 
 int statMac(const char* path, MacStat* mac) {
     struct stat status {};
-    return answer(::stat(path, &status), status, mac);
+    return converted(::stat(path, &status), status, mac);
 }
 
 int fstatMac(int descriptor, MacStat* mac) {
     struct stat status {};
-    return answer(::fstat(descriptor, &status), status, mac);
+    return converted(::fstat(descriptor, &status), status, mac);
 }
 
 struct MacEntry {
@@ -187,7 +187,7 @@ unsigned threadNumber(void*) {
     return 1;
 }
 
-// Classes of characters, of which the exports ask for none.
+// Classes of characters, which no export uses.
 std::array<std::uint8_t, 8192> runes{};
 
 // No other library is loaded; the C++ library looks for an older one of its kind.

@@ -16,7 +16,7 @@ constexpr std::size_t kSegmentBytes = 72;
 constexpr std::size_t kSectionBytes = 80;
 constexpr std::uint64_t kPointerBytes = 8;
 
-// No library of ours comes near; a damaged file cannot ask for more.
+// Far more than our library needs; a damaged file cannot ask for more.
 constexpr std::uint64_t kMostMemory = std::uint64_t{1} << 30;
 
 constexpr std::uint32_t kSegmentCommand = 0x19;
@@ -42,7 +42,7 @@ void demand(bool holds, const char* otherwise) {
 }
 
 Bytes partOf(const std::vector<std::uint8_t>& bytes, std::uint64_t start, std::uint64_t size) {
-    demand(start <= bytes.size() && size <= bytes.size() - start, "a table lies outside");
+    demand(start <= bytes.size() && size <= bytes.size() - start, "a table outside the file");
     return {bytes.data() + start, static_cast<std::size_t>(size)};
 }
 
@@ -61,7 +61,7 @@ public:
         return value;
     }
 
-    // Seven bits a byte, the lowest first; the highest bit tells that more follow.
+    // Seven bits a byte, the lowest first; the highest bit is set while more follow.
     std::uint64_t number() {
         std::uint64_t value = 0;
         for (unsigned shift = 0;; shift += 7) {
@@ -69,18 +69,6 @@ public:
             demand(shift < 63 || (shift == 63 && part <= 1), "a number has too many bits");
             value |= std::uint64_t{part & 0x7Fu} << shift;
             if (part < 0x80) return value;
-        }
-    }
-
-    std::int64_t signedNumber() {
-        std::uint64_t value = 0;
-        for (unsigned shift = 0;; shift += 7) {
-            const std::uint8_t part = byte();
-            demand(shift <= 63, "a number has too many bits");
-            value |= std::uint64_t{part & 0x7Fu} << shift;
-            if (part >= 0x80) continue;
-            if (part & 0x40 && shift + 7 < 64) value |= ~std::uint64_t{0} << (shift + 7);
-            return static_cast<std::int64_t>(value);
         }
     }
 
@@ -127,7 +115,7 @@ std::vector<std::uint8_t> sliceOf(const std::vector<std::uint8_t>& file, std::ui
     refuse("no slice for this processor");
 }
 
-// Where the tables of one library take effect.
+// Reads the tables of one library.
 class Reader {
 public:
     Reader(std::vector<std::uint8_t> slice, std::uint32_t cpu) {
@@ -184,7 +172,7 @@ private:
         demand(segment.memory.size <= kMostMemory - file_.memorySize(), "too large");
         demand(segment.fileSize <= segment.memory.size, "a segment longer than its memory");
         const Bytes bytes{file_.bytes.data(), file_.bytes.size()};
-        demand(bytes.holds(segment.fileOffset, segment.fileSize, 1), "a segment lies outside");
+        demand(bytes.holds(segment.fileOffset, segment.fileSize, 1), "a segment outside the file");
         file_.segments.push_back(segment);
 
         const std::uint64_t sections = fields.u32(64);
@@ -221,7 +209,7 @@ private:
         }
     }
 
-    // The zeros lie behind the values.
+    // The zeros follow the values.
     void extendThreadValues(const MachORange& zeros) {
         MachORange& values = file_.threadValues;
         if (values.size == 0) values.address = zeros.address;
@@ -237,7 +225,7 @@ private:
         readExports(Cursor(partOf(file_.bytes, info.u32(40), info.u32(44))));
     }
 
-    // The place that the programs below move along: a segment and an offset in it, which wraps.
+    // The place that the programs below advance: a segment and an offset in it, which wraps.
     struct Place {
         std::size_t segment = 0;
         std::uint64_t offset = 0;
@@ -252,8 +240,8 @@ private:
         return segment.memory.address + place.offset;
     }
 
-    // Calls `set` for `count` pointers, each `step` bytes behind the one before. Together they cannot
-    // be more than fit into the file.
+    // Calls `set` for `count` pointers, `step` bytes apart. Together they cannot be more than fit into
+    // the file.
     template <typename Set>
     void repeat(Place& place, std::uint64_t count, std::uint64_t step, Set set) {
         for (; count > 0; --count, place.offset += step) {
@@ -307,15 +295,14 @@ private:
         }
     }
 
-    // Which library a symbol comes from is not kept: whoever binds knows them all. The program of the
-    // pointers that macOS sets at their first use is "done" after each.
+    // Which library a symbol comes from is not kept: the stand-ins are found by name. The program of
+    // the pointers that macOS sets at their first use is "done" after each.
     void readBinds(Cursor program, bool atFirstUse) {
         Place place;
         std::string symbol;
-        std::int64_t addend = 0;
         const auto bind = [&](std::uint64_t count, std::uint64_t step) {
             repeat(place, count, step, [&](std::uint64_t address) {
-                file_.binds.push_back({address, symbol, addend});
+                file_.binds.push_back({address, symbol});
             });
         };
         while (!program.atEnd()) {
@@ -328,17 +315,11 @@ private:
                 case 0x10:  // the library
                 case 0x30:
                     break;
-                case 0x20:
-                    program.number();
-                    break;
                 case 0x40:
                     symbol = program.text();
                     break;
                 case 0x50:  // the kind of pointer
                     demand(small == 1, "a bind of no pointer");
-                    break;
-                case 0x60:
-                    addend = program.signedNumber();
                     break;
                 case 0x70:  // the place
                     place = {static_cast<std::size_t>(small), program.number()};
@@ -366,7 +347,7 @@ private:
         }
     }
 
-    // The names form a tree: each edge bears a part of a name, a node where a name ends its address.
+    // The names form a tree: each edge holds a part of a name, a node where a name ends its address.
     void readExports(Cursor tree) {
         struct Node {
             std::uint64_t position;

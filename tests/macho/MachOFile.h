@@ -30,7 +30,6 @@ struct MachOSegment {
 struct MachOBind {
     std::uint64_t address = 0;
     std::string symbol;
-    std::int64_t addend = 0;
 };
 
 struct MachOFile {
@@ -52,6 +51,6 @@ struct MachOFile {
 // The slice for the processor `cpu` from the bytes of a universal file or of a plain library.
 //
 // Throws std::runtime_error when the slice is missing or damaged, or asks for something that our
-// library does not use: chained fixups, weak symbols, re-exports, symbols that are made when asked
-// for.
+// library does not use: chained fixups, weak symbols, re-exports, addends, symbols that are made on
+// demand.
 MachOFile readMachO(const std::vector<std::uint8_t>& file, std::uint32_t cpu);

@@ -14,7 +14,7 @@
 #include "macho/MachOFile.h"
 #include "macho/UnwindTables.h"
 
-// How libgcc learns where the tables for unwinding lie of code that no dynamic linker loaded.
+// Gives libgcc the tables for unwinding of code that no dynamic linker loaded.
 extern "C" void __register_frame_table(void* listEndedByNull);
 
 namespace {
@@ -60,8 +60,7 @@ public:
         for (const MachOBind& bind : file_.binds) {
             void* target = macStandIn(bind.symbol);
             if (target == nullptr) throw std::runtime_error("no stand-in for " + bind.symbol);
-            store(bind.address,
-                  reinterpret_cast<Address>(target) + static_cast<Address>(bind.addend));
+            store(bind.address, reinterpret_cast<Address>(target));
         }
     }
 

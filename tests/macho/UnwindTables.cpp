@@ -4,10 +4,9 @@
 #include <stdexcept>
 
 #include "bytes/Bytes.h"
+#include "support/Append.h"
 
 namespace {
-
-using ByteList = std::vector<std::uint8_t>;
 
 // A function that is described by a word; its length reaches to the next one.
 struct Function {
@@ -18,13 +17,13 @@ struct Function {
 struct WordTables {
     std::vector<Function> functions;                  // in the order of their addresses
     std::map<std::uint32_t, std::uint32_t> handlers;  // of functions that catch or clean up
-    std::vector<std::uint32_t> personalities;         // where pointers to them lie
+    std::vector<std::uint32_t> personalities;         // addresses of pointers to them
 };
 
 constexpr std::uint32_t kRegularPage = 2;
 constexpr std::uint32_t kCompressedPage = 3;
 
-// Pages of words, in one of two forms. A word that several functions share stands in a list for all
+// Pages of words, in one of two forms. A word that several functions share is in a list for all
 // pages or in one for the page.
 class WordReader {
 public:
@@ -176,10 +175,7 @@ private:
     static constexpr std::uint8_t kAbsolute = 0;
 
     void u8(std::uint8_t value) { bytes_.push_back(value); }
-    void u32(std::uint32_t value) {
-        bytes_.resize(bytes_.size() + 4);
-        storeLe32(&bytes_[bytes_.size() - 4], value);
-    }
+    void u32(std::uint32_t value) { appendLe32(bytes_, value); }
     void u64(std::uint64_t value) {
         u32(static_cast<std::uint32_t>(value));
         u32(static_cast<std::uint32_t>(value >> 32));

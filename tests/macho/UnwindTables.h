@@ -9,7 +9,7 @@
 
 // Tables in the form of a section .eh_frame, for the functions of `file` that keep a frame pointer and
 // are described by a word. `memory` is the mapped library, its pointers set; the tables are valid
-// where it lies. Functions without a frame pointer are left out: nothing is thrown through those.
+// at that address. Functions without a frame pointer are left out: nothing is thrown through those.
 //
 // Throws std::runtime_error when the words are damaged.
 std::vector<std::uint8_t> dwarfTables(const MachOFile& file, const std::uint8_t* memory);

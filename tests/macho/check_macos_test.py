@@ -32,7 +32,7 @@ class Copy:
         raise AssertionError("no such slice")
 
     def command(self, cpu, wanted):
-        """Where the first load command of a kind lies."""
+        """The offset of the first load command of a kind."""
         offset = self.slice(cpu)[0] + 32
         while True:
             command, size = struct.unpack_from("<2I", self.bytes, offset)
@@ -41,7 +41,7 @@ class Copy:
             offset += size
 
     def replace(self, old, new):
-        """Replaces a text of the x86-64 slice wherever it stands."""
+        """Replaces a text of the x86-64 slice wherever it occurs."""
         assert len(old) == len(new)
         offset, size = self.slice(X86_64)
         part = self.bytes[offset : offset + size]
@@ -86,40 +86,31 @@ class CheckMacos(unittest.TestCase):
         self.copy.change_word(command, lambda _: 0x1E)
         self.assert_differs("arm64: load commands", "arm64: signature", have="have none")
 
-    def test_finds_an_export_of_another_name(self):
-        self.copy.replace(b"ersion\0", b"ersiom\0")
-        self.assert_differs("x86_64: exports", "x86_64: symbol table")
-
     def test_finds_a_newer_minimum_system(self):
         command = self.copy.command(X86_64, LC_BUILD_VERSION)
         self.copy.change_word(command + 12, lambda _: 0x000C0000)
         self.assert_differs("x86_64: minimum system", have="have macOS 12.0")
 
-    def test_finds_another_install_name(self):
-        self.copy.replace(b"@rpath/Quillon.dylib", b"@xpath/Quillon.dylib")
-        self.assert_differs("x86_64: install name")
+    def test_finds_another_name(self):
+        for old, new, *facts in (
+            (b"ersion\0", b"ersiom\0", "exports", "symbol table"),
+            (b"@rpath/Quillon.dylib", b"@xpath/Quillon.dylib", "install name"),
+            (b"/usr/lib/libz.1.dylib", b"/usr/lib/liby.1.dylib", "libraries"),
+            (b"NSOpenPanel", b"NSSavePanel", "classes"),
+            (b"\0runModalForTypes:", b"\0runModalForKinds:", "selectors"),
+        ):
+            with self.subTest(old=old):
+                self.copy = Copy()
+                self.copy.replace(old, new)
+                self.assert_differs(*("x86_64: " + fact for fact in facts))
 
-    def test_finds_another_library(self):
-        self.copy.replace(b"/usr/lib/libz.1.dylib", b"/usr/lib/liby.1.dylib")
-        self.assert_differs("x86_64: libraries")
-
-    def test_misses_a_class(self):
-        self.copy.replace(b"NSOpenPanel", b"NSSavePanel")
-        self.assert_differs("x86_64: classes")
-
-    def test_misses_a_selector(self):
-        self.copy.replace(b"\0runModalForTypes:", b"\0runModalForKinds:")
-        self.assert_differs("x86_64: selectors")
-
-    def test_finds_weak_symbols(self):
-        flags = self.copy.slice(X86_64)[0] + 24
-        self.copy.change_word(flags, lambda word: word | MH_WEAK_DEFINES)
-        self.assert_differs("x86_64: flags")
-
-    def test_finds_a_flat_namespace(self):
-        flags = self.copy.slice(X86_64)[0] + 24
-        self.copy.change_word(flags, lambda word: word & ~MH_TWOLEVEL)
-        self.assert_differs("x86_64: flags")
+    def test_finds_weak_symbols_and_a_flat_namespace(self):
+        for flag in (MH_WEAK_DEFINES, MH_TWOLEVEL):
+            with self.subTest(flag=flag):
+                self.copy = Copy()
+                flags = self.copy.slice(X86_64)[0] + 24
+                self.copy.change_word(flags, lambda word, flag=flag: word ^ flag)
+                self.assert_differs("x86_64: flags")
 
     def test_finds_a_load_command_too_many(self):
         header = self.copy.slice(X86_64)[0] + 16

@@ -1,4 +1,4 @@
-#include "golden/Record.h"
+#include "golden/Digest.h"
 
 #include <algorithm>
 #include <filesystem>
@@ -34,10 +34,9 @@ void addFile(Digest& digest, const fs::path& path) {
 
 }  // namespace
 
-void Digest::add(const void* bytes, std::size_t count) {
-    const auto* byte = static_cast<const unsigned char*>(bytes);
-    for (std::size_t i = 0; i < count; ++i)
-        value_ = (value_ ^ byte[i]) * 0x100000001B3u;
+void Digest::add(std::string_view bytes) {
+    for (const char byte : bytes)
+        value_ = (value_ ^ static_cast<unsigned char>(byte)) * 0x100000001B3u;
 }
 
 std::string hexadecimal(std::uint64_t value, int digits) {

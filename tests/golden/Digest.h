@@ -1,0 +1,26 @@
+#pragma once
+// The results of a case as text for the case's line of the transcript.
+
+#include <cstddef>
+#include <cstdint>
+#include <string>
+#include <string_view>
+
+// 64 bits from any number of bytes.
+class Digest {
+public:
+    void add(std::string_view bytes);
+    std::uint64_t value() const { return value_; }
+
+private:
+    std::uint64_t value_ = 0xCBF29CE484222325u;
+};
+
+std::string hexadecimal(std::uint64_t value, int digits = 16);
+
+// All bytes in hexadecimal, or "LENGTH:DIGEST" where they are many.
+std::string shown(std::string_view bytes);
+
+// "COUNT:DIGEST" of all that is in a folder: names, and the bytes of files. Where the folder itself is
+// does not count.
+std::string shownFolder(const std::string& folder);
