@@ -1,6 +1,6 @@
-// Whether host/exports tells the truth: every cause that a host can meet is brought about with every
-// export, and the status that comes back must be in its table, in a row of that cause. And the other
-// way round: each cause of each row has led there.
+// Whether host/exports is true: every cause of a status is brought about with every export, and the
+// status that it returns must be in its table, in a row of that cause. Conversely, each cause of each
+// row must have led to its status.
 
 #include <gmock/gmock.h>
 
@@ -15,7 +15,6 @@
 #include <memory>
 #include <optional>
 #include <set>
-#include <sstream>
 #include <stdexcept>
 #include <string>
 #include <utility>
@@ -23,6 +22,7 @@
 
 #include "exports/Exports.h"
 #include "exports/Groups.h"
+#include "exports/Meanings.h"
 #include "faults/FaultyStage.h"
 #include "faults/Refusals.h"
 #include "faults/Scenarios.h"
@@ -70,21 +70,7 @@ const char* nameOf(Causes one) {
         ->name;
 }
 
-std::string text(float status) {
-    std::ostringstream out;
-    out << status;
-    return out.str();
-}
-
-// What a host can see of a call.
-struct Outcome {
-    Answer answer;
-    Entries entries;
-
-    bool operator==(const Outcome&) const = default;
-};
-
-// A call that something is wrong with.
+// A call with one thing wrong.
 struct Trial {
     std::string how;
     Causes cause;
@@ -93,7 +79,7 @@ struct Trial {
     bool asAnyUser = false;               // root may write everything
 };
 
-// Brings everything about for one export and notes what its table does not say.
+// Brings every cause about for one export and notes what its table lacks.
 class Trials {
 public:
     explicit Trials(const Export& entry) : entry_(entry) {
@@ -126,7 +112,7 @@ public:
         const auto look = [&](const StatusMeaning& row) {
             for (const NamedCause& named : allCauses()) {
                 if (row.causes.contain(named.one) && !reached_.contains({row.status, named.name}))
-                    lines.push_back(text(row.status) + " by " + named.name);
+                    lines.push_back(statusText(row.status) + " by " + named.name);
             }
         };
         std::ranges::for_each(entry_.statuses, look);
@@ -136,10 +122,10 @@ public:
 
 private:
     void note(const std::string& how, float status, Causes one) {
-        untrue_.try_emplace(text(status) + " by " + nameOf(one) + ", ", how);
+        untrue_.try_emplace(statusText(status) + " by " + nameOf(one) + ", ", how);
     }
 
-    // What the table must say of a status to which this cause has led.
+    // Checks that the table has a status under the cause that has led to it.
     void judge(const std::string& how, float status, Causes one) {
         const StatusMeaning* const row = rowOf(entry_, status);
         if (row == nullptr || !row->causes.contain(one)) return note(how, status, one);
@@ -147,15 +133,15 @@ private:
     }
 
     void expectDone() {
-        const float status = clean_.answer.status;
+        const float status = clean_.result.status;
         EXPECT_EQ(status, scenario_->status);
         if (!isCount(entry_, status)) judge("done", status, cause::kDone);
     }
 
     Outcome outcomeOf(const Call& call) {
         stage_.prepare(*scenario_);
-        const Answer answer = stage_.make(call);
-        return {answer, stage_.entries()};
+        const Result result = stage_.make(call);
+        return {result, {}, stage_.entries()};
     }
 
     bool readsText() const { return entry_.text != nullptr; }
@@ -185,7 +171,7 @@ private:
             call.exportName, {.text = first == nullptr ? nullptr : path.c_str(),
                               .value = call.value,
                               .buffer1 = second == nullptr ? nullptr : block.data()});
-        if (status == clean_.answer.status && stage_.entries() == clean_.entries) return;
+        if (status == clean_.result.status && stage_.entries() == clean_.entries) return;
         EXPECT_TRUE(matters) << how << " made a difference";
         judge(how, status, cause::kNullArgument);
     }
@@ -198,7 +184,7 @@ private:
             Call call = scenario_->call;
             call.value = value;
             const std::string how = "value " + std::to_string(value);
-            const float status = outcomeOf(call).answer.status;
+            const float status = outcomeOf(call).result.status;
             const bool taken = entry_.takes == nullptr || entry_.takes(value);
             if (!taken) judge(how, status, cause::kValueRefused);
             // Beyond that it depends on the file whether a number is too large.
@@ -211,7 +197,6 @@ private:
 
     void takeFilesAway() {
         const Call& call = scenario_->call;
-        const auto nothing = [] {};
         if (readsSource()) {
             Call missing = call;
             missing.text = "none/none.tif";
@@ -240,7 +225,7 @@ private:
             Call missing = call;
             missing.buffer1 = "none/" + call.buffer1;
             make({"missing target folder",
-                  merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten, missing, nothing});
+                  merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten, missing});
         }
         for (const std::string& written : scenario_->written) {
             if (!hasTarget() || written == call.text) continue;
@@ -260,7 +245,10 @@ private:
     void forbidWriting() {
         const Call& call = scenario_->call;
         const auto forbid = [&](const std::string& name) {
-            return [this, name] { letOthersIn(), fs::permissions(stage_.path(name), kReadOnly); };
+            return [this, name] {
+                stage_.letOthersIn();
+                fs::permissions(stage_.path(name), kReadOnly);
+            };
         };
         const bool removes =
             isNamed("FileDelete") || isNamed("FileRename") || isNamed("EmptyFolder");
@@ -278,14 +266,14 @@ private:
             if (!hasTarget() || written == call.text || removes) continue;
             make({"target not writable", cause::kTargetNotWritten, call,
                   [&] {
-                      letOthersIn();
+                      stage_.letOthersIn();
                       std::ofstream(stage_.path(written), std::ios::app).flush();
                       fs::permissions(stage_.path(written), kReadOnly);
                   },
                   true});
             make({"target's folder not writable", cause::kTargetNotWritten, call,
                   [&] {
-                      letOthersIn();
+                      stage_.letOthersIn();
                       if (!merges()) fs::remove(stage_.path(written));
                       fs::permissions(stage_.path("."), kReadOnly);
                   },
@@ -295,26 +283,17 @@ private:
 
     static constexpr fs::perms kReadOnly = fs::perms{0555};
 
-    // Lets a user who is not root work in the folder.
-    void letOthersIn() const {
-        const fs::path folder = stage_.path(".");
-        fs::permissions(folder.parent_path(), fs::perms::all);
-        fs::permissions(folder, fs::perms::all);
-        for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder))
-            fs::permissions(entry.path(), fs::perms::all);
-    }
-
-    // A call that comes to the same as if nothing had been wrong needs no row.
+    // A call with the same outcome as if nothing had been wrong needs no row.
     void make(const Trial& trial) {
         stage_.prepare(*scenario_);
         trial.spoil();
         std::unique_ptr<WithoutRoot> anyUser;
         if (trial.asAnyUser) anyUser = std::make_unique<WithoutRoot>();
-        const Answer answer = stage_.make(trial.call);
+        const Result result = stage_.make(trial.call);
         anyUser.reset();
-        if (trial.asAnyUser) letOthersIn();
-        if (answer.status == clean_.answer.status && !missesSomething()) return;
-        judge(trial.how, answer.status, trial.cause);
+        if (trial.asAnyUser) stage_.letOthersIn();
+        if (result.status == clean_.result.status && !missesSomething()) return;
+        judge(trial.how, result.status, trial.cause);
     }
 
     // Whether an entry is not as the call leaves it.
@@ -348,19 +327,11 @@ private:
     }
 
     // Makes the call with each call of the fault's kind going wrong in turn.
-    void inject(Fault fault, std::optional<Causes> causes) {
-        for (fault.position = 1;; ++fault.position) {
-            stage_.prepare(*scenario_);
-            stage_.harmNextCall(fault);
-            const Outcome outcome{stage_.make(scenario_->call), stage_.entries()};
-            const Asked asked = stage_.asked();
-            if (!asked.harmed) return;
-            if (outcome == clean_) continue;
-            std::ostringstream how;
-            how << "number " << fault.position << (fault.lasting ? " and all further" : "")
-                << ", errno " << fault.error;
-            judge(how.str(), outcome.answer.status, causes ? *causes : whyNotOpened(asked));
-        }
+    void inject(const Fault& fault, std::optional<Causes> causes) {
+        stage_.inject(*scenario_, fault, [&](const Fault& harm, const Result& result) {
+            if (Outcome{result, {}, stage_.entries()} == clean_) return;
+            judge(describe(harm), result.status, causes ? *causes : whyNotOpened(stage_.asked()));
+        });
     }
 
     // A source may be one of the files that the call creates, too.
@@ -379,7 +350,7 @@ private:
         for (const Scenario& scenario : refused) {
             if (scenario.call.exportName != entry_.name) continue;
             scenario_ = &scenario;
-            const float status = outcomeOf(scenario.call).answer.status;
+            const float status = outcomeOf(scenario.call).result.status;
             EXPECT_EQ(status, scenario.status) << scenario.name;
             judge(scenario.name, status, causes);
         }
@@ -405,7 +376,7 @@ TEST_P(Contract, HasEachStatusUnderItsCauseAndNoCauseInVain) {
 }
 
 // A path without any dot.
-TEST_P(Contract, TellsOfTheOneExceptionThatReachesAHost) {
+TEST_P(Contract, NamesTheOneExceptionThatReachesAHost) {
     const auto scenario = std::ranges::find_if(
         scenarios(), [&](const Scenario& each) { return each.call.exportName == GetParam(); });
     Stage stage;
@@ -431,7 +402,7 @@ TEST_P(Contract, NamesTheCausesInItsSentences) {
     for (const StatusMeaning& row : entry().statuses) {
         for (const NamedCause& named : allCauses()) {
             if (!row.causes.contain(named.one) || named.words.empty()) continue;
-            // What a success leaves unsaid may be told beside it.
+            // What a success omits may be in the text about the output.
             const std::string sentence =
                 row.isSuccess() ? row.sentence + std::string(entry().writes) : row.sentence;
             EXPECT_TRUE(std::ranges::any_of(named.words,

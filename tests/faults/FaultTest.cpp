@@ -1,15 +1,11 @@
-// Each scenario with each system call going wrong, the first, the second and so on until the export
-// makes no more of them.
+// Each scenario with each system call going wrong in turn.
 
 #include <gmock/gmock.h>
 
 #include <algorithm>
 #include <cerrno>
-#include <cstdio>
 #include <map>
-#include <optional>
 #include <set>
-#include <sstream>
 #include <string>
 #include <string_view>
 
@@ -25,13 +21,13 @@ using enum SystemCall;
 using Statuses = std::set<float>;
 using Calls = std::set<SystemCall>;
 
-// What the host may be told, and find, when a call of a kind fails. A status that means success is
+// What the host may get, and find, when a call of a kind fails. A status that means success is
 // always allowed when the outcome is that of a call to which nothing happened.
 struct Expectation {
     // Of the first, second ... open of a file, and of all further ones.
     std::vector<Statuses> open = {};
     std::map<SystemCall, Statuses> other = {};
-    // Faults that the host is not told of: success although the outcome is another.
+    // Faults that are not reported: success although the outcome is another.
     Calls silent = {};
     // Faults after which entries that the export writes may hold part of what they should. After
     // any other every entry is as it was.
@@ -154,7 +150,7 @@ const std::map<std::string_view, Expectation> kExpectations = {
      {.open = {{-7}}, .other = {{kStat, {-7}}, {kRead, {-7}}, {kAllocate, {-7, -4, -9}}}}},
 };
 
-// Faults that the host must not notice: the library asks again, or the answer does not matter.
+// Faults that the host must not notice: the library asks again, or the result does not matter.
 constexpr Fault kAbsorbed[] = {
     {kOpen, Harm::kFails, EINTR},        {kRead, Harm::kFails, EINTR},
     {kRead, Harm::kMovesHalf},           {kRead, Harm::kMovesHalf, 0, true},
@@ -185,32 +181,7 @@ constexpr Fault kFailures[] = {
     {kAllocate, Harm::kFails, ENOMEM, true},
 };
 
-const char* nameOf(SystemCall call) {
-    static constexpr const char* kNames[] = {"open",  "stat",    "read",    "write",
-                                             "close", "opendir", "readdir", "closedir",
-                                             "mkdir", "remove",  "rename",  "allocation"};
-    return kNames[static_cast<std::size_t>(call)];
-}
-
-std::string describe(const Fault& fault) {
-    static constexpr const char* kHarms[] = {"fails", "moves half", "finds the end"};
-    std::ostringstream text;
-    text << nameOf(fault.call) << " number " << fault.position
-         << (fault.lasting ? " and all further " : " ")
-         << kHarms[static_cast<std::size_t>(fault.harm)] << ", errno " << fault.error;
-    return text.str();
-}
-
-// All that a host can see of a call.
-struct Outcome {
-    Answer answer;
-    std::vector<Answer> after;
-    Entries entries;
-
-    bool operator==(const Outcome&) const = default;
-};
-
-// Every byte of `found` stands at its place in one of the two or is one that nobody has written.
+// Every byte of `found` is at its offset in one of the two or is one that nobody has written.
 bool isMadeOf(const ByteList& found, const ByteList& before, const ByteList& whole) {
     if (found.size() > std::max(before.size(), whole.size())) return false;
     for (std::size_t i = 0; i < found.size(); ++i) {
@@ -230,42 +201,22 @@ protected:
         openFiles_ = openFiles();
     }
 
-    // Makes the scenario's call with every call of the fault's kind going wrong in turn; returns how
-    // many there were. The numbers stand in the test's XML report, too.
     template <typename Judge>
-    std::size_t inject(Fault fault, Judge judge) {
-        const std::size_t injected = injectEach(fault, judge);
-        injected_[fault.call] += injected;
-        RecordProperty(nameOf(fault.call), static_cast<int>(injected_[fault.call]));
-        return injected;
-    }
-
-    template <typename Judge>
-    std::size_t injectEach(Fault fault, Judge judge) {
-        for (fault.position = 1;; ++fault.position) {
-            SCOPED_TRACE(describe(fault));
-            stage_.prepare(scenario());
-            stage_.harmNextCall(fault);
-            const Answer answer = stage_.make(scenario().call);
-            if (!stage_.asked().harmed) return fault.position - 1;
-            judge(fault, Outcome{answer, afterCalls(answer), stage_.entries()});
+    std::size_t inject(const Fault& fault, Judge judge) {
+        return stage_.inject(scenario(), fault, [&](const Fault& harm, const Result& result) {
+            judge(harm, stage_.outcome(scenario(), result));
             expectNothingLeft();
-            if (HasFailure()) return fault.position;
-        }
+        });
     }
 
-    void expectAbsorbed(const Outcome& outcome) const {
-        EXPECT_TRUE(outcome == clean_) << "status " << outcome.answer.status;
-    }
-
-    void expectTold(const Fault& fault, const Outcome& outcome) const {
+    void expectReported(const Fault& fault, const Outcome& outcome) const {
         if (outcome == clean_) return;
         const bool silent = expectation().silent.contains(fault.call);
-        const float status = outcome.answer.status;
+        const float status = outcome.result.status;
         if (!silent || status != scenario().status) {
             EXPECT_THAT(statusesFor(fault), testing::Contains(status));
         }
-        EXPECT_THAT(outcome.answer.block, testing::AnyOf(blockBefore(), clean_.answer.block));
+        EXPECT_THAT(outcome.result.block, testing::AnyOf(blockBefore(), clean_.result.block));
         if (expectation().spoiling.contains(fault.call))
             expectOthersAsBefore(fault, outcome.entries);
         else
@@ -292,7 +243,7 @@ private:
     }
 
     // Entries that the export only reads are as they were; one that it writes holds nothing but
-    // bytes of before and after, as far as these are to be told apart.
+    // bytes of before and after, as far as these can be distinguished.
     void expectOthersAsBefore(const Fault& fault, Entries found) const {
         const std::string_view name = scenario().call.exportName;
         // A copy removes the target first, a UV export each tile's file that the disk cannot take.
@@ -317,18 +268,8 @@ private:
         EXPECT_TRUE(found == others) << "an entry that is only read has changed";
     }
 
-    std::vector<Answer> afterCalls(const Answer& answer) {
-        std::vector<Answer> answers;
-        if (answer.status != scenario().status) return answers;
-        for (const Call& call : scenario().after)
-            answers.push_back(stage_.make(call));
-        return answers;
-    }
-
     Outcome runClean() {
-        stage_.prepare(scenario());
-        const Answer answer = stage_.make(scenario().call);
-        Outcome outcome{answer, afterCalls(answer), stage_.entries()};
+        const Outcome outcome = stage_.play(scenario());
         stage_.forget();
         return outcome;
     }
@@ -338,8 +279,7 @@ private:
         return stage_.entries();
     }
 
-    // Of the fault nothing remains: no file open, no memory taken, and the next call is as good as
-    // ever.
+    // Nothing of the fault remains: no file is open, no memory is taken, and the next call works.
     void expectNothingLeft() {
         stage_.forget();
         EXPECT_EQ(openFiles(), openFiles_);
@@ -348,7 +288,6 @@ private:
         EXPECT_EQ(stage_.bytes(), bytes_);
     }
 
-    std::map<SystemCall, std::size_t> injected_;
     FaultyStage stage_;
     const Entries before_;
     const Outcome clean_;
@@ -361,49 +300,48 @@ protected:
     const Entries& before() const { return before_; }
 };
 
-TEST_P(Faults, NoneIsTheSameEachTime) {
-    EXPECT_EQ(clean().answer.status, scenario().status);
+TEST_P(Faults, AbsentGiveTheSameOutcomeEachTime) {
+    EXPECT_EQ(clean().result.status, scenario().status);
     EXPECT_EQ(clean().entries != before(), !scenario().written.empty());
 }
 
-TEST_P(Faults, OnesThatDoNotMatterAreAbsorbed) {
-    for (const Fault& fault : kAbsorbed)
-        inject(fault, [&](const Fault&, const Outcome& outcome) { expectAbsorbed(outcome); });
+TEST_P(Faults, ThatDoNotMatterAreAbsorbed) {
+    for (const Fault& fault : kAbsorbed) {
+        inject(fault, [&](const Fault&, const Outcome& outcome) {
+            EXPECT_TRUE(outcome == clean()) << "status " << outcome.result.status;
+        });
+    }
 }
 
-TEST_P(Faults, OthersAreToldAndHarmNothing) {
+TEST_P(Faults, ThatMatterAreReportedAndHarmNothing) {
     std::size_t injected = 0;
     for (const Fault& fault : kFailures) {
-        injected += inject(
-            fault, [&](const Fault& harm, const Outcome& outcome) { expectTold(harm, outcome); });
+        injected += inject(fault, [&](const Fault& harm, const Outcome& outcome) {
+            expectReported(harm, outcome);
+        });
     }
-    EXPECT_EQ(injected > 0, expectation().canFail()) << "not the export that the table knows";
+    EXPECT_EQ(injected > 0, expectation().canFail()) << "the table of expectations is wrong";
 }
 
 INSTANTIATE_TEST_SUITE_P(Scenarios, Faults, testing::ValuesIn(scenarios()),
                          [](const auto& scenario) { return scenario.param.name; });
 
-// Half a filter would drop tiles from every later export, and nobody would know.
+// Half a filter would drop tiles from every later export without any error.
 TEST(FaultyTileFilter, IsNotKept) {
     FaultyStage stage;
     const Scenario set = {
         "set",
         {"setUVtilesOutput", "tiles.txt"},
         0.0f,
-        {{"tiles.txt", {'1', '0', '0', '1', ',', '1', '0', '0', '2', '-', '1', '0', '0', '3'}},
+        {{"tiles.txt", bytesOf("1001,1002-1003")},
          {"mesh.vws", VemoBuilder().flatFaceUvs({{0, 0}, {1, 0}, {2, 0}, {3, 0}}).bytes()}}};
     const Call count = {"getUVTile", "mesh.vws", 2.0};
-    std::size_t position = 1;
-    for (;; ++position) {
-        SCOPED_TRACE(position);
-        stage.prepare(set);
-        stage.harmNextCall({kAllocate, Harm::kFails, ENOMEM, false, position});
-        const float status = stage.make(set.call).status;
-        if (!stage.asked().harmed) break;
-        EXPECT_LE(status, 0.0f);  // a sanitizer's own allocations may fail without harm
-        EXPECT_EQ(stage.make(count).status, status == 0.0f ? 3.0f : 4.0f);
-    }
-    EXPECT_GT(position, 3u);
+    const Fault fault = {kAllocate, Harm::kFails, ENOMEM};
+    const auto injected = stage.inject(set, fault, [&](const Fault&, const Result& result) {
+        EXPECT_LE(result.status, 0.0f);  // a sanitizer's own allocations may fail without harm
+        EXPECT_EQ(stage.make(count).status, result.status == 0.0f ? 3.0f : 4.0f);
+    });
+    EXPECT_GE(injected, 3u);
     EXPECT_EQ(stage.make(count).status, 3.0f);
 }
 

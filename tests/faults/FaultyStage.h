@@ -1,5 +1,7 @@
 #pragma once
 
+#include <gtest/gtest.h>
+
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -8,10 +10,25 @@
 #include "faults/System.h"
 #include "support/CaptureStdout.h"
 
-// A stage on which one call can be made to go wrong, and which keeps count of the heap.
+// A stage on which system calls can be made to go wrong, and which keeps count of the heap.
 class FaultyStage : public Stage {
 public:
-    void harmNextCall(const Fault& fault) { fault_ = fault; }
+    // Makes the scenario's call with each system call of the fault's kind going wrong in turn, until it
+    // makes no more of them, and judges each result. Returns how many went wrong.
+    template <typename Judge>
+    std::size_t inject(const Scenario& scenario, Fault fault, Judge judge) {
+        for (fault.position = 1;; ++fault.position) {
+            SCOPED_TRACE(describe(fault));
+            prepare(scenario);
+            fault_ = fault;
+            const Result result = make(scenario.call);
+            if (!asked_.harmed) return fault.position - 1;
+            judge(fault, result);
+            if (testing::Test::HasFailure()) return fault.position;
+        }
+    }
+
+    // What the last call asked of the system.
     const Asked& asked() const { return asked_; }
 
     // Taken from the heap by all calls so far and not given back.

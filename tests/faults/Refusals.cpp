@@ -1,19 +1,14 @@
 #include "faults/Refusals.h"
 
-#include <string_view>
 #include <utility>
 
-#include "support/Append.h"
+#include "faults/ExrFile.h"
 #include "support/BmpFile.h"
 #include "support/PsdFile.h"
 #include "support/TiffFile.h"
 #include "support/VemoBuilder.h"
 
 namespace {
-
-ByteList text(std::string_view letters) {
-    return {letters.begin(), letters.end()};
-}
 
 // Maps of 8 x 8 pixels.
 constexpr std::uint32_t kSide = 8;
@@ -40,7 +35,7 @@ BmpFile bmp() {
 // Lists calls, of one export after the other.
 class List {
 public:
-    // The calls that follow are like this one.
+    // The calls that are added next are like this one.
     void of(const char* exportName, double value = 0.0, const std::string& target = {}) {
         call_ = {exportName, "one.map", value, target};
     }
@@ -83,8 +78,8 @@ void addTiff(List& list) {
     addDirectories(list, 258, colour8, &good);
     list.add("another height", -30, TiffFile(kSide, 9).rgb8(ByteList(3 * kSide * 9, 9)).bytes(),
              good.bytes());
-    list.add("a source without directory", -30, text("neither map nor picture"), good.bytes());
-    list.add("a target without directory", -30, good.bytes(), text("neither map nor picture"));
+    list.add("a source without directory", -30, bytesOf("neither map nor image"), good.bytes());
+    list.add("a target without directory", -30, good.bytes(), bytesOf("neither map nor image"));
     list.add("grey and colour", -40, grey8().bytes(), good.bytes());
 
     list.of("swapRGBTIF", 2.0);
@@ -105,18 +100,18 @@ void addTiff(List& list) {
     list.of("getScale", 1.0);
     addFloat(greyFloat);
     list.add("no width", -1, greyFloat().entry(256, 1, 0).bytes());
-    list.add("no directory", -1, text("neither map nor picture"));
+    list.add("no directory", -1, bytesOf("neither map nor image"));
 
     list.of("saveAsTarga", 0.0, "out.tga");
     addDirectories(list, 258, colour8, nullptr);
-    list.add("no directory", -257, text("neither map nor picture"));
+    list.add("no directory", -257, bytesOf("neither map nor image"));
     list.add("no height", -257, colour8().without(257).bytes());
     list.add("a hundred million rows", -279, colour8().entry(257, 1, 100'000'000).bytes());
 }
 
 void addPsd(List& list) {
     list.of("mergeMapsPSD", 0.0, "all.map");
-    list.add("another file", -1, psd(), text("no picture"));
+    list.add("another file", -1, psd(), bytesOf("no image"));
     list.add("cut short", -1, PsdFile(kSide, kSide).filled(kSide, 9), psd());
     list.add("large document", -2, psd().version(2), psd());
     list.add("a colour table", -3, psd().colourTable(4), psd());
@@ -125,7 +120,7 @@ void addPsd(List& list) {
     list.add("8-bit grey", 36, psd().channels(1).colourMode(1), psd());
 
     list.of("swapRGBPSD", 2.0);
-    list.add("another file", -1, text("no picture"));
+    list.add("another file", -1, bytesOf("no image"));
     list.add("cut short", -1, PsdFile(kSide, kSide).filled(kSide, 9));
     list.add("large document", -2, psd().version(2));
     list.add("a colour table", -3, psd().colourTable(4));
@@ -135,15 +130,15 @@ void addPsd(List& list) {
 
 void addBmp(List& list) {
     list.of("mergeMapsBMP", 0.0, "all.map");
-    list.add("another source", -7, text("no picture"), bmp());
-    list.add("another target", -7, bmp(), text("no picture"));
+    list.add("another source", -7, bytesOf("no image"), bmp());
+    list.add("another target", -7, bmp(), bytesOf("no image"));
     list.add("another height", -30, BmpFile(kSide, 9), bmp());
     list.add("another depth", -40, bmp().bitsPerPixel(32), bmp());
     list.add("another place of the pixels", -40, bmp().pixelOffset(60), bmp());
     list.of("swapRGBBMP", 2.0);
-    list.add("another file", -7, text("no picture"));
+    list.add("another file", -7, bytesOf("no image"));
     list.of("CreateThumbnailBMP", 4.0);
-    list.add("another file", -2, text("no picture"));
+    list.add("another file", -2, bytesOf("no image"));
     list.add("cut in its headers", -7, bmp().cut(53));
     list.add("no pixels", -7, bmp().claimPixelOffset(100'000));
     list.of("saveAsJpeg", 50.0, "out.jpg");
@@ -154,70 +149,18 @@ void addBmp(List& list) {
     list.add("65529 pixels wide", -9, bmp().claimSize(65529, kSide));
 }
 
-// An OpenEXR file of one half float, every attribute open to bending.
-class ExrFile {
-public:
-    ByteList header = {0x76, 0x2F, 0x31, 0x01, 2, 0, 0, 0};
-    std::string lineOrder = "lineOrder";  // the attribute's name
-    std::uint8_t compression = 0;
-    std::uint8_t sampling = 1;  // of the columns
-    std::uint16_t sample = 0x3C00;
-
-    ByteList bytes() const {
-        ByteList file = header;
-        const auto add = [&](const ByteList& more) { append(file, more); };
-        const auto attribute = [&](const std::string& name, const std::string& type,
-                                   const ByteList& value) {
-            for (const std::string& word : {name, type}) {
-                add(text(word));
-                file.push_back(0);
-            }
-            appendLe32(file, static_cast<std::uint32_t>(value.size()));
-            add(value);
-        };
-        attribute("channels", "chlist",
-                  {'Y', 0, 1, 0, 0, 0, 0, 0, 0, 0, sampling, 0, 0, 0, 1, 0, 0, 0, 0});
-        attribute("compression", "compression", {compression});
-        attribute("dataWindow", "box2i", ByteList(16, 0));
-        attribute("displayWindow", "box2i", ByteList(16, 0));
-        attribute(lineOrder, "lineOrder", {0});
-        attribute("pixelAspectRatio", "float", {0, 0, 0x80, 0x3F});
-        attribute("screenWindowCenter", "v2f", ByteList(8, 0));
-        attribute("screenWindowWidth", "float", {0, 0, 0x80, 0x3F});
-        file.push_back(0);
-        appendLe32(file, static_cast<std::uint32_t>(file.size()) + 8);  // the table: one chunk
-        appendLe32(file, 0);
-        appendLe32(file, 0);  // its row
-        appendLe32(file, 2);  // its bytes
-        appendLe16(file, sample);
-        return file;
-    }
-};
-
 void addExr(List& list) {
     list.of("OpenEXR");
-    list.add("another file", -1, text("neither map nor picture"));
-    ExrFile version;
-    version.header[4] = 3;
-    list.add("version 3", -2, version.bytes());
-    ExrFile deep;
-    deep.header[5] = 8;
-    list.add("deep", -4, deep.bytes());
+    list.add("another file", -1, bytesOf("neither map nor image"));
+    list.add("version 3", -2, ExrFile{.version = 3}.bytes());
+    list.add("deep", -4, ExrFile{.flags = 8}.bytes());
     ByteList cut = ExrFile().bytes();
     cut.pop_back();
     list.add("cut short", -4, cut);
-    ExrFile packed;
-    packed.compression = 5;
-    list.add("24-bit floats", -8, packed.bytes());
-    ExrFile incomplete;
-    incomplete.lineOrder = "noOrder";
-    list.add("no line order", -9, incomplete.bytes());
-    ExrFile subsampled;
-    subsampled.sampling = 2;
-    list.add("subsampled", -10, subsampled.bytes());
-    ExrFile empty;
-    empty.sample = 0x7E00;
-    list.add("no number", -131070, empty.bytes());
+    list.add("24-bit floats", -8, ExrFile{.compression = 5}.bytes());
+    list.add("no line order", -9, ExrFile{.lineOrder = "noOrder"}.bytes());
+    list.add("subsampled", -10, ExrFile{.sampling = 2}.bytes());
+    list.add("NaN alone", -131070, ExrFile{.sample = 0x7E00}.bytes());
 }
 
 void addMeshes(List& list) {

@@ -1,6 +1,6 @@
 #pragma once
-// Calls that are refused for what a file holds or for where a path leads. Each is valid except for
-// the one thing that its name says.
+// Calls that are refused for the contents of a file or for a path. Each is valid except for the one
+// thing that its name says.
 
 #include <vector>
 

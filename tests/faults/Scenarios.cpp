@@ -79,7 +79,7 @@ ByteList mesh() {
         .bytes();
 }
 
-// A picture of one channel of half floats, 0 to 1, packed.
+// An image of one channel of half floats, 0 to 1, packed.
 ByteList exr(Imf::Compression compression) {
     constexpr int kSide = 40;
     std::vector<half> samples;
@@ -93,17 +93,13 @@ ByteList exr(Imf::Compression compression) {
                                  sizeof(half) * kSide));
 
     const TempDir dir;
-    const std::string path = dir.path("picture.exr");
+    const std::string path = dir.path("image.exr");
     {
         Imf::OutputFile file(path.c_str(), header);
         file.setFrameBuffer(frame);
         file.writePixels(kSide);
     }
     return readBytes(path);
-}
-
-ByteList text(std::string_view letters) {
-    return {letters.begin(), letters.end()};
 }
 
 // The scenarios in the making.
@@ -121,7 +117,7 @@ public:
 };
 
 void addFolderServices(List& list) {
-    const ByteList old = text("old");
+    const ByteList old = bytesOf("old");
     list.add({"CreateFolder", "new"}).writes({"new/"});
     list.add({"GetPublicFolder", "."}, 1.0f);
     list.add({"CheckFolder", "."}).on("a.tif", old);
@@ -153,7 +149,7 @@ void addTextServices(List& list) {
 void addTileFilter(List& list) {
     const Call set = {"setUVtilesOutput", "tiles.txt"};
     const Call count = {"getUVTile", "mesh.vws", 2.0};
-    const ByteList tiles = text("1002-1005, 1001, a rather long name that no mesh has");
+    const ByteList tiles = bytesOf("1002-1005, 1001, a rather long name that no mesh has");
     list.add(set).on("mesh.vws", mesh()).on("tiles.txt", tiles).shownBy(count);
     list.add({"clearUVtilesOutput", ""})
         .on("mesh.vws", mesh())
@@ -228,7 +224,7 @@ void addChangesInPlace(List& list) {
 void addConversions(List& list) {
     const auto add = [&](const char* kind, const char* exportName, double value,
                          const ByteList& map, const std::string& target,
-                         const ByteList& old = text("old")) {
+                         const ByteList& old = bytesOf("old")) {
         list.add(std::string(exportName) + kind, {exportName, "one.map", value, target})
             .on("one.map", map)
             .on(target, old)
@@ -316,6 +312,17 @@ const std::vector<Scenario>& scenarios() {
     return all;
 }
 
+const Scenario& scenarioNamed(std::string_view name) {
+    for (const Scenario& scenario : scenarios()) {
+        if (scenario.name == name) return scenario;
+    }
+    throw std::out_of_range("no such scenario");
+}
+
+ByteList bytesOf(std::string_view text) {
+    return {text.begin(), text.end()};
+}
+
 Stage::Stage(const std::string& place) : folder_(dir_.makeFolder(place)) {}
 
 void Stage::prepare(const Scenario& scenario) {
@@ -330,7 +337,7 @@ void Stage::prepare(const Scenario& scenario) {
         make(call);
 }
 
-Answer Stage::make(const Call& call) {
+Result Stage::make(const Call& call) {
     const std::string text = takesPath(call) ? path(call.text) : call.text;
     const std::string content = call.buffer1.empty() ? "untouched" : path(call.buffer1);
     std::vector<char> block(std::max<std::size_t>(4096, content.size() + 1));
@@ -338,6 +345,19 @@ Answer Stage::make(const Call& call) {
     const float status = invoke(
         call.exportName, {.text = text.c_str(), .value = call.value, .buffer1 = block.data()});
     return {status, block.data()};
+}
+
+Outcome Stage::outcome(const Scenario& scenario, const Result& result) {
+    Outcome seen{result, {}, {}};
+    for (const Call& call : scenario.after)
+        seen.after.push_back(make(call));
+    seen.entries = entries();
+    return seen;
+}
+
+Outcome Stage::play(const Scenario& scenario) {
+    prepare(scenario);
+    return outcome(scenario, make(scenario.call));
 }
 
 void Stage::forget() {
@@ -350,17 +370,24 @@ Entries Stage::entries() const {
     for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_)) {
         const std::string name = entry.path().string().substr(folder_.size() + 1);
         if (entry.is_symlink())
-            found[name] = text("-> " + fs::read_symlink(entry.path()).string());
+            found[name] = bytesOf("-> " + fs::read_symlink(entry.path()).string());
         else if (entry.is_directory())
             found[name + '/'] = {};
         else if (entry.is_regular_file())
             found[name] = readBytes(entry.path().string());
         else
-            found[name] = text("neither file nor folder");
+            found[name] = bytesOf("neither file nor folder");
     }
     return found;
 }
 
 std::string Stage::path(const std::string& name) const {
     return name == "." ? folder_ : folder_ + '/' + name;
+}
+
+void Stage::letOthersIn() const {
+    fs::permissions(fs::path(folder_).parent_path(), fs::perms::all);
+    fs::permissions(folder_, fs::perms::all);
+    for (const fs::directory_entry& entry : fs::recursive_directory_iterator(folder_))
+        fs::permissions(entry.path(), fs::perms::all);
 }

@@ -1,18 +1,18 @@
 #pragma once
-// One or two valid calls of each export, with the folder that they need. What happens to them when
-// the system fails, when a path leads astray and when they follow one another a hundred thousand
-// times is asked by the programs beside this file.
+// One or two valid calls of each export, with the folder that they need. The tests here, in limits/ and
+// in soak/ make them while the system fails, with unusual paths and a hundred thousand times.
 
 #include <map>
 #include <set>
 #include <string>
+#include <string_view>
 #include <vector>
 
 #include "support/Plugin.h"
 #include "support/TempDir.h"
 
 // The entries of a folder by their names: files with their bytes, links with what they point to. A
-// sub-folder's name ends in '/', the names of what lies in it begin with that.
+// sub-folder's name ends in '/' and starts the names of its entries.
 using Entries = std::map<std::string, ByteList>;
 
 // A call whose paths are names in a folder.
@@ -23,18 +23,27 @@ struct Call {
     std::string buffer1 = {};  // empty: a block that takes a text
 };
 
-// What a call said.
-struct Answer {
+// What a call returned.
+struct Result {
     float status;
     std::string block;
 
-    bool operator==(const Answer&) const = default;
+    bool operator==(const Result&) const = default;
+};
+
+// All that a host can see of a call.
+struct Outcome {
+    Result result;
+    std::vector<Result> after;  // of the calls that show what the library remembers
+    Entries entries;
+
+    bool operator==(const Outcome&) const = default;
 };
 
 struct Scenario {
     std::string name;  // letters and digits
     Call call;
-    float status;                        // the answer when nothing goes wrong
+    float status;                        // when nothing goes wrong
     Entries files = {};                  // in the folder before
     std::vector<Call> before = {};       // calls that the host makes first
     std::vector<Call> after = {};        // calls that show what the library remembers
@@ -49,6 +58,9 @@ struct Scenario {
 void PrintTo(const Scenario& scenario, std::ostream* out);
 
 const std::vector<Scenario>& scenarios();
+const Scenario& scenarioNamed(std::string_view name);
+
+ByteList bytesOf(std::string_view text);
 
 // A folder and a library for one scenario after another.
 class Stage {
@@ -62,7 +74,13 @@ public:
     // Puts the scenario's files into the folder, nothing else, and makes the calls before.
     void prepare(const Scenario& scenario);
 
-    Answer make(const Call& call);
+    Result make(const Call& call);
+
+    // What can be seen once the scenario's call has returned: makes the calls after it.
+    Outcome outcome(const Scenario& scenario, const Result& result);
+
+    // Prepares the scenario and makes its call and those after it.
+    Outcome play(const Scenario& scenario);
 
     // Ends what the library remembers between calls.
     void forget();
@@ -72,6 +90,9 @@ public:
 
     // The path of a name in the folder, as the exports get it.
     std::string path(const std::string& name) const;
+
+    // Lets a user who is not root work in the folder.
+    void letOthersIn() const;
 
 protected:
     // Every call of an export goes through here.

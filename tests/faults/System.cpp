@@ -18,10 +18,11 @@
 #include <cstring>
 #include <filesystem>
 #include <new>
+#include <sstream>
 #include <utility>
 
-// The heap behind this program's own, under the names by which it stays reachable: the C library's,
-// or the sanitizer's, which stands in front of that.
+// The heap behind this program's own, by the names that still reach it: the C library's, or the
+// sanitizer's, which replaces that.
 #ifdef QUILLON_SANITIZED
 #define QUILLON_HEAP(name) __interceptor_##name
 #else
@@ -40,7 +41,7 @@ constinit Fault planned{};
 constinit bool isPlanned = false;
 constinit Asked asked{};
 
-// Counts a call and tells whether it is to go wrong.
+// Counts a call; true if it is to go wrong.
 bool goesWrong(SystemCall call) {
     if (!watching) return false;
     const std::size_t position = ++asked.calls[static_cast<std::size_t>(call)];
@@ -54,8 +55,8 @@ bool goesWrong(SystemCall call) {
     return wrong;
 }
 
-// The function that this program's own stands in front of. What looking for it takes from the heap
-// is not the library's.
+// The function that this program's own replaces. What looking for it takes from the heap is not the
+// library's.
 template <typename Function>
 Function* theSystems(const char* name) {
     const bool wasWatching = std::exchange(watching, false);
@@ -119,6 +120,18 @@ bool fillsSmallDisk(int descriptor, std::size_t count, off_t offset) {
 }
 
 }  // namespace
+
+std::string describe(const Fault& fault) {
+    static constexpr const char* kCalls[] = {"open",  "stat",    "read",    "write",
+                                             "close", "opendir", "readdir", "closedir",
+                                             "mkdir", "remove",  "rename",  "allocation"};
+    static constexpr const char* kHarms[] = {"fails", "moves half", "finds the end"};
+    std::ostringstream text;
+    text << kCalls[static_cast<std::size_t>(fault.call)] << " number " << fault.position
+         << (fault.lasting ? " and all further " : " ")
+         << kHarms[static_cast<std::size_t>(fault.harm)] << ", errno " << fault.error;
+    return text.str();
+}
 
 SmallDisk::SmallDisk(const char* folder, std::size_t bytes) {
     std::snprintf(smallDisk, sizeof smallDisk, "%s", folder);

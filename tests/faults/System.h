@@ -1,12 +1,12 @@
 #pragma once
-// The system calls and the heap that the library meets in this program. The program defines the
-// functions itself, so the dynamic linker hands them to the library before the C library's own.
-// They pass everything on, count what is asked of them while a Watch lives and refuse what it was
-// told to refuse.
+// The system calls and the heap of the library in this program. The program defines the functions
+// itself, so the dynamic linker binds the library to them instead of the C library's own. They pass
+// everything on; while a Watch lives, they count the calls and let those fail that its fault names.
 
 #include <array>
 #include <cstddef>
 #include <optional>
+#include <string>
 
 enum class SystemCall {
     kOpen,
@@ -28,7 +28,7 @@ inline constexpr std::size_t kSystemCalls = 12;
 enum class Harm {
     kFails,        // with an error number
     kMovesHalf,    // a read or write moves half of what it was asked to, at least one byte
-    kFindsTheEnd,  // a read answers as at the end of the file
+    kFindsTheEnd,  // a read returns 0 as at the end of the file
 };
 
 struct Fault {
@@ -39,7 +39,10 @@ struct Fault {
     std::size_t position = 1;  // which call of its kind goes wrong first
 };
 
-// The folder is a disk of its own that holds so many bytes: a write that would make the files in it
+// "read number 3 and all further fails, errno 5".
+std::string describe(const Fault& fault);
+
+// Makes a folder a disk of its own with room for so many bytes: a write that would make the files in it
 // longer than that together fails as on a full disk, and a file that is removed makes room.
 class SmallDisk {
 public:

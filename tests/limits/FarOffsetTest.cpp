@@ -23,11 +23,11 @@ using testing::ElementsAre;
 constexpr std::uint64_t kTwoGiB = std::uint64_t{1} << 31;
 constexpr std::uint64_t kFourGiB = std::uint64_t{1} << 32;
 
-// A file in which bytes stand at chosen places.
+// A file with bytes at chosen offsets and zeros between them.
 class SparseFile {
 public:
     explicit SparseFile(const std::string& path)
-        : path_(path), descriptor_(::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666)) {}
+        : descriptor_(::open(path.c_str(), O_RDWR | O_CREAT | O_TRUNC, 0666)) {}
     SparseFile(const SparseFile&) = delete;
     SparseFile& operator=(const SparseFile&) = delete;
     ~SparseFile() { ::close(descriptor_); }
@@ -54,7 +54,6 @@ public:
     }
 
 private:
-    std::string path_;
     int descriptor_;
 };
 
@@ -171,9 +170,9 @@ TEST_F(FarOffsets, OfATargasPixelsCountFromTheEnd) {
 }
 
 TEST_F(FarOffsets, BehindABmpDoNotMatterToAJpeg) {
-    const ByteList picture = BmpFile(8, 8);
-    SparseFile(stage.path("near.bmp")).put(0, picture);
-    SparseFile(stage.path("far.bmp")).put(0, picture).endAt(kFourGiB + 1);
+    const ByteList image = BmpFile(8, 8);
+    SparseFile(stage.path("near.bmp")).put(0, image);
+    SparseFile(stage.path("far.bmp")).put(0, image).endAt(kFourGiB + 1);
     EXPECT_EQ(call("saveAsJpeg", "near.bmp", 50.0, "near.jpg"), 0.0f);
     EXPECT_EQ(call("saveAsJpeg", "far.bmp", 50.0, "far.jpg"), 0.0f);
     EXPECT_EQ(readBytes(stage.path("far.jpg")), readBytes(stage.path("near.jpg")));

@@ -1,5 +1,5 @@
-// Each file of each scenario with something else in its place. Whatever it is, the export comes
-// back, says what it says of a file that cannot be opened, and harms nothing.
+// Each file of each scenario with something else in its place. Whatever it is, the export returns, with
+// the status for a file that cannot be opened, and harms nothing.
 
 #include <gmock/gmock.h>
 #include <sys/stat.h>
@@ -18,7 +18,7 @@ namespace {
 
 namespace fs = std::filesystem;
 
-// An entry of a scenario's folder and what the export answers when it cannot be opened.
+// An entry of a scenario's folder and the export's status when it cannot be opened.
 struct Opened {
     std::string name;
     float refused;
@@ -49,7 +49,19 @@ const std::map<std::string_view, std::vector<Opened>> kOpened = {
     {"OpenEXR", {{"one.exr", -7}}},
 };
 
-// What can stand in a file's place. Devices stand behind links, so that nothing can remove them.
+template <typename Visit>
+void forEachOpened(Visit visit) {
+    for (const Scenario& scenario : scenarios()) {
+        const auto opened = kOpened.find(scenario.call.exportName);
+        if (opened == kOpened.end()) continue;
+        for (const Opened& entry : opened->second) {
+            SCOPED_TRACE(scenario.name + ' ' + entry.name);
+            visit(scenario, entry);
+        }
+    }
+}
+
+// What can be in a file's place. Devices are linked to, so that nothing can remove them.
 void putFolder(const std::string& path) {
     fs::create_directories(path + "/inside");
 }
@@ -103,26 +115,16 @@ protected:
     void SetUp() override { ::alarm(120); }
     void TearDown() override { ::alarm(0); }
 
-    // The answer of the scenario's call with the obstacle in the place of an entry.
-    float answer(const Scenario& scenario, const std::string& name) {
+    // The status of the scenario's call with the obstacle in the place of an entry.
+    float statusWithObstacle(const Scenario& scenario, const std::string& name) {
         stage_.prepare(scenario);
         fs::remove_all(stage_.path(name));
-        letOthersIn(scenario);
+        stage_.letOthersIn();
         GetParam().put(stage_.path(name));
         before_ = stage_.entries();
         const CaptureStdout quiet;
         const WithoutRoot asAnyUser;  // root may open what is not readable
         return stage_.make(scenario.call).status;
-    }
-
-    // Lets a user who is not root work in the folder.
-    void letOthersIn(const Scenario& scenario) const {
-        const fs::path folder = stage_.path(".");
-        fs::permissions(folder.parent_path(), fs::perms::all);
-        fs::permissions(folder, fs::perms::all);
-        for (const auto& [name, bytes] : scenario.files) {
-            if (fs::exists(stage_.path(name))) fs::permissions(stage_.path(name), fs::perms::all);
-        }
     }
 
     bool isCreated(const Scenario& scenario, const std::string& name) const {
@@ -135,49 +137,55 @@ protected:
 };
 
 TEST_P(Obstacles, AreRefusedInPlaceOfAFileThatIsRead) {
-    for (const Scenario& scenario : scenarios()) {
-        const auto opened = kOpened.find(scenario.call.exportName);
-        if (opened == kOpened.end()) continue;
-        for (const Opened& entry : opened->second) {
-            if (!scenario.files.contains(entry.name) || isCreated(scenario, entry.name)) continue;
-            SCOPED_TRACE(scenario.name + ' ' + entry.name);
-            EXPECT_EQ(answer(scenario, entry.name), entry.refused);
-            Entries others = before_;
-            if (std::string_view(scenario.call.exportName) == "FileCopyTo") others.erase("b.tif");
-            EXPECT_TRUE(stage_.entries() == others);
-        }
-    }
+    forEachOpened([&](const Scenario& scenario, const Opened& entry) {
+        if (!scenario.files.contains(entry.name) || isCreated(scenario, entry.name)) return;
+        EXPECT_EQ(statusWithObstacle(scenario, entry.name), entry.refused);
+        Entries others = before_;
+        if (std::string_view(scenario.call.exportName) == "FileCopyTo") others.erase("b.tif");
+        EXPECT_TRUE(stage_.entries() == others);
+    });
 }
 
 TEST_P(Obstacles, AreRefusedInPlaceOfATargetThatCannotBeWritten) {
-    for (const Scenario& scenario : scenarios()) {
-        const auto opened = kOpened.find(scenario.call.exportName);
-        if (opened == kOpened.end()) continue;
-        for (const Opened& entry : opened->second) {
-            if (!isCreated(scenario, entry.name)) continue;
-            SCOPED_TRACE(scenario.name + ' ' + entry.name);
-            const float status = answer(scenario, entry.name);
-            if (GetParam().isFull)
-                EXPECT_EQ(status, entry.full);
-            else
-                EXPECT_EQ(status, GetParam().canBeCreated ? scenario.status : entry.refused);
-            // A UV export leaves nothing of a tile that the disk cannot take.
-            const bool isRemoved =
-                GetParam().isFull && entry.name.starts_with("tile") && status == entry.full;
-            EXPECT_NE(stage_.entries().contains(entry.name) ||
-                          stage_.entries().contains(entry.name + '/'),
-                      isRemoved);
-            for (const auto& [name, bytes] : scenario.files) {
-                if (!scenario.written.contains(name)) {
-                    EXPECT_TRUE(stage_.entries().at(name) == bytes) << name;
-                }
-            }
+    forEachOpened([&](const Scenario& scenario, const Opened& entry) {
+        if (!isCreated(scenario, entry.name)) return;
+        const float status = statusWithObstacle(scenario, entry.name);
+        const float creating = GetParam().canBeCreated ? scenario.status : entry.refused;
+        EXPECT_EQ(status, GetParam().isFull ? entry.full : creating);
+        // A UV export leaves nothing of a tile that the disk cannot take.
+        const bool isRemoved = GetParam().isFull && entry.name.starts_with("tile");
+        const Entries after = stage_.entries();
+        EXPECT_NE(after.contains(entry.name) || after.contains(entry.name + '/'), isRemoved);
+        for (const auto& [name, bytes] : scenario.files) {
+            EXPECT_TRUE(scenario.written.contains(name) || after.at(name) == bytes) << name;
         }
-    }
+    });
 }
 
 INSTANTIATE_TEST_SUITE_P(Entries, Obstacles, testing::ValuesIn(kObstacles),
                          [](const auto& obstacle) { return obstacle.param.name; });
+
+// No byte of such a path is written past the end of anything. A JPEG's paths have 511 bytes at most,
+// whatever the system takes.
+TEST(Obstacles, APathBeyondTheSystemsLimitIsRefused) {
+    Stage stage;
+    for (const std::size_t length : {4096u, 5000u, 1000000u}) {
+        const std::string name = std::string(length - 4, 'n') + ".map";
+        forEachOpened([&](const Scenario& scenario, const Opened& entry) {
+            Call call = scenario.call;
+            std::string& path = entry.name == call.text ? call.text : call.buffer1;
+            if (path != entry.name) return;
+            path = name;
+            stage.prepare(scenario);
+            Entries others = stage.entries();
+            const CaptureStdout quiet;
+            const bool isJpeg = std::string_view(call.exportName) == "saveAsJpeg";
+            EXPECT_EQ(stage.make(call).status, isJpeg ? -1 : entry.refused);
+            if (std::string_view(call.exportName) == "FileCopyTo") others.erase("b.tif");
+            EXPECT_TRUE(stage.entries() == others);
+        });
+    }
+}
 
 // The services that work on names move and remove the obstacle itself, never what it leads to.
 TEST(Obstacles, AreRemovedAndRenamedThemselves) {
@@ -218,7 +226,7 @@ TEST(Obstacles, ALinkIsAsGoodAsTheFileItLeadsTo) {
                 expected["elsewhere"] = bytes;
             } else {
                 expected["elsewhere"] = expected[name];
-                expected[name] = {'-', '>', ' ', 'e', 'l', 's', 'e', 'w', 'h', 'e', 'r', 'e'};
+                expected[name] = bytesOf("-> elsewhere");
             }
             EXPECT_TRUE(stage.entries() == expected);
         }

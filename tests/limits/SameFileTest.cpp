@@ -39,13 +39,6 @@ const struct Row {
     {"getUVsMask", "mesh.vws", 3, File::kAsItWas},
 };
 
-const Scenario& scenarioNamed(std::string_view name) {
-    for (const Scenario& scenario : scenarios()) {
-        if (scenario.name == name) return scenario;
-    }
-    throw std::out_of_range("no such scenario");
-}
-
 class SameFile : public testing::TestWithParam<Row> {
 protected:
     SameFile() : scenario_(scenarioNamed(GetParam().scenario)) { stage_.prepare(scenario_); }
@@ -56,17 +49,13 @@ protected:
         return stage_.make(call).status;
     }
 
-    // The file after the call; null when it is gone.
     void expectFile() {
         const Entries entries = stage_.entries();
-        const ByteList& before = scenario_.files.at(GetParam().entry);
         const auto found = entries.find(GetParam().entry);
-        if (GetParam().after == File::kGone) {
-            EXPECT_TRUE(found == entries.end());
-        } else {
-            ASSERT_TRUE(found != entries.end());
-            EXPECT_EQ(found->second == before, GetParam().after == File::kAsItWas);
-        }
+        ASSERT_EQ(found == entries.end(), GetParam().after == File::kGone);
+        if (found == entries.end()) return;
+        const bool isAsItWas = found->second == scenario_.files.at(GetParam().entry);
+        EXPECT_EQ(isAsItWas, GetParam().after == File::kAsItWas);
     }
 
     const Scenario& scenario_;

@@ -1,8 +1,8 @@
-// soak CALLS: that many calls of all exports, mixed, in one process. Each scenario must give the
-// same answer and the same folder at its last turn as at its first, and the process must hold no
-// more memory and no more files at its end than after its first tenth.
+// soak CALLS: that many calls of all exports, mixed, in one process. Each scenario must have the same
+// outcome at its last turn as at its first, and the process must hold no more memory and no more files
+// at its end than after its first tenth.
 //
-//   exit status  0: all as it must be, 1: not, 2: no count
+//   exit status  0: passed, 1: failed, 2: no count
 
 #include <unistd.h>
 
@@ -39,15 +39,7 @@ std::int64_t residentBytes() {
     return resident * ::sysconf(_SC_PAGESIZE);
 }
 
-struct Outcome {
-    Answer answer;
-    std::vector<Answer> after;
-    Entries entries;
-
-    bool operator==(const Outcome&) const = default;
-};
-
-// A scenario and what it gave at its first turn.
+// A scenario and its outcome at its first turn.
 struct Turn {
     Scenario scenario;
     std::optional<Outcome> first = {};
@@ -59,7 +51,7 @@ bool isSmall(const Scenario& scenario) {
                        [](const auto& file) { return file.second.size() <= kLargestFile; });
 }
 
-// The same call on files that end in their middle: what fails must leave nothing behind either.
+// The same call on files that are cut in half: what fails must leave nothing behind either.
 Scenario damaged(Scenario scenario) {
     scenario.name += "Damaged";
     for (auto& [name, bytes] : scenario.files)
@@ -77,20 +69,6 @@ std::vector<Turn> allTurns() {
     return turns;
 }
 
-Outcome play(Stage& stage, const Scenario& scenario) {
-    stage.prepare(scenario);
-    Outcome outcome{stage.make(scenario.call), {}, {}};
-    for (const Call& call : scenario.after)
-        outcome.after.push_back(stage.make(call));
-    outcome.entries = stage.entries();
-    return outcome;
-}
-
-// The exports that take part in a turn: its own and those before and after.
-std::size_t callsOf(const Scenario& scenario) {
-    return scenario.before.size() + 1 + scenario.after.size();
-}
-
 bool soak(std::size_t calls) {
     Stage stage;
     std::vector<Turn> turns = allTurns();
@@ -99,7 +77,7 @@ bool soak(std::size_t calls) {
     std::ptrdiff_t files = 0;
     for (std::size_t done = 0; done < calls;) {
         Turn& turn = turns[order() % turns.size()];
-        Outcome outcome = play(stage, turn.scenario);
+        Outcome outcome = stage.play(turn.scenario);
         ++turn.count;
         if (!turn.first)
             turn.first = std::move(outcome);
@@ -107,7 +85,7 @@ bool soak(std::size_t calls) {
             std::printf("%s is different at turn %zu\n", turn.scenario.name.c_str(), turn.count);
             return false;
         }
-        done += callsOf(turn.scenario);
+        done += turn.scenario.before.size() + 1 + turn.scenario.after.size();
         if (resident == 0 && done >= calls / 10) {
             stage.forget();
             resident = residentBytes();
@@ -117,9 +95,7 @@ bool soak(std::size_t calls) {
     stage.forget();
     const std::int64_t grown = residentBytes() - resident;
     const std::ptrdiff_t opened = openFiles() - files;
-    std::size_t fewest = calls;
-    for (const Turn& turn : turns)
-        fewest = std::min(fewest, turn.count);
+    const std::size_t fewest = std::ranges::min_element(turns, {}, &Turn::count)->count;
     std::printf(
         "%zu calls, %zu scenarios of at least %zu turns, %lld KiB resident, %+lld KiB and "
         "%+td open files since the first tenth\n",
