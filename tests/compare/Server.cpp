@@ -73,7 +73,7 @@ Argument argument(const std::string& word) {
     return result;
 }
 
-// What the block holds after a call; a block without an end of text has been overrun.
+// The text in the block after a call; a block without an end of text has been overrun.
 std::string blockText() {
     const auto end = std::find(block.begin(), block.end(), '\0');
     const auto rest = end == block.end() ? block.begin() : end + 1;

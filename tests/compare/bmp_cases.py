@@ -20,7 +20,7 @@ class Shape:
 
 
 def bmp(rng, shape, palette):
-    """A picture painted with a few pixels; what pads its rows is not zero."""
+    """An image painted with a few pixels; what pads its rows is not zero."""
     padding = -3 * shape.width % 4
     size = (3 * shape.width + padding) * shape.height
     layout = Layout(b"BM").put("file size", 4, shape.offset + size).put("reserved", 4, 7)

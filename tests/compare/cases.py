@@ -9,7 +9,7 @@ NAN, INF = float("nan"), float("inf")
 class Draw(random.Random):
     """The random numbers of a case. With `sound` they make a small good case without oddities."""
 
-    most = 9  # the longest side of a picture, and about as many faces as a mesh has
+    most = 9  # the longest side of an image, and about as many faces as a mesh has
     sound = False
 
     def odd(self, chance):
@@ -17,7 +17,7 @@ class Draw(random.Random):
         return not self.sound and self.random() < chance
 
     def side(self):
-        """A side of a picture, now and then 0."""
+        """A side of an image, now and then 0."""
         return 0 if self.odd(0.07) else self.randint(1, self.most)
 
 
@@ -48,10 +48,10 @@ class Layout:
         return self
 
     def telling(self, name):
-        """The values for a field that find the limits of whoever reads it."""
+        """The values for a field that are near the limits of its readers."""
         size = self.fields[name][1]
         old, length, top = self.get(name), len(self.data), 256**size
-        if name.endswith("type"):  # of a TIFF's entry, which nobody reads
+        if name.endswith("type"):  # of a TIFF's entry, which is not read
             return [0, top - 1]
         values = [0, 1, 2, 3, old - 1, old + 1, top // 2 - 1, top // 2, top - 1]
         if size > 1:

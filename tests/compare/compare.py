@@ -1,4 +1,4 @@
-"""Runs the library and the model, tests/model, over the same inputs and compares what comes of it.
+"""Makes the same calls of the library and of the model, tests/model, and compares the results.
 
 Compared are the status of each call by its bits, the text in the host's memory block, what was
 printed, and all that is in the folder afterwards.
@@ -15,6 +15,7 @@ import os
 import shutil
 import signal
 import struct
+import subprocess
 import sys
 import tempfile
 from pathlib import Path
@@ -22,7 +23,6 @@ from typing import NamedTuple
 
 import bmp_cases
 import encoder_cases
-import fields
 import mesh_cases
 import psd_cases
 import service_cases
@@ -34,10 +34,10 @@ TOP = Path(__file__).resolve().parents[2]
 MODULES = {"service": service_cases, "mesh": mesh_cases, "tiff": tiff_cases, "psd": psd_cases,
            "bmp": bmp_cases, "encoder": encoder_cases}
 SHARES = [2, 4, 4, 4, 3, 2]  # of the modules in the cases at random
-SIDES = [4, 9, 16, 40, 110, 200], [30, 40, 20, 7, 2, 1]  # of the largest picture, and how often
+SIDES = [4, 9, 16, 40, 110, 200], [30, 40, 20, 7, 2, 1]  # of the largest image, and how often
 SECONDS = 20  # for a side of a case
 
-# A status that says that a call did its work, where it is not 0.
+# The status of a call that did its work, where it is not 0.
 SUCCESS = {"Version": 48, "GetPublicFolder": 1, "ClearFolder": 1}
 MEASURES = {"getUVTile", "getUVGroups", "GetFaceIDsVemo", "OpenEXR", "getScale", "IsDirectory"}
 
@@ -109,8 +109,18 @@ def call_difference(library, model, refused, anything):
         yield f"printed: library {library.printed}, model {model.printed}"
 
 
-def folder_difference(library, model):
+def field_at(tool, path, at):
+    """In brackets, what the byte at an offset belongs to; nothing without the tool."""
+    if not tool.exists():
+        return ""
+    command = [tool, "inspect", path, "--at", str(at)]
+    lines = subprocess.run(command, capture_output=True, text=True, check=False).stdout.splitlines()
+    return f" ({lines[1].strip()})" if len(lines) > 1 else ""
+
+
+def folder_difference(folders, tool):
     """In words, where two folders differ first."""
+    library, model = map(contents, folders)
     for path in sorted(library.keys() | model.keys()):
         name = os.fsdecode(path)
         if path not in library or path not in model:
@@ -124,8 +134,9 @@ def folder_difference(library, model):
             pairs = enumerate(zip(left, right))
             at = next((i for i, (a, b) in pairs if a != b), min(len(left), len(right)))
             shown = [data[at : at + 8].hex(" ") or "its end" for data in (left, right)]
-            yield (f"{name}: offset {at}{fields.name(right, at)}: library {shown[0]},"
-                   f" model {shown[1]}; {len(left)} and {len(right)} bytes")
+            field = field_at(tool, folders[1] / name, at)
+            yield (f"{name}: offset {at}{field}: library {shown[0]}, model {shown[1]};"
+                   f" {len(left)} and {len(right)} bytes")
             return
 
 
@@ -133,8 +144,8 @@ def shown_call(name, arguments):
     return f"{name}({', '.join(map(repr, arguments))})"
 
 
-def differences(case, results, folders, stand_ins):
-    """In words, in what the sides differ: the first call, and the first place in the folders."""
+def differences(case, results, folders, stand_ins, tool):
+    """In words, where the sides differ: the first call, and the first place in the folders."""
     for (name, arguments), library, model in itertools.zip_longest(case.calls, *results):
         ends = [side for side in (library, model) if not isinstance(side, Result)]
         found = [str(end) for end in ends] or list(call_difference(library, model, *stand_ins))
@@ -142,7 +153,7 @@ def differences(case, results, folders, stand_ins):
             yield "at " + shown_call(name, arguments)
             yield from found
             break
-    yield from folder_difference(*map(contents, folders))
+    yield from folder_difference(folders, tool)
 
 
 class Outcome(NamedTuple):
@@ -165,7 +176,9 @@ class Worker:
         place = "/dev/shm" if os.path.isdir("/dev/shm") else None
         self.root = Path(tempfile.mkdtemp(prefix="compare-", dir=place))
         self.folders = [self.root / "library", self.root / "model"]
-        self.sides = [Library(TOP / "build" / options.preset), Model(model)]
+        build = TOP / "build" / options.preset
+        self.tool = build / "host" / "quillon"
+        self.sides = [Library(build), Model(model)]
         signal.signal(signal.SIGALRM, self.too_long)
 
     @staticmethod
@@ -188,7 +201,7 @@ class Worker:
         report = []
         if not too_large:
             stand_ins = model.refused, model.anything
-            report = list(differences(case, results, self.folders, stand_ins))
+            report = list(differences(case, results, self.folders, stand_ins, self.tool))
         if report:
             report = self.head(number, module, case) + report
         statuses = [(name, result.status) for (name, _), result in zip(case.calls, results[0])

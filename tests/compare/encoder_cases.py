@@ -132,7 +132,7 @@ def edges(rng):
         layout.set("width", sides[0]).set("height", sides[1])
         if sides[1] != -8:  # 65,528 rows take a while
             yield Case((b"a.bmp", layout)).call("saveAsJpeg", b"a.bmp", 50.0, b"out.jpg")
-    wide = bmp(rng, Shape(rng).resized(21860, 2), colours(rng))  # its rows are only partly turned
+    wide = bmp(rng, Shape(rng).resized(21860, 2), colours(rng))  # its rows are only partly flipped
     yield Case((b"a.bmp", wide)).call("saveAsJpeg", b"a.bmp", 50.0, b"out.jpg")
     yield from unreadable(("saveAsJpeg", 50.0, b"out.jpg"), ("OpenEXR", 0.0, None))
     yield from nulls(("saveAsJpeg", 50.0), ("OpenEXR", 0.0))

@@ -89,7 +89,7 @@ def full_mesh(rng, case, name=b"m.Vemo"):
 
 
 def filter_piece(rng):
-    """What stands between two commas of a tile filter: a name, a range or something odd."""
+    """What is between two commas of a tile filter: a name, a range or something odd."""
     kind = rng.randrange(3)
     first = rng.choice([1001, 1002, 1003, 1011, 990, 0, rng.randint(980, 1130)])
     if kind == 0:
@@ -125,7 +125,7 @@ def tiles(rng):
 
 
 def filtered(rng):
-    """A filter and a mesh with a face in each of many tiles: the count tells what passes."""
+    """A filter and a mesh with a face in each of many tiles: the count shows what passes."""
     case = Case((b"tiles.txt", filter_text(rng)), (b"m.Vemo", GRID))
     case.call("setUVtilesOutput", b"tiles.txt").call("getUVTile", b"m.Vemo", 2.0, BLOCK)
     return case.call("getUVs", b"m.Vemo", 2.0, b"out") if rng.odd(0.1) else case
@@ -252,6 +252,8 @@ def edges(rng):
     for chunks in (grouped, stalling + grouped, struct.pack("<4I", 10001, 16, 0, 0), b""):
         case = Case((b"m.Vemo", bytes(32) + chunks)).call("getUVGroups", b"m.Vemo")
         yield case.call("getUVTile", b"m.Vemo", 0.0, BLOCK)
+    for name in ("getUVs", "getUVsMask"):
+        yield Case((b"m.Vemo", GRID)).call(name, b"m.Vemo", 2.0, b"n" * 5000)
     for count in (0, 1, 3, 31, 32, 33, 64, 65):
         data = (b"\x10\x20\x30\x40" + rng.randbytes(400))[: 4 * count]
         case = Case((b"m.Vemo", chunk(Layout(bytes(32)), "colours", count, data)))

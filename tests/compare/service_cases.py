@@ -6,7 +6,7 @@ NAMES = [b"a.tif", b"b.psd", b"noext", b".hidden", b"x.1001.tif", b"tile.", b"..
          b"back\\slash.tif", "ä.tif".encode(), b"l" * 200 + b".tif", b"two", b"c.bmp"]
 PATHS = [b".", b"..", b"/", b"a.tif", b"sub", b"sub/", b"sub/a.tif", b"sub//a.tif", b"./a.tif",
          b"missing", b"missing/a.tif", b"a.tif/", b"a.tif/b", b"full.d", b"n" * 255, b"n" * 256,
-         b"new.tif", b"sub/new", b"empty.d"]
+         b"n" * 5000, b"new.tif", b"sub/new", b"empty.d"]
 TEXTS = [b"", b"abcdefgh", b"abc", b"C:\\maps\\tile.1001.tif", b"a/b.c", b"a.b/c", b"/", b"\\",
          b".", b"a.", b"a\\b.c/d", b"a/b\\c.d", b"a.b\\c", b"..", b"a/.", b"/.x", b"a//b.c.d",
          b"\xff\x80.\xfe", b"x" * 300 + b".y"]
@@ -98,7 +98,7 @@ def edges(rng):
         yield case.call("IsDirectory", text)
     for name in ("Version", "CreateFolder", "CheckFolder", "OpenFolder", "CloseFolder",
                  "FileDelete", "EmptyFolder", "GetFile", "GetPublicFolder"):
-        for text in (None, b"", b"a"):
+        for text in (None, b"", b"a", b"n" * 5000):
             yield Case().call(name, text, 0.0, None)
             case = furnished(rng).call("OpenFolder", b"sub").call(name, text, 0.0, None)
             yield case.call("GetFile", None, 0.0, BLOCK)

@@ -25,7 +25,7 @@ class Result(NamedTuple):
     printed: bytes
 
 
-# What a header claims may take the library no time, and the model, which lays all of it out, too much.
+# What a header claims may take the library no time, and the model, which makes all of it, too much.
 TOO_LARGE = "the case is too large for the model"
 
 

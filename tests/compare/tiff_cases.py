@@ -32,13 +32,13 @@ class Shape:
             self.tags.remove(rng.choice(TAGS))
         if rng.odd(0.05):
             self.tags.insert(rng.randrange(10), rng.choice(TAGS))
-        if rng.odd(0.05):  # unknown tags, so many that some entries lie beyond byte 1000
+        if rng.odd(0.05):  # unknown tags, so many that some entries are beyond byte 1000
             at = rng.randrange(10)
             self.tags[at:at] = [60000] * rng.choice([1, 40, 80])
 
 
 def tiff(shape, pixels):
-    """A map: header, directory, arrays, and the pixels behind them or ahead of the directory."""
+    """A map: header, directory, arrays, and the pixels after them or before the directory."""
     colour, gap = shape.channels == 3, bytes(shape.gap)
     directory = 8 + len(pixels + gap) * shape.pixels_first
     arrays = directory + 2 + 12 * len(shape.tags) + 4

@@ -91,7 +91,7 @@ def pixelBytes(width, height):
 
 
 def patched(data, bmp, width, height):
-    """All bytes before the pixels, with the sizes of a new picture in the headers."""
+    """All bytes before the pixels, with the sizes of a new image in the headers."""
     size = pixelBytes(width, height)
     head = bytearray(data)
     for at, value in ((2, bmp.offset + size), (18, width), (22, height), (34, size)):

@@ -1,6 +1,6 @@
 """Mesh interchange files: UV tiles, one file per tile, vertex colours, OBJ text, crease merge.
 
-A file is a header of 32 bytes, which nobody reads, and chunks: id, length with these 16 bytes
+A file is a header of 32 bytes, which is not read, and chunks: id, length with these 16 bytes
 included, element count, 0, then the elements. All values are little-endian.
 """
 

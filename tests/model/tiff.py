@@ -163,7 +163,7 @@ def levelsOf(samples):
 
 
 def mapHeader(width, length, channels, bits, byteCount, unit, more, tail):
-    """The header of a map, its directory at byte 8 and its strip behind the header.
+    """The header of a map, its directory at byte 8; the strip follows it.
 
     `more` are the last entries, `tail` is what follows the resolution, which is the same for x and
     y. A size of more than 16 bits is a LONG.
