@@ -90,7 +90,8 @@ public:
             expectDone();
             passNulls();
             passValues();
-            takeFilesAway();
+            takeSourceAway();
+            takeTargetAway();
             forbidWriting();
             failSystem();
         }
@@ -195,7 +196,7 @@ private:
         }
     }
 
-    void takeFilesAway() {
+    void takeSourceAway() {
         const Call& call = scenario_->call;
         if (readsSource()) {
             Call missing = call;
@@ -213,24 +214,26 @@ private:
             make({takesFolder() ? "a file as source" : "a folder as source",
                   deletes ? cause::kSourceNotWritable : cause::kSourceNotOpened, other, put});
         }
-        if (isNamed("CreateFolder")) {
-            make({"missing parent", cause::kTargetNotWritten, {"CreateFolder", "none/new"}});
-            make({"a folder that is there", cause::kTargetNotWritten, {"CreateFolder", "."}});
-        }
         if (isNamed("GetFile") || isNamed("CloseFolder"))
             make({"no folder open", cause::kNothingOpen, call, [&] { stage_.forget(); }});
         if (isNamed("GetFile"))
             make({"no entry left", cause::kNothingOpen, call, [&] { readToEnd(); }});
-        if (hasTarget()) {
-            Call missing = call;
-            missing.buffer1 = "none/" + call.buffer1;
-            make({"missing target folder",
-                  merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten, missing});
+    }
+
+    void takeTargetAway() {
+        if (isNamed("CreateFolder")) {
+            make({"missing parent", cause::kTargetNotWritten, {"CreateFolder", "none/new"}});
+            make({"a folder that is there", cause::kTargetNotWritten, {"CreateFolder", "."}});
         }
+        if (!hasTarget()) return;
+        const Causes refused = merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten;
+        const Call& call = scenario_->call;
+        Call missing = call;
+        missing.buffer1 = "none/" + call.buffer1;
+        make({"missing target folder", refused, missing});
         for (const std::string& written : scenario_->written) {
-            if (!hasTarget() || written == call.text) continue;
-            make({"a folder as target",
-                  merges() ? cause::kTargetNotOpened : cause::kTargetNotWritten, call, [&] {
+            if (written == call.text) continue;
+            make({"a folder as target", refused, call, [&] {
                       fs::remove(stage_.path(written));
                       fs::create_directories(stage_.path(written + "/inside"));
                   }});
@@ -245,10 +248,7 @@ private:
     void forbidWriting() {
         const Call& call = scenario_->call;
         const auto forbid = [&](const std::string& name) {
-            return [this, name] {
-                stage_.letOthersIn();
-                fs::permissions(stage_.path(name), kReadOnly);
-            };
+            return [this, name] { fs::permissions(stage_.path(name), kReadOnly); };
         };
         const bool removes =
             isNamed("FileDelete") || isNamed("FileRename") || isNamed("EmptyFolder");
@@ -266,14 +266,12 @@ private:
             if (!hasTarget() || written == call.text || removes) continue;
             make({"target not writable", cause::kTargetNotWritten, call,
                   [&] {
-                      stage_.letOthersIn();
                       std::ofstream(stage_.path(written), std::ios::app).flush();
                       fs::permissions(stage_.path(written), kReadOnly);
                   },
                   true});
             make({"target's folder not writable", cause::kTargetNotWritten, call,
                   [&] {
-                      stage_.letOthersIn();
                       if (!merges()) fs::remove(stage_.path(written));
                       fs::permissions(stage_.path("."), kReadOnly);
                   },
@@ -286,6 +284,7 @@ private:
     // A call with the same outcome as if nothing had been wrong needs no row.
     void make(const Trial& trial) {
         stage_.prepare(*scenario_);
+        if (trial.asAnyUser) stage_.letOthersIn();
         trial.spoil();
         std::unique_ptr<WithoutRoot> anyUser;
         if (trial.asAnyUser) anyUser = std::make_unique<WithoutRoot>();

@@ -227,6 +227,10 @@ protected:
 
     const Expectation& expectation() const { return kExpectations.at(scenario().call.exportName); }
 
+    FaultyStage stage_;
+    const Entries before_;
+    const Outcome clean_;
+
 private:
     Statuses statusesFor(const Fault& fault) const {
         if (fault.call == kOpen) {
@@ -288,27 +292,20 @@ private:
         EXPECT_EQ(stage_.bytes(), bytes_);
     }
 
-    FaultyStage stage_;
-    const Entries before_;
-    const Outcome clean_;
     std::ptrdiff_t blocks_ = 0;
     std::ptrdiff_t bytes_ = 0;
     std::ptrdiff_t openFiles_ = 0;
-
-protected:
-    const Outcome& clean() const { return clean_; }
-    const Entries& before() const { return before_; }
 };
 
 TEST_P(Faults, AbsentGiveTheSameOutcomeEachTime) {
-    EXPECT_EQ(clean().result.status, scenario().status);
-    EXPECT_EQ(clean().entries != before(), !scenario().written.empty());
+    EXPECT_EQ(clean_.result.status, scenario().status);
+    EXPECT_EQ(clean_.entries != before_, !scenario().written.empty());
 }
 
 TEST_P(Faults, ThatDoNotMatterAreAbsorbed) {
     for (const Fault& fault : kAbsorbed) {
         inject(fault, [&](const Fault&, const Outcome& outcome) {
-            EXPECT_TRUE(outcome == clean()) << "status " << outcome.result.status;
+            EXPECT_TRUE(outcome == clean_) << "status " << outcome.result.status;
         });
     }
 }

@@ -104,6 +104,15 @@ ssize_t moved(SystemCall call, std::size_t count, Move move) {
     }
 }
 
+// A close that fails has closed all the same.
+template <typename Handle>
+int closed(SystemCall call, int (*real)(Handle), Handle handle) {
+    const bool wrong = goesWrong(call);
+    const int result = real(handle);
+    if (wrong) errno = planned.error;
+    return wrong ? -1 : result;
+}
+
 char smallDisk[4096] = "";  // a folder, or none
 std::uintmax_t smallDiskBytes = 0;
 
@@ -209,13 +218,9 @@ ssize_t pwrite(int descriptor, const void* bytes, std::size_t count, off_t offse
                  [&](std::size_t part) { return real(descriptor, bytes, part, offset); });
 }
 
-// A close that fails has closed all the same.
 int close(int descriptor) {
     static const auto real = theSystems<int(int)>("close");
-    const bool wrong = goesWrong(SystemCall::kClose);
-    const int closed = real(descriptor);
-    if (wrong) errno = planned.error;
-    return wrong ? -1 : closed;
+    return closed(SystemCall::kClose, real, descriptor);
 }
 
 DIR* opendir(const char* path) {
@@ -230,10 +235,7 @@ dirent* readdir(DIR* stream) {
 
 int closedir(DIR* stream) {
     static const auto real = theSystems<int(DIR*)>("closedir");
-    const bool wrong = goesWrong(SystemCall::kCloseFolder);
-    const int closed = real(stream);
-    if (wrong) errno = planned.error;
-    return wrong ? -1 : closed;
+    return closed(SystemCall::kCloseFolder, real, stream);
 }
 
 int mkdir(const char* path, mode_t mode) noexcept {

@@ -314,32 +314,21 @@ ByteList exrPixels(Random& random, const ExrShape& shape, std::uint32_t width, s
     return shape.compression == 1 && packed.size() >= raw.size() ? raw : packed;
 }
 
-ByteList exrChunk(const ByteList& place, const ByteList& pixels) {
-    ByteList chunk = place;
-    appendLe32(chunk, static_cast<std::uint32_t>(pixels.size()));
-    append(chunk, pixels);
-    return chunk;
-}
-
-std::vector<ByteList> exrRows(Random& random, const ExrShape& shape) {
-    const std::uint32_t step = shape.compression == 3 ? 16 : 1;
+// Tiles, or scanlines, which are as wide as the image.
+std::vector<ByteList> exrChunks(Random& random, const ExrShape& shape) {
+    const bool tiled = shape.tileWidth > 0;
+    const std::uint32_t width = tiled ? shape.tileWidth : shape.width;
+    const std::uint32_t height = tiled ? shape.tileHeight : shape.compression == 3 ? 16 : 1;
     std::vector<ByteList> chunks;
-    for (std::uint32_t row = 0; row < shape.height; row += step) {
-        const std::uint32_t rows = std::min(step, shape.height - row);
-        chunks.push_back(exrChunk(le32s({static_cast<std::uint32_t>(shape.top) + row}),
-                                  exrPixels(random, shape, shape.width, rows)));
-    }
-    return chunks;
-}
-
-std::vector<ByteList> exrTiles(Random& random, const ExrShape& shape) {
-    std::vector<ByteList> chunks;
-    for (std::uint32_t y = 0; y < shape.height; y += shape.tileHeight) {
-        for (std::uint32_t x = 0; x < shape.width; x += shape.tileWidth) {
-            const std::uint32_t width = std::min(shape.tileWidth, shape.width - x);
-            const std::uint32_t rows = std::min(shape.tileHeight, shape.height - y);
-            chunks.push_back(exrChunk(le32s({x / shape.tileWidth, y / shape.tileHeight, 0, 0}),
-                                      exrPixels(random, shape, width, rows)));
+    for (std::uint32_t y = 0; y < shape.height; y += height) {
+        for (std::uint32_t x = 0; x < shape.width; x += width) {
+            const ByteList pixels = exrPixels(random, shape, std::min(width, shape.width - x),
+                                              std::min(height, shape.height - y));
+            ByteList chunk = tiled ? le32s({x / width, y / height, 0, 0})
+                                   : le32s({static_cast<std::uint32_t>(shape.top) + y});
+            appendLe32(chunk, static_cast<std::uint32_t>(pixels.size()));
+            append(chunk, pixels);
+            chunks.push_back(chunk);
         }
     }
     return chunks;
@@ -511,8 +500,7 @@ ByteList filterText(Random& random) {
 ByteList exrPicture(Random& random) {
     const ExrShape shape = exrShape(random);
     ByteList file = exrHeader(random, shape);
-    const std::vector<ByteList> chunks =
-        shape.tileWidth > 0 ? exrTiles(random, shape) : exrRows(random, shape);
+    const std::vector<ByteList> chunks = exrChunks(random, shape);
     std::size_t offset = file.size() + 8 * chunks.size();
     for (const ByteList& chunk : chunks) {
         append(file, le32s({static_cast<std::uint32_t>(offset), 0}));

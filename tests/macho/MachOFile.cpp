@@ -143,18 +143,10 @@ private:
 
     // Segments precede the tables that refer to them, as every linker writes them.
     void readCommand(std::uint32_t kind, std::uint64_t at, std::uint32_t size) {
-        switch (kind) {
-            case kSegmentCommand:
-                return readSegment(at, size);
-            case kDyldInfoCommand:
-                return readDyldInfo(Fields(partOf(file_.bytes, at, 48)));
-            case kChainedFixupsCommand:
-                refuse("chained fixups");
-            case kReexportCommand:
-                refuse("a re-exported library");
-            default:
-                return;
-        }
+        demand(kind != kChainedFixupsCommand, "chained fixups");
+        demand(kind != kReexportCommand, "a re-exported library");
+        if (kind == kSegmentCommand) readSegment(at, size);
+        if (kind == kDyldInfoCommand) readDyldInfo(Fields(partOf(file_.bytes, at, 48)));
     }
 
     void readSegment(std::uint64_t at, std::uint32_t size) {
@@ -190,23 +182,13 @@ private:
                "a section outside its segment");
         if (fields.name(0) == "__unwind_info") file_.unwindWords = memory;
         if (fields.name(0) == "__eh_frame") file_.unwindFrames = memory;
-        switch (static_cast<std::uint8_t>(fields.u32(64))) {
-            case kInitialiserPointers:
-                for (std::uint64_t i = 0; i < memory.size / kPointerBytes; ++i)
-                    file_.initialisers.push_back(memory.address + i * kPointerBytes);
-                return;
-            case kThreadLocalVariables:
-                file_.threadVariables = memory;
-                return;
-            case kThreadLocalRegular:
-                file_.threadValues = memory;
-                return;
-            case kThreadLocalZeros:
-                extendThreadValues(memory);
-                return;
-            default:
-                return;
-        }
+        const auto kind = static_cast<std::uint8_t>(fields.u32(64));
+        if (kind == kThreadLocalVariables) file_.threadVariables = memory;
+        if (kind == kThreadLocalRegular) file_.threadValues = memory;
+        if (kind == kThreadLocalZeros) extendThreadValues(memory);
+        if (kind != kInitialiserPointers) return;
+        for (std::uint64_t i = 0; i < memory.size / kPointerBytes; ++i)
+            file_.initialisers.push_back(memory.address + i * kPointerBytes);
     }
 
     // The zeros follow the values.
