@@ -1,6 +1,7 @@
 #include "macho/MacStandIns.h"
 
 #include <dirent.h>
+#include <dlfcn.h>
 #include <fcntl.h>
 #include <pthread.h>
 #include <sys/stat.h>
@@ -21,8 +22,6 @@
 #include <utility>
 
 #include "macho/MacFoundation.h"
-
-extern "C" int __cxa_atexit(void (*)(void*), void*, void*);
 
 // Finds a thread's variable; called with its descriptor, and allowed to change nothing but the result.
 extern "C" void macThreadVariable();
@@ -215,6 +214,14 @@ template <std::size_t Index>
     std::abort();
 }
 
+// The same functions of the C library on both systems.
+constexpr const char* kShared[] = {
+    "___cxa_atexit", "_abort",   "_aligned_alloc", "_bzero",     "_calloc", "_close",   "_closedir",
+    "_fflush",       "_fputc",   "_free",          "_ftruncate", "_fwrite", "_malloc",  "_memchr",
+    "_nextafterf",   "_opendir", "_pread",         "_puts",      "_pwrite", "_realloc", "_remove",
+    "_rename",       "_strcmp",  "_strncpy",       "_strnlen",
+};
+
 using StandIns = std::map<std::string, void*>;
 
 template <typename Function>
@@ -229,35 +236,7 @@ void addNeverCalled(StandIns& all, std::index_sequence<Index...>) {
 
 StandIns makeStandIns() {
     StandIns all = {
-        // The same on both systems.
-        {"_abort", code(std::abort)},
-        {"_aligned_alloc", code(std::aligned_alloc)},
-        {"_bzero", code(::bzero)},
-        {"___bzero", code(::bzero)},
-        {"_calloc", code(std::calloc)},
-        {"_close", code(::close)},
-        {"_closedir", code(::closedir)},
-        {"___cxa_atexit", code(__cxa_atexit)},
-        {"___error", code(::__errno_location)},
-        {"_fflush", code(std::fflush)},
-        {"_fputc", code(std::fputc)},
-        {"_free", code(std::free)},
-        {"_fwrite", code(std::fwrite)},
-        {"_malloc", code(std::malloc)},
-        {"_memchr", code<const void*(const void*, int, std::size_t)>(std::memchr)},
-        {"_opendir", code(::opendir)},
-        {"_nextafterf", code(::nextafterf)},
-        {"_ftruncate", code(::ftruncate)},
-        {"_pread", code(::pread)},
-        {"_puts", code(std::puts)},
-        {"_pwrite", code(::pwrite)},
-        {"_realloc", code(std::realloc)},
-        {"_remove", code<int(const char*)>(std::remove)},
-        {"_rename", code(std::rename)},
-        {"_strcmp", code(std::strcmp)},
-        {"_strncpy", code(std::strncpy)},
-        {"_strnlen", code(::strnlen)},
-        {"_uncompress", code(::uncompress)},
+        // The same by other names, or of other libraries.
         {"__Unwind_DeleteException", code(_Unwind_DeleteException)},
         {"__Unwind_GetIP", code(_Unwind_GetIP)},
         {"__Unwind_GetLanguageSpecificData", code(_Unwind_GetLanguageSpecificData)},
@@ -266,8 +245,11 @@ StandIns makeStandIns() {
         {"__Unwind_Resume", code(_Unwind_Resume)},
         {"__Unwind_SetGR", code(_Unwind_SetGR)},
         {"__Unwind_SetIP", code(_Unwind_SetIP)},
+        {"___bzero", code(::bzero)},
+        {"___error", code(::__errno_location)},
         {"___stdoutp", &stdout},
         {"___stderrp", &stderr},
+        {"_uncompress", code(::uncompress)},
 
         // Other layouts, constants or ways to pass arguments.
         {"_fstat", code(fstatMac)},
@@ -301,6 +283,8 @@ StandIns makeStandIns() {
         {"_objc_msgSend", code(mac::send)},
         {"_sel_registerName", code(mac::selector)},
     };
+    for (const char* name : kShared)
+        all.emplace(name, ::dlsym(RTLD_DEFAULT, name + 1));
     addNeverCalled(all, std::make_index_sequence<std::size(kNeverCalled)>());
     return all;
 }
