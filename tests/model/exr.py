@@ -126,6 +126,17 @@ def read_offsets(reader, count, place_size):
     return offsets
 
 
+def chunk_size(attributes, tiled, width):
+    """The columns and lines of a chunk, which is a tile or some whole lines."""
+    if not tiled:
+        return width, LINES_PER_CHUNK[attributes[b"compression"][0]]
+    tiles = attributes.get(b"tiles", b"")
+    demand(len(tiles) == 9 and tiles[8] & 15 == 0)  # the full size only
+    columns, lines = le(tiles, 0, 4), le(tiles, 4, 4)
+    demand(columns >= 1 and lines >= 1)
+    return columns, lines
+
+
 def load_samples(data):
     """The first channel's samples."""
     flags = le(data, 4, 4)
@@ -140,19 +151,15 @@ def load_samples(data):
     height = bottom - top + 1
     demand(width >= 1 and height >= 1)
 
-    chunk_width, chunk_height = width, LINES_PER_CHUNK[compression]
-    if flags & TILED:
-        tiles = attributes.get(b"tiles", b"")
-        demand(len(tiles) == 9 and tiles[8] & 15 == 0)  # the full size only
-        chunk_width, chunk_height = le(tiles, 0, 4), le(tiles, 4, 4)
-        demand(chunk_width >= 1 and chunk_height >= 1)
+    tiled = flags & TILED != 0
+    chunk_width, chunk_height = chunk_size(attributes, tiled, width)
     across = -(-width // chunk_width)
     down = -(-height // chunk_height)
 
     seen, samples = set(), []
-    for offset in read_offsets(reader, across * down, 16 if flags & TILED else 4):
+    for offset in read_offsets(reader, across * down, 16 if tiled else 4):
         chunk = Reader(data, offset)
-        if flags & TILED:
+        if tiled:
             column, row = chunk.number(4), chunk.number(4)
             demand(chunk.number(4) == 0 and chunk.number(4) == 0)  # its level
         else:

@@ -74,8 +74,8 @@ CHROMINANCE_SYMBOLS = bytes.fromhex(
     """
 )
 
-# By table id, luminance DC and AC, chrominance DC and AC: how many codes have 1, 2, ... 16 bits, and
-# the symbols.
+# By table id, luminance DC and AC, chrominance DC and AC: how many codes have 1, 2, ... 16 bits,
+# and the symbols.
 HUFFMAN = {
     0x00: (numbers("0 1 5 1 1 1 1 1 1 0 0 0 0 0 0 0"), DC_SYMBOLS),
     0x10: (numbers("0 2 1 3 3 2 4 3 5 5 4 4 0 0 1 125"), LUMINANCE_SYMBOLS),
