@@ -1,5 +1,5 @@
 """Maps that tifffile writes, converted by the built library, opened by Pillow, tifffile and
-ImageMagick, and compared pixel by pixel with values that numpy works out.
+ImageMagick, and compared pixel by pixel with what numpy computes.
 
 Usage: tiff_peers.py LIBRARY
 """
@@ -51,87 +51,75 @@ def magick_pixels(path, shape):
 
 class TiffPeers(unittest.TestCase):
     def setUp(self):
-        self.folder = tempfile.TemporaryDirectory()
-        self.addCleanup(self.folder.cleanup)
+        folder = tempfile.TemporaryDirectory()
+        self.addCleanup(folder.cleanup)
+        self.folder = Path(folder.name)
         self.random = np.random.default_rng(1)
 
-    def path(self, name):
-        return Path(self.folder.name) / name
+    def converted(self, name, pixels, value, target):
+        """Writes a map and calls an export that makes another file of it, whose path it returns."""
+        write_map(self.folder / "in.tif", pixels)
+        self.assertEqual(call(name, self.folder / "in.tif", value, self.folder / target), 0.0)
+        return self.folder / target
 
     def floats(self, *shape):
         """Samples from below 0 to above 1."""
-        return (self.random.random(shape, dtype=np.float32) * np.float32(1.4) - np.float32(0.2))
+        return self.random.random(shape, dtype=np.float32) * np.float32(1.4) - np.float32(0.2)
 
     def bytes(self, *shape):
         return self.random.integers(0, 256, shape, dtype=np.uint8)
 
-    def assert_levels(self, path, expected):
-        """Every program that opens the map reads these 16-bit levels. Pillow opens no 16-bit RGB."""
-        seen = {"tifffile": tifffile.imread(path), "ImageMagick": magick_pixels(path, expected.shape)}
-        if expected.ndim == 2:
-            with Image.open(path) as image:
-                seen["Pillow"] = np.asarray(image)
-        for program, pixels in seen.items():
-            self.assertTrue(np.array_equal(pixels, expected), program)
+    def assert_equal(self, seen, expected, message=None):
+        self.assertTrue(np.array_equal(seen, expected), message)
 
-    def test_grey_map_to_16_bit_tiff(self):
-        pixels = self.floats(37, 53)
-        write_map(self.path("in.tif"), pixels)
-        self.assertEqual(call("convertTIFF16", self.path("in.tif"), 1, self.path("out.tif")), 0.0)
-        self.assert_levels(self.path("out.tif"), levels(pixels))
-
-    def test_colour_map_to_16_bit_tiff(self):
-        pixels = self.floats(29, 41, 3)
-        write_map(self.path("in.tif"), pixels)
-        self.assertEqual(call("convertTIFF16", self.path("in.tif"), 3, self.path("out.tif")), 0.0)
-        self.assert_levels(self.path("out.tif"), levels(pixels))
+    def test_maps_to_16_bit_tiff(self):
+        for channels, pixels in ((1, self.floats(37, 53)), (3, self.floats(29, 41, 3))):
+            out = self.converted("convertTIFF16", pixels, channels, "out.tif")
+            expected = levels(pixels)
+            self.assert_equal(tifffile.imread(out), expected, "tifffile")
+            self.assert_equal(magick_pixels(out, expected.shape), expected, "ImageMagick")
+            if channels == 1:  # Pillow opens no 16-bit RGB
+                with Image.open(out) as image:
+                    self.assert_equal(np.asarray(image), expected, "Pillow")
 
     def test_colour_map_to_one_channel_psd(self):
         pixels = self.floats(31, 31, 3)
-        write_map(self.path("in.tif"), pixels)
-        self.assertEqual(call("convertTIFF16", self.path("in.tif"), 4, self.path("out.psd")), 0.0)
-        seen = magick_pixels(self.path("out.psd"), (31, 31))
-        self.assertTrue(np.array_equal(seen, levels(pixels[:, :, 0])))
+        out = self.converted("convertTIFF16", pixels, 4, "out.psd")
+        self.assert_equal(magick_pixels(out, (31, 31)), levels(pixels[:, :, 0]))
 
     def test_first_channel_of_a_colour_map(self):
         pixels = self.floats(19, 23, 3)
-        write_map(self.path("in.tif"), pixels)
-        self.assertEqual(call("convertTIFFSingle", self.path("in.tif"), 0, self.path("out.tif")), 0)
-        self.assertTrue(np.array_equal(tifffile.imread(self.path("out.tif")), pixels[:, :, 0]))
-        with Image.open(self.path("out.tif")) as image:
-            self.assertTrue(np.array_equal(np.asarray(image), pixels[:, :, 0]))
+        out = self.converted("convertTIFFSingle", pixels, 0, "out.tif")
+        self.assert_equal(tifffile.imread(out), pixels[:, :, 0])
+        with Image.open(out) as image:
+            self.assert_equal(np.asarray(image), pixels[:, :, 0])
 
     def test_channel_swaps(self):
+        path = self.folder / "map.tif"
         for mode, order in ((1, [0, 2, 1]), (2, [2, 1, 0]), (3, [1, 0, 2])):
             pixels = self.bytes(17, 29, 3)
-            write_map(self.path("map.tif"), pixels)
-            self.assertEqual(call("swapRGBTIF", self.path("map.tif"), mode), 0.0)
-            with Image.open(self.path("map.tif")) as image:
-                self.assertTrue(np.array_equal(np.asarray(image), pixels[:, :, order]), mode)
+            write_map(path, pixels)
+            self.assertEqual(call("swapRGBTIF", path, mode), 0.0)
+            with Image.open(path) as image:
+                self.assert_equal(np.asarray(image), pixels[:, :, order], mode)
 
     def test_targa(self):
         for pixels in (self.bytes(13, 27, 3), self.bytes(13, 27)):
-            write_map(self.path("in.tif"), pixels)
-            self.assertEqual(call("saveAsTarga", self.path("in.tif"), 0, self.path("out.tga")), 0.0)
+            out = self.converted("saveAsTarga", pixels, 0, "out.tga")
             colour = pixels if pixels.ndim == 3 else np.repeat(pixels[:, :, None], 3, axis=2)
-            with Image.open(self.path("out.tga")) as image:
-                self.assertTrue(np.array_equal(np.asarray(image), colour))
-            seen = magick_pixels(self.path("out.tga"), colour.shape)
-            self.assertTrue(np.array_equal(seen, colour.astype(np.uint16) * 257))
+            with Image.open(out) as image:
+                self.assert_equal(np.asarray(image), colour)
+            self.assert_equal(magick_pixels(out, colour.shape), colour.astype(np.uint16) * 257)
 
     def test_merging(self):
         for kind in (np.uint8, np.uint16, np.float32):
             for shape in ((24, 40), (24, 40, 3)):
-                background = np.zeros(shape, kind)
-                tile, collected = background.copy(), background.copy()
+                tile, collected = np.zeros(shape, kind), np.zeros(shape, kind)
                 tile[2:12, 3:18] = 7
                 collected[8:20, 10:30] = 9
-                write_map(self.path("tile.tif"), tile)
-                write_map(self.path("all.tif"), collected)
-                self.assertEqual(call("mergeMapsTIF", self.path("tile.tif"), 0,
-                                      self.path("all.tif")), 0.0)
-                expected = np.where(collected == 0, tile, collected)
-                self.assertTrue(np.array_equal(tifffile.imread(self.path("all.tif")), expected))
+                write_map(self.folder / "all.tif", collected)
+                merged = self.converted("mergeMapsTIF", tile, 0, "all.tif")
+                self.assert_equal(tifffile.imread(merged), np.where(collected == 0, tile, collected))
 
 
 if __name__ == "__main__":

@@ -1,26 +1,16 @@
 #include "support/BmpFile.h"
 
-#include <algorithm>
 #include <numeric>
+
+#include "bytes/Bytes.h"
+#include "support/Append.h"
 
 namespace {
 
-constexpr std::size_t kHeaderBytes = 54;
+constexpr std::uint32_t kHeaderBytes = 54;
 
 std::size_t paddingAfter(std::size_t width) {
     return width % 4;  // 3 * width + width is a multiple of 4
-}
-
-void put(ByteList& bytes, std::size_t at, std::uint32_t value, int count) {
-    for (int i = 0; i < count; ++i)
-        bytes[at + static_cast<std::size_t>(i)] = static_cast<std::uint8_t>(value >> 8 * i);
-}
-
-std::uint32_t get32(const ByteList& bytes, std::size_t at) {
-    std::uint32_t value = 0;
-    for (std::size_t i = 0; i < 4; ++i)
-        value |= std::uint32_t{bytes.at(at + i)} << 8 * i;
-    return value;
 }
 
 }  // namespace
@@ -31,14 +21,15 @@ BmpFile::BmpFile(std::int32_t width, std::int32_t height)
       pixels_(3 * width_ * height_),
       headers_(kHeaderBytes) {
     std::iota(pixels_.begin(), pixels_.end(), std::uint8_t{1});
-    const std::size_t imageBytes = (3 * width_ + paddingAfter(width_)) * height_;
+    const auto imageBytes =
+        static_cast<std::uint32_t>((3 * width_ + paddingAfter(width_)) * height_);
     signature('B', 'M').claimPixelOffset(kHeaderBytes).claimSize(width, height).bitsPerPixel(24);
-    put(headers_, 2, static_cast<std::uint32_t>(kHeaderBytes + imageBytes), 4);
-    put(headers_, 14, 40, 4);
-    put(headers_, 26, 1, 2);
-    put(headers_, 34, static_cast<std::uint32_t>(imageBytes), 4);
-    put(headers_, 38, 2835, 4);
-    put(headers_, 42, 2835, 4);
+    storeLe32(&headers_[2], kHeaderBytes + imageBytes);
+    storeLe32(&headers_[14], 40);
+    storeLe16(&headers_[26], 1);
+    storeLe32(&headers_[34], imageBytes);
+    storeLe32(&headers_[38], 2835);
+    storeLe32(&headers_[42], 2835);
 }
 
 BmpFile& BmpFile::pixels(const ByteList& bytes) {
@@ -66,6 +57,13 @@ BmpFile& BmpFile::pixel(std::int32_t column, std::int32_t row, std::uint8_t blue
     return *this;
 }
 
+BmpFile& BmpFile::places() {
+    for (std::size_t at = 0; at < pixels_.size() / 3; ++at)
+        pixel(static_cast<std::int32_t>(at % width_), static_cast<std::int32_t>(at / width_),
+              static_cast<std::uint8_t>(at % width_), static_cast<std::uint8_t>(at / width_), 200);
+    return *this;
+}
+
 BmpFile& BmpFile::pixelOffset(std::uint32_t offset, std::uint8_t gap) {
     gap_.assign(offset - kHeaderBytes, gap);
     return claimPixelOffset(offset);
@@ -83,24 +81,24 @@ BmpFile& BmpFile::signature(char first, char second) {
 }
 
 BmpFile& BmpFile::bitsPerPixel(std::uint16_t bits) {
-    put(headers_, 28, bits, 2);
+    storeLe16(&headers_[28], bits);
     return *this;
 }
 
 BmpFile& BmpFile::claimSize(std::int32_t width, std::int32_t height) {
-    put(headers_, 18, static_cast<std::uint32_t>(width), 4);
-    put(headers_, 22, static_cast<std::uint32_t>(height), 4);
+    storeLe32(&headers_[18], static_cast<std::uint32_t>(width));
+    storeLe32(&headers_[22], static_cast<std::uint32_t>(height));
     return *this;
 }
 
 BmpFile& BmpFile::claimPixelOffset(std::uint32_t offset) {
-    put(headers_, 10, offset, 4);
+    storeLe32(&headers_[10], offset);
     return *this;
 }
 
 BmpFile::operator ByteList() const {
     ByteList file = headers_;
-    file.insert(file.end(), gap_.begin(), gap_.end());
+    append(file, gap_);
     const auto rowBytes = static_cast<std::ptrdiff_t>(3 * width_);
     for (auto row = pixels_.begin(); row != pixels_.end(); row += rowBytes) {
         file.insert(file.end(), row, row + rowBytes);
@@ -110,28 +108,19 @@ BmpFile::operator ByteList() const {
 }
 
 ByteList BmpFile::cut(std::size_t length) const {
-    ByteList file = *this;
-    file.resize(std::min(length, file.size()));
-    return file;
+    return firstBytes(*this, length);
 }
 
 ByteList bmpPixelsOf(const std::string& path) {
     const ByteList file = readBytes(path);
-    const std::size_t width = get32(file, 18);
-    const std::size_t height = get32(file, 22);
+    Bytes bytes{file.data(), file.size()};
+    const std::size_t width = bytes.le32(18);
+    const std::size_t height = bytes.le32(22);
     ByteList pixels;
     for (std::size_t row = 0; row < height; ++row) {
-        const std::size_t start = get32(file, 10) + row * (3 * width + paddingAfter(width));
+        const std::size_t start = bytes.le32(10) + row * (3 * width + paddingAfter(width));
         for (std::size_t i = 0; i < 3 * width; ++i)
             pixels.push_back(file.at(start + i));
     }
     return pixels;
-}
-
-std::int32_t bmpWidthOf(const std::string& path) {
-    return static_cast<std::int32_t>(get32(readBytes(path), 18));
-}
-
-std::int32_t bmpHeightOf(const std::string& path) {
-    return static_cast<std::int32_t>(get32(readBytes(path), 22));
 }

@@ -1,14 +1,14 @@
 #pragma once
-// Builds BMP files, right ones and wrong ones, and reads pixels back.
+// Builds BMP files, valid and invalid ones, and reads pixels back.
 
 #include <cstdint>
 #include <string>
 
 #include "support/TempDir.h"
 
-// An image of 24 bits a pixel with headers of 54 bytes. Pixels are given and returned as they lie
-// in the file: bottom row first, each blue, green, red; padding is left out. Until they are set,
-// the pixel bytes count up: 1, 2, 3 ... 255, 0, 1 ...
+// An image of 24 bits a pixel with headers of 54 bytes. Pixels are given and returned in the order
+// of the file: bottom row first, each blue, green, red, without padding. Until they are set, the
+// pixel bytes count up: 1, 2, 3 ... 255, 0, 1 ...
 class BmpFile {
 public:
     BmpFile(std::int32_t width, std::int32_t height);
@@ -17,6 +17,8 @@ public:
     BmpFile& plain(std::uint8_t blue, std::uint8_t green, std::uint8_t red);
     BmpFile& pixel(std::int32_t column, std::int32_t row, std::uint8_t blue, std::uint8_t green,
                    std::uint8_t red);
+    // Pixels that say where they are: blue is the column, green the row from the bottom, red 200.
+    BmpFile& places();
 
     // What the file holds between its headers and an offset beyond 54, and after each row.
     BmpFile& pixelOffset(std::uint32_t offset, std::uint8_t gap = 0);
@@ -42,6 +44,3 @@ private:
 
 // The pixels of a whole file, as BmpFile takes them.
 ByteList bmpPixelsOf(const std::string& path);
-
-std::int32_t bmpWidthOf(const std::string& path);
-std::int32_t bmpHeightOf(const std::string& path);

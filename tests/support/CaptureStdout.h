@@ -11,7 +11,7 @@ public:
     CaptureStdout& operator=(const CaptureStdout&) = delete;
     ~CaptureStdout();
 
-    // What has reached the descriptor so far; not what still waits in a stream's buffer.
+    // What has been written to the descriptor so far, without what a stream still buffers.
     std::string text() const;
 
 private:

@@ -1,5 +1,5 @@
 #pragma once
-// What every colour block begins with, letter by letter: the host looks for it.
+// What every colour block begins with, character by character: the host searches for it.
 
 #include <string>
 

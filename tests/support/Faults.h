@@ -9,7 +9,7 @@
 #include <filesystem>
 #include <iterator>
 
-// Root may write everything; this gives up that right. Folders must let others pass.
+// Root may write everything; this gives up that right. Folders must let others in.
 class WithoutRoot {
 public:
     WithoutRoot() : before_(::geteuid()) { become(before_ == 0 ? 65534 : before_); }

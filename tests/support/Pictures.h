@@ -1,6 +1,6 @@
 #pragma once
-// Pictures for encoders, made from arithmetic alone, so that they are the same everywhere. Pixels
-// lie as BmpFile takes them: bottom row first, each blue, green, red.
+// Pictures for encoders, made by arithmetic alone, so that they are the same everywhere. Pixels
+// are in BmpFile's order: bottom row first, each blue, green, red.
 
 #include <cstdint>
 

@@ -13,8 +13,8 @@ struct Arguments {
     char* buffer1 = nullptr;
 };
 
-// Loads the library at its birth and unloads it at its end, so that each test meets a library that
-// was never called.
+// Loads the library and unloads it at the end, so that each test has a library that was never
+// called.
 class Plugin {
 public:
     Plugin();
@@ -32,7 +32,7 @@ private:
     void* library_;
 };
 
-// A host's memory block: room for any path, holding a text. What a call does not write stays.
+// A host's memory block with a text: large enough for any path. What a call does not write stays.
 class Block {
 public:
     explicit Block(std::string_view text = "untouched");

@@ -1,6 +1,6 @@
 #pragma once
-// A PSD file in the making. Unless a setter says otherwise: version 1, 8-bit RGB of three channels,
-// no resources, no layers, no compression.
+// Builds PSD files. Unless a setter says otherwise: version 1, 8-bit RGB of three channels, no
+// resources, no layers, no compression.
 
 #include <array>
 #include <cstdint>
@@ -69,4 +69,6 @@ private:
 };
 
 // The bytes of a file from `offset` on; 40 is where the image data of a plain PSD file starts.
-ByteList imageData(const std::string& path, std::size_t offset = 40);
+inline ByteList imageData(const std::string& path, std::size_t offset = 40) {
+    return readBytes(path, offset);
+}

@@ -13,7 +13,7 @@ extern char** environ;
 
 namespace {
 
-// Where the program's outputs go: files, which never fill up as a pipe does.
+// Sends the program's outputs to files, which never fill up as a pipe does.
 class Redirections {
 public:
     explicit Redirections(const TempDir& dir) {

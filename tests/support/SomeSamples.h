@@ -1,5 +1,5 @@
 #pragma once
-// Made-up float samples for the tests of kernels.
+// Random float samples for the tests of kernels.
 
 #include <cstddef>
 #include <iterator>
@@ -7,8 +7,8 @@
 #include <random>
 #include <vector>
 
-// Samples in and out of the range of levels, on the borders between two, and ones that are no
-// numbers; runs of equal pixels between them.
+// Samples inside and outside the range of levels, halfway between two levels, infinite and NaN,
+// with runs of equal pixels between them.
 inline std::vector<float> someSamples(std::mt19937& random, std::size_t count,
                                       std::size_t channels) {
     const float infinity = std::numeric_limits<float>::infinity();

@@ -55,9 +55,10 @@ std::vector<std::string> TempDir::names() const {
     return found;
 }
 
-ByteList readBytes(const std::string& path) {
+ByteList readBytes(const std::string& path, std::size_t from) {
     std::ifstream in(path, std::ios::binary);
     EXPECT_TRUE(in.is_open()) << path;
+    in.seekg(static_cast<std::streamoff>(from));
     ByteList bytes;
     ByteList piece(16 << 10);
     do {
@@ -65,4 +66,9 @@ ByteList readBytes(const std::string& path) {
         bytes.insert(bytes.end(), piece.begin(), piece.begin() + in.gcount());
     } while (in);
     return bytes;
+}
+
+ByteList firstBytes(const ByteList& bytes, std::size_t count) {
+    const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(count, bytes.size()));
+    return {bytes.begin(), end};
 }

@@ -1,5 +1,5 @@
 #pragma once
-// A folder of its own for a test, removed with all it holds at the end.
+// A folder of its own for a test, removed with its contents at the end.
 
 #include <cstdint>
 #include <filesystem>
@@ -32,4 +32,8 @@ private:
     std::filesystem::path folder_;
 };
 
-ByteList readBytes(const std::string& path);
+// The bytes of a file from an offset on.
+ByteList readBytes(const std::string& path, std::size_t from = 0);
+
+// As many bytes as there are, `count` at most: a truncated file.
+ByteList firstBytes(const ByteList& bytes, std::size_t count);

@@ -9,8 +9,16 @@ constexpr std::uint16_t kLong = 4;
 
 constexpr std::size_t kFileHeader = 8;
 
-// The lists of 16-bit numbers that stand behind the directory: bits per sample, then sample format.
+// Each of the lists of 16-bit numbers after the directory: bits per sample, then sample format.
 constexpr std::size_t kListBytes = 6;
+
+template <typename Sample, typename Append>
+ByteList bytesOf(const std::vector<Sample>& samples, Append appendSample) {
+    ByteList bytes;
+    for (const Sample sample : samples)
+        appendSample(bytes, sample);
+    return bytes;
+}
 
 }  // namespace
 
@@ -27,31 +35,19 @@ TiffFile& TiffFile::pixels(std::uint32_t channels, std::uint32_t bits, std::uint
 }
 
 TiffFile& TiffFile::grey16(const std::vector<std::uint16_t>& samples) {
-    ByteList bytes;
-    for (const std::uint16_t sample : samples)
-        appendLe16(bytes, sample);
-    return pixels(1, 16, 1, bytes);
+    return pixels(1, 16, 1, bytesOf(samples, appendLe16));
 }
 
 TiffFile& TiffFile::rgb16(const std::vector<std::uint16_t>& samples) {
-    ByteList bytes;
-    for (const std::uint16_t sample : samples)
-        appendLe16(bytes, sample);
-    return pixels(3, 16, 1, bytes);
+    return pixels(3, 16, 1, bytesOf(samples, appendLe16));
 }
 
 TiffFile& TiffFile::grey32(const std::vector<float>& samples) {
-    ByteList bytes;
-    for (const float sample : samples)
-        appendLeFloat(bytes, sample);
-    return pixels(1, 32, 3, bytes);
+    return pixels(1, 32, 3, bytesOf(samples, appendLeFloat));
 }
 
 TiffFile& TiffFile::rgb32(const std::vector<float>& samples) {
-    ByteList bytes;
-    for (const float sample : samples)
-        appendLeFloat(bytes, sample);
-    return pixels(3, 32, 3, bytes);
+    return pixels(3, 32, 3, bytesOf(samples, appendLeFloat));
 }
 
 TiffFile& TiffFile::entry(std::uint16_t tag, std::uint32_t count, std::uint32_t value) {
@@ -73,7 +69,7 @@ std::size_t TiffFile::directoryOffset() const {
     return kFileHeader + (order_ == Order::kPixelsFirst ? pixels_.size() : 0);
 }
 
-// With the lists behind it.
+// With the lists after it.
 std::size_t TiffFile::directoryBytes() const {
     std::set<std::uint16_t> tags = {256, 257, 258, 259, 262, 273, 277, 278, 279, 284, 339};
     for (const auto& [tag, entry] : bent_)
@@ -92,7 +88,7 @@ TiffFile::Entries TiffFile::entries() const {
         static_cast<std::uint32_t>(directoryOffset() + directoryBytes() - 2 * kListBytes);
     const bool colour = channels_ == 3;
     Entries entries = bent_;
-    // What a test has bent stands already; insert leaves it alone.
+    // insert keeps the entries that a test has set.
     entries.insert({
         {256, {kShort, 1, width_}},
         {257, {kShort, 1, length_}},
@@ -136,7 +132,5 @@ ByteList TiffFile::bytes() const {
 }
 
 ByteList pixelsOf(const std::string& path, const TiffFile& built) {
-    const ByteList bytes = readBytes(path);
-    const auto start = bytes.begin() + static_cast<std::ptrdiff_t>(built.pixelOffset());
-    return {start, start + static_cast<std::ptrdiff_t>(built.pixelBytes())};
+    return firstBytes(readBytes(path, built.pixelOffset()), built.pixelBytes());
 }

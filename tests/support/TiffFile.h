@@ -1,5 +1,5 @@
 #pragma once
-// Builds TIFF maps as Morvane writes them, with every part open to bending.
+// Builds TIFF maps as the host writes them; a test can change every field.
 
 #include <cstdint>
 #include <map>
@@ -11,9 +11,8 @@
 
 class TiffFile {
 public:
-    // Where the pixels lie: right behind the file header, the directory after them, so that even a
-    // tiny map's strip starts below its own length; or behind the directory, which starts at
-    // byte 8.
+    // Where the pixels are: right after the file header, before the directory, so that even a tiny
+    // map's strip starts below its own length; or after the directory, which starts at byte 8.
     enum class Order { kPixelsFirst, kDirectoryFirst };
 
     TiffFile(std::uint32_t width, std::uint32_t length, Order order = Order::kPixelsFirst);
@@ -25,14 +24,15 @@ public:
     TiffFile& grey32(const std::vector<float>& samples);
     TiffFile& rgb32(const std::vector<float>& samples);
 
-    // Sets, replaces or takes away a directory entry.
+    // Sets, replaces or removes a directory entry.
     TiffFile& entry(std::uint16_t tag, std::uint32_t count, std::uint32_t value);
     TiffFile& without(std::uint16_t tag);
     // The number of entries that the directory claims.
     TiffFile& claimEntries(std::uint16_t count);
 
     ByteList bytes() const;
-    // Where the pixels lie in bytes().
+    operator ByteList() const { return bytes(); }
+    // Where the pixels are in bytes().
     std::size_t pixelOffset() const;
     std::size_t pixelBytes() const { return pixels_.size(); }
 

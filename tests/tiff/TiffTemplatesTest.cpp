@@ -3,22 +3,25 @@
 
 #include <gtest/gtest.h>
 
-#include "support/TempDir.h"
+#include "bytes/Bytes.h"
+#include "support/Append.h"
 
 namespace {
-
-ByteList joined(std::initializer_list<ByteList> parts) {
-    ByteList all;
-    for (const ByteList& part : parts)
-        all.insert(all.end(), part.begin(), part.end());
-    return all;
-}
 
 // "II", 42, the directory at byte 8.
 const ByteList kStart = {0x49, 0x49, 0x2A, 0x00, 0x08, 0x00, 0x00, 0x00};
 // 720000/10000, twice.
 const ByteList kResolutions = {0x80, 0xFC, 0x0A, 0x00, 0x10, 0x27, 0x00, 0x00,
                                0x80, 0xFC, 0x0A, 0x00, 0x10, 0x27, 0x00, 0x00};
+
+// A header of these entries, and the lists of values after the resolutions.
+ByteList headerOf(const ByteList& entries, const ByteList& lists = {}) {
+    ByteList header = kStart;
+    append(header, entries);
+    append(header, kResolutions);
+    append(header, lists);
+    return header;
+}
 
 TEST(TiffTemplates, AGreySixteenBitMapHasAHeaderOf198Bytes) {
     const ByteList entries = {
@@ -41,7 +44,7 @@ TEST(TiffTemplates, AGreySixteenBitMapHasAHeaderOf198Bytes) {
     };
     const ByteList header = greyTiffHeader16();
     EXPECT_EQ(header.size(), 198u);
-    EXPECT_EQ(header, joined({kStart, entries, kResolutions}));
+    EXPECT_EQ(header, headerOf(entries));
 }
 
 TEST(TiffTemplates, AColourSixteenBitMapHasAHeaderOf234Bytes) {
@@ -68,7 +71,7 @@ TEST(TiffTemplates, AColourSixteenBitMapHasAHeaderOf234Bytes) {
     const ByteList lists = {16, 0, 16, 0, 16, 0, 1, 0, 1, 0, 1, 0};
     const ByteList header = rgbTiffHeader16();
     EXPECT_EQ(header.size(), 234u);
-    EXPECT_EQ(header, joined({kStart, entries, kResolutions, lists}));
+    EXPECT_EQ(header, headerOf(entries, lists));
 }
 
 TEST(TiffTemplates, AGreyPsdHasAHeaderOf40Bytes) {
@@ -100,18 +103,15 @@ TEST(TiffTemplates, AGreyFloatMapHasAHeaderOf222Bytes) {
     const ByteList halves = {0, 0, 0, 0x3F, 0, 0, 0, 0x3F, 0, 0, 0, 0x3F};
     const ByteList header = greyTiffHeaderFloat(4096, 4096, 67108864);
     EXPECT_EQ(header.size(), 222u);
-    EXPECT_EQ(header, joined({kStart, entries, kResolutions, halves}));
+    EXPECT_EQ(header, headerOf(entries, halves));
 }
 
 TEST(TiffTemplates, AFloatMapsSizesAreItsOwn) {
     ByteList expected = greyTiffHeaderFloat(4096, 4096, 67108864);
-    const auto set = [&](std::size_t at, ByteList bytes) {
-        std::copy(bytes.begin(), bytes.end(), expected.begin() + static_cast<std::ptrdiff_t>(at));
-    };
-    set(30, {0x2C, 0x01, 0, 0});   // width 300
-    set(42, {0x02, 0x00, 0, 0});   // length 2
-    set(114, {0x02, 0x00, 0, 0});  // rows per strip 2
-    set(126, {0x60, 0x09, 0, 0});  // 2400 bytes
+    storeLe16(&expected[30], 300);   // width
+    storeLe16(&expected[42], 2);     // length
+    storeLe16(&expected[114], 2);    // rows per strip
+    storeLe32(&expected[126], 2400);  // bytes
     EXPECT_EQ(greyTiffHeaderFloat(300, 2, 2400), expected);
 }
 
