@@ -1,5 +1,4 @@
-// ImageMagick as the peer: it writes the images that go in, opens those that come out, and does the
-// same work its own way.
+// ImageMagick writes the inputs, reads the outputs and does the same work in its own way.
 
 #include <gtest/gtest.h>
 
@@ -60,7 +59,7 @@ TEST_F(BmpImageMagick, AgreesOnAThumbnail) {
     EXPECT_EQ(picture("map.bmp"), picture("peer.png"));
 }
 
-// Three tiles on grey: ImageMagick draws each alone, and all of them in one picture.
+// Three tiles on grey: ImageMagick draws each by itself, and all of them in one picture.
 TEST_F(BmpImageMagick, AgreesOnAMapOfThreeTiles) {
     const std::string grey = "-size 61x40 xc:'#808080' +antialias ";
     const std::string tiles[] = {"-fill '#ff0000' -draw 'rectangle 0,0 29,19' ",

@@ -1,10 +1,12 @@
 #include <gmock/gmock.h>
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <filesystem>
 
 #include "bmp/BmpHeader.h"
 #include "bmp/BmpOps.h"
+#include "export/Quillon.h"
 #include "support/BmpFile.h"
 #include "support/Faults.h"
 
@@ -17,7 +19,7 @@ constexpr std::int32_t kLargest = 2147483647;
 
 class BmpThumb : public testing::Test {
 protected:
-    float shrink(const ByteList& image, std::int32_t size) {
+    float shrink(const ByteList& image, std::int32_t size) const {
         dir_.write("map.bmp", image);
         return createBMPthumb(map().c_str(), size);
     }
@@ -26,38 +28,31 @@ protected:
     const TempDir dir_;
 };
 
-TEST_F(BmpThumb, AWideImageIsSizePixelsWide) {
+TEST_F(BmpThumb, TheLongerSideTakesTheSize) {
     EXPECT_EQ(shrink(BmpFile(4, 2).padding(0xEE), 2), 0.0f);
     EXPECT_EQ(readBytes(map()), ByteList(BmpFile(2, 1).pixels({1, 2, 3, 7, 8, 9})));
-}
-
-TEST_F(BmpThumb, ATallImageIsSizePixelsHigh) {
     EXPECT_EQ(shrink(BmpFile(2, 4).padding(0xEE), 2), 0.0f);
     EXPECT_EQ(readBytes(map()), ByteList(BmpFile(1, 2).pixels({1, 2, 3, 13, 14, 15})));
-}
-
-TEST_F(BmpThumb, ASquareImageGivesASquare) {
     EXPECT_EQ(shrink(BmpFile(4, 4), 2), 0.0f);
     EXPECT_EQ(readBytes(map()),
               ByteList(BmpFile(2, 2).pixels({1, 2, 3, 7, 8, 9, 25, 26, 27, 31, 32, 33})));
 }
 
-TEST_F(BmpThumb, TakesEveryEighthPixelOfALargeMap) {
-    BmpFile large(2048, 1024);
-    BmpFile small(256, 128);
-    for (std::int32_t row = 0; row < 128; ++row) {
-        for (std::int32_t column = 0; column < 256; ++column) {
-            const auto blue = static_cast<std::uint8_t>(column);
-            const auto green = static_cast<std::uint8_t>(row);
-            large.pixel(8 * column, 8 * row, blue, green, 200);
-            small.pixel(column, row, blue, green, 200);
-        }
-    }
-    EXPECT_EQ(shrink(large, 256), 0.0f);
-    EXPECT_TRUE(readBytes(map()) == ByteList(small));
+// The export truncates its value.
+TEST_F(BmpThumb, TheSizeIsTheTruncatedValue) {
+    const auto call = [&](double value) {
+        return CreateThumbnailBMP(map().c_str(), value, nullptr, 0, nullptr, 0, nullptr);
+    };
+    dir_.write("map.bmp", BmpFile(4, 4));
+    for (const double value : {0.9, -0.9, -5.0, -1e300, double{NAN}})
+        EXPECT_EQ(call(value), -9.0f) << value;
+    EXPECT_EQ(call(1e300), 0.0f);  // larger than the image
+    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 4)));
+    EXPECT_EQ(call(2.9), 0.0f);
+    EXPECT_THAT(bmpPixelsOf(map()), ElementsAre(1, 2, 3, 7, 8, 9, 25, 26, 27, 31, 32, 33));
 }
 
-// The copy takes the image's place while that is still read: this one is written in several pieces.
+// The copy is written over the image while that is still read: this one in several pieces.
 TEST_F(BmpThumb, ALargeCopyIsWrittenOverTheImageItShows) {
     constexpr std::size_t kSide = 1000;
     const auto byteAt = [](std::size_t row, std::size_t at) {
@@ -79,26 +74,19 @@ TEST_F(BmpThumb, ALargeCopyIsWrittenOverTheImageItShows) {
 }
 
 TEST_F(BmpThumb, AFractionalStepTakesThePixelsBelow) {
-    BmpFile image(5, 5);
-    for (std::int32_t row = 0; row < 5; ++row) {
-        for (std::int32_t column = 0; column < 5; ++column)
-            image.pixel(column, row, static_cast<std::uint8_t>(column),
-                        static_cast<std::uint8_t>(row), 200);
-    }
-    EXPECT_EQ(shrink(image, 3), 0.0f);  // 0, 1.67 and 3.33
+    EXPECT_EQ(shrink(BmpFile(5, 5).places(), 3), 0.0f);  // 0, 1.67 and 3.33
     EXPECT_THAT(bmpPixelsOf(map()), ElementsAre(0, 0, 200, 1, 0, 200, 3, 0, 200, 0, 1, 200, 1, 1,
                                                 200, 3, 1, 200, 0, 3, 200, 1, 3, 200, 3, 3, 200));
 }
 
 // Nine times 4/3 is 12; the float sum of nine steps stays just below.
 TEST_F(BmpThumb, StepsAreSummedUpAsFloats) {
-    BmpFile image(16, 2);
-    for (std::int32_t column = 0; column < 16; ++column)
-        image.pixel(column, 0, static_cast<std::uint8_t>(column), 0, 0);
-    EXPECT_EQ(shrink(image, 12), 0.0f);
-    EXPECT_THAT(bmpPixelsOf(map()),
-                ElementsAre(0, 0, 0, 1, 0, 0, 2, 0, 0, 4, 0, 0, 5, 0, 0, 6, 0, 0, 8, 0, 0, 9, 0, 0,
-                            10, 0, 0, 11, 0, 0, 13, 0, 0, 14, 0, 0));
+    EXPECT_EQ(shrink(BmpFile(16, 2).places(), 12), 0.0f);
+    BmpFile expected(12, 1);
+    std::int32_t column = 0;
+    for (const std::uint8_t shown : ByteList{0, 1, 2, 4, 5, 6, 8, 9, 10, 11, 13, 14})
+        expected.pixel(column++, 0, shown, 0, 200);
+    EXPECT_EQ(readBytes(map()), ByteList(expected));
 }
 
 TEST_F(BmpThumb, AnImageWithBothSidesBelowTheSizeStaysAsItIs) {
@@ -121,66 +109,45 @@ TEST_F(BmpThumb, TheFilesLastPixelIsBlack) {
     EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 4).pixel(3, 3, 0, 0, 0)));
 }
 
-TEST_F(BmpThumb, MissingPixelsAreBlack) {
-    EXPECT_EQ(shrink(BmpFile(4, 4).cut(54 + 24 + 5), 2), 0.0f);
-    EXPECT_EQ(readBytes(map()),
-              ByteList(BmpFile(2, 2).pixels({1, 2, 3, 7, 8, 9, 25, 26, 27, 0, 0, 0})));
-    EXPECT_EQ(shrink(BmpFile(4, 4).cut(54 + 2), 2), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(2, 2).plain(0, 0, 0)));
-    EXPECT_EQ(shrink(BmpFile(4, 4).cut(54), 2), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(2, 2).plain(0, 0, 0)));
-}
-
 TEST_F(BmpThumb, KeepsTheOtherHeaderBytesAndTheGapBeforeThePixels) {
-    ByteList before = BmpFile(2, 2).pixelOffset(60, 0xAB);
-    for (const std::size_t at : {6u, 14u, 26u, 28u, 30u, 38u, 50u})
-        before[at] = static_cast<std::uint8_t>(at);
-    EXPECT_EQ(shrink(before, 1), 0.0f);
-
-    ByteList expected = BmpFile(1, 1).pixels({1, 2, 3}).pixelOffset(60, 0xAB);
+    const auto file = [](BmpFile image) {
+        ByteList bytes = image.pixelOffset(60, 0xAB);
+        for (const std::size_t at : {6u, 14u, 26u, 28u, 30u, 38u, 50u})
+            bytes[at] = static_cast<std::uint8_t>(at);
+        return bytes;
+    };
+    EXPECT_EQ(shrink(file(BmpFile(2, 2)), 1), 0.0f);
+    ByteList expected = file(BmpFile(1, 1).pixels({1, 2, 3}));
     expected[2] = 64;  // the file size, which the builder gives for pixels at 54
-    for (const std::size_t at : {6u, 14u, 26u, 28u, 30u, 38u, 50u})
-        expected[at] = static_cast<std::uint8_t>(at);
     EXPECT_EQ(readBytes(map()), expected);
 }
 
-TEST_F(BmpThumb, AThinImageLosesItsRows) {
-    EXPECT_EQ(shrink(BmpFile(8, 1), 4), 0.0f);  // half a row
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 0)));
-    EXPECT_EQ(shrink(BmpFile(1, 8), 4), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(0, 4)));
-}
-
-TEST_F(BmpThumb, ATopDownImageHasNoRows) {
-    EXPECT_EQ(shrink(BmpFile(8, 8).claimSize(8, -8), 4), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 0).claimSize(4, -4)));
-    const ByteList before = BmpFile(8, 8).claimSize(8, -8);
-    EXPECT_EQ(shrink(before, 9), 0.0f);
-    EXPECT_EQ(readBytes(map()), before);
-}
-
-TEST_F(BmpThumb, AnImageWithoutColumnsKeepsItsHeadersAlone) {
-    EXPECT_EQ(shrink(BmpFile(4, 4).claimSize(-8, 8), 4), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(-4, 4)));
-    EXPECT_EQ(shrink(BmpFile(4, 4).claimSize(0, 8), 4), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(0, 4)));
-    EXPECT_EQ(shrink(BmpFile(4, 4).claimSize(0, kLargest), kLargest), 0.0f);
-    EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(0, kLargest)));
-}
-
-TEST_F(BmpThumb, RefusesASizeOfZeroOrBelow) {
-    const ByteList before = BmpFile(4, 4);
-    for (const std::int32_t size : {0, -1, -kLargest - 1}) {
-        EXPECT_EQ(shrink(before, size), -9.0f);
-        EXPECT_EQ(readBytes(map()), before) << size;
-        EXPECT_EQ(createBMPthumb(dir_.path("none.bmp").c_str(), size), -9.0f);
+// Thin ones, which are left half a row, top-down ones, and ones without columns.
+TEST_F(BmpThumb, ImagesWithoutPixelsBecomeHeadersAlone) {
+    const struct {
+        ByteList image;
+        std::int32_t size, width, height;
+    } rows[] = {
+        {BmpFile(8, 1), 4, 4, 0},
+        {BmpFile(1, 8), 4, 0, 4},
+        {BmpFile(8, 8).claimSize(8, -8), 4, 4, -4},
+        {BmpFile(4, 4).claimSize(-8, 8), 4, -4, 4},
+        {BmpFile(4, 4).claimSize(0, 8), 4, 0, 4},
+        {BmpFile(4, 4).claimSize(0, kLargest), kLargest, 0, kLargest},
+    };
+    for (const auto& row : rows) {
+        EXPECT_EQ(shrink(row.image, row.size), 0.0f);
+        EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(row.width, row.height)));
     }
 }
 
-TEST_F(BmpThumb, RefusesAResultOfMoreThanFourGigabytes) {
+TEST_F(BmpThumb, RefusesASizeOfZeroOrBelowAndAResultOfMoreThanFourGigabytes) {
     const struct {
         std::int32_t width, height, size;
-    } rows[] = {{kLargest, kLargest, kLargest},
+    } rows[] = {{4, 4, 0},
+                {4, 4, -1},
+                {4, 4, -kLargest - 1},
+                {kLargest, kLargest, kLargest},
                 {kLargest, 1, kLargest},
                 {1, kLargest, kLargest},
                 {40000, 40000, 40000}};
@@ -189,15 +156,16 @@ TEST_F(BmpThumb, RefusesAResultOfMoreThanFourGigabytes) {
         EXPECT_EQ(shrink(before, row.size), -9.0f);
         EXPECT_EQ(readBytes(map()), before) << row.width << " x " << row.height;
     }
+    EXPECT_EQ(createBMPthumb(nullptr, 0), -9.0f);
 }
 
-// Rows of black that the file only promises are not written one by one.
-TEST_F(BmpThumb, PromisedRowsTakeNoMemory) {
+// Rows that the file only claims are black and not written one by one.
+TEST_F(BmpThumb, ClaimedRowsTakeNoMemory) {
     EXPECT_EQ(shrink(BmpFile(4, 1).claimSize(10000, 10000), 10000), 0.0f);
     EXPECT_EQ(std::filesystem::file_size(map()), 300000054u);
 }
 
-TEST_F(BmpThumb, TellsWhatIsWrongAndLeavesTheFileAsItIs) {
+TEST_F(BmpThumb, ReportsWhatIsWrongAndLeavesTheFileAsItIs) {
     const struct {
         const char* what;
         ByteList file;
@@ -216,18 +184,17 @@ TEST_F(BmpThumb, TellsWhatIsWrongAndLeavesTheFileAsItIs) {
     }
 }
 
-TEST_F(BmpThumb, TellsThatTheFileCannotBeOpened) {
-    EXPECT_EQ(createBMPthumb(dir_.path("none.bmp").c_str(), 4), -1.0f);
+TEST_F(BmpThumb, ReportsThatTheFileCannotBeOpened) {
+    EXPECT_EQ(createBMPthumb(map().c_str(), 4), -1.0f);
     EXPECT_EQ(createBMPthumb(nullptr, 4), -1.0f);
-    EXPECT_EQ(createBMPthumb(dir_.path().c_str(), 4), -1.0f);
-    EXPECT_FALSE(dir_.has("none.bmp"));
+    EXPECT_FALSE(dir_.has("map.bmp"));
 }
 
 TEST_F(BmpThumb, AFileThatCannotBeWrittenStaysAsItIsWithoutAStatus) {
     const ByteList before = BmpFile(4, 4);
     dir_.write("map.bmp", before);
-    std::filesystem::permissions(dir_.path(), static_cast<perms>(0755));
-    std::filesystem::permissions(map(), static_cast<perms>(0444));
+    std::filesystem::permissions(dir_.path(), perms{0755});
+    std::filesystem::permissions(map(), perms{0444});
     {
         const WithoutRoot user;
         EXPECT_EQ(createBMPthumb(map().c_str(), 2), 0.0f);
@@ -253,8 +220,8 @@ TEST_F(BmpThumb, HoldsNothingAfterwards) {
     EXPECT_EQ(openFiles(), before);
 }
 
-// The copy ends within the old image, whose rows above must not show: 320 of its 640 rows have a row
-// of the file to show.
+// The copy ends within the old image, whose rows must not show through: 320 of the copy's 640 rows
+// have a row of the file to show.
 TEST_F(BmpThumb, BlackCoversTheOldImage) {
     const ByteList lowerHalf =
         BmpFile(800, 800).plain(9, 9, 9).cut(54 + std::size_t{400} * 800 * 3);

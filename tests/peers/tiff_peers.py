@@ -119,7 +119,8 @@ class TiffPeers(unittest.TestCase):
                 collected[8:20, 10:30] = 9
                 write_map(self.folder / "all.tif", collected)
                 merged = self.converted("mergeMapsTIF", tile, 0, "all.tif")
-                self.assert_equal(tifffile.imread(merged), np.where(collected == 0, tile, collected))
+                expected = np.where(collected == 0, tile, collected)
+                self.assert_equal(tifffile.imread(merged), expected)
 
 
 if __name__ == "__main__":
