@@ -20,17 +20,11 @@ ByteList bytesOfBmpV() {
 }
 
 // A float holds every integer up to 16777216 = 2^24; beyond, an odd one is rounded to a multiple
-// of 4.
+// of 4: 3 x 5592405 is 16777215, 3 x 5592407 is 16777221, which becomes 16777220.
 TEST(GetPadding, BringsRowsToAMultipleOfFourInSinglePrecision) {
     const std::pair<std::int32_t, std::uint32_t> rows[] = {
-        {0, 0},    {1, 1},    {2, 2},
-        {3, 3},    {4, 0},    {5, 1},
-        {1023, 3}, {4096, 0}, {-3, 0},
-        {5592405, 1},     // 16777215 bytes
-        {5592406, 2},     // 16777218
-        {5592407, 0},     // 16777221, rounded to 16777220
-        {2147483647, 0},
-    };
+        {0, 0},    {1, 1},  {2, 2},       {3, 3},       {4, 0},       {5, 1},         {1023, 3},
+        {4096, 0}, {-3, 0}, {5592405, 1}, {5592406, 2}, {5592407, 0}, {2147483647, 0}};
     for (const auto& [width, padding] : rows)
         EXPECT_EQ(getPadding(width), padding) << width;
 }

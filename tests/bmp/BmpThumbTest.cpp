@@ -102,8 +102,8 @@ TEST_F(BmpThumb, OneSideOfTheSizeIsEnoughToRewrite) {
     EXPECT_EQ(readBytes(map()), ByteList(BmpFile(3, 2)));
 }
 
-// A pixel counts as there only when the file goes on behind it; in rows without padding the top
-// right one is the file's end.
+// A pixel counts only when the file has a byte after it; in rows without padding the top right one
+// is the end of the file.
 TEST_F(BmpThumb, TheFilesLastPixelIsBlack) {
     EXPECT_EQ(shrink(BmpFile(4, 4), 4), 0.0f);
     EXPECT_EQ(readBytes(map()), ByteList(BmpFile(4, 4).pixel(3, 3, 0, 0, 0)));

@@ -4,7 +4,6 @@
 #include <filesystem>
 #include <utility>
 
-#include "bmp/BmpHeader.h"
 #include "bmp/BmpOps.h"
 #include "support/Append.h"
 #include "support/BmpFile.h"
@@ -209,14 +208,6 @@ TEST_F(MergeBmp, AFullDiskEndsTheMergeWithoutAStatus) {
     }
     EXPECT_THAT(bmpPixelsOf(map()), testing::ElementsAre(1, 2, 3, 4, 5, 6, 1, 2, 3, 1, 2, 3,  //
                                                          1, 2, 3, 1, 2, 3));
-}
-
-TEST_F(MergeBmp, HoldsOnlyTheSourcesFirstBytesAfterwards) {
-    EXPECT_EQ(merge(BmpFile(400, 400), BmpFile(400, 400)), 0.0f);
-    EXPECT_EQ(bmpV.size, 100u);
-    EXPECT_EQ(merge(BmpFile(1, 2), BmpFile(1, 2)), 0.0f);
-    EXPECT_EQ(bmpV.size, 62u);
-    EXPECT_EQ(bmpHdr.height, 2);
 }
 
 TEST_F(MergeBmp, LeavesNoFileOpen) {

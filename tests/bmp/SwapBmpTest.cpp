@@ -31,14 +31,10 @@ protected:
 
 TEST_F(SwapBmp, EachModeExchangesTwoChannelsAndAnyOtherNone) {
     const std::pair<std::int32_t, ByteList> rows[] = {
-        {1, {2, 1, 3, 5, 4, 6}},
-        {2, {3, 2, 1, 6, 5, 4}},
-        {3, {1, 3, 2, 4, 6, 5}},
-        {0, {1, 2, 3, 4, 5, 6}},
-        {4, {1, 2, 3, 4, 5, 6}},
-        {-1, {1, 2, 3, 4, 5, 6}},
-        {kLargest, {1, 2, 3, 4, 5, 6}},
-        {-kLargest - 1, {1, 2, 3, 4, 5, 6}},
+        {1, {2, 1, 3, 5, 4, 6}},        {2, {3, 2, 1, 6, 5, 4}},
+        {3, {1, 3, 2, 4, 6, 5}},        {0, {1, 2, 3, 4, 5, 6}},
+        {4, {1, 2, 3, 4, 5, 6}},        {-1, {1, 2, 3, 4, 5, 6}},
+        {kLargest, {1, 2, 3, 4, 5, 6}}, {-kLargest - 1, {1, 2, 3, 4, 5, 6}},
     };
     for (const auto& [mode, pixels] : rows) {
         EXPECT_EQ(swap(BmpFile(2, 1).padding(0xEE), mode), 0.0f) << mode;

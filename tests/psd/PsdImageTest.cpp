@@ -33,31 +33,18 @@ TEST(PsdHeader, FieldsAreBigEndian) {
     EXPECT_EQ(fHeader.compression, 0);
 }
 
-TEST(PsdHeader, ImageDataFollowsResourcesAndLayers) {
-    EXPECT_EQ(headerStatus(PsdFile(1, 1)), 0.0f);
-    EXPECT_EQ(offst, 40);
-    EXPECT_EQ(headerStatus(PsdFile(1, 1).resources(12)), 0.0f);
-    EXPECT_EQ(offst, 52);
-    EXPECT_EQ(headerStatus(PsdFile(1, 1).resources(12).layers(200)), 0.0f);
-    EXPECT_EQ(offst, 252);
-}
-
-TEST(PsdHeader, ReservedBytesMayHoldAnything) {
-    EXPECT_EQ(headerStatus(PsdFile(1, 1).reserved(0xFF)), 0.0f);
-}
-
 TEST(PsdHeader, FirstRefusedFieldGivesTheStatus) {
-    EXPECT_EQ(headerStatus(PsdFile(1, 1).signature("8BPB")), -1.0f);
     EXPECT_EQ(headerStatus(PsdFile(1, 1).signature("8bps").version(2)), -1.0f);
-    EXPECT_EQ(headerStatus(PsdFile(1, 1).version(2)), -2.0f);
     EXPECT_EQ(headerStatus(PsdFile(1, 1).version(0x0100).colourTable(768)), -2.0f);
     EXPECT_EQ(headerStatus(PsdFile(1, 1).colourTable(768).compression(1)), -3.0f);
-    EXPECT_EQ(headerStatus(PsdFile(1, 1).compression(1)), -4.0f);
     EXPECT_EQ(headerStatus(PsdFile(1, 1).compression(0x0100)), -4.0f);
 }
 
-TEST(PsdHeader, OffsetStopsWhereTheReadingStops) {
+TEST(PsdHeader, OffsetIsThatOfTheImageDataOrWhereTheReadingStopped) {
     headerStatus(PsdFile(1, 1));
+    EXPECT_EQ(offst, 40);
+    headerStatus(PsdFile(1, 1).resources(12).layers(200));
+    EXPECT_EQ(offst, 252);
     headerStatus(PsdFile(1, 1).version(2));
     EXPECT_EQ(offst, 0);
     headerStatus(PsdFile(1, 1).colourTable(768));
@@ -84,45 +71,29 @@ TEST(PsdHeader, BlocksLongerThanTheFileAreRefused) {
     }
 }
 
-TEST(PsdHeader, EveryTruncatedHeaderIsRefused) {
-    const ByteList whole = PsdFile(1, 1).resources(3).layers(2);
-    ASSERT_EQ(whole.size(), 45u);
-    for (std::size_t length = 0; length < whole.size(); ++length) {
-        const auto end = whole.begin() + static_cast<std::ptrdiff_t>(length);
-        std::vector<std::uint8_t>(whole.begin(), end).swap(img);
-        EXPECT_EQ(readPSDHeader(), -1.0f) << length;
-    }
-    EXPECT_EQ(headerStatus(whole), 0.0f);
-}
-
-TEST(PsdReaders, NumbersAreBigEndian) {
+TEST(PsdReaders, NumbersAreBigEndianAndZeroPastTheEnd) {
     img = {0xFF, 0xFE, 0x01, 0x02};
     EXPECT_EQ(readShort(0), -2);
     EXPECT_EQ(readShort(2), 258);
+    EXPECT_EQ(readShort(4), 0);
     EXPECT_EQ(readLong(0), 0xFFFE0102u);
+    EXPECT_EQ(readLong(2), 0x01020000u);
 }
 
-TEST(PsdReaders, FloatsAreTheOtherWayRoundThanTheirNames) {
+TEST(PsdReaders, FloatsHaveTheOtherByteOrderThanTheirNames) {
     img = {0x3F, 0x80, 0x00, 0x00, 0x00, 0x00, 0x20, 0xC1};
     EXPECT_EQ(readFloatLE(0), 1.0f);
     EXPECT_EQ(readFloat(4), -10.0f);
 }
 
-TEST(PsdReaders, WritersStoreTheHighByteFirstAndReturnTheValue) {
-    img = {9, 9, 9, 9, 9, 9};
+TEST(PsdReaders, WritersStoreTheHighByteFirstAndNothingThatDoesNotFit) {
+    std::vector<std::uint8_t>(6, 9).swap(img);
     EXPECT_EQ(writeShort(0, 0x12345), 0x12345);
     EXPECT_EQ(writeLong(2, 0x01020304), 0x01020304u);
-    EXPECT_THAT(img, testing::ElementsAre(0x23, 0x45, 1, 2, 3, 4));
-}
-
-TEST(PsdReaders, PlacesPastTheEndReadAsZeroAndAreNotStored) {
-    std::vector<std::uint8_t>{1, 2, 3}.swap(img);
-    EXPECT_EQ(readLong(1), 0x02030000u);
-    EXPECT_EQ(readShort(3), 0);
-    writeLong(0, 0xFFFFFFFF);
-    writeShort(2, -1);
+    writeLong(3, 0xFFFFFFFF);
+    writeShort(5, -1);
     writeShort(SIZE_MAX, -1);
-    EXPECT_THAT(img, testing::ElementsAre(1, 2, 3));
+    EXPECT_THAT(img, testing::ElementsAre(0x23, 0x45, 1, 2, 3, 4));
 }
 
 TEST(PsdReaders, TheProcessorIsLittleEndian) {
@@ -148,7 +119,7 @@ TEST(PsdState, AFileThatCannotBeOpenedLeavesTheLoadedOne) {
     EXPECT_THAT(img, testing::ElementsAre(1, 2));
 }
 
-// Whatever the status: done, refused header, wrong kind, planes missing, output not writable.
+// Whatever the status: done, refused header, planes missing, wrong kind, output not writable.
 TEST(PsdState, NothingStaysLoadedAfterAnOperation) {
     const TempDir dir;
     const std::string good = dir.write("good", PsdFile(1, 1).pixels({{1, 2, 3}}));
@@ -157,16 +128,15 @@ TEST(PsdState, NothingStaysLoadedAfterAnOperation) {
     const std::string grey = dir.write("grey", PsdFile(1, 1).colourMode(1).planes({1, 2, 3}));
     const std::string nowhere = dir.path("missing/out");
 
-    EXPECT_EQ(convertPSD(good.c_str(), 0, 0, false), 0.0f);
-    EXPECT_TRUE(img.empty());
-    EXPECT_EQ(swapChannelsPSD(packed.c_str(), 1), -4.0f);
-    EXPECT_TRUE(img.empty());
-    EXPECT_EQ(mergePSD(good.c_str(), cut.c_str()), -1.0f);
-    EXPECT_TRUE(img.empty());
-    EXPECT_EQ(mergePSD(grey.c_str(), good.c_str()), 36.0f);
-    EXPECT_TRUE(img.empty());
-    EXPECT_EQ(GrayscalePSD(good.c_str(), nowhere.c_str(), 0), -5.0f);
-    EXPECT_TRUE(img.empty());
+    const auto expectNothingLoaded = [](float status, float expected) {
+        EXPECT_EQ(status, expected);
+        EXPECT_TRUE(img.empty()) << expected;
+    };
+    expectNothingLoaded(convertPSD(good.c_str(), 0, 0, false), 0.0f);
+    expectNothingLoaded(swapChannelsPSD(packed.c_str(), 1), -4.0f);
+    expectNothingLoaded(mergePSD(good.c_str(), cut.c_str()), -1.0f);
+    expectNothingLoaded(mergePSD(grey.c_str(), good.c_str()), 36.0f);
+    expectNothingLoaded(GrayscalePSD(good.c_str(), nowhere.c_str(), 0), -5.0f);
 }
 
 TEST(PsdState, ALargeFilesMemoryIsGivenBack) {

@@ -1,5 +1,5 @@
-// ImageMagick writes the files and reads the results. It puts its picture into a layer as well, so
-// the image data starts further back than in the host's files.
+// ImageMagick writes the files and reads the results. It also writes its picture as a layer, so the
+// image data starts further back than in the host's files.
 
 #include <gmock/gmock.h>
 
@@ -54,20 +54,15 @@ TEST(PsdPeer, Merged16BitGreyMapsAreRead) {
                 ElementsAre(9, 9, 1, 2, 5, 6, 3, 4));
 }
 
-TEST(PsdPeer, ChannelsAreSwappedBehindALongHeader) {
+TEST(PsdPeer, SwappedChannelsAndReplacedColoursAreRead) {
     const TempDir dir;
     const std::string map = peerFile(dir, "map.psd", kRgb, kPicture);
     EXPECT_EQ(swapChannelsPSD(map.c_str(), 2), 0.0f);
     EXPECT_THAT(peerPixels(dir, map, "-depth 8 rgb:"),
                 ElementsAre(9, 9, 9, 3, 1, 2, 6, 4, 5, 9, 9, 9));
-}
-
-TEST(PsdPeer, ColoursAreReplaced) {
-    const TempDir dir;
-    const std::string map = peerFile(dir, "map.psd", kRgb, kPicture);
     EXPECT_EQ(convertPSD(map.c_str(), 592137.0f, 16711680.0f, false), 0.0f);
     EXPECT_THAT(peerPixels(dir, map, "-depth 8 rgb:"),
-                ElementsAre(255, 0, 0, 1, 2, 3, 4, 5, 6, 255, 0, 0));
+                ElementsAre(255, 0, 0, 3, 1, 2, 6, 4, 5, 255, 0, 0));
 }
 
 TEST(PsdPeer, GreyMapsOfTheHostAreRead) {

@@ -1,9 +1,9 @@
 #include <gmock/gmock.h>
 
-#include <algorithm>
 #include <utility>
 
 #include "psd/PsdOps.h"
+#include "support/Append.h"
 #include "support/Faults.h"
 #include "support/PsdFile.h"
 
@@ -22,8 +22,8 @@ PsdFile places(std::uint32_t width, std::uint32_t height) {
             both.push_back(static_cast<std::uint8_t>(10 * (row + 1) + column + 1));
         }
     }
-    rows.insert(rows.end(), columns.begin(), columns.end());
-    rows.insert(rows.end(), both.begin(), both.end());
+    append(rows, columns);
+    append(rows, both);
     return PsdFile(width, height).planes(rows);
 }
 
@@ -32,10 +32,10 @@ std::vector<int> thumbOf(std::uint32_t width, std::uint32_t height, int size) {
     const TempDir dir;
     const std::string map = dir.write("map.psd", places(width, height));
     EXPECT_EQ(createThumb(map.c_str(), size), 0.0f);
-    const ByteList planes = imageData(map);
     const auto plane = static_cast<std::size_t>(size * size);
-    EXPECT_EQ(planes.size(), 3 * plane);
-    return std::vector<int>(planes.begin() + static_cast<std::ptrdiff_t>(2 * plane), planes.end());
+    const ByteList third = imageData(map, 40 + 2 * plane);
+    EXPECT_EQ(third.size(), plane);
+    return {third.begin(), third.end()};
 }
 
 TEST(CreateThumb, EveryStepthRowAndColumnIsShown) {
@@ -45,14 +45,14 @@ TEST(CreateThumb, EveryStepthRowAndColumnIsShown) {
     EXPECT_THAT(thumbOf(2, 2, 2), ElementsAre(11, 12, 21, 22));
 }
 
-TEST(CreateThumb, AWidePictureLiesBetweenBlackRows) {
+TEST(CreateThumb, AWidePictureIsBetweenBlackRows) {
     EXPECT_THAT(thumbOf(8, 4, 4), ElementsAreArray({0, 0, 0, 0,      //
                                                     11, 13, 15, 17,  //
                                                     31, 33, 35, 37,  //
                                                     0, 0, 0, 0}));
 }
 
-TEST(CreateThumb, AHighPictureLiesBetweenBlackColumns) {
+TEST(CreateThumb, AHighPictureIsBetweenBlackColumns) {
     EXPECT_THAT(thumbOf(4, 8, 4), ElementsAreArray({0, 11, 13, 0,  //
                                                     0, 31, 33, 0,  //
                                                     0, 51, 53, 0,  //
@@ -107,40 +107,6 @@ TEST(CreateThumb, ThePictureStartsAtTheBorderAtMost) {
                                                     71, 72, 74, 75}));
 }
 
-TEST(CreateThumb, A64PixelMapKeepsItsSizeIn128) {
-    const TempDir dir;
-    const std::string map = dir.write("map.psd", PsdFile(64, 64).filled(12288, 5));
-    EXPECT_EQ(createThumb(map.c_str(), 128), 0.0f);
-    const ByteList planes = imageData(map);
-    ASSERT_EQ(planes.size(), 49152u);
-    EXPECT_EQ(std::count(planes.begin(), planes.end(), 5), 12288);
-    EXPECT_EQ(planes[32 * 128 - 1], 0);
-    EXPECT_EQ(planes[32 * 128], 5);
-    EXPECT_EQ(planes[95 * 128 + 63], 5);
-    EXPECT_EQ(planes[95 * 128 + 64], 0);
-    EXPECT_EQ(planes[96 * 128], 0);
-}
-
-TEST(CreateThumb, AMapOf2048By1024Has64BlackRowsAbove) {
-    ByteList planes(3 * 2048 * 1024, 255);
-    for (std::size_t row = 0; row < 1024; row += 8)
-        for (std::size_t column = 0; column < 2048; column += 8)
-            planes[row * 2048 + column] = static_cast<std::uint8_t>(row / 8 + column / 16);
-    const TempDir dir;
-    const std::string map = dir.write("map.psd", PsdFile(2048, 1024).planes(planes));
-    EXPECT_EQ(createThumb(map.c_str(), 256), 0.0f);
-
-    ByteList expected(3 * 256 * 256, 0);
-    for (std::size_t row = 64; row < 192; ++row) {
-        for (std::size_t column = 0; column < 256; ++column) {
-            const std::size_t at = row * 256 + column;
-            expected[at] = static_cast<std::uint8_t>(row - 64 + column / 2);
-            expected[65536 + at] = expected[131072 + at] = 255;
-        }
-    }
-    EXPECT_TRUE(imageData(map) == expected);
-}
-
 TEST(CreateThumb, OnlyTheSizeChangesInTheHeader) {
     const TempDir dir;
     const std::string map = dir.write(
@@ -168,19 +134,6 @@ TEST(CreateThumb, SizesOutOfRangeLeaveTheFileAsItWas) {
     EXPECT_EQ(readBytes(map), bytes);
 }
 
-TEST(CreateThumb, EachHeaderGivesItsStatusAndStays) {
-    const TempDir dir;
-    EXPECT_EQ(createThumb(dir.path("missing").c_str(), 2), -1.0f);
-    for (const auto& [file, status] :
-         {std::pair{PsdFile(1, 1).planes({1, 2, 3}).version(2).bytes(), -2.0f},
-          {PsdFile(1, 1).planes({1, 2, 3}).colourTable(9).bytes(), -3.0f},
-          {PsdFile(1, 1).planes({1, 2, 3}).compression(2).bytes(), -4.0f}}) {
-        const std::string map = dir.write("map", file);
-        EXPECT_EQ(createThumb(map.c_str(), 2), status);
-        EXPECT_EQ(readBytes(map), file);
-    }
-}
-
 // A full disk is not reported: the thumbnail ends where the disk did, at its headers or within its
 // first plane.
 TEST(CreateThumb, EndsWhereTheDiskIsFull) {
@@ -196,7 +149,7 @@ TEST(CreateThumb, EndsWhereTheDiskIsFull) {
 }
 
 // Planes of 360000 bytes, larger than the pieces in which they are written. The picture's two rows
-// lie below 299 black ones.
+// are below 299 black ones.
 TEST(CreateThumb, AThumbnailOfManyPiecesIsWrittenWhole) {
     const TempDir dir;
     const std::string map =

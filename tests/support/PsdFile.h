@@ -16,7 +16,7 @@ class PsdFile {
 public:
     PsdFile(std::uint32_t width, std::uint32_t height) : width_(width), height_(height) {}
 
-    // The image data: whole planes one behind the other, or pixels in reading order.
+    // The image data: whole planes one after the other, or pixels in reading order.
     PsdFile& planes(ByteList bytes);
     PsdFile& pixels(const std::vector<std::array<std::uint8_t, 3>>& rgb);
     PsdFile& filled(std::size_t count, std::uint8_t value) {

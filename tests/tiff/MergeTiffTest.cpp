@@ -67,8 +67,7 @@ TEST_F(MergeTiff, FloatPixelsMatchByTheirBits) {
     expectMerged(TiffFile(3, 1).grey32({0.0f, 1.0f, 1.0f}),
                  TiffFile(3, 1).grey32({0.0f, -0.0f, 0.0f}),
                  TiffFile(3, 1).grey32({0.0f, -0.0f, 1.0f}));
-    expectMerged(TiffFile(3, 1).grey32({nan, 1.0f, 1.0f}),
-                 TiffFile(3, 1).grey32({0.5f, nan, -nan}),
+    expectMerged(TiffFile(3, 1).grey32({nan, 1.0f, 1.0f}), TiffFile(3, 1).grey32({0.5f, nan, -nan}),
                  TiffFile(3, 1).grey32({0.5f, 1.0f, -nan}));
 }
 
@@ -185,9 +184,9 @@ TEST_F(MergeTiff, ATargetThatTakesNoMoreBytesIsReported) {
 }
 
 TEST_F(MergeTiff, ATruncatedMapIsNeverReadPastItsEndOrMadeLonger) {
-    const ByteList whole =
-        TiffFile(4, 4).rgb8({9, 9, 9, 1, 1, 1, 2, 2, 2, 3, 3, 3, 9, 9, 9, 1, 1, 1, 2, 2, 2, 3, 3, 3,
-                             9, 9, 9, 1, 1, 1, 2, 2, 2, 3, 3, 3, 9, 9, 9, 1, 1, 1, 2, 2, 2, 3, 3, 3});
+    const ByteList whole = TiffFile(4, 4).rgb8({9, 9, 9, 1, 1, 1, 2, 2, 2, 3, 3, 3, 9, 9, 9, 1,
+                                                1, 1, 2, 2, 2, 3, 3, 3, 9, 9, 9, 1, 1, 1, 2, 2,
+                                                2, 3, 3, 3, 9, 9, 9, 1, 1, 1, 2, 2, 2, 3, 3, 3});
     for (std::size_t length = 0; length <= whole.size(); ++length) {
         const ByteList cut = firstBytes(whole, length);
         merge(cut, whole);

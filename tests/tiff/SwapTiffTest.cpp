@@ -26,8 +26,8 @@ TiffFile twoPixels() {
 
 TEST_F(SwapChannels, EachModeExchangesTwoChannelsAndAnyOtherNone) {
     const std::pair<int, ByteList> rows[] = {
-        {1, {1, 3, 2, 4, 6, 5}}, {2, {3, 2, 1, 6, 5, 4}},  {3, {2, 1, 3, 5, 4, 6}},
-        {0, {1, 2, 3, 4, 5, 6}}, {4, {1, 2, 3, 4, 5, 6}},  {-1, {1, 2, 3, 4, 5, 6}},
+        {1, {1, 3, 2, 4, 6, 5}},          {2, {3, 2, 1, 6, 5, 4}}, {3, {2, 1, 3, 5, 4, 6}},
+        {0, {1, 2, 3, 4, 5, 6}},          {4, {1, 2, 3, 4, 5, 6}}, {-1, {1, 2, 3, 4, 5, 6}},
         {2147483647, {1, 2, 3, 4, 5, 6}},
     };
     for (const auto& [mode, pixels] : rows) {
@@ -52,14 +52,10 @@ TEST_F(SwapChannels, AMapOfManyPiecesIsSwappedWhole) {
 
 TEST_F(SwapChannels, OtherDepthsGreyMapsAndMapsWithoutPixelsStayAsTheyAre) {
     const ByteList maps[] = {
-        TiffFile(1, 1).rgb16({1, 2, 3}),
-        TiffFile(1, 1).rgb32({1, 2, 3}),
-        TiffFile(3, 1).grey8({1, 2, 3}),
-        twoPixels().claimEntries(0),
-        twoPixels().entry(256, 1, 0),
-        twoPixels().entry(256, 1, 0xFFFFFFFF),
-        twoPixels().entry(257, 1, 0),
-        twoPixels().entry(257, 1, 0xFFFFFFFF),
+        TiffFile(1, 1).rgb16({1, 2, 3}), TiffFile(1, 1).rgb32({1, 2, 3}),
+        TiffFile(3, 1).grey8({1, 2, 3}), twoPixels().claimEntries(0),
+        twoPixels().entry(256, 1, 0),    twoPixels().entry(256, 1, 0xFFFFFFFF),
+        twoPixels().entry(257, 1, 0),    twoPixels().entry(257, 1, 0xFFFFFFFF),
     };
     for (const ByteList& map : maps) {
         EXPECT_EQ(swap(map, 2), 0.0f);

@@ -181,7 +181,7 @@ TEST_F(Conversion, RefusalsComeBeforeTheOutputIsCreated) {
         {"a row too many", TiffFile(map).entry(257, 1, 3), -279.0f},
         {"a size beyond any file",
          TiffFile(map).entry(256, 1, 0x7FFFFFFF).entry(257, 1, 0x7FFFFFFF), -279.0f},
-        {"a strip behind the file", TiffFile(map).entry(273, 1, 0x7FFFFFFF), -279.0f},
+        {"a strip past the file", TiffFile(map).entry(273, 1, 0x7FFFFFFF), -279.0f},
         {"a strip from 2 GiB on", TiffFile(map).entry(273, 1, 0x80000000), -274.0f},
     };
     for (const auto& test : cases) {

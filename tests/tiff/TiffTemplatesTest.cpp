@@ -108,9 +108,9 @@ TEST(TiffTemplates, AGreyFloatMapHasAHeaderOf222Bytes) {
 
 TEST(TiffTemplates, AFloatMapsSizesAreItsOwn) {
     ByteList expected = greyTiffHeaderFloat(4096, 4096, 67108864);
-    storeLe16(&expected[30], 300);   // width
-    storeLe16(&expected[42], 2);     // length
-    storeLe16(&expected[114], 2);    // rows per strip
+    storeLe16(&expected[30], 300);    // width
+    storeLe16(&expected[42], 2);      // length
+    storeLe16(&expected[114], 2);     // rows per strip
     storeLe32(&expected[126], 2400);  // bytes
     EXPECT_EQ(greyTiffHeaderFloat(300, 2, 2400), expected);
 }
