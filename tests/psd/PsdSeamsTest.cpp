@@ -1,7 +1,5 @@
 #include <gmock/gmock.h>
 
-#include <functional>
-
 #include "psd/PsdOps.h"
 #include "support/PsdFile.h"
 
@@ -9,27 +7,15 @@ namespace {
 
 using testing::ElementsAre;
 
-// A file whose planes hold `sample(plane, row, column)`.
-PsdFile drawn(std::size_t width, std::size_t height,
-              const std::function<std::size_t(std::size_t, std::size_t, std::size_t)>& sample) {
-    ByteList planes;
-    for (std::size_t plane = 0; plane < 3; ++plane)
-        for (std::size_t row = 0; row < height; ++row)
-            for (std::size_t column = 0; column < width; ++column)
-                planes.push_back(static_cast<std::uint8_t>(sample(plane, row, column)));
-    return PsdFile(static_cast<std::uint32_t>(width), static_cast<std::uint32_t>(height))
-        .planes(planes);
-}
-
 // The displaced render says where a pixel comes from: its column, its row, and 7.
-PsdFile places(std::size_t width, std::size_t height) {
-    return drawn(width, height, [](std::size_t plane, std::size_t row, std::size_t column) {
+PsdFile places(std::uint32_t width, std::uint32_t height) {
+    return drawnPsd(width, height, [](auto plane, auto row, auto column) {
         return plane == 0 ? column : plane == 1 ? row : 7;
     });
 }
 
-PsdFile flat(std::size_t width, std::size_t height) {
-    return drawn(width, height, [](std::size_t plane, auto, auto) { return 200 + plane; });
+PsdFile flat(std::uint32_t width, std::uint32_t height) {
+    return drawnPsd(width, height, [](auto plane, auto, auto) { return 200 + plane; });
 }
 
 // Repairs a flat plain map of 120 x 110 from one of places.
@@ -93,24 +79,24 @@ TEST(MergeSeamlessPsd, TheResultHasThePlainMapsHeaderAndReplacesTheDisplacedFile
 
 // A texture that wraps around: what the borders lost is in the displaced render.
 TEST(MergeSeamlessPsd, BrokenBordersOfAWrappingTextureAreRestored) {
-    const auto texel = [](std::size_t plane, std::size_t row, std::size_t column) {
+    const auto texel = [](auto plane, auto row, auto column) {
         return (row * 7 + column * 13 + plane * 31) % 251;
     };
     for (const bool horizontal : {true, false}) {
         const TempDir dir;
-        const auto displaced = [&](std::size_t plane, std::size_t row, std::size_t column) {
+        const auto displaced = [&](auto plane, auto row, auto column) {
             return horizontal ? texel(plane, row, (column + 130 - 50) % 130)
                               : texel(plane, (row + 104 - 50) % 104, column);
         };
-        const auto broken = [&](std::size_t plane, std::size_t row, std::size_t column) {
+        const auto broken = [&](auto plane, auto row, auto column) {
             const bool border = horizontal ? (column < 2 || column > 127) && row > 1 && row < 103
                                            : row < 10 || row > 93;
             return border ? 255 : texel(plane, row, column);
         };
-        const std::string shifted = dir.write("shifted", drawn(130, 104, displaced));
-        const std::string plain = dir.write("plain", drawn(130, 104, broken));
+        const std::string shifted = dir.write("shifted", drawnPsd(130, 104, displaced));
+        const std::string plain = dir.write("plain", drawnPsd(130, 104, broken));
         EXPECT_EQ(mergeSeamlessPSD(shifted.c_str(), plain.c_str(), horizontal), 0.0f);
-        EXPECT_TRUE(readBytes(shifted) == drawn(130, 104, texel).bytes()) << horizontal;
+        EXPECT_TRUE(readBytes(shifted) == drawnPsd(130, 104, texel).bytes()) << horizontal;
     }
 }
 

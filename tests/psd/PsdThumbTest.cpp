@@ -3,7 +3,6 @@
 #include <utility>
 
 #include "psd/PsdOps.h"
-#include "support/Append.h"
 #include "support/Faults.h"
 #include "support/PsdFile.h"
 
@@ -14,17 +13,9 @@ using testing::ElementsAreArray;
 
 // Three planes whose samples say where they come from, from 1 on: row, column, and both.
 PsdFile places(std::uint32_t width, std::uint32_t height) {
-    ByteList rows, columns, both;
-    for (std::uint32_t row = 0; row < height; ++row) {
-        for (std::uint32_t column = 0; column < width; ++column) {
-            rows.push_back(static_cast<std::uint8_t>(row + 1));
-            columns.push_back(static_cast<std::uint8_t>(column + 1));
-            both.push_back(static_cast<std::uint8_t>(10 * (row + 1) + column + 1));
-        }
-    }
-    append(rows, columns);
-    append(rows, both);
-    return PsdFile(width, height).planes(rows);
+    return drawnPsd(width, height, [](auto plane, auto row, auto column) {
+        return plane == 0 ? row + 1 : plane == 1 ? column + 1 : 10 * (row + 1) + column + 1;
+    });
 }
 
 // The third plane of the thumbnail: row and column of the map in decimal, each from 1 on.

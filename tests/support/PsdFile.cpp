@@ -40,3 +40,12 @@ ByteList PsdFile::bytes() const {
     append(file, planes_);
     return file;
 }
+
+PsdFile drawnPsd(std::uint32_t width, std::uint32_t height, const SampleOfPlace& sample) {
+    ByteList planes;
+    for (std::uint32_t plane = 0; plane < 3; ++plane)
+        for (std::uint32_t row = 0; row < height; ++row)
+            for (std::uint32_t column = 0; column < width; ++column)
+                planes.push_back(static_cast<std::uint8_t>(sample(plane, row, column)));
+    return PsdFile(width, height).planes(planes);
+}

@@ -4,6 +4,7 @@
 
 #include <array>
 #include <cstdint>
+#include <functional>
 #include <optional>
 #include <string>
 #include <type_traits>
@@ -67,6 +68,11 @@ private:
     std::optional<std::uint32_t> announcedLayers_;
     ByteList planes_;
 };
+
+// A file whose three planes hold the low byte of `sample(plane, row, column)`.
+using SampleOfPlace =
+    std::function<std::uint32_t(std::uint32_t plane, std::uint32_t row, std::uint32_t column)>;
+PsdFile drawnPsd(std::uint32_t width, std::uint32_t height, const SampleOfPlace& sample);
 
 // The bytes of a file from `offset` on; 40 is where the image data of a plain PSD file starts.
 inline ByteList imageData(const std::string& path, std::size_t offset = 40) {
