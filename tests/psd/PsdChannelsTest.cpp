@@ -125,8 +125,8 @@ TEST_F(GrayscalePsd, TheSumsAreTakenFromRedToBlue) {
     EXPECT_THAT(greyOf(198, 225, 77, 0), ElementsAre(166));
 }
 
-// Far levels wrap around: 255 x -10000001 wraps to 1744967041; by 10000255 that is 174, which leaves
-// less than 0.
+// Far levels wrap around: 255 x -10000001 wraps to 1744967041; by 10000255 that is 174, which
+// leaves less than 0.
 TEST_F(GrayscalePsd, TheLevelIsTheBlackPoint) {
     struct Tone {
         std::uint8_t grey;

@@ -146,9 +146,9 @@ TEST(MergeSeamlessPsd, OfTheDisplacedMapOnlyTheBytesThatAreCopiedMustBeThere) {
     EXPECT_EQ(mergeSeamlessPSD(shifted.c_str(), plain.c_str(), false), -1.0f);
 }
 
-// Its size then counts as that of the displaced map, and its planes as starting at byte 0: the plane
-// of red takes columns 50 and 51, 48 and 49 of the displaced file's first bytes, that of blue starts
-// at byte 20000.
+// Its size then counts as that of the displaced map, and its planes as starting at byte 0: the
+// plane of red takes columns 50 and 51, 48 and 49 of the displaced file's first bytes, that of blue
+// starts at byte 20000.
 TEST(MergeSeamlessPsd, APlainFileThatIsNoPsdCountsAsPlanesAlone) {
     const ByteList plains[] = {flat(100, 100).signature("abcd"),
                                flat(7, 9).version(2).filled(30000, 5), ByteList(30000, 7)};

@@ -198,8 +198,8 @@ TEST_F(MergeTiff, ATruncatedMapIsNeverReadPastItsEndOrMadeLonger) {
     }
 }
 
-// Maps written and read back by libtiff. It writes the directory after the pixels, so these maps are
-// small enough for it to be in the first 1000 bytes.
+// Maps written and read back by libtiff. It writes the directory after the pixels, so these maps
+// are small enough for it to be in the first 1000 bytes.
 struct CloseTiff {
     void operator()(TIFF* tiff) const { TIFFClose(tiff); }
 };

@@ -77,8 +77,8 @@ TEST_F(ReadTiffHeader, EntriesThatAreNotClaimedAreNotRead) {
     EXPECT_TRUE(read(greyMap().claimEntries(0x8000)).entries.empty());
 }
 
-// The directory follows the pixels: at byte 1000, and at byte 978, where there is room for one entry
-// and a half.
+// The directory follows the pixels: at byte 1000, and at byte 978, where there is room for one
+// entry and a half.
 TEST_F(ReadTiffHeader, WhatIsPastByte1000IsMisreadAsZero) {
     EXPECT_TRUE(read(TiffFile(992, 1).grey8(ByteList(992, 7))).entries.empty());
     const TiffHeader header = read(TiffFile(970, 1).grey8(ByteList(970, 7)));

@@ -88,8 +88,8 @@ TEST_F(GetScale, RefusesWhatItCannotMeasure) {
     EXPECT_EQ(scale(TiffFile(map).entry(257, 1, 60000), 3), -279.0f);
 }
 
-// The file ends within its directory's width of 0x0101: what is missing is 0, not the last byte, and
-// the map has no length.
+// The file ends within its directory's width of 0x0101: what is missing is 0, not the last byte,
+// and the map has no length.
 TEST_F(GetScale, WhatIsPastTheEndOfTheFileIsZero) {
     ByteList bytes = {'I', 'I', 42, 0, 8, 0, 0, 0, 1, 0, 0, 1, 3, 0, 1, 0, 0, 0, 1, 1};
     EXPECT_EQ(scale(bytes, 1), -1.0f);
