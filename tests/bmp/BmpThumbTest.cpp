@@ -122,6 +122,14 @@ TEST_F(BmpThumb, KeepsTheOtherHeaderBytesAndTheGapBeforeThePixels) {
     EXPECT_EQ(readBytes(map()), expected);
 }
 
+// Of the headers only the first byte is left; the four pixels are bytes 1, 7, 25 and 31 of the file
+// and the two after each.
+TEST_F(BmpThumb, PixelsMayStartAtTheSecondByte) {
+    EXPECT_EQ(shrink(BmpFile(4, 4).claimPixelOffset(1), 2), 0.0f);
+    EXPECT_EQ(readBytes(map()),
+              (ByteList{'B', 'M', 102, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0}));
+}
+
 // Thin ones, which are left half a row, top-down ones, and ones without columns.
 TEST_F(BmpThumb, ImagesWithoutPixelsBecomeHeadersAlone) {
     const struct {
