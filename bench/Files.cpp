@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <memory>
 #include <utility>
 
 #include "terminal/Failure.h"
@@ -18,23 +19,16 @@ Failure failure(const char* action, const std::string& path) {
     return Failure(std::string("cannot ") + action + ' ' + path + ": " + std::strerror(errno));
 }
 
+int flagsOf(Access access) {
+    if (access == Access::kRead) return O_RDONLY;
+    return access == Access::kRewrite ? O_RDWR : O_RDWR | O_CREAT | O_TRUNC;
+}
+
 }  // namespace
 
-OpenFile::OpenFile(const std::string& path, int flags)
-    : path_(path), descriptor_(::open(path.c_str(), flags | O_CLOEXEC, 0644)) {
+OpenFile::OpenFile(const std::string& path, Access access)
+    : path_(path), descriptor_(::open(path.c_str(), flagsOf(access) | O_CLOEXEC, 0644)) {
     if (descriptor_ < 0) throw failure("open", path);
-}
-
-OpenFile OpenFile::forReading(const std::string& path) {
-    return {path, O_RDONLY};
-}
-
-OpenFile OpenFile::forRewriting(const std::string& path) {
-    return {path, O_RDWR};
-}
-
-OpenFile OpenFile::create(const std::string& path) {
-    return {path, O_RDWR | O_CREAT | O_TRUNC};
 }
 
 OpenFile::OpenFile(OpenFile&& other) noexcept
@@ -48,10 +42,6 @@ std::uint64_t OpenFile::size() const {
     struct stat state {};
     if (::fstat(descriptor_, &state) != 0) throw failure("measure", path_);
     return static_cast<std::uint64_t>(state.st_size);
-}
-
-void OpenFile::resize(std::uint64_t bytes) const {
-    if (::ftruncate(descriptor_, static_cast<off_t>(bytes)) != 0) throw failure("resize", path_);
 }
 
 void OpenFile::readAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
@@ -74,82 +64,57 @@ void OpenFile::writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes
     }
 }
 
-MappedFile::MappedFile(const OpenFile& file, int protection) {
+MappedFile::MappedFile(const std::string& path, Access access) {
+    const OpenFile file(path, access);
     const auto size = static_cast<std::size_t>(file.size());
+    const int protection = access == Access::kRead ? PROT_READ : PROT_READ | PROT_WRITE;
     void* const address = ::mmap(nullptr, size, protection, MAP_SHARED, file.descriptor(), 0);
-    if (address == MAP_FAILED) throw failure("map", "a file");
+    if (address == MAP_FAILED) throw failure("map", path);
     bytes_ = {static_cast<std::uint8_t*>(address), size};
-}
-
-MappedFile MappedFile::forReading(const std::string& path) {
-    return {OpenFile::forReading(path), PROT_READ};
-}
-
-MappedFile MappedFile::forRewriting(const std::string& path) {
-    return {OpenFile::forRewriting(path), PROT_READ | PROT_WRITE};
 }
 
 MappedFile::~MappedFile() {
     ::munmap(bytes_.data(), bytes_.size());
 }
 
-void moveBytes(const std::vector<Traffic>& stretches) {
+void moveBytes(const std::vector<Traffic>& parts) {
     std::vector<OpenFile> files;
     std::uint64_t pieces = 1;
-    for (const Traffic& stretch : stretches) {
-        files.push_back(stretch.kind == Traffic::Kind::kRead ? OpenFile::forReading(stretch.path)
-                        : stretch.kind == Traffic::Kind::kWrite
-                            ? OpenFile::create(stretch.path)
-                            : OpenFile::forRewriting(stretch.path));
-        pieces = std::max(pieces, (stretch.bytes + kPieceBytes - 1) / kPieceBytes);
+    for (const Traffic& part : parts) {
+        files.emplace_back(part.path, part.access);
+        pieces = std::max(pieces, (part.bytes + kPieceBytes - 1) / kPieceBytes);
     }
     const auto buffer = std::make_unique<std::uint8_t[]>(kPieceBytes);
     for (std::uint64_t piece = 0; piece < pieces; ++piece) {
         for (std::size_t i = 0; i < files.size(); ++i) {
-            const std::uint64_t first = stretches[i].bytes * piece / pieces;
-            const std::uint64_t last = stretches[i].bytes * (piece + 1) / pieces;
-            const std::uint64_t offset = stretches[i].offset + first;
+            const std::uint64_t first = parts[i].bytes * piece / pieces;
+            const std::uint64_t last = parts[i].bytes * (piece + 1) / pieces;
+            const std::uint64_t offset = parts[i].offset + first;
             const std::span bytes(buffer.get(), static_cast<std::size_t>(last - first));
-            if (stretches[i].kind != Traffic::Kind::kWrite) files[i].readAt(offset, bytes);
-            if (stretches[i].kind != Traffic::Kind::kRead) files[i].writeAt(offset, bytes);
+            if (parts[i].access != Access::kCreate) files[i].readAt(offset, bytes);
+            if (parts[i].access != Access::kRead) files[i].writeAt(offset, bytes);
         }
     }
 }
 
 void copyInPlace(const std::string& from, const std::string& to) {
-    const OpenFile source = OpenFile::forReading(from);
-    const OpenFile target = OpenFile::forRewriting(to);
-    const std::uint64_t size = source.size();
-    const auto buffer = std::make_unique<std::uint8_t[]>(kPieceBytes);
-    for (std::uint64_t offset = 0; offset < size; offset += kPieceBytes) {
-        const std::span bytes(buffer.get(), static_cast<std::size_t>(std::min<std::uint64_t>(
-                                                kPieceBytes, size - offset)));
-        source.readAt(offset, bytes);
-        target.writeAt(offset, bytes);
-    }
-    if (target.size() != size) target.resize(size);
+    const MappedFile source(from, Access::kRead);
+    OpenFile(to, Access::kRewrite).writeAt(0, source.bytes());
 }
 
 std::uint64_t digestOf(std::span<const std::uint8_t> bytes, std::uint64_t seed) {
     std::uint64_t digest = seed + bytes.size();
-    for (; !bytes.empty(); bytes = bytes.subspan(std::min<std::size_t>(8, bytes.size()))) {
+    while (!bytes.empty()) {
+        const auto piece = bytes.first(std::min<std::size_t>(8, bytes.size()));
         std::uint64_t word = 0;
-        std::memcpy(&word, bytes.data(), std::min<std::size_t>(8, bytes.size()));
+        std::memcpy(&word, piece.data(), piece.size());
         digest = (digest ^ word) * 0x9E3779B97F4A7C15u;
         digest ^= digest >> 29;
+        bytes = bytes.subspan(piece.size());
     }
     return digest;
 }
 
-std::uint64_t digestOf(const std::string& path, std::uint64_t offset) {
-    const OpenFile file = OpenFile::forReading(path);
-    const std::uint64_t size = file.size();
-    std::uint64_t digest = size - offset;
-    std::vector<std::uint8_t> piece(kPieceBytes);
-    for (; offset < size; offset += piece.size()) {
-        piece.resize(static_cast<std::size_t>(std::min<std::uint64_t>(kPieceBytes, size - offset)));
-        file.readAt(offset, piece);
-        digest = digestOf(piece, digest);
-    }
-    return digest;
+std::uint64_t digestOf(const std::string& path) {
+    return digestOf(MappedFile(path, Access::kRead).bytes(), 0);
 }

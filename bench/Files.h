@@ -1,9 +1,8 @@
 #pragma once
-// What makers, peers and the limit read and write files with. Whatever goes wrong becomes a Failure
-// that names the file: a race on a full disk has no result.
+// How makers, peers and the limit read and write files. Whatever goes wrong becomes a Failure that
+// names the file: a race on a full disk has no result.
 
 #include <cstdint>
-#include <memory>
 #include <span>
 #include <string>
 #include <vector>
@@ -11,63 +10,58 @@
 // The size of the pieces in which the limit moves bytes; well inside a processor's second cache.
 inline constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
 
+enum class Access {
+    kRead,
+    kRewrite,  // an existing file, read and written
+    kCreate,   // emptied if it exists
+};
+
 class OpenFile {
 public:
-    static OpenFile forReading(const std::string& path);
-    static OpenFile forRewriting(const std::string& path);
-    static OpenFile create(const std::string& path);  // emptied if it exists
-
+    OpenFile(const std::string& path, Access access);
     OpenFile(OpenFile&& other) noexcept;
     OpenFile& operator=(OpenFile&& other) = delete;
     ~OpenFile();
 
     std::uint64_t size() const;
-    void resize(std::uint64_t bytes) const;
     void readAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
     void writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) const;
     int descriptor() const { return descriptor_; }
 
 private:
-    OpenFile(const std::string& path, int flags);
-
     std::string path_;
     int descriptor_;
 };
 
-// A whole file in memory, shared with the disk: what is written to it is written to the file.
+// A whole file in memory, to read or to rewrite: what is written to it is written to the file.
 class MappedFile {
 public:
-    static MappedFile forReading(const std::string& path);
-    static MappedFile forRewriting(const std::string& path);
-
+    MappedFile(const std::string& path, Access access);
     MappedFile(const MappedFile&) = delete;
     MappedFile& operator=(const MappedFile&) = delete;
     ~MappedFile();
 
     std::uint8_t* data() const { return bytes_.data(); }
-    std::size_t size() const { return bytes_.size(); }
+    std::span<const std::uint8_t> bytes() const { return bytes_; }
 
 private:
-    MappedFile(const OpenFile& file, int protection);
-
     std::span<std::uint8_t> bytes_;
 };
 
-// A stretch of a file that the limit moves: read, written to a new file, or read and written back.
+// A part of a file that the limit moves: reads, writes to a new file, or reads and writes back.
 struct Traffic {
-    enum class Kind { kRead, kWrite, kRewrite };
-    Kind kind;
+    Access access;
     std::string path;
     std::uint64_t bytes;
     std::uint64_t offset = 0;
 };
 
-// Moves all stretches side by side, piece by piece, through one buffer.
-void moveBytes(const std::vector<Traffic>& stretches);
+// Moves all parts in turn, piece by piece, through one buffer.
+void moveBytes(const std::vector<Traffic>& parts);
 
-// Makes `to` the same as `from` without giving back the pages that it has.
+// Makes `to`, which is not larger, equal to `from` without giving back the pages that it has.
 void copyInPlace(const std::string& from, const std::string& to);
 
-// A number that tells files apart by their bytes from `offset` on.
-std::uint64_t digestOf(const std::string& path, std::uint64_t offset = 0);
+// A number that distinguishes files by their bytes.
+std::uint64_t digestOf(const std::string& path);
 std::uint64_t digestOf(std::span<const std::uint8_t> bytes, std::uint64_t seed);

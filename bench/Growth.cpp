@@ -2,9 +2,8 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 
-#include "PreparedRace.h"
+#include "Memory.h"
 #include "Runner.h"
 #include "Text.h"
 
@@ -12,46 +11,30 @@ namespace {
 
 constexpr double kEven = 1.2;  // costs that differ by no more than this factor are the same
 
-// The rest of the memory is left to everything else.
+// How much of the free memory the files may take.
 constexpr double kShareOfMemory = 0.4;
 
-double availableMemory() {
-    std::ifstream memory("/proc/meminfo");
-    std::string word;
-    double kibibytes = 0;
-    while (memory >> word) {
-        if (word == "MemAvailable:" && memory >> kibibytes) return kibibytes * 1024;
-    }
-    return 0;
-}
-
-bool fits(const Job& job, const std::string& folder, std::uint32_t side) {
-    const double bytes = job.diskPerPixel * side * side;
-    const auto free = static_cast<double>(std::filesystem::space(folder).available);
-    return bytes < kShareOfMemory * std::min(free, availableMemory());
-}
-
-struct Cost {
-    double seconds;
-    double toLimit;
-    double amount;
-    double bytesWritten;
-};
-
-// Small maps are done with soon and jitter most: they are run more often.
-int roundsAt(const Setup& setup, int rounds) {
-    return setup.side < 4096 ? rounds * 5 : rounds;
+bool fits(const Job& job, const Setup& setup) {
+    const double bytes = job.diskPerPixel * setup.side * setup.side;
+    const auto free = static_cast<double>(std::filesystem::space(setup.folder).available);
+    const double memory = memoryField("/proc/meminfo", "MemAvailable:");
+    return bytes < kShareOfMemory * std::min(free, memory);
 }
 
 // The least of the rounds: disturbances only add to it, and most to large files, whose pages a
-// virtual machine may take back between two runs.
-Cost costOf(const Job& job, const Setup& setup, int rounds) {
-    PreparedRace prepared(job, setup);
-    prepared.keepQuillonAndLimit();
-    const std::vector<Result> results = run(prepared.race(), roundsAt(setup, rounds));
+// virtual machine may take back between two runs. `workOf` counts what the cost is for.
+GrowthLine::Step stepOf(const Job& job, const Setup& setup, int rounds, const std::string& size,
+                        double (*workOf)(const Race&)) {
+    const PreparedRace prepared(job, setup);
+    Race race = prepared.race();
+    std::erase_if(race.contenders, [](const Contender& contender) {
+        return contender.role != Role::kQuillon && contender.role != Role::kLimit;
+    });
+    // Small maps take little time and vary most, so they are run more often.
+    const std::vector<Result> results = run(race, setup.side < 4096 ? rounds * 5 : rounds);
     const double seconds = results.front().leastCpu;
-    return {seconds, results.size() > 1 ? seconds / results.back().leastCpu : 0.0,
-            prepared.race().amount, prepared.race().bytesWritten};
+    return {size, seconds * 1e9 / workOf(race),
+            results.size() > 1 ? seconds / results.back().leastCpu : 0.0};
 }
 
 // How numbers vary from one size to the next larger ones. All 0 where there are none.
@@ -75,14 +58,14 @@ Variation variationOf(const std::vector<GrowthLine::Step>& steps,
         lowest = lowest == 0.0 ? now : std::min(lowest, now);
         highest = std::max(highest, now);
         variation.rise = std::max(variation.rise, now / lowest);
+        variation.spread = highest / lowest;
     }
-    if (lowest > 0.0) variation.spread = highest / lowest;
     return variation;
 }
 
-// Files that fit into the processor's cache are moved faster, and fewer pages are fetched for holes:
-// where the limit's cost varies with the size, so does that of any program.
-const char* verdictOf(const Variation& cost, const Variation& toLimit) {
+// Files that fit into the processor's cache are moved faster: where the limit's cost varies with the
+// size, so does that of any program.
+std::string verdictOf(const Variation& cost, const Variation& toLimit) {
     if (cost.isEven()) return "linear";
     if (toLimit.isEven()) return "as the limit";
     return cost.rises() && toLimit.rises() ? "rises" : "no rise";
@@ -92,18 +75,14 @@ const char* verdictOf(const Variation& cost, const Variation& toLimit) {
 
 GrowthLine growthWithSide(const Job& job, Setup setup, int rounds) {
     GrowthLine line{job.name, job.unit == std::string("MP") ? "pixel" : "face", {}, ""};
-    const bool roomy = fits(job, setup.folder, job.largestSide);
-    setup.sparse = !roomy && job.canBeSparse;
-    if (setup.sparse) line.note = "sparse maps";
     for (const std::uint32_t side : {1024u, 4096u, job.largestSide}) {
-        if (!setup.sparse && !fits(job, setup.folder, side)) {
-            line.note = "no room for " + std::to_string(side);
-            continue;
-        }
+        const std::string size = std::to_string(side);
         setup.side = side;
-        const Cost cost = costOf(job, setup, rounds);
-        line.steps.push_back(
-            {std::to_string(side), cost.seconds * 1e3 / cost.amount, cost.toLimit});
+        if (fits(job, setup))
+            line.steps.push_back(stepOf(job, setup, rounds, size,
+                                        [](const Race& race) { return race.amount * 1e6; }));
+        else
+            line.note = ", no room for " + size;
     }
     return line;
 }
@@ -112,9 +91,9 @@ GrowthLine growthWithTiles(const Job& job, Setup setup, int rounds) {
     GrowthLine line{job.name, "byte written", {}, ""};
     for (const std::uint32_t tiles : {1u, 12u, 100u}) {
         setup.tiles = tiles;
-        const Cost cost = costOf(job, setup, rounds);
         const std::string size = std::to_string(tiles) + (tiles == 1 ? " tile" : " tiles");
-        line.steps.push_back({size, cost.seconds * 1e9 / cost.bytesWritten, cost.toLimit});
+        line.steps.push_back(
+            stepOf(job, setup, rounds, size, [](const Race& race) { return race.bytesWritten; }));
     }
     return line;
 }
@@ -131,8 +110,7 @@ std::string tableOf(const std::vector<GrowthLine>& lines) {
         const Variation toLimit = variationOf(line.steps, &GrowthLine::Step::toLimit);
         row.push_back(text("%.2f", cost.spread));
         row.push_back(toLimit.spread > 0.0 ? text("%.2f", toLimit.spread) : "-");
-        row.push_back(std::string(verdictOf(cost, toLimit)) +
-                      (line.note.empty() ? "" : ", " + line.note));
+        row.push_back(verdictOf(cost, toLimit) + line.note);
         rows.push_back(row);
     }
     return aligned(rows);

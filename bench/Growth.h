@@ -1,5 +1,5 @@
 #pragma once
-// Whether the time of an export grows with its work and no faster: the same job at several sizes.
+// Whether the time of an export grows no faster than its work: the same job at several sizes.
 
 #include <string>
 #include <vector>
@@ -8,18 +8,18 @@
 
 struct GrowthLine {
     std::string job;
-    std::string per;  // what the costs are for
+    std::string per;  // unit that the costs are for
     struct Step {
         std::string size;
         double cost;     // nanoseconds
-        double toLimit;  // ratio to the limit's cost at that size; 0 where the job has none
+        double toLimit;  // ratio to the limit's cost at that size; 0 if the job has none
     };
     std::vector<Step> steps;
-    std::string note;
+    std::string note;  // after the verdict
 };
 
-// Maps of 1024, 4096 and 16384 pixels a side, smaller where the export takes less; all are sparse
-// when the largest do not fit into the folder.
+// Maps of 1024, 4096 and 16384 pixels a side, or the most that the export takes, as far as memory has
+// room for them.
 GrowthLine growthWithSide(const Job& job, Setup setup, int rounds);
 
 // Meshes of 1, 12 and 100 tiles.

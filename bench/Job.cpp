@@ -1,41 +1,49 @@
 #include "Job.h"
 
-#include <utility>
+#include <stdlib.h>
+#include <unistd.h>
 
-namespace {
+#include <filesystem>
 
-std::function<float()> callOf(const Library& library, const ExportCall& call) {
-    const CallArguments arguments{
-        call.text, call.value,
-        call.buffer.empty() ? std::nullopt : std::optional<std::string>(call.buffer)};
-    return [&library, name = std::string(call.name), arguments] {
-        return library.call(name, arguments).result.status;
-    };
+#include "terminal/Failure.h"
+
+PreparedRace::PreparedRace(const std::string& parent) : folder_(parent + "/quillon_bench.XXXXXX") {
+    if (::mkdtemp(folder_.data()) == nullptr) throw Failure("cannot make a folder in " + parent);
 }
 
-}  // namespace
+// From here on the destructor runs, even if the job's files cannot be made.
+PreparedRace::PreparedRace(const Job& job, Setup setup) : PreparedRace(setup.folder) {
+    setup.folder = folder_;
+    race_ = job.prepare(setup);
+    if (!race_.rewritten.empty()) OpenFile(race_.rewritten, Access::kCreate);
+}
 
-std::vector<Contender> exportContenders(const Setup& setup, const ExportCall& call) {
-    std::vector<Contender> contenders{{Role::kQuillon, "quillon", callOf(setup.library, call)}};
+PreparedRace::~PreparedRace() {
+    std::error_code ignored;
+    std::filesystem::remove_all(folder_, ignored);
+}
+
+void reset(const Race& race) {
+    if (!race.rewritten.empty()) copyInPlace(race.original, race.rewritten);
+    for (const std::string& path : race.created)
+        ::unlink(path.c_str());
+}
+
+std::vector<Contender> exportContenders(const Setup& setup, const std::string& exportName,
+                                        const CallArguments& arguments) {
+    const auto callOf = [&](const Library* library) {
+        return [=] { return library->call(exportName, arguments).result.status; };
+    };
+    std::vector<Contender> contenders{{Role::kQuillon, "quillon", callOf(&setup.library)}};
     if (setup.before != nullptr)
-        contenders.push_back({Role::kBefore, "before", callOf(*setup.before, call)});
+        contenders.push_back({Role::kBefore, "before", callOf(setup.before)});
     return contenders;
 }
 
-Contender limit(std::vector<Traffic> traffic, double target) {
-    const auto move = [traffic = std::move(traffic)] {
+Contender limit(const std::vector<Traffic>& traffic, double target) {
+    const auto move = [traffic] {
         moveBytes(traffic);
         return 0.0f;
     };
-    return {
-        .role = Role::kLimit, .name = "limit", .work = move, .target = target, .sameResult = false};
-}
-
-std::vector<Job> allJobs() {
-    std::vector<Job> all;
-    for (const auto& family : {tiffJobs, psdJobs, bmpJobs, encoderJobs, meshJobs}) {
-        for (Job& job : family())
-            all.push_back(std::move(job));
-    }
-    return all;
+    return {Role::kLimit, "limit", move, target, /*sameResult=*/false};
 }

@@ -1,12 +1,11 @@
 #pragma once
-// A job: one export at work on large files, and who does the same work beside it.
+// A job: one export working on large files, and what else does the same work.
 
 #include <sys/types.h>
 
 #include <cstdint>
 #include <functional>
 #include <string>
-#include <utility>
 #include <vector>
 
 #include "Files.h"
@@ -22,75 +21,81 @@ enum class Role {
 struct Contender {
     Role role;
     std::string name;
-    std::function<float()> work;  // returns the export's answer, or what the export would answer
+    std::function<float()> work;  // returns the export's status, or what the export would return
 
-    // What quillon's time may be at most as a ratio to this one's; 0: nothing is asked.
+    // The highest allowed ratio of quillon's time to this one's; 0: there is none.
     double target = 0.0;
 
-    // Whether answer and results must be quillon's. The limit computes nothing, and encoders that
-    // round in another way give other bytes.
+    // Whether status and results must be quillon's. The limit computes nothing, and JPEG encoders
+    // round differently.
     bool sameResult = true;
 
-    // The process that does the work for this one, whose time counts; empty when there is none.
+    // Returns the process that does the work for this one, whose time counts; empty if there is none.
     std::function<pid_t()> helper = {};
 };
 
-// A job with its files made. The folder it lies in belongs to it.
+// A job with its files, all of them in a folder of its own.
 struct Race {
     double amount = 0;        // of work, in the job's unit
-    double bytesWritten = 0;  // by the export
+    double bytesWritten = 0;  // by the export to all its files, one per tile
     double bytesHeld = 0;     // of its input, which the export may hold in memory
 
-    // Files that the work changes: each becomes a copy of its original before each run.
-    struct Rewritten {
-        std::string path;
-        std::string original;
-    };
-    std::vector<Rewritten> rewritten = {};
+    // A file that the work changes; it becomes a copy of the original before each run.
+    std::string rewritten = {};
+    std::string original = {};
     std::vector<std::string> created = {};  // files that the work makes; deleted before each run
 
     std::function<std::uint64_t()> resultDigest = [] { return std::uint64_t{0}; };
     std::vector<Contender> contenders = {};  // quillon first
-
-    void add(Contender contender) { contenders.push_back(std::move(contender)); }
 };
 
 struct Setup {
     const Library& library;
-    const Library* before;     // null when there is none
+    const Library* before;     // null if there is none
     std::string folder;        // for the job's files
     std::uint32_t side;        // of the maps, in pixels; a mesh has side * side / 16 faces
     std::uint32_t tiles = 12;  // of a mesh
-    bool sparse = false;       // maps are holes but for their heads, to be large on little memory
 };
+
+inline constexpr std::uint32_t kLargestSide = 16384;
 
 struct Job {
     std::string name;
     const char* unit;  // of amounts: MP or Mfaces
     std::function<Race(const Setup&)> prepare;
 
-    double diskPerPixel;                // bytes that all its files take, per pixel of its maps
-    bool growsWithTiles = false;        // writes one file a tile
-    bool canBeSparse = true;            // the export works on a map of holes, too
-    std::uint32_t largestSide = 16384;  // that the export takes
+    double diskPerPixel;  // bytes that all its files take, per pixel of its maps
+    std::uint32_t largestSide = kLargestSide;  // that the export takes
+    bool growsWithTiles = false;               // writes one file per tile
 };
 
-std::vector<Job> allJobs();
+// A race with its files, in a folder that is deleted with it.
+class PreparedRace {
+public:
+    // Makes the folder within setup.folder.
+    PreparedRace(const Job& job, Setup setup);
+    PreparedRace(const PreparedRace&) = delete;
+    PreparedRace& operator=(const PreparedRace&) = delete;
+    ~PreparedRace();
 
-std::vector<Job> tiffJobs();
-std::vector<Job> psdJobs();
-std::vector<Job> bmpJobs();
-std::vector<Job> encoderJobs();
+    const Race& race() const { return race_; }
+
+private:
+    explicit PreparedRace(const std::string& parent);
+
+    std::string folder_;
+    Race race_;
+};
+
+// Brings the race's files into the state in which the work finds them.
+void reset(const Race& race);
+
+std::vector<Job> mapJobs();
 std::vector<Job> meshJobs();
 
 // The export as a contender, once for each library.
-struct ExportCall {
-    const char* name;
-    std::string text;
-    double value = 0.0;
-    std::string buffer = {};  // a second path
-};
-std::vector<Contender> exportContenders(const Setup& setup, const ExportCall& call);
+std::vector<Contender> exportContenders(const Setup& setup, const std::string& exportName,
+                                        const CallArguments& arguments);
 
 // The file traffic of a job as a contender.
-Contender limit(std::vector<Traffic> traffic, double target);
+Contender limit(const std::vector<Traffic>& traffic, double target);

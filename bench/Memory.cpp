@@ -8,7 +8,6 @@
 #include <fstream>
 #include <string>
 
-#include "PreparedRace.h"
 #include "terminal/Failure.h"
 
 namespace {
@@ -16,27 +15,14 @@ namespace {
 constexpr std::uint32_t kSmallSide = 256;
 constexpr double kMargin = 2.0 * 1024 * 1024;  // beyond what the export may hold
 
-// In bytes, from a line such as "VmHWM:   1234 kB".
-double statusField(const std::string& name) {
-    std::ifstream status("/proc/self/status");
-    std::string word;
-    while (status >> word) {
-        double kibibytes = 0;
-        if (word == name && status >> kibibytes) return kibibytes * 1024;
-    }
-    throw Failure("cannot read " + name + " from /proc/self/status");
-}
-
-void forgetPeak() {
-    std::ofstream("/proc/self/clear_refs") << 5;
-}
+constexpr const char* kStatus = "/proc/self/status";
 
 double takenBy(const Contender& quillon) {
     ::malloc_trim(0);
-    forgetPeak();
-    const double before = statusField("VmRSS:");
+    std::ofstream("/proc/self/clear_refs") << 5;  // forgets the peak so far
+    const double before = memoryField(kStatus, "VmRSS:");
     quillon.work();
-    return statusField("VmHWM:") - before;
+    return memoryField(kStatus, "VmHWM:") - before;
 }
 
 // What `measure` returns, found in a child process.
@@ -60,6 +46,16 @@ double inChild(Measure measure) {
 }
 
 }  // namespace
+
+double memoryField(const std::string& file, const std::string& field) {
+    std::ifstream lines(file);
+    std::string word;
+    while (lines >> word) {
+        double kibibytes = 0;
+        if (word == field && lines >> kibibytes) return kibibytes * 1024;
+    }
+    throw Failure("cannot read " + field + " from " + file);
+}
 
 Peak peakOf(const Job& job, const Setup& setup) {
     Setup small = setup;

@@ -4,6 +4,9 @@
 #include "Job.h"
 #include "Table.h"
 
-// Runs the export in a process of its own, once on small maps, so that the library's code is in
-// memory, then measured on the setup's.
+// Runs the export in a process of its own, first on small maps, so that the library's code is in
+// memory, then on the setup's, and measures the second run.
 Peak peakOf(const Job& job, const Setup& setup);
+
+// Reads the bytes from a line such as "VmHWM:   1234 kB" of a file below /proc.
+double memoryField(const std::string& file, const std::string& field);

@@ -1,3 +1,5 @@
+// The jobs on meshes.
+
 #include <cmath>
 #include <cstdint>
 #include <cstring>
@@ -6,13 +8,10 @@
 #include <utility>
 #include <vector>
 
+#include "Job.h"
 #include "Meshes.h"
-#include "Races.h"
-#include "terminal/Failure.h"
 
 namespace {
-
-using enum Traffic::Kind;
 
 constexpr std::size_t kCornerBytes = 8;
 constexpr std::size_t kFaceUvBytes = 32;
@@ -27,9 +26,7 @@ struct Mesh {
     std::string tilePath(std::uint32_t tile) const {
         return outPath + std::to_string(1001 + tile) + ".Vemo";
     }
-    std::size_t firstUv() const { return static_cast<std::size_t>(size.firstUv()); }
-    std::size_t endOfUvs() const { return static_cast<std::size_t>(size.endOfUvs()); }
-    std::size_t tileBytes() const { return endOfUvs() + kClosingBytes; }
+    std::size_t tileBytes() const { return size.endOfUvs() + kClosingBytes; }
 };
 
 Mesh makeMesh(const Setup& setup) {
@@ -54,12 +51,14 @@ Place placeOf(const std::uint8_t* coordinate) {
 
 using Tile = std::pair<float, float>;
 
-// What one writes for want of a library: the mesh mapped, and read as often as it takes.
+// Plain C++ for want of a library: the mesh mapped, and read as often as needed.
 
-std::set<Tile> tilesIn(const std::uint8_t* first, const std::uint8_t* end) {
+std::set<Tile> tilesIn(const Mesh& mesh, const MappedFile& file) {
     std::set<Tile> tiles;
     Tile last{NAN, NAN};
-    for (const std::uint8_t* face = first; face < end; face += kFaceUvBytes) {
+    const std::uint8_t* const end = file.data() + mesh.size.endOfUvs();
+    for (const std::uint8_t* face = file.data() + mesh.size.firstUv(); face < end;
+         face += kFaceUvBytes) {
         const Tile tile{placeOf(face).whole, placeOf(face + 4).whole};
         if (tile == last) continue;
         tiles.insert(tile);
@@ -69,9 +68,7 @@ std::set<Tile> tilesIn(const std::uint8_t* first, const std::uint8_t* end) {
 }
 
 float countMapped(const Mesh& mesh) {
-    const MappedFile file = MappedFile::forReading(mesh.path);
-    const auto tiles = tilesIn(file.data() + mesh.firstUv(), file.data() + mesh.endOfUvs());
-    return static_cast<float>(tiles.size());
+    return static_cast<float>(tilesIn(mesh, MappedFile(mesh.path, Access::kRead)).size());
 }
 
 void localUvs(std::uint8_t* to, const std::uint8_t* from, std::size_t corners, const Tile& tile) {
@@ -86,20 +83,21 @@ void localUvs(std::uint8_t* to, const std::uint8_t* from, std::size_t corners, c
 
 void writeTileMapped(const Mesh& mesh, const MappedFile& file, const std::string& path,
                      const Tile& tile, std::vector<std::uint8_t>& piece) {
-    const OpenFile out = OpenFile::create(path);
-    out.writeAt(0, {file.data(), mesh.firstUv()});
-    for (std::size_t at = mesh.firstUv(); at < mesh.endOfUvs(); at += piece.size()) {
-        const std::size_t bytes = std::min(piece.size(), mesh.endOfUvs() - at);
+    const OpenFile out(path, Access::kCreate);
+    const std::size_t end = mesh.size.endOfUvs();
+    out.writeAt(0, {file.data(), mesh.size.firstUv()});
+    for (std::size_t at = mesh.size.firstUv(); at < end; at += piece.size()) {
+        const std::size_t bytes = std::min(piece.size(), end - at);
         localUvs(piece.data(), file.data() + at, bytes / kCornerBytes, tile);
         out.writeAt(at, {piece.data(), bytes});
     }
     const std::uint8_t closing[kClosingBytes] = {};
-    out.writeAt(mesh.endOfUvs(), closing);
+    out.writeAt(end, closing);
 }
 
 float splitMapped(const Mesh& mesh) {
-    const MappedFile file = MappedFile::forReading(mesh.path);
-    const auto tiles = tilesIn(file.data() + mesh.firstUv(), file.data() + mesh.endOfUvs());
+    const MappedFile file(mesh.path, Access::kRead);
+    const std::set<Tile> tiles = tilesIn(mesh, file);
     std::vector<std::uint8_t> piece(kPieceBytes);
     for (const Tile& tile : tiles) {
         const auto number = static_cast<std::uint32_t>(tile.first + 10.0f * tile.second);
@@ -108,17 +106,23 @@ float splitMapped(const Mesh& mesh) {
     return static_cast<float>(tiles.size());
 }
 
-double millionFaces(const Mesh& mesh) {
-    return static_cast<double>(mesh.size.faces()) * 1e-6;
+Contender mapped(float (*work)(const Mesh&), const Mesh& mesh) {
+    return {Role::kPeer, "C++, mapped", [=] { return work(mesh); }, 0.75};
+}
+
+Race raceOf(const Mesh& mesh) {
+    return {.amount = static_cast<double>(mesh.size.faces()) * 1e-6,
+            .bytesHeld = static_cast<double>(OpenFile(mesh.path, Access::kRead).size())};
 }
 
 Race count(const Setup& setup) {
     const Mesh mesh = makeMesh(setup);
-    Race race{.amount = millionFaces(mesh),
-              .bytesHeld = static_cast<double>(fileBytes(mesh.path)),
-              .contenders = exportContenders(setup, {"getUVTile", mesh.path, kNumberedNames})};
-    race.add(limit({{kRead, mesh.path, mesh.endOfUvs() - mesh.firstUv(), mesh.firstUv()}}, 1.3));
-    race.add(peer("C++, mapped", 0.75, [=] { return countMapped(mesh); }));
+    Race race = raceOf(mesh);
+    race.contenders = exportContenders(setup, "getUVTile", {mesh.path, kNumberedNames});
+    const std::size_t firstUv = mesh.size.firstUv();
+    const std::size_t bytes = mesh.size.endOfUvs() - firstUv;
+    race.contenders.push_back(limit({{Access::kRead, mesh.path, bytes, firstUv}}, 1.3));
+    race.contenders.push_back(mapped(countMapped, mesh));
     return race;
 }
 
@@ -131,21 +135,18 @@ std::uint64_t digestOfAll(const std::vector<std::string>& paths) {
 
 Race split(const Setup& setup) {
     const Mesh mesh = makeMesh(setup);
-    std::vector<std::string> tiles;
-    std::vector<Traffic> traffic{{kRead, mesh.path, mesh.endOfUvs()}};
+    Race race = raceOf(mesh);
+    race.bytesWritten = static_cast<double>(mesh.tileBytes()) * mesh.size.tiles;
+    std::vector<Traffic> traffic{{Access::kRead, mesh.path, mesh.size.endOfUvs()}};
     for (std::uint32_t tile = 0; tile < mesh.size.tiles; ++tile) {
-        tiles.push_back(mesh.tilePath(tile));
-        traffic.push_back({kWrite, tiles.back(), mesh.tileBytes()});
+        race.created.push_back(mesh.tilePath(tile));
+        traffic.push_back({Access::kCreate, mesh.tilePath(tile), mesh.tileBytes()});
     }
-    const ExportCall call{"getUVs", mesh.path, kNumberedNames, mesh.outPath + ".tif"};
-    Race race{.amount = millionFaces(mesh),
-              .bytesWritten = static_cast<double>(mesh.tileBytes()) * mesh.size.tiles,
-              .bytesHeld = static_cast<double>(fileBytes(mesh.path)),
-              .created = tiles,
-              .resultDigest = [=] { return digestOfAll(tiles); },
-              .contenders = exportContenders(setup, call)};
-    race.add(limit(traffic, 1.1));
-    race.add(peer("C++, mapped", 0.75, [=] { return splitMapped(mesh); }));
+    race.resultDigest = [tiles = race.created] { return digestOfAll(tiles); };
+    race.contenders =
+        exportContenders(setup, "getUVs", {mesh.path, kNumberedNames, mesh.outPath + ".tif"});
+    race.contenders.push_back(limit(traffic, 1.1));
+    race.contenders.push_back(mapped(splitMapped, mesh));
     return race;
 }
 
@@ -153,18 +154,11 @@ Race split(const Setup& setup) {
 
 std::vector<Job> meshJobs() {
     constexpr std::uint32_t kLargestSplit = 8192;  // twelve files of 250 MB
-    return {
-        {.name = "getUVTile",
-         .unit = "Mfaces",
-         .prepare = count,
-         .diskPerPixel = 4,
-         .canBeSparse = false},
-        {.name = "getUVs",
-         .unit = "Mfaces",
-         .prepare = split,
-         .diskPerPixel = 50,
-         .growsWithTiles = true,
-         .canBeSparse = false,
-         .largestSide = kLargestSplit},
-    };
+    return {{.name = "getUVTile", .unit = "Mfaces", .prepare = count, .diskPerPixel = 4},
+            {.name = "getUVs",
+             .unit = "Mfaces",
+             .prepare = split,
+             .diskPerPixel = 50,
+             .largestSide = kLargestSplit,
+             .growsWithTiles = true}};
 }

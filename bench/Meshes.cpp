@@ -55,12 +55,12 @@ Face faceAt(std::uint32_t x, std::uint32_t y, std::uint32_t pointsInRow) {
 
 }  // namespace
 
-std::uint64_t MeshSize::firstUv() const {
-    const std::uint64_t points = std::uint64_t{side + 1} * (side + 1);
+std::size_t MeshSize::firstUv() const {
+    const std::size_t points = std::size_t{side + 1} * (side + 1);
     return kFileHeaderBytes + 3 * kChunkHeaderBytes + kVertexBytes * points + kFaceBytes * faces();
 }
 
-std::uint64_t MeshSize::endOfUvs() const {
+std::size_t MeshSize::endOfUvs() const {
     return firstUv() + kFaceUvBytes * faces();
 }
 

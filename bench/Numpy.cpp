@@ -1,98 +1,78 @@
-#include "Numpy.h"
-
-#include <fcntl.h>
+#include <sys/socket.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
 #include <array>
-#include <cstdio>
 #include <memory>
-#include <optional>
-#include <vector>
 
+#include "MapPeers.h"
 #include "files/TiffWriter.h"
 #include "terminal/Failure.h"
 
 namespace {
 
-// A program that is told to work by a line on its input and answers with a line.
+// The Python process. It works when it gets a line and answers with a line, both over one socket.
 class Helper {
 public:
-    explicit Helper(const std::vector<std::string>& command) {
-        std::array<int, 2> in{};
-        std::array<int, 2> out{};
-        if (::pipe2(in.data(), O_CLOEXEC) != 0 || ::pipe2(out.data(), O_CLOEXEC) != 0)
-            throw Failure("cannot make pipes");
+    Helper(const Maps& maps, const std::string& variant) {
+        std::array<int, 2> ends{};
+        if (::socketpair(AF_UNIX, SOCK_STREAM | SOCK_CLOEXEC, 0, ends.data()) != 0)
+            throw Failure("cannot make a socket");
+        socket_ = ends[0];
         process_ = ::fork();
-        if (process_ < 0) throw Failure("cannot start " + command.front());
         if (process_ == 0) {
-            ::dup2(in[0], STDIN_FILENO);
-            ::dup2(out[1], STDOUT_FILENO);
-            execute(command);
+            ::dup2(ends[1], STDIN_FILENO);
+            ::dup2(ends[1], STDOUT_FILENO);
+            execute(maps, variant);
         }
-        ::close(in[0]);
-        ::close(out[1]);
-        toHelper_ = in[1];
-        fromHelper_ = out[0];
-        if (!hasAnswered()) throw Failure(command[1] + " does not start: is numpy installed?");
+        ::close(ends[1]);
+        if (!hasAnswered())
+            throw Failure(QUILLON_NUMPY_PEER " does not start: is numpy installed?");
     }
     Helper(const Helper&) = delete;
     Helper& operator=(const Helper&) = delete;
     ~Helper() {
-        ::close(toHelper_);  // ends it
-        ::close(fromHelper_);
+        ::close(socket_);  // ends the process
         ::waitpid(process_, nullptr, 0);
     }
 
     pid_t process() const { return process_; }
 
     void work() const {
-        if (::write(toHelper_, "\n", 1) != 1 || !hasAnswered())
-            throw Failure("a helper has failed");
+        if (::write(socket_, "\n", 1) != 1 || !hasAnswered()) throw Failure("a helper has failed");
     }
 
 private:
-    [[noreturn]] static void execute(const std::vector<std::string>& command) {
-        std::vector<char*> arguments;
-        arguments.reserve(command.size() + 1);
-        for (const std::string& argument : command)
-            arguments.push_back(const_cast<char*>(argument.c_str()));
-        arguments.push_back(nullptr);
-        ::execvp(arguments.front(), arguments.data());
+    [[noreturn]] static void execute(const Maps& maps, const std::string& variant) {
+        const std::string offset = std::to_string(kTiffPixelOffset);
+        const std::string pixels = std::to_string(maps.pixels());
+        ::execl(QUILLON_PYTHON, QUILLON_PYTHON, QUILLON_NUMPY_PEER, variant.c_str(),
+                maps.map.c_str(), maps.made.c_str(), offset.c_str(), pixels.c_str(), nullptr);
         ::_exit(127);
     }
 
     bool hasAnswered() const {
         char byte = 0;
-        while (::read(fromHelper_, &byte, 1) == 1) {
+        while (::read(socket_, &byte, 1) == 1) {
             if (byte == '\n') return true;
         }
         return false;
     }
 
     pid_t process_ = 0;
-    int toHelper_ = -1;
-    int fromHelper_ = -1;
+    int socket_ = -1;
 };
 
 }  // namespace
 
-Contender firstChannelByNumpy(const std::string& in, const std::string& out, std::uint32_t side,
-                              const std::string& variant, double target) {
-    const std::vector<std::string> command{QUILLON_PYTHON,
-                                           QUILLON_NUMPY_PEER,
-                                           variant,
-                                           in,
-                                           out,
-                                           std::to_string(kTiffPixelOffset),
-                                           std::to_string(std::uint64_t{side} * side)};
-    const auto helper = [command,
-                         started = std::make_shared<std::optional<Helper>>()]() -> Helper& {
-        if (!*started) started->emplace(command);
+Contender firstChannelByNumpy(const Maps& maps, const std::string& variant, double target) {
+    const auto started = std::make_shared<std::unique_ptr<Helper>>();
+    const auto helper = [=]() -> const Helper& {
+        if (*started == nullptr) *started = std::make_unique<Helper>(maps, variant);
         return **started;
     };
     const auto work = [=] {
-        TiffWriter(out, {side, side, 1, 32}).finish();
+        TiffWriter(maps.made, {maps.side, maps.side, 1, 32}).finish();
         helper().work();
         return 0.0f;
     };

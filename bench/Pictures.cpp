@@ -12,7 +12,6 @@
 #include <span>
 #include <vector>
 
-#include "Files.h"
 #include "files/BmpWriter.h"
 #include "files/PsdWriter.h"
 #include "files/TiffWriter.h"
@@ -77,7 +76,7 @@ void fillRow(std::span<Sample> row, std::uint32_t y, Tile tile) {
         paintIsland(row, y, (cellX + 0.5) * kCell, (cellY + 0.5) * kCell);
 }
 
-// Hands rows to `append`, from the top one on.
+// Passes rows to `append`, from the top one on.
 template <typename Sample, typename Append>
 void forEachRow(std::uint32_t side, Tile tile, Append append) {
     std::vector<Sample> row(std::size_t{3} * side);
@@ -92,86 +91,61 @@ std::span<const std::uint8_t> bytesOf(std::span<const Sample> samples) {
     return {reinterpret_cast<const std::uint8_t*>(samples.data()), samples.size_bytes()};
 }
 
-// Ends a file that has its head: with rows, or with a hole as long as they would be.
-template <typename Writer, typename WriteRows>
-void finish(Writer& file, const std::string& path, const MapSpec& map, std::size_t pixelBytes,
-            WriteRows writeRows) {
-    if (!map.sparse) writeRows();
+template <typename Sample>
+void writeTiff(const std::string& path, std::uint32_t side, Tile tile) {
+    TiffWriter file(path, {side, side, 3, 8 * sizeof(Sample)});
+    forEachRow<Sample>(side, tile, [&](std::span<const Sample> row) { file.append(bytesOf(row)); });
     file.finish();
-    if (!map.sparse) return;
-    const OpenFile written = OpenFile::forRewriting(path);
-    written.resize(written.size() + std::uint64_t{map.side} * map.side * pixelBytes);
+}
+
+void writePsd(const std::string& path, std::uint32_t side, Tile tile) {
+    PsdWriter file(path, {side, side, 3, 8});
+    std::vector<std::uint8_t> plane(side);
+    for (std::size_t channel = 0; channel < 3; ++channel) {
+        forEachRow<std::uint8_t>(side, tile, [&](std::span<const std::uint8_t> row) {
+            for (std::size_t x = 0; x < plane.size(); ++x)
+                plane[x] = row[3 * x + channel];
+            file.append(plane);
+        });
+    }
+    file.finish();
+}
+
+// Sides are multiples of four, so rows have no padding.
+void writeBmp(const std::string& path, std::uint32_t side, Tile tile) {
+    BmpWriter file(path, side, side);
+    forEachRow<std::uint8_t>(side, tile,
+                             [&](std::span<const std::uint8_t> row) { file.append(row); });
+    file.finish();
 }
 
 template <typename Sample>
-void writeTiff(const std::string& path, const MapSpec& map, Tile tile) {
-    TiffWriter file(path, {map.side, map.side, 3, 8 * sizeof(Sample)});
-    finish(file, path, map, 3 * sizeof(Sample), [&] {
-        forEachRow<Sample>(map.side, tile,
-                           [&](std::span<const Sample> row) { file.append(bytesOf(row)); });
+void writeExr(const std::string& path, std::uint32_t side, Tile tile) {
+    constexpr Imf::PixelType kType = sizeof(Sample) == 2 ? Imf::HALF : Imf::FLOAT;
+    Imf::Header header(static_cast<int>(side), static_cast<int>(side));
+    header.compression() = Imf::ZIP_COMPRESSION;
+    std::vector<Sample> samples(std::size_t{3} * side);
+    Imf::FrameBuffer pixels;
+    std::size_t channel = 0;
+    for (const char* name : {"R", "G", "B"}) {
+        header.channels().insert(name, Imf::Channel(kType));
+        // Each call below writes one row; a row step of 0 makes every row the one in memory.
+        auto* const first = reinterpret_cast<char*>(&samples[channel++]);
+        pixels.insert(name, Imf::Slice(kType, first, 3 * sizeof(Sample), 0));
+    }
+    Imf::OutputFile file(path.c_str(), header);
+    file.setFrameBuffer(pixels);
+    forEachRow<float>(side, tile, [&](std::span<const float> row) {
+        std::copy(row.begin(), row.end(), samples.begin());
+        file.writePixels(1);
     });
 }
 
 }  // namespace
 
-void writeTiff8(const std::string& path, const MapSpec& map, Tile tile) {
-    writeTiff<std::uint8_t>(path, map, tile);
-}
-
-void writeTiffFloat(const std::string& path, const MapSpec& map, Tile tile) {
-    writeTiff<float>(path, map, tile);
-}
-
-void writePsd8(const std::string& path, const MapSpec& map, Tile tile) {
-    PsdWriter file(path, {map.side, map.side, 3, 8});
-    std::vector<std::uint8_t> plane(map.side);
-    const auto writePlane = [&](std::size_t channel) {
-        forEachRow<std::uint8_t>(map.side, tile, [&](std::span<const std::uint8_t> row) {
-            for (std::size_t x = 0; x < plane.size(); ++x)
-                plane[x] = row[3 * x + channel];
-            file.append(plane);
-        });
-    };
-    finish(file, path, map, 3, [&] {
-        for (std::size_t channel = 0; channel < 3; ++channel)
-            writePlane(channel);
-    });
-}
-
-// Sides are multiples of four: rows have no padding.
-void writeBmp(const std::string& path, const MapSpec& map, Tile tile) {
-    BmpWriter file(path, map.side, map.side);
-    finish(file, path, map, 3, [&] {
-        forEachRow<std::uint8_t>(map.side, tile,
-                                 [&](std::span<const std::uint8_t> row) { file.append(row); });
-    });
-}
-
-void writeExr(const std::string& path, std::uint32_t side, ExrSamples samples) {
-    const auto signedSide = static_cast<int>(side);
-    Imf::Header header(signedSide, signedSide);
-    header.compression() = Imf::ZIP_COMPRESSION;
-    const Imf::PixelType type = samples == ExrSamples::kHalf ? Imf::HALF : Imf::FLOAT;
-    for (const char* channel : {"R", "G", "B"})
-        header.channels().insert(channel, Imf::Channel(type));
-    Imf::OutputFile file(path.c_str(), header);
-
-    std::vector<half> halves(std::size_t{3} * side);
-    forEachRow<float>(side, Tile::kFirst, [&](std::span<const float> row) {
-        std::copy(row.begin(), row.end(), halves.begin());
-        Imf::FrameBuffer pixels;
-        std::size_t channel = 0;
-        for (const char* name : {"R", "G", "B"}) {
-            const std::size_t sample = samples == ExrSamples::kHalf ? sizeof(half) : sizeof(float);
-            const void* const first = samples == ExrSamples::kHalf
-                                          ? static_cast<const void*>(&halves[channel])
-                                          : static_cast<const void*>(&row[channel]);
-            // Each call writes one row; a row step of 0 makes every row the one in memory.
-            pixels.insert(name, Imf::Slice(type, static_cast<char*>(const_cast<void*>(first)),
-                                           3 * sample, 0));
-            ++channel;
-        }
-        file.setFrameBuffer(pixels);
-        file.writePixels(1);
-    });
-}
+const MapType kTiff8{".tif", 3, writeTiff<std::uint8_t>};
+const MapType kTiffFloat{".tif", 12, writeTiff<float>};
+const MapType kPsd{".psd", 3, writePsd};
+const MapType kBmp{".bmp", 3, writeBmp};
+const MapType kExrHalf{".exr", 6, writeExr<half>};
+const MapType kExrFloat{".exr", 12, writeExr<float>};

@@ -5,19 +5,20 @@
 #include <cstdint>
 #include <string>
 
-// Islands of the one kind lie between those of the other, so that tiles do not overlap.
+// Islands of the second tile lie between those of the first, so that they do not overlap.
 enum class Tile { kFirst, kSecond };
 
-struct MapSpec {
-    std::uint32_t side;  // in pixels; maps are square
-    bool sparse;         // only the head is written, the pixels are a hole and read as 0
+struct MapType {
+    const char* extension;
+    double bytesPerPixel;
+
+    // Writes a square map of `side` pixels a side, whose first pixel is background.
+    void (*write)(const std::string& path, std::uint32_t side, Tile tile);
 };
 
-// Each writes a map. Unless it is sparse, its first pixel is background.
-void writeTiff8(const std::string& path, const MapSpec& map, Tile tile);
-void writeTiffFloat(const std::string& path, const MapSpec& map, Tile tile);
-void writePsd8(const std::string& path, const MapSpec& map, Tile tile);
-void writeBmp(const std::string& path, const MapSpec& map, Tile tile);
-
-enum class ExrSamples { kHalf, kFloat };
-void writeExr(const std::string& path, std::uint32_t side, ExrSamples samples);
+extern const MapType kTiff8;
+extern const MapType kTiffFloat;
+extern const MapType kPsd;
+extern const MapType kBmp;
+extern const MapType kExrHalf;
+extern const MapType kExrFloat;

@@ -4,8 +4,8 @@
 
 #include <algorithm>
 #include <cmath>
+#include <optional>
 
-#include "PreparedRace.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
@@ -38,34 +38,28 @@ Times timeOf(const Contender& contender) {
     return {after.cpu - before.cpu, after.wall - before.wall};
 }
 
-bool sameAnswer(float a, float b) {
-    return std::abs(a - b) <= 1e-5f * std::abs(a);
-}
+// What a contender returned and left in the job's files.
+struct Outcome {
+    float status;
+    std::uint64_t digest;
+};
 
 void verify(const Race& race) {
-    float answer = 0.0f;
-    std::uint64_t digest = 0;
+    std::optional<Outcome> expected;  // quillon's, which comes first
     for (const Contender& contender : race.contenders) {
         stopIfInterrupted();
         reset(race);
-        const float ownAnswer = contender.work();
-        if (race.contenders.size() == 1) return;
-        const bool reference = &contender == &race.contenders.front();
-        if (!reference && !contender.sameResult) continue;
-        const std::uint64_t ownDigest = race.resultDigest();
-        if (reference) {
-            answer = ownAnswer;
-            digest = ownDigest;
-        } else if (!sameAnswer(answer, ownAnswer)) {
-            throw Failure(contender.name + " answers " + std::to_string(ownAnswer) + ", quillon " +
-                          std::to_string(answer));
-        } else if (digest != ownDigest) {
+        const float status = contender.work();
+        if (!contender.sameResult) continue;
+        const Outcome own{status, race.resultDigest()};
+        if (!expected) expected = own;
+        if (!(std::abs(expected->status - status) <= 1e-5f * std::abs(expected->status)))
+            throw Failure(contender.name + " returns " + std::to_string(status) + ", quillon " +
+                          std::to_string(expected->status));
+        if (expected->digest != own.digest)
             throw Failure(contender.name + " leaves other bytes than quillon");
-        }
     }
 }
-
-}  // namespace
 
 double medianOf(std::vector<double> values) {
     const auto middle = values.begin() + static_cast<std::ptrdiff_t>(values.size() / 2);
@@ -73,6 +67,28 @@ double medianOf(std::vector<double> values) {
     if (values.size() % 2 == 1) return *middle;
     return (*middle + *std::max_element(values.begin(), middle)) / 2;
 }
+
+// What the times of one contender come to, beside those of quillon.
+Result resultOf(const Contender& contender, const std::vector<Times>& times,
+                const std::vector<Times>& quillonTimes) {
+    std::vector<double> cpu;
+    std::vector<double> wall;
+    std::vector<double> ratios;
+    for (std::size_t round = 0; round < times.size(); ++round) {
+        cpu.push_back(times[round].cpu);
+        wall.push_back(times[round].wall);
+        ratios.push_back(quillonTimes[round].cpu / times[round].cpu);
+    }
+    return {contender.role,
+            contender.name,
+            contender.target,
+            medianOf(cpu),
+            *std::min_element(cpu.begin(), cpu.end()),
+            medianOf(wall),
+            medianOf(ratios)};
+}
+
+}  // namespace
 
 std::vector<Result> run(const Race& race, int rounds) {
     verify(race);
@@ -89,19 +105,7 @@ std::vector<Result> run(const Race& race, int rounds) {
     reset(race);
 
     std::vector<Result> results;
-    for (std::size_t i = 0; i < count; ++i) {
-        std::vector<double> cpu;
-        std::vector<double> wall;
-        std::vector<double> ratios;
-        for (std::size_t round = 0; round < times[i].size(); ++round) {
-            cpu.push_back(times[i][round].cpu);
-            wall.push_back(times[i][round].wall);
-            ratios.push_back(times[0][round].cpu / times[i][round].cpu);
-        }
-        const Contender& contender = race.contenders[i];
-        const double leastCpu = *std::min_element(cpu.begin(), cpu.end());
-        results.push_back({contender.role, contender.name, contender.target, medianOf(cpu),
-                           leastCpu, medianOf(wall), medianOf(ratios)});
-    }
+    for (std::size_t i = 0; i < count; ++i)
+        results.push_back(resultOf(race.contenders[i], times[i], times[0]));
     return results;
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Runs a race: all contenders in turn, round after round, each round beginning with another one.
+// Runs a race: all contenders in turn, round after round, each round starting with another one.
 
 #include <vector>
 
@@ -15,8 +15,6 @@ struct Result {
     double ratio;     // of quillon's time to this one's, median of the ratios within each round
 };
 
-// Runs every contender once and throws Failure when one of them computes something else than the
+// Runs every contender once and throws Failure if one of them computes something else than the
 // export; then measures.
 std::vector<Result> run(const Race& race, int rounds);
-
-double medianOf(std::vector<double> values);

@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <nlohmann/json.hpp>
 
 #include "Text.h"
 
@@ -13,17 +14,21 @@ bool isMet(const Result& result) {
     return result.target == 0.0 || result.ratio <= result.target;
 }
 
-const Result* limitOf(const Line& line) {
-    const auto found =
-        std::find_if(line.results.begin(), line.results.end(),
-                     [](const Result& result) { return result.role == Role::kLimit; });
+bool isMet(const Line& line) {
+    return line.peak.taken <= line.peak.allowed &&
+           std::ranges::all_of(line.results, [](const Result& result) { return isMet(result); });
+}
+
+// Returns null if the line has none of that role.
+const Result* findResult(const Line& line, Role role) {
+    const auto found = std::ranges::find(line.results, role, &Result::role);
     return found == line.results.end() ? nullptr : &*found;
 }
 
 // Whether a target asks for less time than the file traffic takes by itself.
 bool isBelowLimit(const Line& line, const Result& result) {
-    const Result* const limit = limitOf(line);
-    return limit != nullptr && result.role == Role::kPeer && result.target != 0.0 &&
+    const Result* const limit = findResult(line, Role::kLimit);
+    return limit != nullptr && result.role == Role::kPeer &&
            result.target * limit->ratio < result.ratio;
 }
 
@@ -47,11 +52,9 @@ std::string ratiosTo(const Line& line, Role role) {
 }
 
 std::string memoryOf(const Line& line) {
-    if (!line.peak) return "-";
-    const bool met = line.peak->taken <= line.peak->allowed;
-    if (std::isinf(line.peak->allowed)) return text("%.1f", line.peak->taken / kMiB);
-    return text("%.1f (%s %.0f)", line.peak->taken / kMiB, met ? "≤" : "not ≤",
-                line.peak->allowed / kMiB);
+    const auto [taken, allowed] = line.peak;
+    if (std::isinf(allowed)) return text("%.1f", taken / kMiB);
+    return text("%.1f (%s %.0f)", taken / kMiB, taken <= allowed ? "≤" : "not ≤", allowed / kMiB);
 }
 
 TableRow rowOf(const Line& line) {
@@ -66,43 +69,30 @@ TableRow rowOf(const Line& line) {
             ratiosTo(line, Role::kBefore)};
 }
 
-bool hasBefore(const Line& line) {
-    return std::any_of(line.results.begin(), line.results.end(),
-                       [](const Result& result) { return result.role == Role::kBefore; });
-}
-
-std::string jsonOf(const Result& result) {
-    return text(R"({"name": "%s", "cpu": %.6g, "wall": %.6g, "ratio": %.4g, "target": %g})",
-                result.name.c_str(), result.cpu, result.wall, result.ratio, result.target);
-}
-
-std::string jsonOf(const Line& line) {
-    std::string out =
-        text(R"(  {"job": "%s", "unit": "%s", "amount": %.6g, "met": %s, )", line.job.c_str(),
-             line.unit, line.amount, isMet(line) ? "true" : "false");
-    if (line.peak && std::isfinite(line.peak->allowed))
-        out += text(R"("memory": %.0f, "memoryAllowed": %.0f, )", line.peak->taken,
-                    line.peak->allowed);
-    out += "\"contenders\": [\n";
-    for (std::size_t i = 0; i < line.results.size(); ++i)
-        out += "    " + jsonOf(line.results[i]) + (i + 1 < line.results.size() ? ",\n" : "]}");
-    return out;
+nlohmann::ordered_json jsonOf(const Line& line) {
+    nlohmann::ordered_json json{
+        {"job", line.job}, {"unit", line.unit}, {"amount", line.amount}, {"met", isMet(line)}};
+    if (std::isfinite(line.peak.allowed)) {
+        json["memory"] = line.peak.taken;
+        json["memoryAllowed"] = line.peak.allowed;
+    }
+    for (const Result& result : line.results)
+        json["contenders"].push_back({{"name", result.name},
+                                      {"cpu", result.cpu},
+                                      {"wall", result.wall},
+                                      {"ratio", result.ratio},
+                                      {"target", result.target}});
+    return json;
 }
 
 }  // namespace
-
-bool isMet(const Line& line) {
-    const bool memory = !line.peak || line.peak->taken <= line.peak->allowed;
-    return memory && std::all_of(line.results.begin(), line.results.end(),
-                                 [](const Result& result) { return isMet(result); });
-}
 
 std::string tableOf(const std::vector<Line>& lines) {
     std::vector<TableRow> rows{
         {"job", "CPU", "rate", "/ limit", "/ peer", "memory, MiB", "targets", "/ before"}};
     for (const Line& line : lines)
         rows.push_back(rowOf(line));
-    if (!hasBefore(lines.front())) {
+    if (findResult(lines.front(), Role::kBefore) == nullptr) {
         for (TableRow& row : rows)
             row.pop_back();
     }
@@ -110,8 +100,8 @@ std::string tableOf(const std::vector<Line>& lines) {
 }
 
 std::string jsonOf(const std::vector<Line>& lines) {
-    std::string out = "[\n";
-    for (std::size_t i = 0; i < lines.size(); ++i)
-        out += jsonOf(lines[i]) + (i + 1 < lines.size() ? ",\n" : "\n");
-    return out + "]\n";
+    nlohmann::ordered_json json;
+    for (const Line& line : lines)
+        json.push_back(jsonOf(line));
+    return json.dump(2) + '\n';
 }

@@ -1,7 +1,6 @@
 #pragma once
 // What was measured, as a table for people and as JSON for programs.
 
-#include <optional>
 #include <string>
 #include <vector>
 
@@ -19,13 +18,10 @@ struct Line {
     const char* unit;
     double amount;
     std::vector<Result> results;
-    std::optional<Peak> peak = {};
+    Peak peak;
 };
 
-// Whether every target of the line is met.
-bool isMet(const Line& line);
-
-// Markdown, padded so that it reads well as it stands.
+// Returns Markdown.
 std::string tableOf(const std::vector<Line>& lines);
 
 std::string jsonOf(const std::vector<Line>& lines);

@@ -1,20 +1,21 @@
-#include "TiffPeers.h"
-
 #include <tiffio.h>
 
 #include <algorithm>
-#include <bitset>
+#include <array>
 #include <cmath>
 #include <cstring>
 #include <memory>
-#include <span>
 #include <vector>
 
-#include "Files.h"
+#include "MapPeers.h"
 #include "PlainPixels.h"
+#include "bytes/Bytes.h"
+#include "files/DiskFile.h"
 #include "terminal/Failure.h"
 
 namespace {
+
+using ByteList = std::vector<std::uint8_t>;
 
 struct Close {
     void operator()(TIFF* file) const { ::TIFFClose(file); }
@@ -28,35 +29,16 @@ Tiff open(const std::string& path, const char* mode) {
     return file;
 }
 
-struct Size {
-    std::uint32_t width;
-    std::uint32_t height;
-};
-
-Size sizeOf(TIFF* file) {
-    Size size{};
-    ::TIFFGetField(file, TIFFTAG_IMAGEWIDTH, &size.width);
-    ::TIFFGetField(file, TIFFTAG_IMAGELENGTH, &size.height);
-    return size;
-}
-
-using ByteList = std::vector<std::uint8_t>;
-
 // A map, strip by strip. libtiff presents the one strip of a large map as many small ones, which
-// spares a buffer for the whole.
+// saves a buffer for the whole.
 class Strips {
 public:
     Strips(const std::string& path, const char* mode)
         : file_(open(path, mode)), count_(::TIFFNumberOfStrips(file_.get())) {}
 
-    Size size() const { return sizeOf(file_.get()); }
     std::uint32_t count() const { return count_; }
     ByteList buffer() const {
         return ByteList(static_cast<std::size_t>(::TIFFStripSize(file_.get())));
-    }
-    std::size_t pixelBytes() const {
-        return static_cast<std::size_t>(::TIFFScanlineSize(file_.get())) /
-               sizeOf(file_.get()).width;
     }
 
     // Fills `bytes`, which may shrink at the last strip.
@@ -73,102 +55,142 @@ public:
             throw Failure("libtiff cannot write a strip");
     }
 
+    std::size_t pixelBytes() const {
+        std::uint32_t width = 0;
+        ::TIFFGetField(file_.get(), TIFFTAG_IMAGEWIDTH, &width);
+        return static_cast<std::size_t>(::TIFFScanlineSize(file_.get())) / width;
+    }
+
 private:
     Tiff file_;
     std::uint32_t count_;
 };
 
+// Calls `use` with the bytes of each strip.
+template <typename Use>
+void forEachStrip(const std::string& path, Use use) {
+    Strips strips(path, "r");
+    ByteList bytes = strips.buffer();
+    for (std::uint32_t strip = 0; strip < strips.count(); ++strip) {
+        strips.read(strip, bytes);
+        use(bytes);
+    }
+}
+
+// A float sample as a 16-bit level, not yet cut to an integer.
+float levelOf(const std::uint8_t* sample) {
+    float value = 0.0f;
+    std::memcpy(&value, sample, sizeof(value));
+    const float q = value * 65535.0f;
+    return (q >= 0.0f ? std::min(q, 65535.0f) : 0.0f) + 0.5f;
+}
+
+void storeLevels(std::uint8_t* to, const std::uint8_t* samples, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto level = static_cast<std::uint16_t>(static_cast<int>(levelOf(samples + 4 * i)));
+        std::memcpy(to + 2 * i, &level, sizeof(level));
+    }
+}
+
+void markLevels(std::uint8_t* seen, const std::uint8_t* samples, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        seen[static_cast<int>(levelOf(samples + 4 * i))] = 1;
+}
+
+void reversePixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {
+    for (std::size_t i = 0; i < pixels; ++i, to += 3, from += 3) {
+        to[0] = from[2];
+        to[1] = from[1];
+        to[2] = from[0];
+    }
+}
+
 }  // namespace
 
-float mergeByLibtiff(const std::string& source, const std::string& target) {
-    Strips tiles(source, "r");
-    Strips maps(target, "r+");
-    const std::size_t pixelBytes = maps.pixelBytes();
-    ByteList tile = tiles.buffer();
-    ByteList map = maps.buffer();
+float mergeByLibtiff(const Maps& maps) {
+    Strips source(maps.tile, "r");
+    Strips target(maps.map, "r+");
+    const std::size_t pixelBytes = target.pixelBytes();
+    ByteList tile = source.buffer();
+    ByteList map = target.buffer();
     ByteList background;
-    for (std::uint32_t strip = 0; strip < maps.count(); ++strip) {
-        tiles.read(strip, tile);
-        maps.read(strip, map);
+    for (std::uint32_t strip = 0; strip < target.count(); ++strip) {
+        source.read(strip, tile);
+        target.read(strip, map);
         if (strip == 0) background.assign(tile.data(), tile.data() + pixelBytes);
         plainMerge(map.data(), tile.data(), background.data(), map.size() / pixelBytes, pixelBytes);
-        maps.write(strip, map);
+        target.write(strip, map);
     }
     return 0.0f;
 }
 
-float swapByLibtiff(const std::string& path) {
-    Strips maps(path, "r+");
-    ByteList map = maps.buffer();
-    for (std::uint32_t strip = 0; strip < maps.count(); ++strip) {
-        maps.read(strip, map);
-        plainSwap(map.data(), map.size() / 3, 0, 2);
-        maps.write(strip, map);
+float swapByLibtiff(const Maps& maps) {
+    Strips strips(maps.map, "r+");
+    ByteList map = strips.buffer();
+    for (std::uint32_t strip = 0; strip < strips.count(); ++strip) {
+        strips.read(strip, map);
+        plainSwap(map.data(), map.size() / 3);
+        strips.write(strip, map);
     }
     return 0.0f;
 }
 
-float convertByLibtiff(const std::string& in, const std::string& out) {
-    Strips maps(in, "r");
-    const auto [width, height] = maps.size();
-    const Tiff file = open(out, "w");
-    ::TIFFSetField(file.get(), TIFFTAG_IMAGEWIDTH, width);
-    ::TIFFSetField(file.get(), TIFFTAG_IMAGELENGTH, height);
+float convertByLibtiff(const Maps& maps) {
+    const Tiff file = open(maps.made, "w");
+    ::TIFFSetField(file.get(), TIFFTAG_IMAGEWIDTH, maps.side);
+    ::TIFFSetField(file.get(), TIFFTAG_IMAGELENGTH, maps.side);
     ::TIFFSetField(file.get(), TIFFTAG_BITSPERSAMPLE, 16);
     ::TIFFSetField(file.get(), TIFFTAG_SAMPLESPERPIXEL, 3);
-    ::TIFFSetField(file.get(), TIFFTAG_ROWSPERSTRIP, height);
+    ::TIFFSetField(file.get(), TIFFTAG_ROWSPERSTRIP, maps.side);
     ::TIFFSetField(file.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     ::TIFFSetField(file.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-    ByteList map = maps.buffer();
     ByteList levels;
-    for (std::uint32_t strip = 0; strip < maps.count(); ++strip) {
-        maps.read(strip, map);
-        levels.resize(map.size() / 2);
-        plainLevels(levels.data(), map.data(), map.size() / 4);
+    forEachStrip(maps.map, [&](const ByteList& samples) {
+        levels.resize(samples.size() / 2);
+        storeLevels(levels.data(), samples.data(), samples.size() / 4);
         const auto count = static_cast<tmsize_t>(levels.size());
         // The output's one strip grows with each call.
         if (::TIFFWriteRawStrip(file.get(), 0, levels.data(), count) != count)
             throw Failure("libtiff cannot write a strip");
-    }
+    });
     return 0.0f;
 }
 
-float scaleByLibtiff(const std::string& path) {
-    Strips maps(path, "r");
-    ByteList map = maps.buffer();
+float scaleByLibtiff(const Maps& maps) {
     ByteList seen(65536);
-    for (std::uint32_t strip = 0; strip < maps.count(); ++strip) {
-        maps.read(strip, map);
-        plainMark(seen.data(), map.data(), map.size() / 4);
-    }
-    return plainScale(seen);
+    forEachStrip(maps.map, [&](const ByteList& samples) {
+        markLevels(seen.data(), samples.data(), samples.size() / 4);
+    });
+    const auto levels = static_cast<float>(std::count(seen.begin(), seen.end(), 1));
+    return 18.49f * std::exp(1049.0f / levels + levels * -7.071e-05f);
 }
 
-float targaByLibtiff(const std::string& in, const std::string& out) {
-    Strips maps(in, "r");
-    const auto [width, height] = maps.size();
-    const std::size_t rowBytes = std::size_t{3} * width;
-    PlainWriter file(out, plainTargaHead(width, height));
-    ByteList map = maps.buffer();
+float targaByLibtiff(const Maps& maps) {
+    Strips strips(maps.map, "r");
+    std::array<std::uint8_t, 18> head{};
+    head[2] = 2;  // uncompressed colours
+    storeLe16(&head[12], static_cast<std::uint16_t>(maps.side));
+    storeLe16(&head[14], static_cast<std::uint16_t>(maps.side));
+    head[16] = 24;  // bits per pixel
+    OutputFile file(maps.made);
+    file.write(head);
+    const std::size_t rowBytes = std::size_t{3} * maps.side;
+    ByteList map = strips.buffer();
     ByteList reversed(rowBytes);
-    for (std::uint32_t strip = maps.count(); strip-- > 0;) {
+    for (std::uint32_t strip = strips.count(); strip-- > 0;) {
         map.resize(map.capacity());
-        maps.read(strip, map);
+        strips.read(strip, map);
         for (std::size_t row = map.size(); row > 0; row -= rowBytes) {
-            plainReverse(reversed.data(), &map[row - rowBytes], width);
-            file.append(reversed);
+            reversePixels(reversed.data(), &map[row - rowBytes], maps.side);
+            file.write(reversed);
         }
     }
+    file.finish();
     return 0.0f;
 }
 
 std::uint64_t digestOfPixels(const std::string& path) {
-    Strips strips(path, "r");
-    ByteList bytes = strips.buffer();
-    std::uint64_t digest = strips.pixelBytes();
-    for (std::uint32_t strip = 0; strip < strips.count(); ++strip) {
-        strips.read(strip, bytes);
-        digest = digestOf(bytes, digest);
-    }
+    std::uint64_t digest = 0;
+    forEachStrip(path, [&](const ByteList& bytes) { digest = digestOf(bytes, digest); });
     return digest;
 }

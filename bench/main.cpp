@@ -1,5 +1,5 @@
-// quillon_bench: how fast the exports are, beside the best that other software does, the file
-// traffic alone and a plain implementation.
+// quillon_bench: how fast the exports are, beside the best that other software does and the file
+// traffic alone.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -12,7 +12,6 @@
 #include "Growth.h"
 #include "Job.h"
 #include "Memory.h"
-#include "PreparedRace.h"
 #include "Runner.h"
 #include "Table.h"
 #include "Text.h"
@@ -23,7 +22,6 @@ namespace {
 
 constexpr std::uint32_t kSide = 4096;
 constexpr std::uint32_t kQuickSide = 1024;
-constexpr std::uint32_t kLargestSide = 16384;
 constexpr int kRounds = 15;
 constexpr int kQuickRounds = 3;
 
@@ -41,7 +39,7 @@ struct Options {
     std::string folder = "/dev/shm";
 };
 
-// What is wrong with a side for maps; empty when nothing is.
+// What is wrong with a side for maps; empty if nothing is.
 std::string sideError(const std::string& side) {
     constexpr unsigned long kMultiple = 256;  // so that thumbnails and blocks come out even
     const unsigned long pixels = std::strtoul(side.c_str(), nullptr, 10);
@@ -55,14 +53,16 @@ std::string sideError(const std::string& side) {
 std::vector<Job> wantedJobs(const Options& options) {
     const std::regex wanted(options.filter, std::regex::icase);
     std::vector<Job> jobs;
-    for (Job& job : allJobs()) {
-        if (std::regex_search(job.name, wanted)) jobs.push_back(std::move(job));
+    for (const auto& family : {mapJobs, meshJobs}) {
+        for (Job& job : family()) {
+            if (std::regex_search(job.name, wanted)) jobs.push_back(std::move(job));
+        }
     }
     if (jobs.empty()) throw WrongUsage("no job has a name like " + options.filter);
     return jobs;
 }
 
-// Calls `work(job)`, tells which job it is and names it when the work fails.
+// Calls `work(job)` for each job, prints its name, and names it if the work fails.
 template <typename Work>
 void forEachJob(const Options& options, Work work) {
     for (const Job& job : wantedJobs(options)) {

@@ -1,8 +1,8 @@
-"""Takes the first channel of a float map, each time a line comes in: what a script on numpy does.
+"""Takes the first channel of a float map whenever a line comes in, as a script on numpy does.
 
   numpy_peer.py VARIANT IN OUT OFFSET PIXELS
 
-OUT exists already and ends with its head; both files' pixels start at OFFSET.
+OUT exists and ends with its header; the pixels of both files start at OFFSET.
 """
 import sys
 

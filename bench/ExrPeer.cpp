@@ -1,5 +1,3 @@
-#include "ExrPeers.h"
-
 #include <ImathBox.h>
 #include <ImfChannelList.h>
 #include <ImfFrameBuffer.h>
@@ -9,6 +7,8 @@
 
 #include <memory>
 #include <span>
+
+#include "MapPeers.h"
 
 namespace {
 
@@ -24,17 +24,15 @@ float rangeOf(std::span<const float> samples) {
 
 }  // namespace
 
-float rangeByOpenExr(const std::string& path) {
+float rangeByOpenExr(const Maps& maps) {
     Imf::setGlobalThreadCount(0);
-    Imf::InputFile file(path.c_str());
+    Imf::InputFile file(maps.map.c_str());
     const Imath::Box2i window = file.header().dataWindow();
-    const auto width = static_cast<std::size_t>(window.max.x - window.min.x + 1);
-    const auto height = static_cast<std::size_t>(window.max.y - window.min.y + 1);
-    const auto samples = std::make_unique_for_overwrite<float[]>(width * height);
+    const auto samples = std::make_unique_for_overwrite<float[]>(maps.pixels());
     Imf::FrameBuffer plane;
     plane.insert(file.header().channels().begin().name(),
                  Imf::Slice::Make(Imf::FLOAT, samples.get(), window));
     file.setFrameBuffer(plane);
     file.readPixels(window.min.y, window.max.y);
-    return rangeOf({samples.get(), width * height});
+    return rangeOf({samples.get(), maps.pixels()});
 }
