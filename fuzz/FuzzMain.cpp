@@ -32,22 +32,22 @@ std::size_t below(Random& random, std::size_t count) {
     return static_cast<std::size_t>(random()) % count;
 }
 
-void mutateBytes(ByteList& bytes, std::size_t most) {
-    const std::size_t size = std::min(bytes.size(), most);
-    bytes.resize(std::max<std::size_t>(most, 1));
+void mutateBytes(ByteList& bytes, std::size_t maxBytes) {
+    const std::size_t size = std::min(bytes.size(), maxBytes);
+    bytes.resize(std::max<std::size_t>(maxBytes, 1));
     bytes.resize(LLVMFuzzerMutate(bytes.data(), size, bytes.size()));
 }
 
-// Numbers at which readers go wrong: borders of the integer types and of this file, and what other
-// fields hold.
-std::uint32_t telling(const ByteList& file, const std::vector<Field>& fields, std::uint32_t now,
-                      Random& random) {
-    static constexpr std::array<std::uint32_t, 16> kBorders = {
+// A number at which readers fail: near a limit of the integer types or of this file, or what another
+// field holds.
+std::uint32_t interestingNumber(const ByteList& file, const std::vector<Field>& fields,
+                                std::uint32_t now, Random& random) {
+    static constexpr std::array<std::uint32_t, 16> kLimits = {
         0,      1,      2,       3,        4,           16,          32,          100,
         0x7FFF, 0x8000, 0xFFFFu, 0x10000u, 0x7FFFFFFFu, 0x80000000u, 0xFFFFFFF0u, 0xFFFFFFFFu};
     switch (below(random, 6)) {
         case 0:
-            return kBorders[below(random, kBorders.size())];
+            return kLimits[below(random, kLimits.size())];
         case 1:
             return loadField(file, fields[below(random, fields.size())]);
         case 2:
@@ -62,17 +62,17 @@ std::uint32_t telling(const ByteList& file, const std::vector<Field>& fields, st
 }
 
 // A file without fields is mutated as bytes are.
-void mutateField(ByteList& file, std::size_t most, Random& random) {
+void mutateField(ByteList& file, std::size_t maxBytes, Random& random) {
     const std::vector<Field> fields = target->format.fields(file);
     if (fields.empty()) {
-        mutateBytes(file, most);
+        mutateBytes(file, maxBytes);
         return;
     }
     const Field field = fields[below(random, fields.size())];
-    storeField(file, field, telling(file, fields, loadField(file, field), random));
+    storeField(file, field, interestingNumber(file, fields, loadField(file, field), random));
 }
 
-// Operations on two files mostly want them to agree: a file takes over another one or its start.
+// Operations on two files mostly need them to agree: copies a file or its start over another one.
 void copyOver(RecipeFile& to, const RecipeFile& from, Random& random) {
     if (below(random, 2) == 0) {
         to = from;
@@ -82,21 +82,21 @@ void copyOver(RecipeFile& to, const RecipeFile& from, Random& random) {
     std::copy_n(from.bytes.begin(), count, to.bytes.begin());
 }
 
-void mutate(Recipe& recipe, std::size_t most, Random& random) {
+void mutate(Recipe& recipe, std::size_t maxBytes, Random& random) {
     const std::size_t index = below(random, recipe.files.size());
     const std::size_t other = below(random, recipe.files.size());
     RecipeFile& file = recipe.files[index];
-    const std::size_t way = below(random, 12);
-    if (way == 0)
+    const std::size_t choice = below(random, 12);
+    if (choice == 0)
         LLVMFuzzerMutate(recipe.numbers.data(), recipe.numbers.size(), recipe.numbers.size());
-    else if (way == 1)
+    else if (choice == 1)
         file.filler = static_cast<std::uint16_t>(below(random, 4) * below(random, 2500));
-    else if (way < 6)
-        mutateBytes(file.bytes, most);
-    else if (way < 9 && other != index)
+    else if (choice < 6)
+        mutateBytes(file.bytes, maxBytes);
+    else if (choice < 9 && other != index)
         copyOver(file, recipe.files[other], random);
     else
-        mutateField(file.bytes, most, random);
+        mutateField(file.bytes, maxBytes, random);
     if (below(random, 2) == 0) target->format.repair(file.bytes, file.bytes.size() + file.filler);
 }
 
@@ -108,8 +108,8 @@ extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size
 extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t size,
                                                std::size_t maxSize, unsigned seed);
 
-// Memory is used again soon and comes as it was left, so that an operation that reads what it did
-// not write gives other bytes the second time.
+// Memory is reused soon and keeps what was in it, so that an operation that reads what it did not
+// write gives other bytes the second time.
 extern "C" const char* __asan_default_options() {
     return "quarantine_size_mb=4:thread_local_quarantine_size_kb=64:max_malloc_fill_size=0";
 }
@@ -144,9 +144,9 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
                                                std::size_t maxSize, unsigned seed) {
     Random random(seed);
     Recipe recipe = readRecipe({data, size}, target->files);
-    const std::size_t most = maxSize / target->files;
+    const std::size_t maxBytes = maxSize / target->files;
     do
-        mutate(recipe, most, random);
+        mutate(recipe, maxBytes, random);
     while (below(random, 3) == 0);
     const ByteList input = writeRecipe(recipe);
     const std::size_t count = std::min(input.size(), maxSize);

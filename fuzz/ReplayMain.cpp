@@ -1,6 +1,5 @@
-// fuzz_replay TARGET FILE...: runs a target on inputs without a fuzzer, each file of a folder where
-// a folder is named. Needs nothing but a compiler, so every test run repeats the seeds and every
-// finding.
+// fuzz_replay TARGET FILE...: runs a target on inputs without a fuzzer; a folder stands for its files.
+// Needs only a compiler, so every test run repeats the seeds and every finding.
 
 #include <cstdio>
 #include <filesystem>
@@ -9,9 +8,14 @@
 
 #include "harness/Target.h"
 
+namespace fs = std::filesystem;
+
 namespace {
 
-namespace fs = std::filesystem;
+std::vector<fs::path> inputsAt(const fs::path& path) {
+    if (!fs::is_directory(path)) return {path};
+    return {fs::directory_iterator(path), fs::directory_iterator()};
+}
 
 void replay(const Target& target, const fs::path& path) {
     std::ifstream in(path, std::ios::binary);
@@ -30,13 +34,8 @@ int main(int argc, char** argv) {
     }
     int inputs = 0;
     for (int i = 2; i < argc; ++i) {
-        if (!fs::is_directory(argv[i])) {
-            replay(*target, argv[i]);
-            ++inputs;
-            continue;
-        }
-        for (const fs::directory_entry& entry : fs::directory_iterator(argv[i])) {
-            replay(*target, entry.path());
+        for (const fs::path& path : inputsAt(argv[i])) {
+            replay(*target, path);
             ++inputs;
         }
     }

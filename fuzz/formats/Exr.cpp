@@ -8,8 +8,8 @@
 namespace {
 
 constexpr std::size_t kAttributes = 8;
-constexpr std::size_t kMostAttributes = 32;  // looked at here
-constexpr std::size_t kMostChunks = 64;
+constexpr std::size_t kMaxAttributes = 32;  // looked at here
+constexpr std::size_t kMaxChunks = 64;
 
 struct Attribute {
     std::string_view name;
@@ -31,7 +31,7 @@ struct Layout {
 Layout layoutOf(const ByteList& file) {
     Layout layout;
     std::size_t at = kAttributes;
-    while (at < file.size() && layout.attributes.size() < kMostAttributes) {
+    while (at < file.size() && layout.attributes.size() < kMaxAttributes) {
         const std::string_view name = textAt(file, at);
         at += name.size() + 1;
         if (name.empty()) break;
@@ -59,7 +59,7 @@ std::vector<Field> fields(const ByteList& file) {
     return found;
 }
 
-// Points the offsets at the chunks, one behind the other, as many as follow.
+// Makes the offsets point at consecutive chunks, as many as follow.
 void repair(ByteList& file, std::size_t) {
     storeField(file, {0, 4}, 0x01312F76);
     storeField(file, {4, 4}, 2 | (loadField(file, {5, 1}) & 2) << 8);
@@ -69,7 +69,7 @@ void repair(ByteList& file, std::size_t) {
     if (first < layout.table || first > file.size()) return;
 
     std::size_t chunk = first;
-    const std::size_t count = std::min((first - layout.table) / 8, kMostChunks);
+    const std::size_t count = std::min((first - layout.table) / 8, kMaxChunks);
     for (std::size_t i = 0; i < count; ++i) {
         storeField(file, {layout.table + 8 * i, 4}, static_cast<std::uint32_t>(chunk));
         storeField(file, {layout.table + 8 * i + 4, 4}, 0);

@@ -40,7 +40,8 @@ std::vector<Field> fields(const ByteList& file) {
     return found;
 }
 
-// A kind that is merged, blocks that leave room for planes, as many rows as the file has.
+// A depth and channels that can be merged, blocks that leave room for planes, as many rows as the
+// file has.
 void repair(ByteList& file, std::size_t fileBytes) {
     storeField(file, kSignature, 0x38425053);
     storeField(file, kVersion, 1);

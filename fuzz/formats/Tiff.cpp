@@ -7,13 +7,13 @@
 namespace {
 
 constexpr std::size_t kEntryBytes = 12;
-constexpr std::size_t kMostEntries = 16;  // looked at here
+constexpr std::size_t kMaxEntries = 16;  // looked at here
 
 constexpr Field kDirectoryOffset{4, 4};
 
 struct Directory {
     std::size_t offset;
-    std::size_t entries;  // that lie within the file
+    std::size_t entries;  // that the file has
 
     Field count() const { return {offset, 2}; }
     std::size_t entry(std::size_t index) const { return offset + 2 + kEntryBytes * index; }
@@ -24,7 +24,7 @@ Directory directoryOf(const ByteList& file) {
     if (offset + 2 > file.size()) return {file.size(), 0};
     const std::size_t room = (file.size() - offset - 2) / kEntryBytes;
     const std::size_t claimed = loadField(file, {offset, 2});
-    return {offset, std::min({claimed, room, kMostEntries})};
+    return {offset, std::min({claimed, room, kMaxEntries})};
 }
 
 std::vector<Field> fields(const ByteList& file) {
@@ -37,7 +37,7 @@ std::vector<Field> fields(const ByteList& file) {
     return found;
 }
 
-// The value field of a tag; past the end of the file when there is none.
+// The value field of a tag; past the end of the file if there is none.
 Field valueOf(const ByteList& file, std::uint32_t tag) {
     const Directory directory = directoryOf(file);
     for (std::size_t i = 0; i < directory.entries; ++i) {

@@ -9,7 +9,7 @@ namespace {
 
 constexpr std::size_t kFirstChunk = 32;
 constexpr std::size_t kChunkHeaderBytes = 16;
-constexpr std::size_t kMostChunks = 12;  // looked at here
+constexpr std::size_t kMaxChunks = 12;  // looked at here
 
 struct Kind {
     std::uint32_t id;
@@ -18,11 +18,11 @@ struct Kind {
 constexpr std::array<Kind, 6> kKinds = {
     {{10001, 12}, {20001, 16}, {25001, 32}, {30001, 1}, {35001, 4}, {40001, 2}}};
 
-// The offsets of the chunks as their lengths string them together.
+// The offsets of the chunks, each found by the length of the one before.
 std::vector<std::size_t> chunksOf(const ByteList& file) {
     std::vector<std::size_t> chunks;
     for (std::size_t at = kFirstChunk;
-         at + kChunkHeaderBytes <= file.size() && chunks.size() < kMostChunks;) {
+         at + kChunkHeaderBytes <= file.size() && chunks.size() < kMaxChunks;) {
         chunks.push_back(at);
         at += std::max<std::size_t>(loadField(file, {at + 4, 4}), kChunkHeaderBytes);
     }

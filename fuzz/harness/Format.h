@@ -1,6 +1,6 @@
 #pragma once
 // Format: what the mutator knows of a file format, so that it gets past the checks at the start of
-// a file and reaches what lies behind them.
+// a file and reaches what comes after them.
 
 #include <cstddef>
 #include <cstdint>
@@ -19,10 +19,10 @@ struct Field {
 
 struct Format {
     const char* name;  // of its dictionary and its seeds
-    // The fields of a file, be it right or wrong. All lie within it.
+    // The fields of a file, valid or not.
     std::vector<Field> (*fields)(const ByteList& file);
-    // Makes a damaged file consistent, as far as that is done with small changes: signatures,
-    // offsets and counts that stay within the file. `fileBytes` counts the filler, too.
+    // Makes a damaged file consistent where small changes suffice: signatures, offsets and counts
+    // that stay within the file. `fileBytes` includes the filler.
     void (*repair)(ByteList& file, std::size_t fileBytes);
 };
 
@@ -34,4 +34,4 @@ extern const Format kTiff;
 extern const Format kVemo;
 
 std::uint32_t loadField(const ByteList& file, const Field& field);
-void storeField(ByteList& file, const Field& field, std::uint32_t value);  // if it lies within
+void storeField(ByteList& file, const Field& field, std::uint32_t value);  // if the file has it

@@ -6,7 +6,7 @@
 
 namespace {
 
-// Runs of one value, for merges to take for background, between values that all differ.
+// Runs of one value, which merges take for background, between values that all differ.
 ByteList fillerPattern() {
     ByteList pattern;
     for (std::size_t i = 0; i < UINT16_MAX; ++i)

@@ -1,14 +1,14 @@
 #pragma once
-// Recipe: what one fuzz input stands for: a few numbers and the files that an operation is given.
+// Recipe: what one fuzz input means: a few numbers and the files that an operation is given.
 //
 //   0  12 numbers, such as a mode or a size; each target says which it reads
 //   12    the files, each:
 //           0  2  how many of its bytes follow, little-endian
-//           2  2  how many more it has, which repeat a fixed pattern: room for pixels, which no
-//                 input needs to carry
+//           2  2  how many more it has, which repeat a fixed pattern: room for pixels, which need
+//                 not be in the input
 //           4     bytes
 //
-// Any input is a recipe: what it does not have is 0 or empty.
+// Any input is a recipe: what it lacks is 0 or empty.
 
 #include <array>
 #include <cstddef>

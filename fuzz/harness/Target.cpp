@@ -1,6 +1,5 @@
 #include "harness/Target.h"
 
-#include <dirent.h>
 #include <fcntl.h>
 #include <stdlib.h>
 #include <sys/stat.h>
@@ -22,8 +21,8 @@ namespace {
 constexpr const char* kInputName = "in";
 constexpr const char* kOutputName = "out.tif";
 
-// Output of which no more is compared: a header may claim gigabytes of black.
-constexpr std::size_t kMostBytesCompared = std::size_t{128} * 1024;
+// How much of an output is compared: a header may claim gigabytes of black.
+constexpr std::size_t kMaxBytesCompared = std::size_t{128} * 1024;
 
 [[noreturn]] void fail(const char* what) {
     std::fprintf(stderr, "\nDoes not hold: %s\n", what);
@@ -48,12 +47,8 @@ public:
 
     std::vector<std::string> names() const {
         std::vector<std::string> found;
-        DIR* const stream = ::opendir(path_.c_str());
-        if (stream == nullptr) fail("the temporary folder can be listed");
-        while (const dirent* entry = ::readdir(stream)) {
-            if (entry->d_name[0] != '.') found.emplace_back(entry->d_name);
-        }
-        ::closedir(stream);
+        for (const auto& entry : std::filesystem::directory_iterator(path_))
+            found.push_back(entry.path().filename());
         return found;
     }
 
@@ -64,10 +59,6 @@ private:
 const Folder& folder() {
     static const Folder folder;
     return folder;
-}
-
-std::string inputName(std::size_t index) {
-    return kInputName + std::to_string(index);
 }
 
 void writeFile(const std::string& path, const ByteList& bytes) {
@@ -90,17 +81,12 @@ FileState readFile(const std::string& path) {
     struct stat status {};
     if (file < 0 || ::fstat(file, &status) != 0) fail("a file that was there is there still");
     FileState state{status.st_size, {}};
-    state.bytes.resize(std::min(static_cast<std::size_t>(status.st_size), kMostBytesCompared));
+    state.bytes.resize(std::min(static_cast<std::size_t>(status.st_size), kMaxBytesCompared));
     if (::read(file, state.bytes.data(), state.bytes.size()) !=
         static_cast<ssize_t>(state.bytes.size()))
         fail("a file can be read");
     ::close(file);
     return state;
-}
-
-// A file that an operation is about to replace: none of it may be left.
-void writeOlder(const std::string& path, const FileState& newer) {
-    writeFile(path, ByteList(newer.bytes.size() + 5000, 0xEE));
 }
 
 int lowestFreeDescriptor() {
@@ -130,7 +116,7 @@ Outcome runOnce(const Target& target, const Recipe& recipe) {
     return outcome;
 }
 
-// Some of the inputs, told by the input itself, so that a finding can be repeated.
+// Some of the inputs, chosen by their bytes, so that a finding can be repeated.
 bool isRunTwice(std::span<const std::uint8_t> input) {
     return std::accumulate(input.begin(), input.end(), input.size()) % 4 == 0;
 }
@@ -146,13 +132,9 @@ Case::Case(const Recipe& recipe, const std::string& folder)
     : recipe_(recipe), output_(folder + '/' + kOutputName) {
     for (std::size_t i = 0; i < recipe.files.size(); ++i) {
         given_.push_back(recipe.files[i].whole());
-        paths_.push_back(folder + '/' + inputName(i));
+        paths_.push_back(folder + '/' + kInputName + std::to_string(i));
         writeFile(paths_[i], given_[i]);
     }
-}
-
-std::size_t Case::outputs() const {
-    return folder().names().size() - paths_.size();
 }
 
 std::int32_t Case::number(std::size_t index) const {
@@ -161,10 +143,6 @@ std::int32_t Case::number(std::size_t index) const {
 
 float Case::real(std::size_t index) const {
     return loadLeFloat(&recipe_.numbers.at(index));
-}
-
-ByteList Case::now(std::size_t index) const {
-    return readFile(paths_.at(index)).bytes;
 }
 
 std::uint64_t Case::sizeNow(std::size_t index) const {
@@ -182,7 +160,8 @@ void Case::expectStatus(float status, std::initializer_list<float> known) {
 }
 
 void Case::expectUnchanged(std::size_t index) const {
-    expect(now(index) == given(index), "a file that is only read stays as it is");
+    expect(readFile(paths_.at(index)).bytes == given(index),
+           "a file that is only read stays as it is");
 }
 
 void Case::expectSameSize(std::size_t index) const {
@@ -196,11 +175,13 @@ void Case::expectSameBytes(std::size_t index) const {
             ++counts[byte];
         return counts;
     };
-    expect(histogram(now(index)) == histogram(given(index)), "an exchange only moves bytes");
+    expect(histogram(readFile(paths_.at(index)).bytes) == histogram(given(index)),
+           "an exchange only moves bytes");
 }
 
 void Case::expectOutputs(std::size_t count) const {
-    expect(outputs() == count, "a call creates the files that its status tells");
+    expect(folder().names().size() == paths_.size() + count,
+           "a call creates the files that its status says");
 }
 
 const std::vector<Target>& allTargets() {
@@ -221,8 +202,10 @@ void runInput(const Target& target, std::span<const std::uint8_t> input) {
     const Recipe recipe = readRecipe(input, target.files);
     const Outcome first = runOnce(target, recipe);
     if (!isRunTwice(input)) return;
+    // Older files, of which nothing may be left.
     for (const auto& [name, state] : first.files) {
-        if (!name.starts_with(kInputName)) writeOlder(folder().path() + '/' + name, state);
+        if (!name.starts_with(kInputName))
+            writeFile(folder().path() + '/' + name, ByteList(state.bytes.size() + 5000, 0xEE));
     }
     if (!(runOnce(target, recipe) == first)) fail("the same call gives the same bytes");
 }

@@ -1,8 +1,7 @@
 #pragma once
 // Target: an operation under fuzzing, and what must hold whatever files it is given. Sanitizers
-// watch memory; a target states the rest: which statuses there are, which files stay as they were.
-// The harness itself sees to it that no file stays open and that the same call gives the same
-// bytes.
+// watch memory; a target checks the rest: which statuses there are, which files stay as they were.
+// The harness itself checks that no file stays open and that the same call gives the same bytes.
 
 #include <cstdint>
 #include <initializer_list>
@@ -21,15 +20,11 @@ public:
     char* file(std::size_t index) { return paths_.at(index).data(); }
     // The path of a file that does not exist yet.
     char* output() { return output_.data(); }
-    // How many files there are now besides the given ones.
-    std::size_t outputs() const;
-
     std::uint8_t byte(std::size_t index) const { return recipe_.numbers.at(index); }
     std::int32_t number(std::size_t index) const;  // the bytes from `index` on, little-endian
     float real(std::size_t index) const;           // likewise
 
     const ByteList& given(std::size_t index) const { return given_.at(index); }
-    ByteList now(std::size_t index) const;
     std::uint64_t sizeNow(std::size_t index) const;
 
     // Each ends the process with a message when it does not hold.
@@ -49,10 +44,11 @@ private:
 
 struct Target {
     const char* name;
+    // Calls the operation, checks what it left, and returns its status. Sets whatever state it depends
+    // on first.
+    float (*run)(Case& files);
     const Format& format;
     std::size_t files;
-    // Calls the operation and checks what it left. Sets whatever state it depends on first.
-    float (*run)(Case& files);
     // Of the files in the inputs that fuzzing starts from.
     std::uint16_t seedFiller = 0;
 };
@@ -65,6 +61,13 @@ struct AddTarget {
     explicit AddTarget(const Target& target);
 };
 
-// Runs a target on one input; some inputs twice, so that the second run meets what the first left in
+// Starts the definition of a target's run(): its name, its format, how many files it is given, and
+// their filler in seeds, if any.
+#define FUZZ_TARGET(name, ...)                               \
+    static float run(Case& files);                           \
+    static const AddTarget added({#name, run, __VA_ARGS__}); \
+    static float run(Case& files)
+
+// Runs a target on one input; some inputs twice, so that the second run finds what the first left in
 // memory, and older files where it writes new ones.
 void runInput(const Target& target, std::span<const std::uint8_t> input);

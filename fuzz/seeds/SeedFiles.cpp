@@ -9,7 +9,7 @@
 
 namespace {
 
-// Values that go up, so that no two neighbours are equal.
+// Increasing values, so that no two neighbours are equal.
 template <typename Sample>
 std::vector<Sample> rising(std::size_t count) {
     std::vector<Sample> samples(count);
@@ -56,7 +56,7 @@ SeedFiles psdSeeds() {
             {"blocks", PsdFile(2, 3).resources(5).layers(7).filled(18, 9)},
             {"cut", PsdFile(9, 9).filled(20, 1)},
             {"no-planes", PsdFile(1, 1)},
-            // For the repair of borders, which wants 100 pixels a side: planes are filler.
+            // For the repair of borders, which needs 100 pixels a side: planes are filler.
             {"100x100", PsdFile(100, 100)},
             {"120x101", PsdFile(120, 101)}};
 }

@@ -1,13 +1,13 @@
 #pragma once
-// The files that fuzzing starts from: small right ones of every kind that a format has here, and
-// some that are bent at one place.
+// The files that fuzzing starts from: small valid ones of every kind that the library reads, and some
+// with one wrong field.
 
 #include <map>
 #include <string>
 
 #include "support/TempDir.h"
 
-using SeedFiles = std::map<std::string, ByteList>;  // by a name that tells them apart
+using SeedFiles = std::map<std::string, ByteList>;  // by a name that says what is in it
 
 SeedFiles bmpSeeds();
 SeedFiles exrSeeds();

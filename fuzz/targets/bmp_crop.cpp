@@ -3,9 +3,7 @@
 #include "bmp/BmpOps.h"
 #include "harness/Target.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(bmp_crop, kBmp, 1) {
     const bool anySize = files.byte(8) % 4 == 0;
     const std::int32_t xOffset = anySize ? files.number(0) : files.number(0) % 100;
     const std::int32_t width = anySize ? files.number(4) : files.number(4) % 40;
@@ -17,7 +15,3 @@ float run(Case& files) {
     files.expectOutputs(!replaces && status == 0.0f ? 1 : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"bmp_crop", kBmp, 1, run});

@@ -3,9 +3,7 @@
 #include "bmp/BmpOps.h"
 #include "harness/Target.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(bmp_merge, kBmp, 2) {
     const float status = mergeBMP(files.file(0), files.file(1));
     Case::expectStatus(status, {0.0f, -7.0f, -30.0f, -40.0f});
     files.expectUnchanged(0);
@@ -13,7 +11,3 @@ float run(Case& files) {
     if (status != 0.0f) files.expectUnchanged(1);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"bmp_merge", kBmp, 2, run});

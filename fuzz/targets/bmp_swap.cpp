@@ -3,9 +3,7 @@
 #include "bmp/BmpOps.h"
 #include "harness/Target.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(bmp_swap, kBmp, 1) {
     const int mode = files.byte(0) % 5;
     const float status = swapChannelsBMP(files.file(0), mode);
     Case::expectStatus(status, {0.0f, -7.0f});
@@ -13,7 +11,3 @@ float run(Case& files) {
     files.expectSameBytes(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"bmp_swap", kBmp, 1, run});

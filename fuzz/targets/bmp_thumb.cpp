@@ -3,15 +3,9 @@
 #include "bmp/BmpOps.h"
 #include "harness/Target.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(bmp_thumb, kBmp, 1) {
     const float status = createBMPthumb(files.file(0), files.number(0));
     Case::expectStatus(status, {0.0f, -2.0f, -7.0f, -9.0f});
     if (status != 0.0f) files.expectUnchanged(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"bmp_thumb", kBmp, 1, run});

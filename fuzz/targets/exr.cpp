@@ -3,9 +3,7 @@
 #include "encoders/ExrRange.h"
 #include "harness/Target.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(exr, kExr, 1) {
     const float status = OpenEXR(files.file(0));
     if (!(status >= 0.0f))
         Case::expectStatus(status, {-1.0f, -2.0f, -4.0f, -8.0f, -9.0f, -10.0f, -131070.0f});
@@ -13,7 +11,3 @@ float run(Case& files) {
     files.expectOutputs(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"exr", kExr, 1, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "psd/PsdOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(psd_grey, kPsd, 1) {
     const bool replaces = files.byte(4) % 8 == 7;
     const float status =
         GrayscalePSD(files.file(0), replaces ? files.file(0) : files.output(), files.number(0));
@@ -14,7 +12,3 @@ float run(Case& files) {
     files.expectOutputs(!replaces && status == 0.0f ? 1 : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"psd_grey", kPsd, 1, run});

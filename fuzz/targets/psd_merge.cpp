@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "psd/PsdOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(psd_merge, kPsd, 2) {
     const float status = mergePSD(files.file(0), files.file(1));
     Case::expectStatus(status, {0.0f, -1.0f, -2.0f, -3.0f, -4.0f, -6.0f, 36.0f});
     files.expectUnchanged(0);
@@ -13,7 +11,3 @@ float run(Case& files) {
     if (status != 0.0f) files.expectUnchanged(1);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"psd_merge", kPsd, 2, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "psd/PsdOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(psd_replace, kPsd, 1) {
     const auto colour = [&](std::size_t index) {
         const std::int32_t number = files.number(index);
         return number < 0 ? files.real(index) : static_cast<float>(number);
@@ -16,7 +14,3 @@ float run(Case& files) {
     if (status != 0.0f) files.expectUnchanged(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"psd_replace", kPsd, 1, run});

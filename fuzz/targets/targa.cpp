@@ -3,9 +3,7 @@
 #include "encoders/TargaOps.h"
 #include "harness/Target.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(targa, kTiff, 1) {
     char* const target = files.byte(0) % 8 == 7 ? files.file(0) : files.output();
     const float status = convertToTarga(files.file(0), target);
     Case::expectStatus(status,
@@ -14,7 +12,3 @@ float run(Case& files) {
     files.expectOutputs(status == 0.0f ? 1 : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"targa", kTiff, 1, run});

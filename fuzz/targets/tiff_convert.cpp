@@ -5,9 +5,7 @@
 #include "harness/Target.h"
 #include "tiff/TiffOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(tiff_convert, kTiff, 1) {
     const int mode = std::array{1, 3, 4}[files.byte(0) % 3];
     char* const target = files.byte(2) % 8 == 7 ? files.file(0) : files.output();
     const float status = convertTiff(files.file(0), target, mode, files.byte(1) % 2);
@@ -17,7 +15,3 @@ float run(Case& files) {
     files.expectOutputs(status == 0.0f ? 1 : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"tiff_convert", kTiff, 1, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "tiff/TiffOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(tiff_scale, kTiff, 1) {
     const float status = getScaleTiff(files.file(0), files.byte(0) % 2 == 0 ? 1 : 3);
     if (!(status > 0.0f))
         Case::expectStatus(
@@ -14,7 +12,3 @@ float run(Case& files) {
     files.expectOutputs(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"tiff_scale", kTiff, 1, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "tiff/TiffOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(tiff_single, kTiff, 1) {
     char* const target = files.byte(0) % 8 == 7 ? files.file(0) : files.output();
     const float status = singleChannelTiff(files.file(0), target);
     Case::expectStatus(status, {0.0f, -201.0f, -1.0f, -258.0f, -32.0f, -259.0f, -262.0f, -273.0f,
@@ -14,7 +12,3 @@ float run(Case& files) {
     files.expectOutputs(status == 0.0f ? 1 : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"tiff_single", kTiff, 1, run});

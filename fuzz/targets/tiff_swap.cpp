@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "tiff/TiffOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(tiff_swap, kTiff, 1) {
     const int mode = files.byte(0) % 5;
     const float status = swapChannels(files.file(0), mode);
     Case::expectStatus(status, {0.0f, 258.0f, -259.0f, -262.0f, -273.0f, -339.0f});
@@ -13,7 +11,3 @@ float run(Case& files) {
     files.expectSameBytes(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"tiff_swap", kTiff, 1, run});

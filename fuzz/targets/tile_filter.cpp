@@ -1,5 +1,5 @@
-// A tile filter file. Lines stand for themselves: cut at any line end, the two halves list what the
-// whole lists.
+// A tile filter file. Lines are independent: cut at any line end, the two halves list what the whole
+// lists.
 
 #include <algorithm>
 #include <array>
@@ -9,9 +9,7 @@
 #include "mesh/TileFilter.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float readFilter(Case& files) {
+FUZZ_TARGET(tile_filter, kText, 1) {
     const float status = setUVtilesOut(files.file(0));
     clearUVtilesOut();
     Case::expectStatus(status, {0.0f});
@@ -34,7 +32,3 @@ float readFilter(Case& files) {
     }
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"tile_filter", kText, 1, readFilter});

@@ -3,16 +3,10 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_colours, kVemo, 1) {
     const float status = ReadVertColorVemo(files.file(0), files.output());
     Case::expectStatus(status, {0.0f, -18.0f});
     files.expectUnchanged(0);
     files.expectOutputs(status == 0.0f ? 1 : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_colours", kVemo, 1, run});

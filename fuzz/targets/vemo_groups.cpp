@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_groups, kVemo, 1) {
     const float status = GetUVGroup(files.file(0));
     Case::expect((status >= 0.0f && status <= 65536.0f) || status == -18.0f,
                  "the status is a count or a known one");
@@ -13,7 +11,3 @@ float run(Case& files) {
     files.expectOutputs(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_groups", kVemo, 1, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_mask, kVemo, 1) {
     clearUVtilesOut();
     if (files.byte(1) % 2 == 1) setUVtilesOut(files.file(0));
     const float status = GetUVsFromVemoMASK(files.file(0), files.output(), files.byte(0) % 4);
@@ -15,7 +13,3 @@ float run(Case& files) {
     files.expectOutputs(status > 0.0f ? static_cast<std::size_t>(status) : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_mask", kVemo, 1, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_merge, kVemo, 2) {
     const float status = mergeFiles(files.file(0), files.file(1));
     Case::expectStatus(status, {0.0f, -18.0f});
     files.expectUnchanged(0);
@@ -17,7 +15,3 @@ float run(Case& files) {
     }
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_merge", kVemo, 2, run});

@@ -3,9 +3,7 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_obj, kVemo, 2) {
     const float bases = GetFaceIDsVemo(files.file(0), files.byte(0) - 3.0);
     Case::expect(bases >= 0.0f || bases == -18.0f, "the status is a count or a known one");
     const float status = writeOBJfromVemo(files.file(1), files.output());
@@ -15,7 +13,3 @@ float run(Case& files) {
     if (status == -18.0f) files.expectOutputs(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_obj", kVemo, 2, run});

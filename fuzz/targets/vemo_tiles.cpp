@@ -1,5 +1,4 @@
-// The UV tiles of a mesh, with and without a filter, for which the mesh itself is as good as any
-// text.
+// The UV tiles of a mesh, with and without a filter, for which the mesh itself serves as any text does.
 
 #include <array>
 #include <string_view>
@@ -7,9 +6,7 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_tiles, kVemo, 1) {
     clearUVtilesOut();
     if (files.byte(1) % 2 == 1) setUVtilesOut(files.file(0));
     std::array<char, 64> name = {"untouched"};
@@ -21,7 +18,3 @@ float run(Case& files) {
     files.expectOutputs(0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_tiles", kVemo, 1, run});

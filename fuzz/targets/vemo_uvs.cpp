@@ -5,9 +5,7 @@
 #include "harness/Target.h"
 #include "mesh/VemoOps.h"
 
-namespace {
-
-float run(Case& files) {
+FUZZ_TARGET(vemo_uvs, kVemo, 1) {
     clearUVtilesOut();
     if (files.byte(1) % 2 == 1) setUVtilesOut(files.file(0));
     const float status = GetUVsFromVemo(files.file(0), files.output(), files.byte(0) % 4);
@@ -21,7 +19,3 @@ float run(Case& files) {
     files.expectOutputs(status > 0.0f ? static_cast<std::size_t>(status) : 0);
     return status;
 }
-
-}  // namespace
-
-const AddTarget added({"vemo_uvs", kVemo, 1, run});
