@@ -26,7 +26,7 @@ float mergeMappedBmp(const Maps& maps) {
 
 float swapMappedBmp(const Maps& maps) {
     const MappedFile map(maps.map, Access::kRewrite);
-    plainSwap(map.data() + kBmpHeadBytes, maps.pixels());
+    plainSwap(map.data() + kBmpHeadBytes, maps.pixels(), 0, 2);
     return 0.0f;
 }
 

@@ -1,5 +1,6 @@
 #include "PlainPixels.h"
 
+#include <algorithm>
 #include <array>
 #include <cstring>
 #include <utility>
@@ -17,6 +18,13 @@ void merge(std::uint8_t* map, const std::uint8_t* tile, const std::uint8_t* key,
     }
 }
 
+float levelOf(const std::uint8_t* sample) {
+    float value = 0.0f;
+    std::memcpy(&value, sample, sizeof(value));
+    const float q = value * 65535.0f;
+    return (q >= 0.0f ? std::min(q, 65535.0f) : 0.0f) + 0.5f;
+}
+
 }  // namespace
 
 void plainMerge(std::uint8_t* map, const std::uint8_t* tile, const std::uint8_t* background,
@@ -25,7 +33,19 @@ void plainMerge(std::uint8_t* map, const std::uint8_t* tile, const std::uint8_t*
     if (pixelBytes == 12) merge<12>(map, tile, background, pixels);
 }
 
-void plainSwap(std::uint8_t* pixels, std::size_t count) {
+void plainSwap(std::uint8_t* pixels, std::size_t count, std::size_t first, std::size_t second) {
     for (std::size_t i = 0; i < count; ++i, pixels += 3)
-        std::swap(pixels[0], pixels[2]);
+        std::swap(pixels[first], pixels[second]);
+}
+
+void plainLevels(std::uint8_t* to, const std::uint8_t* samples, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i) {
+        const auto level = static_cast<std::uint16_t>(static_cast<int>(levelOf(samples + 4 * i)));
+        std::memcpy(to + 2 * i, &level, sizeof(level));
+    }
+}
+
+void plainMark(std::uint8_t* seen, const std::uint8_t* samples, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        seen[static_cast<int>(levelOf(samples + 4 * i))] = 1;
 }

@@ -3,7 +3,6 @@
 #include <algorithm>
 #include <array>
 #include <cmath>
-#include <cstring>
 #include <memory>
 #include <vector>
 
@@ -77,26 +76,6 @@ void forEachStrip(const std::string& path, Use use) {
     }
 }
 
-// A float sample as a 16-bit level, not yet cut to an integer.
-float levelOf(const std::uint8_t* sample) {
-    float value = 0.0f;
-    std::memcpy(&value, sample, sizeof(value));
-    const float q = value * 65535.0f;
-    return (q >= 0.0f ? std::min(q, 65535.0f) : 0.0f) + 0.5f;
-}
-
-void storeLevels(std::uint8_t* to, const std::uint8_t* samples, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const auto level = static_cast<std::uint16_t>(static_cast<int>(levelOf(samples + 4 * i)));
-        std::memcpy(to + 2 * i, &level, sizeof(level));
-    }
-}
-
-void markLevels(std::uint8_t* seen, const std::uint8_t* samples, std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i)
-        seen[static_cast<int>(levelOf(samples + 4 * i))] = 1;
-}
-
 void reversePixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {
     for (std::size_t i = 0; i < pixels; ++i, to += 3, from += 3) {
         to[0] = from[2];
@@ -129,7 +108,7 @@ float swapByLibtiff(const Maps& maps) {
     ByteList map = strips.buffer();
     for (std::uint32_t strip = 0; strip < strips.count(); ++strip) {
         strips.read(strip, map);
-        plainSwap(map.data(), map.size() / 3);
+        plainSwap(map.data(), map.size() / 3, 0, 2);
         strips.write(strip, map);
     }
     return 0.0f;
@@ -147,7 +126,7 @@ float convertByLibtiff(const Maps& maps) {
     ByteList levels;
     forEachStrip(maps.map, [&](const ByteList& samples) {
         levels.resize(samples.size() / 2);
-        storeLevels(levels.data(), samples.data(), samples.size() / 4);
+        plainLevels(levels.data(), samples.data(), samples.size() / 4);
         const auto count = static_cast<tmsize_t>(levels.size());
         // The output's one strip grows with each call.
         if (::TIFFWriteRawStrip(file.get(), 0, levels.data(), count) != count)
@@ -159,7 +138,7 @@ float convertByLibtiff(const Maps& maps) {
 float scaleByLibtiff(const Maps& maps) {
     ByteList seen(65536);
     forEachStrip(maps.map, [&](const ByteList& samples) {
-        markLevels(seen.data(), samples.data(), samples.size() / 4);
+        plainMark(seen.data(), samples.data(), samples.size() / 4);
     });
     const auto levels = static_cast<float>(std::count(seen.begin(), seen.end(), 1));
     return 18.49f * std::exp(1049.0f / levels + levels * -7.071e-05f);
