@@ -53,12 +53,10 @@ using Tile = std::pair<float, float>;
 
 // Plain C++ for want of a library: the mesh mapped, and read as often as needed.
 
-std::set<Tile> tilesIn(const Mesh& mesh, const MappedFile& file) {
+std::set<Tile> tilesIn(const std::uint8_t* first, const std::uint8_t* end) {
     std::set<Tile> tiles;
     Tile last{NAN, NAN};
-    const std::uint8_t* const end = file.data() + mesh.size.endOfUvs();
-    for (const std::uint8_t* face = file.data() + mesh.size.firstUv(); face < end;
-         face += kFaceUvBytes) {
+    for (const std::uint8_t* face = first; face < end; face += kFaceUvBytes) {
         const Tile tile{placeOf(face).whole, placeOf(face + 4).whole};
         if (tile == last) continue;
         tiles.insert(tile);
@@ -68,7 +66,10 @@ std::set<Tile> tilesIn(const Mesh& mesh, const MappedFile& file) {
 }
 
 float countMapped(const Mesh& mesh) {
-    return static_cast<float>(tilesIn(mesh, MappedFile(mesh.path, Access::kRead)).size());
+    const MappedFile file(mesh.path, Access::kRead);
+    const auto tiles =
+        tilesIn(file.data() + mesh.size.firstUv(), file.data() + mesh.size.endOfUvs());
+    return static_cast<float>(tiles.size());
 }
 
 void localUvs(std::uint8_t* to, const std::uint8_t* from, std::size_t corners, const Tile& tile) {
@@ -97,7 +98,8 @@ void writeTileMapped(const Mesh& mesh, const MappedFile& file, const std::string
 
 float splitMapped(const Mesh& mesh) {
     const MappedFile file(mesh.path, Access::kRead);
-    const std::set<Tile> tiles = tilesIn(mesh, file);
+    const auto tiles =
+        tilesIn(file.data() + mesh.size.firstUv(), file.data() + mesh.size.endOfUvs());
     std::vector<std::uint8_t> piece(kPieceBytes);
     for (const Tile& tile : tiles) {
         const auto number = static_cast<std::uint32_t>(tile.first + 10.0f * tile.second);
