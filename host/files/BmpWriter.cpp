@@ -31,6 +31,15 @@ Head headOf(std::uint32_t width, std::uint32_t height) {
 }  // namespace
 
 BmpWriter::BmpWriter(const std::string& path, std::uint32_t width, std::uint32_t height)
-    : file_(path) {
-    file_.write(headOf(width, height));
+    : OutputFile(path), row_(bmpRowBytes(width)) {
+    append(headOf(width, height));
+}
+
+void BmpWriter::appendRgb(std::span<const std::uint8_t> row) {
+    for (std::size_t i = 0; i + 2 < row.size(); i += 3) {
+        row_[i] = row[i + 2];
+        row_[i + 1] = row[i + 1];
+        row_[i + 2] = row[i];
+    }
+    append(row_);
 }

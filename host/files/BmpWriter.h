@@ -5,6 +5,7 @@
 #include <cstdint>
 #include <span>
 #include <string>
+#include <vector>
 
 #include "files/DiskFile.h"
 
@@ -13,15 +14,14 @@ constexpr std::uint32_t bmpRowBytes(std::uint32_t width) {
     return (3 * width + 3) / 4 * 4;
 }
 
-class BmpWriter {
+// Whole padded rows of blue, green, red are appended, from the bottom one on.
+class BmpWriter : public OutputFile {
 public:
-    // Throws Failure if the file cannot be created; the two below, if it cannot be written.
     BmpWriter(const std::string& path, std::uint32_t width, std::uint32_t height);
 
-    // Takes whole padded rows of blue, green, red, from the bottom one on.
-    void append(std::span<const std::uint8_t> rows) { file_.write(rows); }
-    void finish() { file_.finish(); }
+    // Appends a row of red, green, blue, without padding.
+    void appendRgb(std::span<const std::uint8_t> row);
 
 private:
-    OutputFile file_;
+    std::vector<std::uint8_t> row_;
 };

@@ -60,6 +60,12 @@ std::size_t InputFile::read(std::uint64_t offset, std::span<std::uint8_t> bytes)
     return count;
 }
 
+Bytes InputFile::part(std::uint64_t offset, std::size_t count) {
+    part_.resize(count);
+    part_.resize(read(offset, part_));
+    return {part_.data(), part_.size()};
+}
+
 std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* what) {
     InputFile file(path, what);
     std::vector<std::uint8_t> bytes(file.size());
@@ -81,7 +87,7 @@ OutputFile::~OutputFile() {
     if (fs::is_regular_file(path_, ignored)) fs::remove(path_, ignored);
 }
 
-void OutputFile::write(std::span<const std::uint8_t> bytes) {
+void OutputFile::append(std::span<const std::uint8_t> bytes) {
     while (!bytes.empty()) {
         stopIfInterrupted();
         const auto piece = bytes.first(std::min(bytes.size(), kPieceBytes));

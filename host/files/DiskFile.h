@@ -9,6 +9,8 @@
 #include <string>
 #include <vector>
 
+#include "bytes/Bytes.h"
+
 // Returns the extension of a path in lower case, such as ".tif", or an empty text.
 std::string extensionOf(const std::string& path);
 
@@ -38,14 +40,18 @@ public:
     // read.
     std::size_t read(std::uint64_t offset, std::span<std::uint8_t> bytes);
 
+    // Returns a part of the file, as far as the file has it. It is valid until the next call.
+    Bytes part(std::uint64_t offset, std::size_t count);
+
 private:
     std::string path_;
     FilePointer file_;
     std::uint64_t size_ = 0;
+    std::vector<std::uint8_t> part_;
 };
 
-// A file being written. The destructor deletes it unless finish() succeeded. After Ctrl-C write()
-// throws Interrupted.
+// A file being written. The destructor deletes it unless finish() succeeded. After Ctrl-C append()
+// throws Interrupted; all three throw Failure if the file cannot be created or written.
 class OutputFile {
 public:
     explicit OutputFile(std::string path);
@@ -53,7 +59,7 @@ public:
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();
 
-    void write(std::span<const std::uint8_t> bytes);
+    void append(std::span<const std::uint8_t> bytes);
     void finish();  // a full disk may show only here
 
 private:

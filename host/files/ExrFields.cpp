@@ -30,8 +30,8 @@ std::string attributeValue(Fields& fields, const std::string& type, std::uint64_
     if (type == "string") return fields.lettersAt(offset, bytes);
     Bytes value = fields.part(offset, 16);
     if (type == "compression" || type == "lineOrder") return std::to_string(value.u8(0));
-    if (type == "float") return textIn(value, NumberKind::kLeFloat);
-    if (type == "int") return textIn(value, NumberKind::kSignedLe32);
+    if (type == "float") return textIn(value, number::kLeFloat);
+    if (type == "int") return textIn(value, number::kSignedLe32);
     if (type != "box2i") return {};
     std::string box;
     for (std::size_t i = 0; i < 16; i += 4) {
@@ -60,8 +60,8 @@ void noteExrSize(Fields& fields, const std::string& attribute, std::uint64_t off
 
 void readExr(Fields& fields) {
     fields.facts().picture.emplace();
-    fields.number(0, NumberKind::kLe32, "magic");
-    fields.number(4, NumberKind::kLe32, "version and flags");
+    fields.number(0, number::kLe32, "magic");
+    fields.number(4, number::kLe32, "version and flags");
     for (std::uint64_t offset = 8; fields.has(offset) && !fields.isFull();) {
         const auto name = nameAt(fields, offset);
         if (!name || name->empty()) return;

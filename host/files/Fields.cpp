@@ -9,12 +9,6 @@ constexpr std::size_t kMaxText = 60;
 
 }  // namespace
 
-Bytes Fields::part(std::uint64_t offset, std::size_t count) {
-    part_.resize(count);
-    part_.resize(file_.read(offset, part_));
-    return {part_.data(), part_.size()};
-}
-
 std::string Fields::lettersAt(std::uint64_t offset, std::size_t count) {
     const Bytes bytes = part(offset, std::min(count, kMaxText));
     std::string letters(bytes.data, bytes.data + bytes.size);
@@ -24,8 +18,8 @@ std::string Fields::lettersAt(std::uint64_t offset, std::size_t count) {
 }
 
 std::int64_t Fields::number(std::uint64_t offset, NumberKind kind, const char* name) {
-    const Bytes bytes = part(offset, bytesOf(kind));
-    add({offset, bytesOf(kind), name, textIn(bytes, kind)});
+    const Bytes bytes = part(offset, kind.bytes);
+    add({offset, kind.bytes, name, textIn(bytes, kind)});
     return integerIn(bytes, kind);
 }
 
@@ -48,4 +42,17 @@ bool Fields::endsWithin(const char* what, const Bytes& read, std::uint64_t offse
 
 bool Fields::isFull() const {
     return facts_.fields.size() >= kMaxFields;
+}
+
+std::optional<PixelLayout> layoutOf(const PictureFacts& picture, NumberKind sample,
+                                    std::uint64_t start) {
+    if (picture.width <= 0 || picture.height <= 0 || picture.channels <= 0) return std::nullopt;
+    const auto width = static_cast<std::uint64_t>(picture.width);
+    const auto channels = static_cast<std::uint64_t>(picture.channels);
+    return PixelLayout{.sample = sample,
+                       .start = start,
+                       .rowBytes = width * channels * sample.bytes,
+                       .width = width,
+                       .height = static_cast<std::uint64_t>(picture.height),
+                       .channels = channels};
 }

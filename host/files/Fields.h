@@ -12,10 +12,10 @@ class Fields {
 public:
     explicit Fields(const std::string& path) : file_(path, "file") { facts_.bytes = file_.size(); }
 
-    // Returns a part of the file, as far as the file has it. It is valid until the next call.
-    Bytes part(std::uint64_t offset, std::size_t count);
+    // A part of the file, as InputFile gives it.
+    Bytes part(std::uint64_t offset, std::size_t count) { return file_.part(offset, count); }
 
-    // Returns a text, in which a dot replaces each byte that is no letter; the first 60 bytes.
+    // Returns the first 60 bytes of a text, with a dot for each that is not printable ASCII.
     std::string lettersAt(std::uint64_t offset, std::size_t count);
 
     // Notes a number and returns it. Bytes that the file does not have count as 0.
@@ -34,18 +34,8 @@ public:
 
 private:
     InputFile file_;
-    std::vector<std::uint8_t> part_;
     FileFacts facts_;
 };
-
-// "256 width"; the number alone if the table has no name for it.
-template <std::size_t kCount>
-std::string named(const std::pair<std::uint32_t, const char*> (&names)[kCount], std::uint32_t id) {
-    for (const auto& [known, name] : names) {
-        if (known == id) return std::to_string(id) + ' ' + name;
-    }
-    return std::to_string(id);
-}
 
 void readTiff(Fields& fields);
 void readPsd(Fields& fields);
@@ -54,3 +44,11 @@ void readExr(Fields& fields);
 void readJpeg(Fields& fields);
 void readTarga(Fields& fields);
 void readVemo(Fields& fields);
+
+// Whether a chunk of a mesh file can have this id.
+bool isVemoChunk(std::uint32_t id);
+
+// Returns the layout of an uncompressed image whose samples alternate in rows without padding, or
+// nothing for an image without pixels.
+std::optional<PixelLayout> layoutOf(const PictureFacts& picture, NumberKind sample,
+                                    std::uint64_t start);

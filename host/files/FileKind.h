@@ -1,11 +1,15 @@
 #pragma once
 // The kinds of file that Quillon reads or writes, and how a file shows its kind.
 
+#include <optional>
 #include <string>
 #include <string_view>
 #include <vector>
 
 #include "bytes/Bytes.h"
+#include "files/MapFormat.h"
+
+class Fields;
 
 // In the order in which a file is compared with them; kUnknown is the last.
 enum class FileKind { kTiff, kPsd, kBmp, kExr, kJpeg, kTarga, kVemo, kUnknown };
@@ -14,6 +18,8 @@ struct FileKindInfo {
     const char* title;
     std::vector<std::string_view> extensions;  // in lower case, the usual one first
     std::vector<std::string_view> starts;      // with which files begin, if they can be known by it
+    void (*readFields)(Fields&);               // null when nothing is known of such files
+    std::optional<MapFormat> mapFormat = {};   // of maps that the host writes
 };
 
 FileKindInfo infoOf(FileKind kind);

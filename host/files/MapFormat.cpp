@@ -6,28 +6,11 @@
 
 namespace {
 
-std::optional<MapFormat> formatOf(FileKind kind) {
-    switch (kind) {
-        case FileKind::kTiff:
-            return MapFormat::kTiff;
-        case FileKind::kPsd:
-            return MapFormat::kPsd;
-        case FileKind::kBmp:
-            return MapFormat::kBmp;
-        case FileKind::kExr:
-        case FileKind::kJpeg:
-        case FileKind::kTarga:
-        case FileKind::kVemo:
-        case FileKind::kUnknown:
-            return std::nullopt;
-    }
-    throw std::logic_error("there is no such kind of file");
-}
-
+// Calls `use` with each format and the kind of its files.
 template <typename Use>
 void forEachFormat(Use use) {
     forEachFileKind([&](FileKind kind) {
-        if (const auto format = formatOf(kind)) use(*format, kind);
+        if (const auto format = infoOf(kind).mapFormat) use(*format, kind);
     });
 }
 
@@ -60,8 +43,8 @@ std::vector<std::string> formatNames() {
 std::vector<std::string> mapExtensions() {
     std::vector<std::string> all;
     forEachFormat([&](MapFormat, FileKind kind) {
-        for (const std::string_view extension : infoOf(kind).extensions)
-            all.emplace_back(extension);
+        const auto extensions = infoOf(kind).extensions;
+        all.insert(all.end(), extensions.begin(), extensions.end());
     });
     return all;
 }
@@ -75,7 +58,7 @@ std::optional<MapFormat> formatNamed(std::string_view name) {
 }
 
 std::optional<MapFormat> formatOfPath(const std::string& path) {
-    return formatOf(kindOfPath(path));
+    return infoOf(kindOfPath(path)).mapFormat;
 }
 
 std::vector<int> swapsFor(MapFormat format, std::string_view order) {

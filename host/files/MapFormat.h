@@ -21,7 +21,7 @@ struct MapFormatInfo {
 
 const MapFormatInfo& infoOf(MapFormat format);
 
-// Returns the names of all formats, in the order of FileKind.
+// Returns the names of all formats.
 std::vector<std::string> formatNames();
 
 // Returns the extensions of all formats, in the same order.

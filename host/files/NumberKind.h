@@ -6,9 +6,24 @@
 
 #include "bytes/Bytes.h"
 
-enum class NumberKind { kByte, kLe16, kLe32, kBe16, kBe32, kSignedLe16, kSignedLe32, kLeFloat };
+struct NumberKind {
+    enum Type { kUnsigned, kSigned, kFloat };
 
-std::size_t bytesOf(NumberKind kind);
+    std::size_t bytes;
+    Type type = kUnsigned;
+    bool bigEndian = false;
+};
+
+namespace number {
+inline constexpr NumberKind kByte{1};
+inline constexpr NumberKind kLe16{2};
+inline constexpr NumberKind kLe32{4};
+inline constexpr NumberKind kBe16{2, NumberKind::kUnsigned, true};
+inline constexpr NumberKind kBe32{4, NumberKind::kUnsigned, true};
+inline constexpr NumberKind kSignedLe16{2, NumberKind::kSigned};
+inline constexpr NumberKind kSignedLe32{4, NumberKind::kSigned};
+inline constexpr NumberKind kLeFloat{4, NumberKind::kFloat};
+}
 
 // The number at the start of `bytes`; missing bytes count as 0. A float's bits, as an integer.
 std::int64_t integerIn(Bytes bytes, NumberKind kind);

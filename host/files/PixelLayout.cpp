@@ -15,13 +15,13 @@ std::uint64_t flippedIfBottomFirst(const PixelLayout& layout, std::uint64_t row)
 }  // namespace
 
 std::uint64_t pixelBytesOf(const PixelLayout& layout) {
-    return bytesOf(layout.sample) * (layout.planes ? 1 : layout.channels);
+    return layout.sample.bytes * (layout.planes ? 1 : layout.channels);
 }
 
 std::uint64_t offsetOf(const PixelLayout& layout, const Sample& sample) {
     const std::uint64_t channel = swappedIfBlueFirst(layout, sample.channel);
     const std::uint64_t row = flippedIfBottomFirst(layout, sample.y);
-    const std::uint64_t inPixel = layout.planes ? 0 : channel * bytesOf(layout.sample);
+    const std::uint64_t inPixel = layout.planes ? 0 : channel * layout.sample.bytes;
     const std::uint64_t rows = layout.planes ? channel * layout.height + row : row;
     return layout.start + rows * layout.rowBytes + sample.x * pixelBytesOf(layout) + inPixel;
 }
@@ -38,7 +38,7 @@ std::optional<SampleOrPadding> sampleAt(const PixelLayout& layout, std::uint64_t
     const std::uint64_t used = layout.width * pixelBytes;
     if (inRow >= used)
         return SampleOrPadding{y, std::nullopt, offset - inRow + used, layout.rowBytes - used};
-    const std::uint64_t bytes = bytesOf(layout.sample);
+    const std::uint64_t bytes = layout.sample.bytes;
     const std::uint64_t place = layout.planes ? plane : inRow % pixelBytes / bytes;
     const Sample sample{inRow / pixelBytes, y, swappedIfBlueFirst(layout, place)};
     return SampleOrPadding{y, sample, offset - inRow % bytes, bytes};

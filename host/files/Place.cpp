@@ -20,7 +20,7 @@ public:
     }
 
     Place find() {
-        place_.byte = static_cast<std::uint8_t>(integerIn(read(offset_, 1), NumberKind::kByte));
+        place_.byte = file_.part(offset_, 1).u8(0);
         const Field* field = smallestField();
         if (field != nullptr && (!field->head.empty() || field->elements.count > 0))
             inField(*field);
@@ -30,12 +30,6 @@ public:
     }
 
 private:
-    Bytes read(std::uint64_t offset, std::size_t count) {
-        bytes_.resize(count);
-        bytes_.resize(file_.read(offset, bytes_));
-        return {bytes_.data(), bytes_.size()};
-    }
-
     // The one that says most, where fields of a broken file overlap.
     const Field* smallestField() const {
         const Field* smallest = nullptr;
@@ -58,8 +52,8 @@ private:
         const PixelLayout& layout = *facts_.picture->pixels;
         const auto found = sampleAt(layout, offset_);
         if (!found) return false;
-        setValue(found->offset, found->bytes);
         if (!found->sample) {
+            setValue(found->offset, found->bytes);
             place_.path = {{"part", 0, "padding"}, {"y", found->y}};
             return true;
         }
@@ -68,7 +62,7 @@ private:
                        {"x", sample.x},
                        {"y", sample.y},
                        {"channel", 0, channelName(layout.channels, sample.channel)}};
-        place_.value = numberAt(found->offset, layout.sample);
+        setNumber(found->offset, layout.sample);
         return true;
     }
 
@@ -98,15 +92,13 @@ private:
     // Whether the byte is in one of these, the first of which is at `offset`; moves past them.
     bool inComponents(std::span<const Component> components, std::uint64_t& offset) {
         for (const Component& component : components) {
-            const std::size_t bytes = bytesOf(component.kind);
-            if (offset_ - offset < bytes) {
-                setValue(offset, bytes);
-                if (component.name != nullptr)
-                    place_.path.push_back({"component", 0, component.name});
-                place_.value = numberAt(offset, component.kind);
-                return true;
+            if (offset_ - offset >= component.kind.bytes) {
+                offset += component.kind.bytes;
+                continue;
             }
-            offset += bytes;
+            if (component.name != nullptr) place_.path.push_back({"component", 0, component.name});
+            setNumber(offset, component.kind);
+            return true;
         }
         return false;
     }
@@ -131,15 +123,15 @@ private:
         place_.bytes = bytes;
     }
 
-    std::string numberAt(std::uint64_t offset, NumberKind kind) {
-        const Bytes bytes = read(offset, bytesOf(kind));
-        return bytes.size < bytesOf(kind) ? kCutShort : textIn(bytes, kind);
+    void setNumber(std::uint64_t offset, NumberKind kind) {
+        setValue(offset, kind.bytes);
+        const Bytes bytes = file_.part(offset, kind.bytes);
+        place_.value = bytes.size < kind.bytes ? kCutShort : textIn(bytes, kind);
     }
 
     InputFile file_;
     const FileFacts& facts_;
     const std::uint64_t offset_;
-    std::vector<std::uint8_t> bytes_;
     Place place_{};
 };
 

@@ -2,25 +2,21 @@
 
 namespace {
 
-using enum NumberKind;
+using namespace number;
 
 // What is between the header and the image data, each with its length in front.
 constexpr std::pair<const char*, const char*> kBlocks[] = {{"colour table bytes", "colour table"},
                                                            {"resource bytes", "resources"},
                                                            {"layer bytes", "layers"}};
 
-// One plane per channel, if the samples are not compressed.
-std::optional<PixelLayout> layoutOf(const PictureFacts& picture, std::uint64_t start) {
+// One plane per channel.
+std::optional<PixelLayout> psdLayout(const PictureFacts& picture, std::uint64_t start) {
     if (picture.depth != 8 && picture.depth != 16) return std::nullopt;
-    if (picture.width == 0 || picture.height == 0 || picture.channels == 0) return std::nullopt;
-    const auto width = static_cast<std::uint64_t>(picture.width);
-    return PixelLayout{.sample = picture.depth == 16 ? kBe16 : kByte,
-                       .start = start,
-                       .rowBytes = width * static_cast<std::uint64_t>(picture.depth / 8),
-                       .width = width,
-                       .height = static_cast<std::uint64_t>(picture.height),
-                       .channels = static_cast<std::uint64_t>(picture.channels),
-                       .planes = true};
+    auto layout = layoutOf(picture, picture.depth == 16 ? kBe16 : kByte, start);
+    if (!layout) return layout;
+    layout->rowBytes /= layout->channels;
+    layout->planes = true;
+    return layout;
 }
 
 }  // namespace
@@ -41,6 +37,6 @@ void readPsd(Fields& fields) {
         offset += 4 + bytes;
     }
     const std::int64_t compression = fields.number(offset, kBe16, "compression");
-    if (compression == 0) picture.pixels = layoutOf(picture, offset + 2);
+    if (compression == 0) picture.pixels = psdLayout(picture, offset + 2);
     fields.rest(offset + 2, "image data");
 }

@@ -10,7 +10,7 @@ constexpr std::uint16_t kVersion = 1;
 constexpr std::uint16_t kGrey = 1;  // colour modes
 constexpr std::uint16_t kRgb = 3;
 
-// Behind the colour mode: no colour table, no resources, no layers, no compression.
+// After the colour mode: no colour table, no resources, no layers, no compression.
 using Head = std::array<std::uint8_t, 40>;
 
 Head headOf(const PsdFormat& format) {
@@ -26,6 +26,6 @@ Head headOf(const PsdFormat& format) {
 
 }  // namespace
 
-PsdWriter::PsdWriter(const std::string& path, const PsdFormat& format) : file_(path) {
-    file_.write(headOf(format));
+PsdWriter::PsdWriter(const std::string& path, const PsdFormat& format) : OutputFile(path) {
+    append(headOf(format));
 }

@@ -3,7 +3,6 @@
 // has the layout of the file.
 
 #include <cstdint>
-#include <span>
 #include <string>
 
 #include "files/DiskFile.h"
@@ -15,15 +14,9 @@ struct PsdFormat {
     std::uint16_t bits;      // of a sample: 8 or 16
 };
 
-class PsdWriter {
+// Whole rows of one plane are appended, from the top one on, plane after plane; 16 bits high byte
+// first.
+class PsdWriter : public OutputFile {
 public:
-    // Throws Failure if the file cannot be created; the two below, if it cannot be written.
     PsdWriter(const std::string& path, const PsdFormat& format);
-
-    // Takes whole rows of one plane, from the top one on, plane after plane; 16 bits high byte first.
-    void append(std::span<const std::uint8_t> rows) { file_.write(rows); }
-    void finish() { file_.finish(); }
-
-private:
-    OutputFile file_;
 };

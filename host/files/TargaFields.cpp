@@ -1,7 +1,7 @@
 #include "files/Fields.h"
 
 void readTarga(Fields& fields) {
-    using enum NumberKind;
+    using namespace number;
     PictureFacts& picture = fields.facts().picture.emplace();
     const std::int64_t idBytes = fields.number(0, kByte, "image id bytes");
     fields.number(1, kByte, "colour map");

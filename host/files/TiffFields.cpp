@@ -1,3 +1,4 @@
+#include <algorithm>
 #include <optional>
 
 #include "files/Fields.h"
@@ -5,9 +6,14 @@
 
 namespace {
 
-using enum NumberKind;
+using namespace number;
 
-constexpr std::pair<std::uint32_t, const char*> kTags[] = {
+struct TagName {
+    std::uint16_t tag;
+    const char* name;
+};
+
+constexpr TagName kTags[] = {
     {tiff_tag::kNewSubfileType, "subfile type"}, {tiff_tag::kImageWidth, "width"},
     {tiff_tag::kImageLength, "length"},          {tiff_tag::kBitsPerSample, "bits per sample"},
     {tiff_tag::kCompression, "compression"},     {tiff_tag::kPhotometric, "photometric"},
@@ -37,18 +43,18 @@ struct Entry {
 
 // The components of one value; none for types that are not shown.
 std::span<const Component> componentsOf(std::uint16_t type) {
-    switch (type) {
-        case tiff_type::kShort:
-            return kShort;
-        case tiff_type::kLong:
-            return kLong;
-        case tiff_type::kRational:
-            return kRational;
-        case tiff_type::kFloat:
-            return kFloat;
-        default:
-            return {};
-    }
+    if (type == tiff_type::kShort) return kShort;
+    if (type == tiff_type::kLong) return kLong;
+    if (type == tiff_type::kRational) return kRational;
+    if (type == tiff_type::kFloat) return kFloat;
+    return {};
+}
+
+// "256 width"; the number alone for a tag that is not in the table.
+std::string nameOf(std::uint16_t tag) {
+    const auto* const found = std::ranges::find(kTags, tag, &TagName::tag);
+    const std::string number = std::to_string(tag);
+    return found == std::end(kTags) ? number : number + ' ' + found->name;
 }
 
 // Values that take more than the four bytes of an entry are elsewhere in the file.
@@ -67,7 +73,7 @@ std::string valuesOf(Fields& fields, const Entry& entry) {
 }
 
 void addEntry(Fields& fields, std::uint64_t offset, const Entry& entry) {
-    const std::string name = named(kTags, entry.tag);
+    const std::string name = nameOf(entry.tag);
     Field field{offset, kEntryBytes, name, valuesOf(fields, entry), "entry " + name, kEntry};
     fields.add(std::move(field));
     const std::span<const Component> components = componentsOf(entry.type);
@@ -78,48 +84,38 @@ void addEntry(Fields& fields, std::uint64_t offset, const Entry& entry) {
     fields.facts().details.push_back(std::move(values));
 }
 
-std::optional<NumberKind> sampleKind(std::int64_t depth) {
-    if (depth == 8) return kByte;
-    if (depth == 16) return kLe16;
-    if (depth == 32) return kLeFloat;  // as the library takes them, whatever the file says
-    return std::nullopt;
+// What the entries say about the samples.
+struct Samples {
+    std::uint32_t strips = 0;
+    std::uint32_t start = 0;
+    std::uint32_t compression = 1;
+};
+
+void note(Fields& fields, const Entry& entry, Samples& samples) {
+    PictureFacts& picture = *fields.facts().picture;
+    if (entry.tag == tiff_tag::kImageWidth) picture.width = entry.value;
+    if (entry.tag == tiff_tag::kImageLength) picture.height = entry.value;
+    if (entry.tag == tiff_tag::kCompression) samples.compression = entry.value;
+    if (entry.tag == tiff_tag::kStripOffsets) {
+        samples.strips = entry.count;
+        samples.start = entry.value;
+    }
+    if (entry.tag == tiff_tag::kBitsPerSample) {
+        picture.channels = entry.count;
+        picture.depth = entry.count == 1 ? entry.value : fields.part(entry.value, 2).le16(0);
+    }
 }
 
-// Collects from the entries what the picture is like.
-class Picture {
-public:
-    void take(Fields& fields, const Entry& entry) {
-        if (entry.tag == tiff_tag::kImageWidth) facts_.width = entry.value;
-        if (entry.tag == tiff_tag::kImageLength) facts_.height = entry.value;
-        if (entry.tag == tiff_tag::kStripOffsets) strip_ = entry;
-        if (entry.tag == tiff_tag::kCompression) compression_ = entry.value;
-        if (entry.tag != tiff_tag::kBitsPerSample) return;
-        facts_.channels = entry.count;
-        facts_.depth = entry.count == 1 ? entry.value : fields.part(entry.value, 2).le16(0);
-    }
-
-    // One strip that is not compressed has its samples where they can be read.
-    PictureFacts finish() {
-        const auto kind = sampleKind(facts_.depth);
-        const bool isPlain = strip_ && strip_->count == 1 && compression_ == 1;
-        const bool hasSamples = facts_.width > 0 && facts_.height > 0 && facts_.channels > 0;
-        if (!kind || !isPlain || !hasSamples || facts_.channels > kMaxChannels) return facts_;
-        const auto width = static_cast<std::uint64_t>(facts_.width);
-        const auto channels = static_cast<std::uint64_t>(facts_.channels);
-        facts_.pixels = {.sample = *kind,
-                         .start = strip_->value,
-                         .rowBytes = width * channels * bytesOf(*kind),
-                         .width = width,
-                         .height = static_cast<std::uint64_t>(facts_.height),
-                         .channels = channels};
-        return facts_;
-    }
-
-private:
-    PictureFacts facts_;
-    std::optional<Entry> strip_;
-    std::uint32_t compression_ = 1;
-};
+// One strip that is not compressed has its samples where they can be read. Those of 32 bits are
+// floats, as the library takes them, whatever the file says.
+std::optional<PixelLayout> tiffLayout(const PictureFacts& picture, const Samples& samples) {
+    const bool isPlain = samples.strips == 1 && samples.compression == 1;
+    if (!isPlain || picture.channels > kMaxChannels) return std::nullopt;
+    if (picture.depth == 8) return layoutOf(picture, kByte, samples.start);
+    if (picture.depth == 16) return layoutOf(picture, kLe16, samples.start);
+    if (picture.depth == 32) return layoutOf(picture, kLeFloat, samples.start);
+    return std::nullopt;
+}
 
 }  // namespace
 
@@ -132,14 +128,15 @@ void readTiff(Fields& fields) {
     fields.number(2, kLe16, "version");
     const auto directory = static_cast<std::uint64_t>(fields.number(4, kLe32, "directory"));
     const std::int64_t entries = fields.number(directory, kLe16, "entries");
-    Picture picture;
+    PictureFacts& picture = fields.facts().picture.emplace();
+    Samples samples;
     for (std::int64_t i = 0; i < entries && !fields.isFull(); ++i) {
         const std::uint64_t offset = directory + 2 + kEntryBytes * static_cast<std::uint64_t>(i);
         Bytes bytes = fields.part(offset, kEntryBytes);
         const Entry entry{bytes.le16(0), bytes.le16(2), bytes.le32(4), bytes.le32(8)};
         if (fields.endsWithin("an entry", bytes, offset)) break;
         addEntry(fields, offset, entry);
-        picture.take(fields, entry);
+        note(fields, entry, samples);
     }
-    fields.facts().picture = picture.finish();
+    picture.pixels = tiffLayout(picture, samples);
 }

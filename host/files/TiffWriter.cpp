@@ -77,6 +77,6 @@ Head headOf(const TiffFormat& format) {
 
 }  // namespace
 
-TiffWriter::TiffWriter(const std::string& path, const TiffFormat& format) : file_(path) {
-    file_.write(headOf(format));
+TiffWriter::TiffWriter(const std::string& path, const TiffFormat& format) : OutputFile(path) {
+    append(headOf(format));
 }

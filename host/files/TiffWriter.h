@@ -3,7 +3,6 @@
 // uncompressed strip, one or three samples per pixel.
 
 #include <cstdint>
-#include <span>
 #include <string>
 
 #include "files/DiskFile.h"
@@ -21,15 +20,8 @@ struct TiffFormat {
 // Where the pixels start. A map is merged only if its pixels take more bytes than this.
 inline constexpr std::uint32_t kTiffPixelOffset = 224;
 
-class TiffWriter {
+// Whole rows are appended, from the top one on.
+class TiffWriter : public OutputFile {
 public:
-    // Throws Failure if the file cannot be created; the two below, if it cannot be written.
     TiffWriter(const std::string& path, const TiffFormat& format);
-
-    // Takes whole rows, from the top one on.
-    void append(std::span<const std::uint8_t> rows) { file_.write(rows); }
-    void finish() { file_.finish(); }
-
-private:
-    OutputFile file_;
 };

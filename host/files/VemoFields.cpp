@@ -1,12 +1,11 @@
 #include <algorithm>
 
 #include "files/Fields.h"
-#include "files/VemoChunks.h"
 #include "mesh/VemoFile.h"
 
 namespace {
 
-using enum NumberKind;
+using namespace number;
 
 constexpr Component kHeader[] = {
     {"id", kLe32}, {"length", kLe32}, {"element count", kLe32}, {"unused", kLe32}};
@@ -19,13 +18,23 @@ constexpr Component kColour[] = {
     {"blue", kByte}, {"green", kByte}, {"red", kByte}, {"unused", kByte}};
 constexpr Component kGroup[] = {{"group", kSignedLe16}};
 
+struct ChunkKind {
+    std::uint32_t id;
+    const char* name;
+    const char* part;
+    Elements elements;  // their number is in the header
+};
+
 constexpr ChunkKind kChunks[] = {
-    {kVertexChunk, "vertices", "vertex chunk", "vertex", nullptr, 1, kPoint},
-    {kFaceChunk, "faces", "face chunk", "face", "corner", 4, kIndex},
-    {kFaceUvChunk, "face UVs", "face UV chunk", "face", "corner", 4, kUv},
-    {kMaskChunk, "mask", "mask chunk", "vertex", nullptr, 1, kMask},
-    {kVertexColourChunk, "vertex colours", "vertex colour chunk", "vertex", nullptr, 1, kColour},
-    {kFaceGroupChunk, "face groups", "face group chunk", "face", nullptr, 1, kGroup}};
+    {kVertexChunk, "vertices", "vertex chunk", {"vertex", 0, nullptr, 1, kPoint}},
+    {kFaceChunk, "faces", "face chunk", {"face", 0, "corner", 4, kIndex}},
+    {kFaceUvChunk, "face UVs", "face UV chunk", {"face", 0, "corner", 4, kUv}},
+    {kMaskChunk, "mask", "mask chunk", {"vertex", 0, nullptr, 1, kMask}},
+    {kVertexColourChunk,
+     "vertex colours",
+     "vertex colour chunk",
+     {"vertex", 0, nullptr, 1, kColour}},
+    {kFaceGroupChunk, "face groups", "face group chunk", {"face", 0, nullptr, 1, kGroup}}};
 
 // A chunk with its header.
 Field chunkField(std::uint64_t offset, Bytes header) {
@@ -33,19 +42,19 @@ Field chunkField(std::uint64_t offset, Bytes header) {
     const std::uint32_t count = header.le32(8);
     Field field{offset, header.le32(4), std::to_string(id), std::to_string(count) + " elements"};
     field.head = kHeader;
-    if (const ChunkKind* kind = findChunkKind(id)) {
-        field.name += std::string(" ") + kind->name;
-        field.part = kind->part;
-        field.elements = {kind->element, count, kind->group, kind->groups, kind->components};
-    }
+    const auto* const kind = std::ranges::find(kChunks, id, &ChunkKind::id);
+    if (kind == std::end(kChunks)) return field;
+    field.name += std::string(" ") + kind->name;
+    field.part = kind->part;
+    field.elements = kind->elements;
+    field.elements.count = count;
     return field;
 }
 
 }  // namespace
 
-const ChunkKind* findChunkKind(std::uint32_t id) {
-    const auto* found = std::ranges::find(kChunks, id, &ChunkKind::id);
-    return found == std::end(kChunks) ? nullptr : found;
+bool isVemoChunk(std::uint32_t id) {
+    return std::ranges::find(kChunks, id, &ChunkKind::id) != std::end(kChunks);
 }
 
 void readVemo(Fields& fields) {

@@ -148,6 +148,6 @@ VemoMesh readVemo(const std::string& path) {
 void writeVemo(const std::string& path, const VemoMesh& mesh) {
     const ByteList bytes = bytesOf(mesh);
     OutputFile file(path);
-    file.write(bytes);
+    file.append(bytes);
     file.finish();
 }

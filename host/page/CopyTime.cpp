@@ -15,7 +15,7 @@ void copy(const std::string& from, const std::string& to, std::vector<std::uint8
     OutputFile output(to);
     std::uint64_t offset = 0;
     while (const std::size_t count = input.read(offset, piece)) {
-        output.write({piece.data(), count});
+        output.append({piece.data(), count});
         offset += count;
     }
     output.finish();

@@ -28,23 +28,10 @@ std::uint8_t levelOf(float sample) {
     return level > 0.0f ? static_cast<std::uint8_t>(std::min(level, 255.0f)) : 0;
 }
 
-// The most significant eight bits.
+// A float as above, any other number by its most significant eight bits.
 std::uint8_t levelAt(const std::uint8_t* bytes, NumberKind kind) {
-    switch (kind) {
-        case NumberKind::kLeFloat:
-            return levelOf(loadLeFloat(bytes));
-        case NumberKind::kLe16:
-        case NumberKind::kSignedLe16:
-            return bytes[1];
-        case NumberKind::kLe32:
-        case NumberKind::kSignedLe32:
-            return bytes[3];
-        case NumberKind::kByte:
-        case NumberKind::kBe16:
-        case NumberKind::kBe32:
-            return bytes[0];
-    }
-    return 0;
+    if (kind.type == NumberKind::kFloat) return levelOf(loadLeFloat(bytes));
+    return bytes[kind.bigEndian ? 0 : kind.bytes - 1];
 }
 
 // Which of a map's pixels a picture shows: the middle of every `step`.
@@ -68,7 +55,7 @@ Picture pictureOfMap(const std::string& path, const MapPart& part, std::uint32_t
 
     Picture picture((part.width - 1) / step + 1, (part.height - 1) / step + 1);
     InputFile file(path, "map");
-    std::vector<std::uint8_t> row(pixelBytes * (part.width - 1) + bytesOf(layout.sample));
+    std::vector<std::uint8_t> row(pixelBytes * (part.width - 1) + layout.sample.bytes);
     for (std::uint32_t y = 0; y < picture.height; ++y) {
         const std::uint32_t mapY = part.top + middleOf(y, step, part.height);
         for (std::uint64_t channel = 0; channel < 3; ++channel) {

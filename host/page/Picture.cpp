@@ -20,14 +20,7 @@ Picture halved(const Picture& picture) {
 
 void writePicture(const std::string& path, const Picture& picture) {
     BmpWriter file(path, picture.width, picture.height);
-    std::vector<std::uint8_t> row(bmpRowBytes(picture.width));
-    for (std::uint32_t y = picture.height; y-- > 0;) {
-        for (std::uint32_t x = 0; x < picture.width; ++x) {
-            const std::uint8_t* pixel = picture.at(x, y);
-            for (std::size_t channel = 0; channel < 3; ++channel)
-                row[3 * std::size_t{x} + channel] = pixel[2 - channel];
-        }
-        file.append(row);
-    }
+    for (std::uint32_t y = picture.height; y-- > 0;)
+        file.appendRgb({picture.at(0, y), 3 * std::size_t{picture.width}});
     file.finish();
 }

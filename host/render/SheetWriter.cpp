@@ -89,16 +89,8 @@ void writeHeightPsd(const std::string& path, const TileSheet& sheet, SheetRows& 
 
 void writeBmp(const std::string& path, const TileSheet& sheet, SheetRows& rows) {
     BmpWriter file(path, sheet.width(), sheet.height());
-    ByteList pixels(bmpRowBytes(sheet.width()));
-    for (std::uint32_t y = sheet.height(); y-- > 0;) {
-        const ByteList& row = rows.at(y);
-        for (std::size_t byte = 0; byte < row.size(); byte += kRgbBytes) {
-            pixels[byte] = row[byte + 2];
-            pixels[byte + 1] = row[byte + 1];
-            pixels[byte + 2] = row[byte];
-        }
-        file.append(pixels);
-    }
+    for (std::uint32_t y = sheet.height(); y-- > 0;)
+        file.appendRgb(rows.at(y));
     file.finish();
 }
 
