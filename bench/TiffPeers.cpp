@@ -152,7 +152,7 @@ float targaByLibtiff(const Maps& maps) {
     storeLe16(&head[14], static_cast<std::uint16_t>(maps.side));
     head[16] = 24;  // bits per pixel
     OutputFile file(maps.made);
-    file.write(head);
+    file.append(head);
     const std::size_t rowBytes = std::size_t{3} * maps.side;
     ByteList map = strips.buffer();
     ByteList reversed(rowBytes);
@@ -161,7 +161,7 @@ float targaByLibtiff(const Maps& maps) {
         strips.read(strip, map);
         for (std::size_t row = map.size(); row > 0; row -= rowBytes) {
             reversePixels(reversed.data(), &map[row - rowBytes], maps.side);
-            file.write(reversed);
+            file.append(reversed);
         }
     }
     file.finish();

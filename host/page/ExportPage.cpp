@@ -128,7 +128,7 @@ void ExportPage::write(const std::string& path) {
     page_.lead = lead();
     const std::string html = htmlOf(page_);
     OutputFile file(path);
-    file.write({reinterpret_cast<const std::uint8_t*>(html.data()), html.size()});
+    file.append({reinterpret_cast<const std::uint8_t*>(html.data()), html.size()});
     file.finish();
 }
 

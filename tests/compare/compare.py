@@ -33,6 +33,8 @@ from sides import TOO_LARGE, Library, Model, Result, TimeLimit, contents, furnis
 TOP = Path(__file__).resolve().parents[2]
 MODULES = {"service": service_cases, "mesh": mesh_cases, "tiff": tiff_cases, "psd": psd_cases,
            "bmp": bmp_cases, "encoder": encoder_cases}
+EXPORTS = {name for name in (TOP / "src/export/exports.txt").read_text().split()
+           if not name.startswith("_Z")}
 SHARES = [2, 4, 4, 4, 3, 2]  # of the modules in the cases at random
 SIDES = [4, 9, 16, 40, 110, 200], [30, 40, 20, 7, 2, 1]  # of the largest image, and how often
 SECONDS = 20  # for a side of a case
@@ -277,10 +279,13 @@ def run(options):
     poor = [name for name in calls if calls[name] > 90 and good[name] * 3 < calls[name]]
     if poor:
         print("fewer than a third of the calls succeeded: " + ", ".join(poor))
+    missing = EXPORTS - calls.keys() if options.only is None and modules.total() > 10000 else ()
+    if missing:
+        print("exports without a case: " + ", ".join(sorted(missing)))
     if too_large:
         print(f"too large for the model, so nothing was compared: {too_large}")
     print(f"{modules.total() - failed - too_large} passed, {failed} failed, {too_large} skipped")
-    return 1 if failed or poor or too_large * 1000 > modules.total() else 0
+    return 1 if failed or poor or missing or too_large * 1000 > modules.total() else 0
 
 
 def main():

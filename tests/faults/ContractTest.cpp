@@ -378,6 +378,7 @@ TEST_P(Contract, HasEachStatusUnderItsCauseAndNoCauseInVain) {
 TEST_P(Contract, NamesTheOneExceptionThatReachesAHost) {
     const auto scenario = std::ranges::find_if(
         scenarios(), [&](const Scenario& each) { return each.call.exportName == GetParam(); });
+    ASSERT_NE(scenario, scenarios().end());
     Stage stage;
     stage.prepare(*scenario);
     Call call = scenario->call;
