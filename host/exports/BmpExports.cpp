@@ -80,7 +80,7 @@ constexpr Export kExports[] = {
      .example = "quillon call swapRGBBMP all.bmp --value 2",
      .output = "status   0\n"
                "meaning  success: the colour channels were exchanged\n",
-     .next = "quillon inspect tells whether it is a BMP of 24 bits with its bottom row first. The "
+     .next = "quillon inspect shows whether it is a BMP of 24 bits with its bottom row first. The "
              "same call again undoes an exchange."},
     {.name = "CreateThumbnailBMP",
      .purpose = "Replaces a BMP image by a small copy of it.",
@@ -100,8 +100,8 @@ constexpr Export kExports[] = {
                "meaning  success: the image was shrunk, unless it is that small already or may "
                "not be written to\n",
      .next =
-         "0 also when the file may not be written to or the disk is full: quillon inspect tells "
-         "the size that it has now. A missing path is -1 here, where other exports answer -9."},
+         "0 also when the file may not be written to or the disk is full: quillon inspect shows "
+         "the size that it has now. A missing path is -1 here, where other exports return -9."},
 };
 
 }  // namespace

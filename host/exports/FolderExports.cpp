@@ -83,7 +83,7 @@ constexpr Export kExports[] = {
      .example = "quillon call CreateFolder new",
      .output = "status   0\n"
                "meaning  success: the folder was created\n",
-     .next = "CheckFolder tells whether the folder is there already; create missing parents "
+     .next = "CheckFolder shows whether the folder is there already; create missing parents "
              "first, one call each."},
     {.name = "GetPublicFolder",
      .purpose = "Tells where the users' folders lie.",
@@ -148,7 +148,7 @@ constexpr Export kExports[] = {
      .example = "quillon call EmptyFolder maps",
      .output = "status   0\n"
                "meaning  success: the folder's files were deleted, as far as that is allowed\n",
-     .next = "CheckFolder tells whether the folder can be opened. 0 does not say that every file "
+     .next = "CheckFolder shows whether the folder can be opened. 0 does not say that every file "
              "is gone: list the folder to be sure."},
     {.name = "FileDelete",
      .purpose = "Deletes a file or an empty folder.",

@@ -75,7 +75,7 @@ constexpr Export kExports[] = {
      .example = "quillon call saveAsTarga all.tif --buffer all.tga",
      .output = "status   0\n"
                "meaning  success: the Targa file was written\n",
-     .next = "quillon inspect tells depth and channels. The depth is not looked at: a map of 16 or "
+     .next = "quillon inspect shows depth and channels. The depth is not looked at: a map of 16 or "
              "32 bits gives 0 and a picture without sense. The pixels must be the last bytes of "
              "the map."},
     {.name = "saveAsJpeg",
@@ -93,7 +93,7 @@ constexpr Export kExports[] = {
      .example = "quillon call saveAsJpeg all.bmp --value 20 --buffer all.jpg",
      .output = "status   0\n"
                "meaning  success: the JPEG file was written\n",
-     .next = "quillon inspect tells whether it is a BMP of 24 bits whose pixels start at byte 54: "
+     .next = "quillon inspect shows whether it is a BMP of 24 bits whose pixels start at byte 54: "
              "they are read from there whatever its header says. 3 to 6 are failures although they "
              "are above 0."},
     {.name = "OpenEXR",
@@ -106,7 +106,7 @@ constexpr Export kExports[] = {
      .example = "quillon call OpenEXR range.exr",
      .output = "status   3.5\n"
                "meaning  success: 3.5 is the range of values\n",
-     .next = "quillon inspect tells the attributes, among them compression and channels. The "
+     .next = "quillon inspect shows the attributes, among them compression and channels. The "
              "largest sample counts as -65535 at least, the smallest as 65535 at most: 70000 to "
              "70010 gives 4475. Save the "
              "image as one part of scan lines or tiles, its channels not subsampled."},

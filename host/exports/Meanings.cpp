@@ -25,11 +25,10 @@ bool refusesArguments(const StatusMeaning& row) {
 }
 
 Meaning tileNotWritten(float status) {
-    return {
-        false,
-        "the file of the tile at position " +
-            statusText(status - vemo_status::kFirstTileNotWritten) +
-            " cannot be created, or the disk is full (a mesh with that many tiles answers alike)"};
+    return {false, "the file of the tile at position " +
+                       statusText(status - vemo_status::kFirstTileNotWritten) +
+                       " cannot be created, or the disk is full (a mesh with that many tiles "
+                       "returns the same)"};
 }
 
 }  // namespace

@@ -12,7 +12,7 @@ struct Meaning {
 };
 
 // The meaning of `status` as the answer of `entry` to a call with `arguments`. A status that an
-// export does not list is a failure, save where the export counts or measures: there every number
+// export does not list is a failure, except where the export counts or measures: there every number
 // from 0 on is a result.
 Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status);
 

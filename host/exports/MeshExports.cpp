@@ -17,7 +17,7 @@ constexpr const char* kNoMesh =
 constexpr Causes kNoMeshCauses = cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory;
 constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
 constexpr const char* kCheckMesh =
-    "quillon inspect tells which chunks the mesh has and where they end.";
+    "quillon inspect shows which chunks the mesh has and where they end.";
 
 constexpr StatusMeaning kClearUVtilesOutput[] = {{kOk, cause::kDone, "the tile filter is empty"}};
 
@@ -171,7 +171,7 @@ constexpr Export kExports[] = {
              "From 1501 on, where tiles count in the order of their names, see whether the folder "
              "of `buffer1` is there and may be written to, and "
              "whether the disk is full; files of tiles before that one are whole. Below 0: quillon "
-             "inspect tells which chunks the mesh has."}),
+             "inspect shows which chunks the mesh has."}),
     tileExport(
         {.name = "getUVsMask",
          .purpose = "Writes a mesh once per tile, with a mask of that tile's vertices.",

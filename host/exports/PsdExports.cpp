@@ -67,7 +67,7 @@ constexpr Export kExports[] = {
      .example = "quillon call swapRGBPSD all.psd --value 2",
      .output = "status   0\n"
                "meaning  success: the colour planes were reordered\n",
-     .next = "quillon inspect tells channels and depth: an alpha channel or 16 bits are -56. After "
+     .next = "quillon inspect shows channels and depth: an alpha channel or 16 bits are -56. After "
              "0 compare the map's size with that before."},
 };
 

@@ -14,7 +14,7 @@ constexpr StatusMeaning kTargetUnwritten{
     "the target cannot be written or is the map itself, the disk is full, or the map cannot be "
     "read to its end"};
 
-// A refused directory. Readers of any depth and those of float maps answer a wrong number of
+// A refused directory. Readers of any depth and those of float maps return a wrong number of
 // channels differently.
 constexpr StatusMeaning kChannelCount{kBadSampleCount, cause::kFileRefused,
                                       "a map has neither 1 nor 3 channels"};
@@ -157,7 +157,7 @@ constexpr Export kExports[] = {
      .example = "quillon call swapRGBTIF all.tif --value 2",
      .output = "status   0\n"
                "meaning  success: the channels of an 8-bit colour map were exchanged\n",
-     .next = "quillon inspect tells which tag is refused: the status is its number, negated save "
+     .next = "quillon inspect shows which tag is refused: the status is its number, negated except "
              "for 258. The same call again undoes an exchange."},
     {.name = "convertTIFF16",
      .purpose = "Turns a map of 32-bit floats into one of 16 bits, a TIFF or a PSD.",
@@ -181,7 +181,7 @@ constexpr Export kExports[] = {
      .example = "quillon call convertTIFF16 height.tif --value 1 --buffer height16.tif",
      .output = "status   0\n"
                "meaning  success: the 16-bit map was written\n",
-     .next = "quillon inspect tells depth, channels and where the directory is. A TIFF is right "
+     .next = "quillon inspect shows depth, channels and where the directory is. A TIFF is right "
              "only if the map's directory is at byte 8 and has the tags 254, 256 to 259, 262, 273, "
              "277 to 279 in this order: the sizes are written where they were found. -257: have "
              "the map written so, or convert to a PSD. -279: the layout asks "
@@ -199,8 +199,8 @@ constexpr Export kExports[] = {
      .example = "quillon call convertTIFFSingle colour.tif --buffer first.tif",
      .output = "status   0\n"
                "meaning  success: the first channel was written\n",
-     .next = "quillon inspect tells depth and channels. A missing argument is -1 here, where other "
-             "exports answer -9."},
+     .next = "quillon inspect shows depth and channels. A missing argument is -1 here, where other "
+             "exports return -9."},
     {.name = "getScale",
      .purpose = "Measures the scale of a displacement map by how many levels it has.",
      .text = "map",
@@ -215,7 +215,7 @@ constexpr Export kExports[] = {
      .example = "quillon call getScale height.tif --value 1",
      .output = "status   233.48125\n"
                "meaning  success: 233.48125 is the scale\n",
-     .next = "quillon inspect tells depth and channels. A scale that is infinite comes from a map "
+     .next = "quillon inspect shows depth and channels. A scale that is infinite comes from a map "
              "of 12 levels or fewer, such as a flat one."},
 };
 
