@@ -34,11 +34,6 @@ private:
     posix_spawn_file_actions_t actions_{};
 };
 
-std::string textOf(const std::string& path) {
-    const ByteList bytes = readBytes(path);
-    return {bytes.begin(), bytes.end()};
-}
-
 }  // namespace
 
 std::vector<std::string> commandLine(const std::string& program,
@@ -64,5 +59,5 @@ Ended run(const std::vector<std::string>& arguments) {
     int status = 0;
     if (::waitpid(child, &status, 0) != child) throw std::runtime_error("lost " + texts.front());
     const int exitStatus = WIFEXITED(status) ? WEXITSTATUS(status) : 128 + WTERMSIG(status);
-    return {exitStatus, textOf(dir.path("out")), textOf(dir.path("err"))};
+    return {exitStatus, readText(dir.path("out")), readText(dir.path("err"))};
 }

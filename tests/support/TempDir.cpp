@@ -68,6 +68,11 @@ ByteList readBytes(const std::string& path, std::size_t from) {
     return bytes;
 }
 
+std::string readText(const std::string& path) {
+    const ByteList bytes = readBytes(path);
+    return {bytes.begin(), bytes.end()};
+}
+
 ByteList firstBytes(const ByteList& bytes, std::size_t count) {
     const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(count, bytes.size()));
     return {bytes.begin(), end};

@@ -32,8 +32,9 @@ private:
     std::filesystem::path folder_;
 };
 
-// The bytes of a file from an offset on.
+// A whole file, or its bytes from an offset on.
 ByteList readBytes(const std::string& path, std::size_t from = 0);
+std::string readText(const std::string& path);
 
 // As many bytes as there are, `count` at most: a truncated file.
 ByteList firstBytes(const ByteList& bytes, std::size_t count);

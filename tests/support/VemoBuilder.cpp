@@ -4,8 +4,15 @@
 
 namespace {
 
-std::uint32_t size32(std::size_t size) {
-    return static_cast<std::uint32_t>(size);
+// The values of all elements, each added by `appendValue`.
+template <typename Element, typename AppendValue>
+ByteList bytesOf(const std::vector<Element>& elements, AppendValue appendValue) {
+    ByteList bytes;
+    for (const Element& element : elements) {
+        for (const auto value : element)
+            appendValue(bytes, value);
+    }
+    return bytes;
 }
 
 }  // namespace
@@ -23,31 +30,24 @@ VemoBuilder& VemoBuilder::chunk(std::uint32_t id, std::uint32_t length, std::uin
     return *this;
 }
 
+VemoBuilder& VemoBuilder::whole(std::uint32_t id, std::size_t count, const ByteList& elements) {
+    return chunk(id, static_cast<std::uint32_t>(16 + elements.size()),
+                 static_cast<std::uint32_t>(count), elements);
+}
+
 VemoBuilder& VemoBuilder::vertices(const std::vector<Vertex>& vertices) {
-    ByteList elements;
-    for (const Vertex& vertex : vertices) {
-        for (const float coordinate : vertex)
-            appendLeFloat(elements, coordinate);
-    }
-    return chunk(10001, 16 + size32(elements.size()), size32(vertices.size()), elements);
+    return whole(10001, vertices.size(), bytesOf(vertices, appendLeFloat));
 }
 
 VemoBuilder& VemoBuilder::faces(const std::vector<Face>& faces) {
-    ByteList elements;
-    for (const Face& face : faces) {
-        for (const std::int32_t index : face)
-            appendLe32(elements, static_cast<std::uint32_t>(index));
-    }
-    return chunk(20001, 16 + size32(elements.size()), size32(faces.size()), elements);
+    const auto appendIndex = [](ByteList& bytes, std::int32_t index) {
+        appendLe32(bytes, static_cast<std::uint32_t>(index));
+    };
+    return whole(20001, faces.size(), bytesOf(faces, appendIndex));
 }
 
 VemoBuilder& VemoBuilder::faceUvs(const std::vector<FaceUvs>& faces) {
-    ByteList elements;
-    for (const FaceUvs& face : faces) {
-        for (const float coordinate : face)
-            appendLeFloat(elements, coordinate);
-    }
-    return chunk(25001, 16 + size32(elements.size()), size32(faces.size()), elements);
+    return whole(25001, faces.size(), bytesOf(faces, appendLeFloat));
 }
 
 VemoBuilder& VemoBuilder::flatFaceUvs(const std::vector<std::array<float, 2>>& uvs) {
@@ -58,17 +58,15 @@ VemoBuilder& VemoBuilder::flatFaceUvs(const std::vector<std::array<float, 2>>& u
 }
 
 VemoBuilder& VemoBuilder::vertexColours(const std::vector<Colour>& colours) {
-    ByteList elements;
-    for (const Colour& colour : colours)
-        append(elements, ByteList(colour.begin(), colour.end()));
-    return chunk(35001, 16 + size32(elements.size()), size32(colours.size()), elements);
+    const auto appendByte = [](ByteList& bytes, std::uint8_t byte) { bytes.push_back(byte); };
+    return whole(35001, colours.size(), bytesOf(colours, appendByte));
 }
 
 VemoBuilder& VemoBuilder::groups(const std::vector<std::int16_t>& groups) {
     ByteList elements;
     for (const std::int16_t group : groups)
         appendLe16(elements, static_cast<std::uint16_t>(group));
-    return chunk(40001, 16 + size32(elements.size()), size32(groups.size()), elements);
+    return whole(40001, groups.size(), elements);
 }
 
 VemoBuilder& VemoBuilder::closing() {

@@ -26,12 +26,15 @@ public:
     VemoBuilder& groups(const std::vector<std::int16_t>& groups);
     VemoBuilder& closing();
 
-    // A chunk header with any length and count, right or wrong, and what follows it.
+    // A chunk header with any length and count, valid or not, and what follows it.
     VemoBuilder& chunk(std::uint32_t id, std::uint32_t length, std::uint32_t count,
                        const ByteList& elements = {});
 
     const ByteList& bytes() const { return bytes_; }
 
 private:
+    // A chunk with the length that its elements have.
+    VemoBuilder& whole(std::uint32_t id, std::size_t count, const ByteList& elements);
+
     ByteList bytes_;
 };
