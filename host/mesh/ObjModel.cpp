@@ -39,19 +39,6 @@ bool isWithin(int index, std::size_t count) {
     return index >= 0 && static_cast<std::size_t>(index) < count;
 }
 
-// Numbers keys from 0 on, in the order in which they first appear.
-template <typename Key>
-class Numbering {
-public:
-    std::size_t numberOf(const Key& key) {
-        return numbers_.try_emplace(key, numbers_.size()).first->second;
-    }
-    std::size_t count() const { return numbers_.size(); }
-
-private:
-    std::map<Key, std::size_t> numbers_;
-};
-
 class MeshBuilder {
 public:
     MeshBuilder(const std::string& path, const tinyobj::ObjReader& reader, bool groupsAreShapes)
@@ -71,18 +58,15 @@ public:
             fail("a polygon has more than 255 corners");
         const tinyobj::index_t* corner = source.indices.data();
         for (std::size_t face = 0; face < counts.size(); ++face) {
-            const std::size_t group = groupsAreShapes_
-                                          ? shapes_.numberOf(shape.name)
-                                          : materials_.numberOf(source.material_ids[face]);
-            addPolygon(corner, counts[face], group);
+            addPolygon(corner, counts[face],
+                       groupsAreShapes_ ? shape.name : std::to_string(source.material_ids[face]));
             corner += counts[face];
         }
     }
 
     ObjModel take() {
-        const std::size_t groups = groupsAreShapes_ ? shapes_.count() : materials_.count();
         if (mesh_.faces.empty()) throw Failure("the model " + path_ + " has no faces");
-        return {std::move(mesh_), groups};
+        return {std::move(mesh_), groups_.size()};
     }
 
 private:
@@ -99,7 +83,8 @@ private:
         return {model_.texcoords[at], model_.texcoords[at + 1]};
     }
 
-    void addPolygon(const tinyobj::index_t* corners, std::size_t count, std::size_t group) {
+    void addPolygon(const tinyobj::index_t* corners, std::size_t count, const std::string& name) {
+        const std::size_t group = groups_.try_emplace(name, groups_.size()).first->second;
         if (group >= kMaxGroups) fail("it has more than 32768 groups");
         for (std::size_t next = 1; next + 1 < count;) {
             const bool quad = next + 2 < count;
@@ -128,8 +113,7 @@ private:
     const tinyobj::attrib_t& model_;
     bool groupsAreShapes_;
     VemoMesh mesh_;
-    Numbering<std::string> shapes_;
-    Numbering<int> materials_;
+    std::map<std::string, std::size_t> groups_;  // numbered in the order in which they appear
 };
 
 bool hasSeveralGroups(const std::vector<tinyobj::shape_t>& shapes) {

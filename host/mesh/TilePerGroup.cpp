@@ -2,7 +2,8 @@
 
 #include <algorithm>
 #include <cmath>
-#include <limits>
+
+#include "mesh/Vector.h"
 
 namespace {
 
@@ -11,23 +12,14 @@ constexpr std::size_t kTilesPerRow = 10;
 // A coordinate of exactly 1 belongs to the next tile, so a layout ends this far below.
 constexpr double kLast = 1.0 - 1.0 / 65536.0;
 
-// The extent of a group's UVs along u or v.
-struct Extent {
-    double low = std::numeric_limits<double>::infinity();
-    double high = -std::numeric_limits<double>::infinity();
-
-    void take(double coordinate) {
-        low = std::min(low, coordinate);
-        high = std::max(high, coordinate);
-    }
-    double size() const { return high - low; }
-    bool liesInOneTile() const { return high <= std::floor(low) + 1.0; }
-};
-
 struct GroupExtent {
     Extent u;
     Extent v;
 };
+
+bool isInOneTile(const Extent& extent) {
+    return extent.high <= std::floor(extent.low) + 1.0;
+}
 
 // How a group is moved into the unit square: coordinate = (coordinate - start) * scale.
 struct Fit {
@@ -37,7 +29,7 @@ struct Fit {
 };
 
 Fit fitOf(const GroupExtent& extent) {
-    if (extent.u.liesInOneTile() && extent.v.liesInOneTile())
+    if (isInOneTile(extent.u) && isInOneTile(extent.v))
         return {std::floor(extent.u.low), std::floor(extent.v.low), 1.0};
     const double size = std::max(extent.u.size(), extent.v.size());
     return {extent.u.low, extent.v.low, std::min(1.0, kLast / size)};

@@ -24,9 +24,12 @@ inline bool isInTile(const Uv& corner) {
 inline constexpr std::size_t kMaxCorners = 4;
 
 struct Face {
-    std::array<std::int32_t, kMaxCorners> vertices;  // from 0; the fourth of a triangle is -1
+    std::array<std::int32_t, kMaxCorners> vertices;  // from 0; the fourth of a triangle is negative
 
     std::size_t corners() const { return vertices[3] < 0 ? 3 : 4; }
+    std::size_t vertex(std::size_t corner) const {
+        return static_cast<std::size_t>(vertices[corner]);
+    }
 };
 
 using FaceUvs = std::array<Uv, kMaxCorners>;  // a triangle's fourth repeats its third
@@ -35,11 +38,11 @@ struct VemoMesh {
     std::vector<Point> points;
     std::vector<Face> faces;
     std::vector<FaceUvs> uvs;          // one per face
-    std::vector<std::int16_t> groups;  // one per face; may be missing
+    std::vector<std::int16_t> groups;  // one per face; may be empty
 };
 
 // Reads vertices, faces and face UVs. Checks every size against the file's and every index against the
-// vertices; throws Failure for a file that is broken or lacks one of the three.
+// vertices; throws Failure for a file that is broken or lacks one of them.
 VemoMesh readVemo(const std::string& path);
 
 // Writes a mesh with vertices, faces, face UVs and face groups, in this order.

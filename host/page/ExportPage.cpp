@@ -47,9 +47,9 @@ ExportPage::ExportPage(const Library& library, std::string title) : library_(lib
 
 void ExportPage::beginChapter(const std::string& title, const VemoMesh& mesh,
                               const std::string& folder, const CallLog& log, Leftovers& working) {
-    if (!mesh_) {
+    if (page_.chapters.empty()) {
         mesh_ = mesh;
-        colours_.emplace(mesh);
+        colours_.assign(mesh.faces.size(), kNoTileColour);
     }
     page_.chapters.push_back({title, {}, {}});
     work_.emplace(Work{log, folder, {}, {}});
@@ -59,7 +59,7 @@ void ExportPage::beginChapter(const std::string& title, const VemoMesh& mesh,
 
 void ExportPage::endChapter() {
     if (page_.chapters.size() == 1) {
-        const Picture model = pictureOfModel(*mesh_, *colours_, kModelWidth, kModelHeight);
+        const Picture model = pictureOfModel(mesh_, colours_, kModelWidth, kModelHeight);
         page_.model = pictureOf(model, "The model, each UV tile in its colour");
     }
     std::vector<PageCall>& calls = page_.chapters.back().calls;
@@ -73,7 +73,7 @@ void ExportPage::addTile(const std::string& name, const VemoMesh& tile, const st
     auto card = std::ranges::find(page_.tiles, name, &PageTile::name);
     if (card == page_.tiles.end()) {
         const Rgb colour = tileColour(page_.tiles.size());
-        colours_->add(tile, colour);
+        colourFaces(colours_, tile, colour);
         const Picture layout = pictureOfLayout(tile, colour, kTileSide);
         PagePicture picture = pictureOf(layout, "UVs of " + name);
         page_.tiles.push_back({name, cssOf(colour), {std::move(picture)}});
@@ -162,7 +162,7 @@ std::string ExportPage::lead() const {
         for (const PageCall& call : chapter.calls)
             milliseconds += call.milliseconds;
     }
-    return counted(mesh_->faces.size(), "face") + " on " + counted(page_.tiles.size(), "UV tile") +
+    return counted(mesh_.faces.size(), "face") + " on " + counted(page_.tiles.size(), "UV tile") +
            ", a colour each; " + counted(calls, "call") + " to the library took " +
            fixed(milliseconds, 1) + " ms.";
 }

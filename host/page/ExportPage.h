@@ -61,7 +61,7 @@ private:
 
     const Library& library_;
     Page page_;
-    std::optional<VemoMesh> mesh_;
-    std::optional<FaceColours> colours_;
+    VemoMesh mesh_;
+    std::vector<Rgb> colours_;  // of the faces
     std::optional<Work> work_;
 };

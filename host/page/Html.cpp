@@ -1,27 +1,21 @@
 #include "page/Html.h"
 
+#include <algorithm>
 #include <array>
 #include <cstdio>
+#include <utility>
 
 std::string escaped(std::string_view text) {
+    constexpr std::pair<char, std::string_view> kEntities[] = {
+        {'&', "&amp;"}, {'<', "&lt;"}, {'>', "&gt;"}, {'"', "&quot;"}};
     std::string html;
     for (const char c : text) {
-        switch (c) {
-            case '&':
-                html += "&amp;";
-                break;
-            case '<':
-                html += "&lt;";
-                break;
-            case '>':
-                html += "&gt;";
-                break;
-            case '"':
-                html += "&quot;";
-                break;
-            default:
-                html += c;
-        }
+        const auto* const entity =
+            std::ranges::find(kEntities, c, &std::pair<char, std::string_view>::first);
+        if (entity == std::end(kEntities))
+            html += c;
+        else
+            html += entity->second;
     }
     return html;
 }

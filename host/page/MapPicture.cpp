@@ -6,6 +6,7 @@
 #include "bytes/Bytes.h"
 #include "files/DiskFile.h"
 #include "files/FileFacts.h"
+#include "render/Raster.h"
 #include "terminal/Failure.h"
 
 namespace {
@@ -23,14 +24,9 @@ PixelLayout requireMap(const std::string& path) {
     return *facts.picture->pixels;
 }
 
-std::uint8_t levelOf(float sample) {
-    const float level = sample * 255.0f + 0.5f;
-    return level > 0.0f ? static_cast<std::uint8_t>(std::min(level, 255.0f)) : 0;
-}
-
-// A float as above, any other number by its most significant eight bits.
+// A float from 0 to 1 as 0 to 255, any other number by its most significant eight bits.
 std::uint8_t levelAt(const std::uint8_t* bytes, NumberKind kind) {
-    if (kind.type == NumberKind::kFloat) return levelOf(loadLeFloat(bytes));
+    if (kind.type == NumberKind::kFloat) return rounded<std::uint8_t>(loadLeFloat(bytes) * 255.0f);
     return bytes[kind.bigEndian ? 0 : kind.bytes - 1];
 }
 

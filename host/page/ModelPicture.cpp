@@ -10,7 +10,6 @@
 
 namespace {
 
-constexpr Rgb kGrey{150, 154, 160};
 constexpr Rgb kBackdrop{27, 31, 38};  // of the pictures, in light and in dark
 
 // The view: turned about y, then tilted down, in radians.
@@ -40,57 +39,48 @@ struct Surface {
     Surface operator*(double factor) const { return {normal * factor, nearness * factor}; }
 };
 
-struct Box {
-    Vector low{std::numeric_limits<double>::max(), std::numeric_limits<double>::max(), 0.0};
-    Vector high{-std::numeric_limits<double>::max(), -std::numeric_limits<double>::max(), 0.0};
-
-    void take(const Vector& point) {
-        if (!std::isfinite(point.x) || !std::isfinite(point.y)) return;
-        low = {std::min(low.x, point.x), std::min(low.y, point.y), 0.0};
-        high = {std::max(high.x, point.x), std::max(high.y, point.y), 0.0};
-    }
-};
-
 // Points of the model as corners on the canvas, as large as it takes.
 std::vector<Corner<Surface>> cornersOn(const Canvas& canvas, const VemoMesh& mesh) {
     const std::vector<Vector> normals = vertexNormals(mesh);
     std::vector<Corner<Surface>> corners;
     corners.reserve(mesh.points.size());
-    Box box;
+    Extent x;
+    Extent y;
     for (std::size_t i = 0; i < mesh.points.size(); ++i) {
         const Point& point = mesh.points[i];
         const Vector place = inView({point.x, point.y, point.z});
-        box.take(place);
+        if (std::isfinite(place.x) && std::isfinite(place.y)) {
+            x.take(place.x);
+            y.take(place.y);
+        }
         corners.push_back({place.x, place.y, {inView(normals[i]), place.z}});
     }
     const double room = 1.0 - 2.0 * kMargin;
-    const double scale = room * std::min(canvas.width / (box.high.x - box.low.x),
-                                         canvas.height / (box.high.y - box.low.y));
-    const Vector middle = (box.low + box.high) * 0.5;
+    const double scale = room * std::min(canvas.width / x.size(), canvas.height / y.size());
     for (Corner<Surface>& corner : corners) {
-        corner.x = canvas.width * 0.5 + (corner.x - middle.x) * scale;
-        corner.y = canvas.height * 0.5 - (corner.y - middle.y) * scale;
+        corner.x = canvas.width * 0.5 + (corner.x - (x.low + x.high) * 0.5) * scale;
+        corner.y = canvas.height * 0.5 - (corner.y - (y.low + y.high) * 0.5) * scale;
     }
     return corners;
 }
 
-void fill(Picture& picture, const Rgb& colour) {
-    for (std::size_t i = 0; i < picture.pixels.size(); i += 3)
-        std::ranges::copy(colour, &picture.pixels[i]);
+// Four pixels for each of the picture, for smooth outlines.
+Picture backdrop(std::uint32_t width, std::uint32_t height) {
+    Picture picture(2 * width, 2 * height);
+    for (std::size_t pixel = 0; 3 * pixel < picture.pixels.size(); ++pixel)
+        picture.set(pixel, kBackdrop);
+    return picture;
 }
 
 // A colour between two, of which `share`, 0 to 1, is `b`.
 Rgb mixed(const Rgb& a, const Rgb& b, double share) {
     Rgb colour{};
-    for (std::size_t channel = 0; channel < colour.size(); ++channel) {
-        const double value = a[channel] + (b[channel] - a[channel]) * share + 0.5;
-        // A NaN normal is drawn black.
-        colour[channel] = value > 0.0 ? static_cast<std::uint8_t>(std::min(value, 255.0)) : 0;
-    }
+    for (std::size_t channel = 0; channel < colour.size(); ++channel)
+        colour[channel] = rounded<std::uint8_t>(a[channel] + (b[channel] - a[channel]) * share);
     return colour;
 }
 
-// Surfaces are seen from both sides.
+// Surfaces are seen from both sides; a NaN normal is drawn black.
 Rgb shaded(const Rgb& colour, const Vector& smooth) {
     Vector normal = normalized(smooth);
     if (normal.z < 0.0) normal = normal * -1.0;
@@ -115,7 +105,7 @@ bool isSide(const Face& face, std::size_t a, std::size_t b) {
 // A triangle's corners with their distances from its three sides in pixels, each from the side
 // opposite the corner at its position. Interpolation then gives any point's distances.
 std::array<Corner<Vector>, 3> outlinedCorners(const Face& face, const FaceUvs& uvs,
-                                              const std::size_t (&triangle)[3], double side) {
+                                              const Triangle& triangle, double side) {
     constexpr double kNever = 1e9;
     std::array<Corner<Vector>, 3> corners{};
     for (std::size_t i = 0; i < 3; ++i) {
@@ -156,58 +146,46 @@ std::string cssOf(const Rgb& colour) {
     return text.data();
 }
 
-FaceColours::FaceColours(const VemoMesh& mesh) : colours_(mesh.faces.size(), kGrey) {}
-
-void FaceColours::add(const VemoMesh& tile, const Rgb& colour) {
-    const std::size_t faces = std::min(colours_.size(), tile.faces.size());
-    for (std::size_t i = 0; i < faces; ++i) {
-        if (liesInTile(tile.faces[i], tile.uvs[i])) colours_[i] = colour;
+void colourFaces(std::vector<Rgb>& colours, const VemoMesh& tile, const Rgb& colour) {
+    const std::size_t faces = std::min(colours.size(), tile.faces.size());
+    for (std::size_t face = 0; face < faces; ++face) {
+        if (isInTile(tile, face)) colours[face] = colour;
     }
 }
 
-Picture pictureOfModel(const VemoMesh& mesh, const FaceColours& colours, std::uint32_t width,
+Picture pictureOfModel(const VemoMesh& mesh, const std::vector<Rgb>& colours, std::uint32_t width,
                        std::uint32_t height) {
-    Picture picture(2 * width, 2 * height);  // four pixels for one, for smooth outlines
-    fill(picture, kBackdrop);
+    Picture picture = backdrop(width, height);
     const Canvas canvas{picture.width, picture.height};
     const std::vector<Corner<Surface>> corners = cornersOn(canvas, mesh);
     std::vector<double> nearest(picture.pixels.size() / 3,
                                 -std::numeric_limits<double>::infinity());
-    for (std::size_t i = 0; i < mesh.faces.size(); ++i) {
-        const Face& face = mesh.faces[i];
-        const auto cornerAt = [&](std::size_t corner) -> const Corner<Surface>& {
-            return corners[static_cast<std::size_t>(face.vertices[corner])];
+    forEachTriangle(mesh, [&](std::size_t face, const Triangle& triangle) {
+        const auto cornerAt = [&](std::size_t i) -> const Corner<Surface>& {
+            return corners[mesh.faces[face].vertex(triangle[i])];
         };
-        forEachTriangle(face, [&](const std::size_t(&triangle)[3]) {
-            rasterize(cornerAt(triangle[0]), cornerAt(triangle[1]), cornerAt(triangle[2]), canvas,
-                      [&](std::size_t pixel, const Surface& surface) {
-                          if (!(surface.nearness > nearest[pixel])) return;
-                          nearest[pixel] = surface.nearness;
-                          const Rgb colour = shaded(colours[i], surface.normal);
-                          std::ranges::copy(colour, &picture.pixels[3 * pixel]);
-                      });
-        });
-    }
+        rasterize(cornerAt(0), cornerAt(1), cornerAt(2), canvas,
+                  [&](std::size_t pixel, const Surface& surface) {
+                      if (!(surface.nearness > nearest[pixel])) return;
+                      nearest[pixel] = surface.nearness;
+                      picture.set(pixel, shaded(colours[face], surface.normal));
+                  });
+    });
     return halved(picture);
 }
 
 Picture pictureOfLayout(const VemoMesh& tile, const Rgb& colour, std::uint32_t side) {
-    Picture picture(2 * side, 2 * side);
-    fill(picture, kBackdrop);
+    Picture picture = backdrop(side, side);
     const Canvas canvas{picture.width, picture.height};
-    const double sides = picture.width;
     const Rgb inside = mixed(kBackdrop, colour, 0.35);
-    for (std::size_t i = 0; i < tile.faces.size(); ++i) {
-        const Face& face = tile.faces[i];
-        if (!liesInTile(face, tile.uvs[i])) continue;
-        forEachTriangle(face, [&](const std::size_t(&triangle)[3]) {
-            const auto [a, b, c] = outlinedCorners(face, tile.uvs[i], triangle, sides);
-            rasterize(a, b, c, canvas, [&](std::size_t pixel, const Vector& distance) {
-                const double nearest = std::min({distance.x, distance.y, distance.z});
-                const Rgb shown = mixed(colour, inside, std::clamp(nearest, 1.0, 2.0) - 1.0);
-                std::ranges::copy(shown, &picture.pixels[3 * pixel]);
-            });
+    forEachTriangle(tile, [&](std::size_t face, const Triangle& triangle) {
+        if (!isInTile(tile, face)) return;
+        const auto [a, b, c] =
+            outlinedCorners(tile.faces[face], tile.uvs[face], triangle, picture.width);
+        rasterize(a, b, c, canvas, [&](std::size_t pixel, const Vector& distance) {
+            const double nearest = std::min({distance.x, distance.y, distance.z});
+            picture.set(pixel, mixed(colour, inside, std::clamp(nearest, 1.0, 2.0) - 1.0));
         });
-    }
+    });
     return halved(picture);
 }

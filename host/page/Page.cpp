@@ -77,12 +77,17 @@ std::string imageOf(const PagePicture& picture) {
            "\" height=\"" + std::to_string(picture.height) + "\" />\n";
 }
 
-// A picture that is narrower than the page keeps its own size.
 std::string figureOf(const PagePicture& picture) {
-    constexpr std::uint32_t kPageWidth = 1072;
-    return std::string(picture.width < kPageWidth ? "<figure class=\"own\">" : "<figure>") +
-           imageOf(picture) + "<figcaption>" + escaped(picture.caption) +
+    return "<figure>" + imageOf(picture) + "<figcaption>" + escaped(picture.caption) +
            "</figcaption></figure>\n";
+}
+
+// A picture that is narrower than the page keeps its own size.
+std::string figureOnPage(const PagePicture& picture) {
+    constexpr std::uint32_t kPageWidth = 1072;
+    std::string html = figureOf(picture);
+    if (picture.width < kPageWidth) html.insert(html.find('>'), " class=\"own\"");
+    return html;
 }
 
 // As many columns as fit, each at least `pixels` wide.
@@ -107,7 +112,10 @@ std::string tilesOf(const Page& page) {
     return html + "</div>\n";
 }
 
-double timeOf(const std::vector<PageCall>& calls) {
+// Successive calls of one export.
+using Run = std::vector<PageCall>;
+
+double timeOf(const Run& calls) {
     double sum = 0.0;
     for (const PageCall& call : calls)
         sum += call.milliseconds;
@@ -115,7 +123,7 @@ double timeOf(const std::vector<PageCall>& calls) {
 }
 
 // Nothing unless every call has one.
-std::optional<double> copyTimeOf(const std::vector<PageCall>& calls) {
+std::optional<double> copyTimeOf(const Run& calls) {
     double sum = 0.0;
     for (const PageCall& call : calls) {
         if (!call.copyMilliseconds) return std::nullopt;
@@ -124,7 +132,7 @@ std::optional<double> copyTimeOf(const std::vector<PageCall>& calls) {
     return sum;
 }
 
-std::string nameOf(const std::vector<PageCall>& calls) {
+std::string nameOf(const Run& calls) {
     const std::string times = calls.size() > 1 ? " &#215; " + std::to_string(calls.size()) : "";
     return escaped(calls.front().name) + times;
 }
@@ -139,8 +147,7 @@ std::string stripOf(const std::vector<PagePicture>& pictures) {
     const bool wide = pictures.front().width > 2 * pictures.front().height;
     std::string html = gridOf("strip", wide ? 200 : 130);
     for (const PagePicture& picture : pictures)
-        html += "<figure>" + imageOf(picture) + "<figcaption>" + escaped(picture.caption) +
-                "</figcaption></figure>\n";
+        html += figureOf(picture);
     return html + "</div>\n";
 }
 
@@ -151,7 +158,7 @@ std::string stepOf(const PageStep& step) {
     if (const auto copy = copyTimeOf(step.calls)) html += ", copying " + millisecondsOf(*copy);
     html += "</span></div>\n<p class=\"does\">" + escaped(step.does) + "</p>\n";
     html += stripOf(step.between);
-    if (step.after) html += figureOf(*step.after);
+    if (step.after) html += figureOnPage(*step.after);
     return html + "</section>\n";
 }
 
@@ -164,21 +171,30 @@ std::string chapterOf(const PageChapter& chapter) {
     return html;
 }
 
-// Calls of the same export that follow one another, as one row.
-std::vector<std::vector<PageCall>> runsOf(const std::vector<PageCall>& calls) {
-    std::vector<std::vector<PageCall>> runs;
-    for (const PageCall& call : calls) {
+std::vector<Run> runsOf(const PageChapter& chapter) {
+    std::vector<Run> runs;
+    for (const PageCall& call : chapter.calls) {
         if (runs.empty() || runs.back().front().name != call.name) runs.emplace_back();
         runs.back().push_back(call);
     }
     return runs;
 }
 
-// The calls that took a file of which a copy was timed.
-std::vector<std::vector<PageCall>> timedRunsOf(const PageChapter& chapter) {
-    auto runs = runsOf(chapter.calls);
-    std::erase_if(runs, [](const auto& run) { return !copyTimeOf(run); });
-    return runs;
+// Each chapter's title, then its runs, of which `row` returns the row, if they have one.
+template <typename Row>
+std::string rowsOf(const Page& page, const char* columns, Row row) {
+    std::string html;
+    for (const PageChapter& chapter : page.chapters) {
+        html += std::string("<tr class=\"chapter\"><td colspan=\"") + columns + "\">" +
+                escaped(chapter.title) + "</td></tr>\n";
+        for (const Run& run : runsOf(chapter))
+            html += row(run);
+    }
+    return html;
+}
+
+std::string numberCell(const std::string& number) {
+    return "<td class=\"number\">" + number + "</td>";
 }
 
 std::string barOf(const char* kind, double time, double longest) {
@@ -187,60 +203,49 @@ std::string barOf(const char* kind, double time, double longest) {
            "%\"></span>";
 }
 
-std::string comparisonRow(const std::vector<PageCall>& run, double longest) {
+// Nothing for calls of which no copy was timed.
+std::string comparisonRow(const Run& run, double longest) {
+    const auto copy = copyTimeOf(run);
+    if (!copy) return {};
     const double time = timeOf(run);
-    const double copy = copyTimeOf(run).value();
     return "<tr><td class=\"name\">" + nameOf(run) + "</td><td class=\"bars\">" +
-           barOf("bar", time, longest) + barOf("bar copy", copy, longest) +
-           "</td><td class=\"number\">" + millisecondsOf(time) + "</td><td class=\"number\">" +
-           millisecondsOf(copy) + "</td><td class=\"number\">" +
-           (copy > 0.0 ? fixed(time / copy, 1) : "") + "</td></tr>\n";
+           barOf("bar", time, longest) + barOf("bar copy", *copy, longest) + "</td>" +
+           numberCell(millisecondsOf(time)) + numberCell(millisecondsOf(*copy)) +
+           numberCell(*copy > 0.0 ? fixed(time / *copy, 1) : "") + "</tr>\n";
 }
 
 std::string comparisonOf(const Page& page) {
     double longest = 0.0;
     for (const PageChapter& chapter : page.chapters) {
-        for (const auto& run : timedRunsOf(chapter))
-            longest = std::max({longest, timeOf(run), *copyTimeOf(run)});
+        for (const Run& run : runsOf(chapter)) {
+            if (const auto copy = copyTimeOf(run))
+                longest = std::max({longest, timeOf(run), *copy});
+        }
     }
-    std::string html(kComparisonHead);
-    for (const PageChapter& chapter : page.chapters) {
-        html +=
-            "<tr class=\"chapter\"><td colspan=\"5\">" + escaped(chapter.title) + "</td></tr>\n";
-        for (const auto& run : timedRunsOf(chapter))
-            html += comparisonRow(run, longest);
-    }
-    return html + "</table>\n";
+    const auto row = [&](const Run& run) { return comparisonRow(run, longest); };
+    return std::string(kComparisonHead) + rowsOf(page, "5", row) + "</table>\n";
 }
 
-std::string callRow(const std::vector<PageCall>& run) {
+std::string callRow(const Run& run) {
     const PageCall& first = run.front();
     const PageCall& last = run.back();
-    const bool several = run.size() > 1;
     std::string detail = escaped(first.detail);
-    if (several && !detail.empty()) detail += " &#8230; " + escaped(last.detail);
+    if (run.size() > 1 && !detail.empty()) detail += " &#8230; " + escaped(last.detail);
     const bool sameStatus =
         std::ranges::all_of(run, [&](const PageCall& call) { return call.status == first.status; });
     const std::string status = sameStatus ? first.status : first.status + " &#8230; " + last.status;
     return "<tr><td class=\"name\">" + nameOf(run) + "</td><td class=\"detail\">" + detail +
-           "</td><td class=\"number\">" + status + "</td><td class=\"number\">" +
-           millisecondsOf(timeOf(run)) + "</td></tr>\n";
+           "</td>" + numberCell(status) + numberCell(millisecondsOf(timeOf(run))) + "</tr>\n";
 }
 
 std::string callsOf(const Page& page) {
     std::size_t count = 0;
-    std::string rows;
-    for (const PageChapter& chapter : page.chapters) {
+    for (const PageChapter& chapter : page.chapters)
         count += chapter.calls.size();
-        rows +=
-            "<tr class=\"chapter\"><td colspan=\"4\">" + escaped(chapter.title) + "</td></tr>\n";
-        for (const auto& run : runsOf(chapter.calls))
-            rows += callRow(run);
-    }
     return "<details>\n<summary>All " + counted(count, "call") +
            "</summary>\n<table>\n<tr><th>Export</th><th>On</th><th class=\"number\">Status</th>"
            "<th class=\"number\">Time</th></tr>\n" +
-           rows + "</table>\n</details>\n";
+           rowsOf(page, "4", callRow) + "</table>\n</details>\n";
 }
 
 }  // namespace
@@ -252,7 +257,7 @@ std::string htmlOf(const Page& page) {
         escaped(page.title) + "</title>\n<style>";
     html += kStyle;
     html += "</style>\n</head>\n<body>\n<main>\n<h1>" + escaped(page.title) +
-            "</h1>\n<p class=\"lead\">" + escaped(page.lead) + "</p>\n" + figureOf(page.model);
+            "</h1>\n<p class=\"lead\">" + escaped(page.lead) + "</p>\n" + figureOnPage(page.model);
     html += tilesOf(page);
     for (const PageChapter& chapter : page.chapters)
         html += chapterOf(chapter);

@@ -1,12 +1,15 @@
 #pragma once
 // A picture for the page: 8 bits of red, green and blue a pixel, top row first.
 
+#include <algorithm>
+#include <array>
 #include <cstdint>
 #include <string>
 #include <vector>
 
+using Rgb = std::array<std::uint8_t, 3>;
+
 struct Picture {
-    Picture() = default;
     Picture(std::uint32_t columns, std::uint32_t rows)
         : width(columns), height(rows), pixels(std::size_t{3} * columns * rows) {}
 
@@ -17,8 +20,12 @@ struct Picture {
         return &pixels[3 * (std::size_t{y} * width + x)];
     }
 
-    std::uint32_t width = 0;
-    std::uint32_t height = 0;
+    void set(std::size_t pixel, const Rgb& colour) {
+        std::ranges::copy(colour, &pixels[3 * pixel]);
+    }
+
+    std::uint32_t width;
+    std::uint32_t height;
     std::vector<std::uint8_t> pixels;
 };
 

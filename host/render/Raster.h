@@ -1,10 +1,11 @@
 #pragma once
-// Which pixels a triangle covers, and the value at each.
+// Which pixels a triangle covers, and the value at each; the level of a value.
 
 #include <algorithm>
 #include <cmath>
 #include <cstddef>
 #include <cstdint>
+#include <limits>
 
 // What is painted on, in pixels.
 struct Canvas {
@@ -37,6 +38,15 @@ struct PixelRange {
     std::uint32_t first;
     std::uint32_t end;
 };
+
+// Rounds to an integer type; numbers outside its range become its nearest, and a NaN becomes 0.
+template <typename Integer, typename Number>
+Integer rounded(Number number) {
+    const Number moved = number + Number{0.5};
+    return moved > 0
+               ? static_cast<Integer>(std::min<Number>(moved, std::numeric_limits<Integer>::max()))
+               : 0;
+}
 
 // The pixels whose centres may be between the smallest and the largest of three coordinates.
 inline PixelRange pixelsBetween(double a, double b, double c, std::uint32_t size) {

@@ -6,6 +6,7 @@
 #include "files/BmpWriter.h"
 #include "files/PsdWriter.h"
 #include "files/TiffWriter.h"
+#include "render/Raster.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
@@ -70,18 +71,15 @@ void writeRgbPsd(const std::string& path, const TileSheet& sheet, SheetRows& row
     file.finish();
 }
 
-std::uint16_t levelOf(float height) {
-    const float level = height * 65535.0f + 0.5f;
-    return level > 0.0f ? static_cast<std::uint16_t>(std::min(level, 65535.0f)) : 0;
-}
-
 void writeHeightPsd(const std::string& path, const TileSheet& sheet, SheetRows& rows) {
     PsdWriter file(path, {sheet.width(), sheet.height(), 1, 16});
     ByteList samples(std::size_t{2} * sheet.width());
     for (std::uint32_t y = 0; y < sheet.height(); ++y) {
         const ByteList& row = rows.at(y);
-        for (std::size_t x = 0; x < sheet.width(); ++x)
-            storeBe16(&samples[2 * x], levelOf(loadLeFloat(&row[kFloatBytes * x])));
+        for (std::size_t x = 0; x < sheet.width(); ++x) {
+            const float height = loadLeFloat(&row[kFloatBytes * x]);
+            storeBe16(&samples[2 * x], rounded<std::uint16_t>(height * 65535.0f));
+        }
         file.append(samples);
     }
     file.finish();

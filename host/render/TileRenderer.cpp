@@ -1,8 +1,6 @@
 #include "render/TileRenderer.h"
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 
 #include "bytes/Bytes.h"
 #include "mesh/MeshGeometry.h"
@@ -10,60 +8,47 @@
 
 namespace {
 
-// The height of each vertex, in x.
-std::vector<Vector> vertexHeights(const VemoMesh& mesh) {
-    double low = std::numeric_limits<double>::infinity();
-    double high = -low;
+// Heights from 0 to 1; a vertex without a finite one has 0.
+std::vector<double> vertexHeights(const VemoMesh& mesh) {
+    Extent extent;
     for (const Point& point : mesh.points) {
-        if (!std::isfinite(point.y)) continue;
-        low = std::min<double>(low, point.y);
-        high = std::max<double>(high, point.y);
+        if (std::isfinite(point.y)) extent.take(point.y);
     }
-    const double scale = high > low ? 1.0 / (high - low) : 0.0;
-    std::vector<Vector> heights;
+    const double scale = extent.size() > 0.0 ? 1.0 / extent.size() : 0.0;
+    std::vector<double> heights;
     heights.reserve(mesh.points.size());
     for (const Point& point : mesh.points)
-        heights.push_back({std::isfinite(point.y) ? (point.y - low) * scale : 0.0, 0.0, 0.0});
+        heights.push_back(std::isfinite(point.y) ? (point.y - extent.low) * scale : 0.0);
     return heights;
-}
-
-std::uint8_t channelOf(double component) {
-    const double scaled = component * 127.5 + 127.5;  // -1..1 to 0..255; a NaN is drawn as 0
-    return scaled > 0.0 ? static_cast<std::uint8_t>(std::min(scaled, 255.0) + 0.5) : 0;
 }
 
 void storeNormal(std::uint8_t* pixel, const Vector& value) {
     const Vector normal = normalized(value);
-    pixel[0] = channelOf(normal.x);
-    pixel[1] = channelOf(normal.y);
-    pixel[2] = channelOf(normal.z);
+    for (const double component : {normal.x, normal.y, normal.z})
+        *pixel++ = rounded<std::uint8_t>(component * 127.5 + 127.5);  // -1..1 to 0..255
 }
 
-void storeHeight(std::uint8_t* pixel, const Vector& value) {
-    storeLeFloat(pixel, static_cast<float>(value.x));
+void storeHeight(std::uint8_t* pixel, double height) {
+    storeLeFloat(pixel, static_cast<float>(height));
 }
 
 // Paints all faces; `store(pixel, value)` writes one pixel.
-template <typename Store>
-void paintFaces(const VemoMesh& tile, const std::vector<Vector>& values, TileMap& map,
-                Store store) {
+template <typename Value, typename Store>
+void paintFaces(const VemoMesh& tile, const std::vector<Value>& values, TileMap& map, Store store) {
     const double side = map.size;
-    const Canvas canvas{map.size, map.size};
-    for (std::size_t i = 0; i < tile.faces.size(); ++i) {
-        const Face& face = tile.faces[i];
-        const FaceUvs& uvs = tile.uvs[i];
-        if (!liesInTile(face, uvs)) continue;
-        const auto cornerAt = [&](std::size_t corner) {
-            return Corner<Vector>{uvs[corner].u * side, (1.0 - uvs[corner].v) * side,
-                                  values[static_cast<std::size_t>(face.vertices[corner])]};
-        };
-        forEachTriangle(face, [&](const std::size_t(&corners)[3]) {
-            rasterize(cornerAt(corners[0]), cornerAt(corners[1]), cornerAt(corners[2]), canvas,
-                      [&](std::size_t pixel, const Vector& value) {
-                          store(&map.pixels[pixel * map.pixelBytes], value);
-                      });
-        });
-    }
+    const auto cornerAt = [&](std::size_t face, std::size_t corner) {
+        const Uv& uv = tile.uvs[face][corner];
+        return Corner<Value>{uv.u * side, (1.0 - uv.v) * side,
+                             values[tile.faces[face].vertex(corner)]};
+    };
+    forEachTriangle(tile, [&](std::size_t face, const Triangle& triangle) {
+        if (!isInTile(tile, face)) return;
+        const auto [a, b, c] = triangle;
+        rasterize(cornerAt(face, a), cornerAt(face, b), cornerAt(face, c), {map.size, map.size},
+                  [&](std::size_t pixel, const Value& value) {
+                      store(&map.pixels[pixel * map.pixelBytes], value);
+                  });
+    });
 }
 
 }  // namespace
