@@ -11,7 +11,7 @@ namespace {
 
 constexpr std::size_t kLongestShown = 24;
 
-// Of a file longer than twice this, which a claimed size may have made huge, both ends count.
+// Of a file longer than twice this only both ends count: a claimed size may have made it huge.
 constexpr std::uintmax_t kEndBytes = 512 * 1024;
 
 std::string part(std::ifstream& file, std::uintmax_t offset, std::uintmax_t count) {

@@ -6,7 +6,7 @@
 #include <string>
 #include <string_view>
 
-// 64 bits from any number of bytes.
+// A hash of 64 bits (FNV-1a).
 class Digest {
 public:
     void add(std::string_view bytes);
@@ -18,9 +18,9 @@ private:
 
 std::string hexadecimal(std::uint64_t value, int digits = 16);
 
-// All bytes in hexadecimal, or "LENGTH:DIGEST" where they are many.
+// Returns all bytes in hexadecimal, or "LENGTH:DIGEST" for more than 24.
 std::string shown(std::string_view bytes);
 
-// "COUNT:DIGEST" of all that is in a folder: names, and the bytes of files. Where the folder itself is
+// Returns "COUNT:DIGEST" of all that is in a folder: names, and the bytes of files. The folder's own path
 // does not count.
 std::string shownFolder(const std::string& folder);

@@ -4,7 +4,7 @@
 #include <functional>
 #include <string>
 
-// The address of an exported function, or null.
+// Returns the address of an exported function, or null.
 using FindSymbol = std::function<void*(const std::string& name)>;
 
 // Calls every export with a few hundred generated inputs and writes a transcript of one line a case:
@@ -12,6 +12,6 @@ using FindSymbol = std::function<void*(const std::string& name)>;
 //   EXPORT CASE CALL... stdout=BYTES files=COUNT:DIGEST
 //
 // with one CALL for each call that was made, "STATUS/BLOCK": the bits of the status and what the call
-// wrote into the host's block, "=" where it wrote nothing. Throws std::runtime_error when the file
-// cannot be written.
+// wrote into the host's memory block, "=" if nothing. Throws std::runtime_error if the file cannot be
+// written.
 void writeExportCases(const FindSymbol& find, const std::string& transcript);

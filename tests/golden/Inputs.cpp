@@ -4,7 +4,6 @@
 #include <array>
 #include <vector>
 
-#include "support/Append.h"
 #include "support/BmpFile.h"
 #include "support/PsdFile.h"
 #include "support/VemoBuilder.h"
@@ -178,180 +177,6 @@ ByteList mesh(Random& random, std::vector<std::uint32_t> chunks) {
     return built.bytes();
 }
 
-// OpenEXR, little-endian.
-struct ExrShape {
-    std::uint32_t width;
-    std::uint32_t height;
-    std::vector<std::uint32_t> types;  // of each channel: 0 whole numbers, 1 half, 2 float
-    std::uint32_t compression;         // 0 none, 1 run lengths, 2 and 3 deflated
-    std::uint32_t tileWidth;           // 0: scanlines
-    std::uint32_t tileHeight;
-    std::int32_t left;
-    std::int32_t top;
-    bool wild;  // samples at the edge of what floats are
-};
-
-void appendText(ByteList& bytes, std::string_view text) {
-    bytes.insert(bytes.end(), text.begin(), text.end());
-    bytes.push_back(0);
-}
-
-void appendAttribute(ByteList& bytes, std::string_view name, std::string_view type,
-                     const ByteList& value) {
-    appendText(bytes, name);
-    appendText(bytes, type);
-    appendLe32(bytes, static_cast<std::uint32_t>(value.size()));
-    append(bytes, value);
-}
-
-ByteList le32s(std::initializer_list<std::uint32_t> values) {
-    ByteList bytes;
-    for (const std::uint32_t value : values)
-        appendLe32(bytes, value);
-    return bytes;
-}
-
-ByteList exrHeader(Random& random, const ExrShape& shape) {
-    ByteList bytes = {
-        0x76, 0x2F, 0x31, 0x01, 2, static_cast<std::uint8_t>(shape.tileWidth > 0 ? 2 : 0), 0, 0};
-    ByteList channels;
-    for (std::size_t i = 0; i < shape.types.size(); ++i) {
-        appendText(channels, std::string(1, static_cast<char>('A' + i)));
-        append(channels, le32s({shape.types[i], 0, 1, 1}));
-    }
-    channels.push_back(0);
-    const auto left = static_cast<std::uint32_t>(shape.left);
-    const auto top = static_cast<std::uint32_t>(shape.top);
-    const ByteList window = le32s({left, top, left + shape.width - 1, top + shape.height - 1});
-    const auto order = static_cast<std::uint8_t>(random.oneIn(5) ? 1 : 0);
-    appendAttribute(bytes, "channels", "chlist", channels);
-    appendAttribute(bytes, "compression", "compression",
-                    {static_cast<std::uint8_t>(shape.compression)});
-    appendAttribute(bytes, "dataWindow", "box2i", window);
-    appendAttribute(bytes, "displayWindow", "box2i", window);
-    appendAttribute(bytes, "lineOrder", "lineOrder", {order});
-    appendAttribute(bytes, "pixelAspectRatio", "float", le32s({0x3F800000}));
-    appendAttribute(bytes, "screenWindowCenter", "v2f", le32s({0, 0}));
-    appendAttribute(bytes, "screenWindowWidth", "float", le32s({0x3F800000}));
-    if (shape.tileWidth > 0) {
-        ByteList tiles = le32s({shape.tileWidth, shape.tileHeight});
-        tiles.push_back(0);
-        appendAttribute(bytes, "tiles", "tiledesc", tiles);
-    }
-    bytes.push_back(0);
-    return bytes;
-}
-
-// The bytes of every second place, then the others, each as its distance from the one before.
-ByteList predicted(const ByteList& raw) {
-    ByteList apart;
-    for (std::size_t first = 0; first < 2; ++first) {
-        for (std::size_t i = first; i < raw.size(); i += 2)
-            apart.push_back(raw[i]);
-    }
-    for (std::size_t i = apart.size(); i-- > 1;)
-        apart[i] = static_cast<std::uint8_t>(apart[i] - apart[i - 1] + 128);
-    return apart;
-}
-
-// A run of equal bytes is its length less 1 and the byte, any other run its length negated and itself.
-ByteList runLengths(const ByteList& bytes) {
-    ByteList packed;
-    for (std::size_t at = 0; at < bytes.size();) {
-        std::size_t equal = 1;
-        while (at + equal < bytes.size() && equal < 127 && bytes[at + equal] == bytes[at])
-            ++equal;
-        if (equal >= 3) {
-            append(packed, {static_cast<std::uint8_t>(equal - 1), bytes[at]});
-            at += equal;
-            continue;
-        }
-        packed.push_back(0xFF);
-        packed.push_back(bytes[at++]);
-    }
-    return packed;
-}
-
-// A deflated stream of one stored block, as every deflater could have made it.
-ByteList stored(const ByteList& bytes) {
-    const auto length = static_cast<std::uint32_t>(bytes.size());
-    ByteList packed = {0x78, 0x01, 0x01};
-    appendLe16(packed, length);
-    appendLe16(packed, ~length);
-    append(packed, bytes);
-    std::uint32_t low = 1;
-    std::uint32_t high = 0;
-    for (const std::uint8_t byte : bytes) {
-        low = (low + byte) % 65521;
-        high = (high + low) % 65521;
-    }
-    for (const std::uint32_t part : {high >> 8, high, low >> 8, low})
-        packed.push_back(static_cast<std::uint8_t>(part));
-    return packed;
-}
-
-void addSample(Random& random, ByteList& raw, std::uint32_t type, bool wild) {
-    if (type == 0) appendLe32(raw, wild ? field(random) : random.below(70000));
-    if (type == 1) appendLe16(raw, wild ? random.word() : 0x3000 + random.below(0x1800));
-    if (type == 2)
-        appendLeFloat(
-            raw, wild ? random.number() : static_cast<float>(random.between(-9999, 9999)) / 64.0f);
-}
-
-// The rows of a chunk: in each row one channel after the other.
-ByteList exrPixels(Random& random, const ExrShape& shape, std::uint32_t width, std::uint32_t rows) {
-    ByteList raw;
-    for (std::uint32_t row = 0; row < rows; ++row) {
-        for (const std::uint32_t type : shape.types) {
-            for (std::uint32_t column = 0; column < width; ++column) {
-                addSample(random, raw, type, shape.wild);
-            }
-        }
-    }
-    if (shape.compression == 0) return raw;
-    const ByteList packed =
-        shape.compression == 1 ? runLengths(predicted(raw)) : stored(predicted(raw));
-    return shape.compression == 1 && packed.size() >= raw.size() ? raw : packed;
-}
-
-// Tiles, or scanlines, which are as wide as the image.
-std::vector<ByteList> exrChunks(Random& random, const ExrShape& shape) {
-    const bool tiled = shape.tileWidth > 0;
-    const std::uint32_t width = tiled ? shape.tileWidth : shape.width;
-    const std::uint32_t height = tiled ? shape.tileHeight : shape.compression == 3 ? 16 : 1;
-    std::vector<ByteList> chunks;
-    for (std::uint32_t y = 0; y < shape.height; y += height) {
-        for (std::uint32_t x = 0; x < shape.width; x += width) {
-            const ByteList pixels = exrPixels(random, shape, std::min(width, shape.width - x),
-                                              std::min(height, shape.height - y));
-            ByteList chunk = tiled ? le32s({x / width, y / height, 0, 0})
-                                   : le32s({static_cast<std::uint32_t>(shape.top) + y});
-            appendLe32(chunk, static_cast<std::uint32_t>(pixels.size()));
-            append(chunk, pixels);
-            chunks.push_back(chunk);
-        }
-    }
-    return chunks;
-}
-
-ExrShape exrShape(Random& random) {
-    ExrShape shape{};
-    shape.width = 1 + random.below(20);
-    shape.height = 1 + random.below(20);
-    const std::uint32_t channels = 1 + random.below(3);
-    for (std::uint32_t i = 0; i < channels; ++i)
-        shape.types.push_back(random.below(3));
-    shape.compression = random.below(4);
-    if (random.oneIn(3)) {
-        shape.tileWidth = 1 + random.below(16);
-        shape.tileHeight = 1 + random.below(16);
-    }
-    shape.left = random.between(-3, 3);
-    shape.top = random.between(-3, 3);
-    shape.wild = random.oneIn(3);
-    return shape;
-}
-
 }  // namespace
 
 ByteList randomBytes(Random& random, std::size_t count) {
@@ -375,8 +200,7 @@ ByteList paintedBytes(Random& random, std::size_t count) {
     return bytes;
 }
 
-ByteList perhapsDamaged(Random& random, ByteList bytes) {
-    if (!random.oneIn(6) || bytes.empty()) return bytes;
+ByteList damaged(Random& random, ByteList bytes) {
     const auto size = static_cast<std::uint32_t>(bytes.size());
     switch (random.below(4)) {
         case 0:
@@ -397,6 +221,10 @@ ByteList perhapsDamaged(Random& random, ByteList bytes) {
         }
     }
     return bytes;
+}
+
+ByteList perhapsDamaged(Random& random, const ByteList& bytes) {
+    return random.oneIn(6) && !bytes.empty() ? damaged(random, bytes) : bytes;
 }
 
 TiffShape tiffShape(Random& random) {
@@ -495,18 +323,4 @@ ByteList filterText(Random& random) {
             {",", ", ", "\n", "\r\n", ",,", " ", "-", "x", "\t,", "2147483648,"});
     }
     return perhapsDamaged(random, ByteList(text.begin(), text.end()));
-}
-
-ByteList exrPicture(Random& random) {
-    const ExrShape shape = exrShape(random);
-    ByteList file = exrHeader(random, shape);
-    const std::vector<ByteList> chunks = exrChunks(random, shape);
-    std::size_t offset = file.size() + 8 * chunks.size();
-    for (const ByteList& chunk : chunks) {
-        append(file, le32s({static_cast<std::uint32_t>(offset), 0}));
-        offset += chunk.size();
-    }
-    for (const ByteList& chunk : chunks)
-        append(file, chunk);
-    return perhapsDamaged(random, file);
 }

@@ -1,5 +1,5 @@
 #pragma once
-// Files at random, as Morvane writes them: small, mostly right, now and then bent or damaged.
+// Random files as the host writes them: small, mostly valid, some bent or damaged.
 
 #include "golden/Random.h"
 #include "support/TempDir.h"
@@ -7,11 +7,13 @@
 
 ByteList randomBytes(Random& random, std::size_t count);
 
-// Samples of an image: of one colour, of a few, or of any.
+// Samples of an image: all equal, of a few values, or of any.
 ByteList paintedBytes(Random& random, std::size_t count);
 
-// The same bytes, or in one case of six cut short, patched, prolonged or gone.
-ByteList perhapsDamaged(Random& random, ByteList bytes);
+// Returns the bytes, of which there is at least one, cut short, patched, prolonged or none of them.
+ByteList damaged(Random& random, ByteList bytes);
+// Returns the bytes, damaged in one case of six.
+ByteList perhapsDamaged(Random& random, const ByteList& bytes);
 
 // Maps that are merged share their shape, mostly.
 struct TiffShape {
@@ -43,15 +45,11 @@ struct BmpShape {
 BmpShape bmpShape(Random& random);
 ByteList bmpMap(Random& random, const BmpShape& shape);
 
-// A mesh with the chunks of vertices, faces, face UVs, groups and colours, not always all of them, in
-// any order.
+// A mesh with most or all of the chunks of vertices, faces, face UVs, groups and colours, in any order.
 ByteList vemoMesh(Random& random);
 
 // The text of a tile filter.
 ByteList filterText(Random& random);
-
-// An OpenEXR image, of one to three channels in scanlines or tiles.
-ByteList exrPicture(Random& random);
 
 // The shape of a second map: that of the first, mostly.
 template <typename Shape>

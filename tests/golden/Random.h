@@ -1,6 +1,6 @@
 #pragma once
-// Numbers at random that are the same with every compiler, library and processor. Since functions may
-// evaluate their arguments in any order, a call takes at most one argument from here.
+// Pseudo-random numbers, the same with every compiler, library and processor. Since arguments are
+// evaluated in any order, a call takes at most one from here.
 
 #include <bit>
 #include <cstddef>
@@ -38,7 +38,7 @@ public:
     // A sample between 0 and 1, both included.
     float unit() { return static_cast<float>(below(65536)) / 65535.0f; }
 
-    // Any float: mostly a small fraction, else one at the edge of what floats are.
+    // Any float: mostly a small fraction, otherwise any bits or an edge case.
     float number() {
         if (!oneIn(4)) return static_cast<float>(between(-4096, 4096)) / 512.0f;
         if (oneIn(2)) return std::bit_cast<float>(word());
@@ -46,7 +46,7 @@ public:
             0x00000000, 0x80000000,                          // zeros
             0x3F800000, 0xBF800000, 0x3F7FFFFF,              // around 1
             0x7F800000, 0xFF800000,                          // infinities
-            0x7FC00000, 0xFFC00000, 0x7FC12345, 0xFF912345,  // no numbers, quiet and signalling
+            0x7FC00000, 0xFFC00000, 0x7FC12345, 0xFF912345,  // NaNs, quiet and signalling
             0x00000001, 0x807FFFFF, 0x00800000,              // the smallest
             0x7F7FFFFF, 0xFF7FFFFF,                          // the largest
             0x4F000000, 0xCF000000, 0xCF000001, 0x4EFFFFFF,  // the ends of 32-bit integers

@@ -5,7 +5,7 @@
 //   transcript digests TRANSCRIPT                     prints a transcript's digests
 //   transcript compare TRANSCRIPT OTHER               compares two transcripts line by line
 //
-// Ends with 0 when nothing differs, else with 1.
+// Exits with 0 if nothing differs, with 1 if something does, otherwise with 2.
 
 #include <dlfcn.h>
 
