@@ -12,7 +12,7 @@
 
 namespace mac {
 
-// An object, or the class of that name. A list is shown by its last entry alone.
+// An object, or the class of that name. Of a list there is only its last entry.
 struct Object {
     std::string className;
     bool isClass = false;
@@ -79,7 +79,7 @@ Word lengthOfBytes(const Call& call) {
     return call.receiver->text.size();
 }
 
-// Arguments: where to, the room there, the encoding.
+// Arguments: destination, its size, encoding.
 Word getCString(const Call& call) {
     const std::string& text = call.receiver->text;
     if (text.size() >= call.second) return 0;
@@ -101,7 +101,7 @@ Word lastObject(const Call& call) {
     return word(inPool(newObject("NSString", call.receiver->text)));
 }
 
-// As Objective-C writes them: + for messages to a class, - to an object.
+// In the notation of Objective-C: + for messages to a class, - to an object.
 const std::map<std::string, Word (*)(const Call&)> kMethods = {
     {"+[NSAutoreleasePool new]", newPool},
     {"-[NSAutoreleasePool drain]", drainPool},

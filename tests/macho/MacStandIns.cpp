@@ -23,12 +23,12 @@
 
 #include "macho/MacFoundation.h"
 
-// Finds a thread's variable; called with its descriptor, and allowed to change nothing but the result.
+// Finds a thread-local variable. Called with its descriptor; may change no register except the result.
 extern "C" void macThreadVariable();
 
 #ifdef __aarch64__
-// Variadic arguments are on the stack there, on Linux they start in registers: these pass them on to
-// the functions openMac and printOnStack below.
+// macOS passes variadic arguments on the stack, Linux the first ones in registers: these hand them to
+// openMac and printOnStack below.
 extern "C" void macOpen();
 extern "C" void macPrintf();
 asm(R"(
@@ -61,7 +61,7 @@ macThreadVariable:
 
 namespace {
 
-// Flags of open() as macOS counts them, and as Linux does.
+// Flags of open(): on macOS, on Linux.
 constexpr std::pair<int, int> kOpenFlags[] = {
     {0x0001, O_WRONLY}, {0x0002, O_RDWR},  {0x0004, O_NONBLOCK}, {0x0008, O_APPEND},
     {0x0200, O_CREAT},  {0x0400, O_TRUNC}, {0x0800, O_EXCL},     {0x0100'0000, O_CLOEXEC},
@@ -89,7 +89,7 @@ extern "C" int openMac(const char* path, int flags, int mode) {
 #ifdef __aarch64__
 extern "C" int printOnStack(const char* format, void* arguments);
 extern "C" int printOnStack(const char* format, void* arguments) {
-    // A list without arguments in registers takes all from the stack, eight bytes each as on macOS.
+    // A list with no arguments left in registers takes all from the stack, eight bytes each as on macOS.
     struct {
         void* stack;
         void* generalTop;
@@ -156,7 +156,7 @@ struct MacEntry {
 };
 static_assert(sizeof(MacEntry) == 1048 && offsetof(MacEntry, name) == 21);
 
-// Valid until the next call, as the system's own is at least.
+// Returns an entry that is valid until the next call.
 MacEntry* readdirMac(DIR* folder) {
     static MacEntry mac;
     const dirent* entry = ::readdir(folder);
@@ -170,7 +170,7 @@ MacEntry* readdirMac(DIR* folder) {
     return &mac;
 }
 
-// Fills memory with copies of a pattern, the last one cut off; compilers turn loops into calls.
+// Fills memory with copies of a pattern, the last one cut off. Compilers turn loops into calls of these.
 template <std::size_t PatternBytes>
 void fillWithPattern(std::uint8_t* bytes, const std::uint8_t* pattern, std::size_t count) {
     for (std::size_t i = 0; i < count; ++i)
@@ -186,16 +186,16 @@ unsigned threadNumber(void*) {
     return 1;
 }
 
-// Classes of characters, which no export uses.
+// Character classes, which no export uses.
 std::array<std::uint8_t, 8192> runes{};
 
-// No other library is loaded; the C++ library looks for an older one of its kind.
+// No other library is loaded; the C++ library looks for an older version of itself.
 void* noLibrary(const char*, int) {
     return nullptr;
 }
 
-// Symbols that the C++ library brings along for its locales, its messages before an abort and the
-// like. No export leads to them.
+// Symbols that the C++ library imports for its locales, its messages before an abort and the like. No
+// export leads to them.
 constexpr const char* kNeverCalled[] = {
     "____mb_cur_max_l", "___maskrune_l", "___tolower",  "___toupper",
     "_asprintf_l",      "_catclose",     "_catgets",    "_catopen",
@@ -208,9 +208,8 @@ constexpr const char* kNeverCalled[] = {
     "dyld_stub_binder",
 };
 
-template <std::size_t Index>
 [[noreturn]] void endProgram() {
-    std::fprintf(stderr, "the library called %s\n", kNeverCalled[Index]);
+    std::fputs("the library called a function of kNeverCalled\n", stderr);
     std::abort();
 }
 
@@ -229,14 +228,9 @@ void* code(Function* function) {
     return reinterpret_cast<void*>(function);
 }
 
-template <std::size_t... Index>
-void addNeverCalled(StandIns& all, std::index_sequence<Index...>) {
-    (all.emplace(kNeverCalled[Index], code(endProgram<Index>)), ...);
-}
-
 StandIns makeStandIns() {
     StandIns all = {
-        // The same by other names, or of other libraries.
+        // The same under other names, or of other libraries.
         {"__Unwind_DeleteException", code(_Unwind_DeleteException)},
         {"__Unwind_GetIP", code(_Unwind_GetIP)},
         {"__Unwind_GetLanguageSpecificData", code(_Unwind_GetLanguageSpecificData)},
@@ -263,7 +257,7 @@ StandIns makeStandIns() {
         {"_printf", code(std::printf)},
 #endif
 
-        // Known to macOS alone.
+        // Only on macOS.
         {"_memset_pattern4", code(fillWithPattern<4>)},
         {"_memset_pattern8", code(fillWithPattern<8>)},
         {"_memset_pattern16", code(fillWithPattern<16>)},
@@ -285,7 +279,8 @@ StandIns makeStandIns() {
     };
     for (const char* name : kShared)
         all.emplace(name, ::dlsym(RTLD_DEFAULT, name + 1));
-    addNeverCalled(all, std::make_index_sequence<std::size(kNeverCalled)>());
+    for (const char* name : kNeverCalled)
+        all.emplace(name, code(endProgram));
     return all;
 }
 

@@ -1,11 +1,11 @@
 #pragma once
-// MacStandIns: what a macOS library of ours imports, for a Linux program that loads it.
+// MacStandIns: what our library for macOS imports, for a Linux program that loads it.
 
 #include <string>
 
-// The address that the imported `symbol` gets, named as in a Mach-O file: with a leading underscore,
-// on x86-64 with a suffix where macOS keeps two versions ("_stat$INODE64"). Null when it is unknown.
+// Returns the address for the imported `symbol`, named as in a Mach-O file: with a leading underscore,
+// on x86-64 with a suffix where macOS keeps two versions ("_stat$INODE64"). Null if it is unknown.
 //
-// A few symbols that the C++ library brings along, and no export leads to, have stand-ins that end the
-// program with their name.
+// A few symbols that the C++ library imports, and no export leads to, have a stand-in that ends the
+// program.
 void* macStandIn(const std::string& symbol);

@@ -1,7 +1,6 @@
 #include "macho/MachOFile.h"
 
 #include <algorithm>
-#include <set>
 #include <stdexcept>
 
 #include "bytes/Bytes.h"
@@ -15,9 +14,6 @@ constexpr std::size_t kHeaderBytes = 32;
 constexpr std::size_t kSegmentBytes = 72;
 constexpr std::size_t kSectionBytes = 80;
 constexpr std::uint64_t kPointerBytes = 8;
-
-// Far more than our library needs; a damaged file cannot ask for more.
-constexpr std::uint64_t kMostMemory = std::uint64_t{1} << 30;
 
 constexpr std::uint32_t kSegmentCommand = 0x19;
 constexpr std::uint32_t kDyldInfoCommand = 0x8000'0022;
@@ -41,35 +37,25 @@ void demand(bool holds, const char* otherwise) {
     if (!holds) refuse(otherwise);
 }
 
-Bytes partOf(const std::vector<std::uint8_t>& bytes, std::uint64_t start, std::uint64_t size) {
-    demand(start <= bytes.size() && size <= bytes.size() - start, "a table outside the file");
-    return {bytes.data() + start, static_cast<std::size_t>(size)};
-}
-
-// Reads on through a part of the file, byte by byte; beyond the part's end it refuses.
+// Reads on through a table from its start.
 class Cursor {
 public:
-    explicit Cursor(Bytes part) : part_(part) {}
+    Cursor(Bytes file, std::uint64_t start, std::uint64_t size)
+        : file_(file), start_(start), size_(size) {}
 
-    bool atEnd() const { return at_ >= part_.size; }
+    bool atEnd() const { return at_ >= size_; }
     void moveTo(std::uint64_t at) { at_ = at; }
     std::uint64_t position() const { return at_; }
 
     std::uint8_t byte() {
-        const std::uint8_t value = part_.u8(at_++);
-        demand(!part_.overran, "a table ends too early");
-        return value;
+        demand(!atEnd(), "a table ends too early");
+        return file_.u8(start_ + at_++);
     }
 
     // Seven bits a byte, the lowest first; the highest bit is set while more follow.
     std::uint64_t number() {
-        std::uint64_t value = 0;
-        for (unsigned shift = 0;; shift += 7) {
-            const std::uint8_t part = byte();
-            demand(shift < 63 || (shift == 63 && part <= 1), "a number has too many bits");
-            value |= std::uint64_t{part & 0x7Fu} << shift;
-            if (part < 0x80) return value;
-        }
+        const std::uint8_t part = byte();
+        return part < 0x80 ? part : (part & 0x7Fu) | number() << 7;
     }
 
     std::string text() {
@@ -80,23 +66,10 @@ public:
     }
 
 private:
-    Bytes part_;
+    Bytes file_;
+    std::uint64_t start_;
+    std::uint64_t size_;
     std::uint64_t at_ = 0;
-};
-
-// A header of fixed size and its fields.
-class Fields {
-public:
-    explicit Fields(Bytes header) : start_(header.data) {}
-    std::uint32_t u32(std::size_t at) const { return loadLe32(start_ + at); }
-    std::uint64_t u64(std::size_t at) const { return loadLe64(start_ + at); }
-    std::string name(std::size_t at) const {
-        const std::uint8_t* first = start_ + at;
-        return {first, std::find(first, first + 16, std::uint8_t{0})};
-    }
-
-private:
-    const std::uint8_t* start_;
 };
 
 std::vector<std::uint8_t> sliceOf(const std::vector<std::uint8_t>& file, std::uint32_t cpu) {
@@ -115,74 +88,153 @@ std::vector<std::uint8_t> sliceOf(const std::vector<std::uint8_t>& file, std::ui
     refuse("no slice for this processor");
 }
 
+// Which pointers of a library to set, as a program for a little machine: a byte has what to do in its
+// upper half and a small number in its lower one.
+class PointerProgram {
+public:
+    enum Kind : unsigned { kRebase = 0x000, kBind = 0x100 };
+
+    PointerProgram(MachOFile& file, Kind kind, Cursor program)
+        : file_(file), kind_(kind), program_(program) {}
+
+    // The program of the pointers that macOS sets at their first use has a 0 after each, any other
+    // has one at its end.
+    void run(bool zeroEnds) {
+        while (!program_.atEnd()) {
+            const std::uint8_t byte = program_.byte();
+            if (byte == 0 && zeroEnds) return;
+            take(byte & 0xF0u, byte & 0x0Fu);
+        }
+    }
+
+private:
+    // Which library a symbol comes from is not kept: the stand-ins are found by name.
+    void take(unsigned operation, std::uint64_t small) {
+        switch (kind_ | operation) {
+            case kBind | 0x00:
+            case kBind | 0x10:  // the library
+            case kBind | 0x30:
+                return;
+            case kBind | 0x40:
+                symbol_ = program_.text();
+                return;
+            case kRebase | 0x10:
+            case kBind | 0x50:
+                return demand(small == 1, "a pointer of an unknown kind");
+            case kRebase | 0x20:
+            case kBind | 0x70:
+                address_ = file_.segments.at(small).memory.address + program_.number();
+                return;
+            case kRebase | 0x30:
+            case kBind | 0x80:
+                address_ += program_.number();
+                return;
+            case kRebase | 0x40:
+                address_ += small * kPointerBytes;
+                return;
+            case kRebase | 0x50:
+                return set(small, 0);
+            case kRebase | 0x60:
+                return set(program_.number(), 0);
+            case kBind | 0x90:
+                return set(1, 0);
+            case kRebase | 0x70:
+            case kBind | 0xA0:
+                return set(1, program_.number());
+            case kBind | 0xB0:
+                return set(1, small * kPointerBytes);
+            case kRebase | 0x80:
+            case kBind | 0xC0:
+                return setSeveral();
+            default:
+                refuse("an unknown operation on pointers");
+        }
+    }
+
+    void setSeveral() {
+        const std::uint64_t count = program_.number();
+        set(count, program_.number());
+    }
+
+    // Sets `count` pointers and skips as many bytes after each.
+    void set(std::uint64_t count, std::uint64_t skipped) {
+        for (; count > 0; --count, address_ += kPointerBytes + skipped) {
+            if (kind_ == kRebase)
+                file_.rebases.push_back(address_);
+            else
+                file_.binds.push_back({address_, symbol_});
+        }
+    }
+
+    MachOFile& file_;
+    Kind kind_;
+    Cursor program_;
+    std::uint64_t address_ = 0;
+    std::string symbol_;
+};
+
 // Reads the tables of one library.
 class Reader {
 public:
     Reader(std::vector<std::uint8_t> slice, std::uint32_t cpu) {
         file_.bytes = std::move(slice);
-        const Fields header(partOf(file_.bytes, 0, kHeaderBytes));
-        demand(header.u32(0) == kMagic64 && header.u32(4) == cpu, "no slice for this processor");
-        demand(header.u32(12) == kDylib, "not a dynamic library");
-        readCommands(header.u32(16));
-        demand(hasDyldInfo_, "no tables for the loader");
+        bytes_ = {file_.bytes.data(), file_.bytes.size()};
+        demand(u32(0) == kMagic64 && u32(4) == cpu, "no slice for this processor");
+        demand(u32(12) == kDylib, "not a dynamic library");
+        std::uint64_t command = kHeaderBytes;
+        for (std::uint32_t left = u32(16); left > 0; --left) {
+            readCommand(command);
+            command += u32(command + 4);
+        }
+        demand(!file_.exports.empty(), "no tables for the loader");
     }
 
     MachOFile take() { return std::move(file_); }
 
 private:
-    void readCommands(std::uint32_t count) {
-        std::uint64_t at = kHeaderBytes;
-        for (std::uint32_t i = 0; i < count; ++i) {
-            const Fields command(partOf(file_.bytes, at, 8));
-            const std::uint32_t size = command.u32(4);
-            demand(size >= 8, "a load command without a size");
-            readCommand(command.u32(0), at, size);
-            at += size;
-        }
+    std::uint32_t u32(std::uint64_t at) {
+        const std::uint32_t value = bytes_.le32(at);
+        demand(!bytes_.overran, "the file ends too early");
+        return value;
+    }
+    std::uint64_t u64(std::uint64_t at) { return u32(at) | std::uint64_t{u32(at + 4)} << 32; }
+    std::string name(std::uint64_t at) {
+        demand(bytes_.holds(at, 16, 1), "the file ends too early");
+        const std::uint8_t* const first = bytes_.data + at;
+        return {first, std::find(first, first + 16, std::uint8_t{0})};
     }
 
     // Segments precede the tables that refer to them, as every linker writes them.
-    void readCommand(std::uint32_t kind, std::uint64_t at, std::uint32_t size) {
+    void readCommand(std::uint64_t at) {
+        const std::uint32_t kind = u32(at);
         demand(kind != kChainedFixupsCommand, "chained fixups");
         demand(kind != kReexportCommand, "a re-exported library");
-        if (kind == kSegmentCommand) readSegment(at, size);
-        if (kind == kDyldInfoCommand) readDyldInfo(Fields(partOf(file_.bytes, at, 48)));
+        if (kind == kSegmentCommand) readSegment(at);
+        if (kind == kDyldInfoCommand) readDyldInfo(at);
     }
 
-    void readSegment(std::uint64_t at, std::uint32_t size) {
-        const Fields fields(partOf(file_.bytes, at, kSegmentBytes));
+    void readSegment(std::uint64_t at) {
         const MachOSegment segment{
-            .name = fields.name(8),
-            .memory = {fields.u64(24), fields.u64(32)},
-            .fileOffset = fields.u64(40),
-            .fileSize = fields.u64(48),
-            .isWritable = (fields.u32(60) & kProtectWrite) != 0,
-            .isExecutable = (fields.u32(60) & kProtectExecute) != 0,
-            .isFixedUpOnce = (fields.u32(68) & kSegmentReadOnly) != 0,
+            .name = name(at + 8),
+            .memory = {u64(at + 24), u64(at + 32)},
+            .fileOffset = u64(at + 40),
+            .fileSize = u64(at + 48),
+            .isWritable = (u32(at + 60) & kProtectWrite) != 0,
+            .isExecutable = (u32(at + 60) & kProtectExecute) != 0,
+            .isFixedUpOnce = (u32(at + 68) & kSegmentReadOnly) != 0,
         };
         demand(segment.memory.address == file_.memorySize(), "segments with gaps");
-        demand(segment.memory.size <= kMostMemory - file_.memorySize(), "too large");
-        demand(segment.fileSize <= segment.memory.size, "a segment longer than its memory");
-        const Bytes bytes{file_.bytes.data(), file_.bytes.size()};
-        demand(bytes.holds(segment.fileOffset, segment.fileSize, 1), "a segment outside the file");
+        demand(bytes_.holds(segment.fileOffset, segment.fileSize, 1), "a segment outside the file");
         file_.segments.push_back(segment);
-
-        const std::uint64_t sections = fields.u32(64);
-        demand(sections <= (size - kSegmentBytes) / kSectionBytes, "sections beyond their command");
-        for (std::uint64_t i = 0; i < sections; ++i)
-            readSection(
-                Fields(partOf(file_.bytes, at + kSegmentBytes + i * kSectionBytes, kSectionBytes)));
+        for (std::uint64_t i = 0; i < u32(at + 64); ++i)
+            readSection(at + kSegmentBytes + i * kSectionBytes);
     }
 
-    void readSection(const Fields& fields) {
-        const MachORange memory{fields.u64(32), fields.u64(40)};
-        const MachORange& around = file_.segments.back().memory;
-        demand(memory.address >= around.address && memory.address - around.address <= around.size &&
-                   memory.size <= around.size - (memory.address - around.address),
-               "a section outside its segment");
-        if (fields.name(0) == "__unwind_info") file_.unwindWords = memory;
-        if (fields.name(0) == "__eh_frame") file_.unwindFrames = memory;
-        const auto kind = static_cast<std::uint8_t>(fields.u32(64));
+    void readSection(std::uint64_t at) {
+        const MachORange memory{u64(at + 32), u64(at + 40)};
+        if (name(at) == "__unwind_info") file_.unwindWords = memory;
+        if (name(at) == "__eh_frame") file_.unwindFrames = memory;
+        const auto kind = static_cast<std::uint8_t>(u32(at + 64));
         if (kind == kThreadLocalVariables) file_.threadVariables = memory;
         if (kind == kThreadLocalRegular) file_.threadValues = memory;
         if (kind == kThreadLocalZeros) extendThreadValues(memory);
@@ -198,171 +250,36 @@ private:
         values.size = zeros.address + zeros.size - values.address;
     }
 
-    void readDyldInfo(const Fields& info) {
-        hasDyldInfo_ = true;
-        demand(info.u32(28) == 0, "weak symbols");
-        readRebases(Cursor(partOf(file_.bytes, info.u32(8), info.u32(12))));
-        readBinds(Cursor(partOf(file_.bytes, info.u32(16), info.u32(20))), false);
-        readBinds(Cursor(partOf(file_.bytes, info.u32(32), info.u32(36))), true);
-        readExports(Cursor(partOf(file_.bytes, info.u32(40), info.u32(44))));
-    }
-
-    // The place that the programs below advance: a segment and an offset in it, which wraps.
-    struct Place {
-        std::size_t segment = 0;
-        std::uint64_t offset = 0;
-    };
-
-    std::uint64_t pointerAt(const Place& place) const {
-        demand(place.segment < file_.segments.size(), "a pointer in no segment");
-        const MachOSegment& segment = file_.segments[place.segment];
-        demand(segment.isWritable && segment.memory.size >= kPointerBytes &&
-                   place.offset <= segment.memory.size - kPointerBytes,
-               "a pointer where none can be set");
-        return segment.memory.address + place.offset;
-    }
-
-    // Calls `set` for `count` pointers, `step` bytes apart. Together they cannot be more than fit into
-    // the file.
-    template <typename Set>
-    void repeat(Place& place, std::uint64_t count, std::uint64_t step, Set set) {
-        for (; count > 0; --count, place.offset += step) {
-            demand(++pointers_ <= file_.bytes.size() / kPointerBytes, "too many pointers");
-            set(pointerAt(place));
-        }
-    }
-
-    // A byte of either program: what to do in the upper half, a small number in the lower.
-    void readRebases(Cursor program) {
-        Place place;
-        const auto rebase = [&](std::uint64_t count, std::uint64_t step) {
-            repeat(place, count, step,
-                   [&](std::uint64_t address) { file_.rebases.push_back(address); });
+    void readDyldInfo(std::uint64_t at) {
+        const auto table = [&](std::uint64_t field) {
+            return Cursor(bytes_, u32(at + field), u32(at + field + 4));
         };
-        while (!program.atEnd()) {
-            const std::uint8_t byte = program.byte();
-            const std::uint64_t small = byte & 0x0F;
-            switch (byte & 0xF0) {
-                case 0x00:  // done
-                    return;
-                case 0x10:  // the kind of pointer
-                    demand(small == 1, "a rebase of no pointer");
-                    break;
-                case 0x20:  // the place
-                    place = {static_cast<std::size_t>(small), program.number()};
-                    break;
-                case 0x30:
-                    place.offset += program.number();
-                    break;
-                case 0x40:
-                    place.offset += small * kPointerBytes;
-                    break;
-                case 0x50:
-                    rebase(small, kPointerBytes);
-                    break;
-                case 0x60:
-                    rebase(program.number(), kPointerBytes);
-                    break;
-                case 0x70:
-                    rebase(1, kPointerBytes + program.number());
-                    break;
-                case 0x80: {
-                    const std::uint64_t count = program.number();
-                    rebase(count, kPointerBytes + program.number());
-                    break;
-                }
-                default:
-                    refuse("an unknown rebase");
-            }
-        }
-    }
-
-    // Which library a symbol comes from is not kept: the stand-ins are found by name. The program of
-    // the pointers that macOS sets at their first use is "done" after each.
-    void readBinds(Cursor program, bool atFirstUse) {
-        Place place;
-        std::string symbol;
-        const auto bind = [&](std::uint64_t count, std::uint64_t step) {
-            repeat(place, count, step, [&](std::uint64_t address) {
-                file_.binds.push_back({address, symbol});
-            });
-        };
-        while (!program.atEnd()) {
-            const std::uint8_t byte = program.byte();
-            const std::uint64_t small = byte & 0x0F;
-            switch (byte & 0xF0) {
-                case 0x00:  // done
-                    if (!atFirstUse) return;
-                    break;
-                case 0x10:  // the library
-                case 0x30:
-                    break;
-                case 0x40:
-                    symbol = program.text();
-                    break;
-                case 0x50:  // the kind of pointer
-                    demand(small == 1, "a bind of no pointer");
-                    break;
-                case 0x70:  // the place
-                    place = {static_cast<std::size_t>(small), program.number()};
-                    break;
-                case 0x80:
-                    place.offset += program.number();
-                    break;
-                case 0x90:
-                    bind(1, kPointerBytes);
-                    break;
-                case 0xA0:
-                    bind(1, kPointerBytes + program.number());
-                    break;
-                case 0xB0:
-                    bind(1, kPointerBytes + small * kPointerBytes);
-                    break;
-                case 0xC0: {
-                    const std::uint64_t count = program.number();
-                    bind(count, kPointerBytes + program.number());
-                    break;
-                }
-                default:
-                    refuse("an unknown bind");
-            }
-        }
+        demand(u32(at + 28) == 0, "weak symbols");
+        PointerProgram(file_, PointerProgram::kRebase, table(8)).run(true);
+        PointerProgram(file_, PointerProgram::kBind, table(16)).run(true);
+        PointerProgram(file_, PointerProgram::kBind, table(32)).run(false);
+        readExports(table(40), "");
     }
 
     // The names form a tree: each edge holds a part of a name, a node where a name ends its address.
-    void readExports(Cursor tree) {
-        struct Node {
-            std::uint64_t position;
-            std::string name;
-        };
-        std::vector<Node> open{{0, ""}};
-        std::set<std::uint64_t> seen;
-        while (!open.empty()) {
-            const Node node = open.back();
-            open.pop_back();
-            demand(seen.insert(node.position).second, "exports in a circle");
-            tree.moveTo(node.position);
-            const std::uint64_t size = tree.number();
-            const std::uint64_t edges = tree.position() + size;
-            if (size > 0) readExport(tree, node.name);
-            tree.moveTo(edges);
-            for (std::uint8_t left = tree.byte(); left > 0; --left) {
-                const std::string name = node.name + tree.text();
-                open.push_back({tree.number(), name});
-            }
+    void readExports(Cursor tree, const std::string& name) {
+        const std::uint64_t size = tree.number();
+        const std::uint64_t edges = tree.position() + size;
+        if (size > 0) {
+            demand(tree.number() == 0, "an export that is not plain");
+            file_.exports[name] = tree.number();
+        }
+        tree.moveTo(edges);
+        for (std::uint8_t left = tree.byte(); left > 0; --left) {
+            const std::string longer = name + tree.text();
+            Cursor node = tree;
+            node.moveTo(tree.number());
+            readExports(node, longer);
         }
     }
 
-    void readExport(Cursor& tree, const std::string& name) {
-        demand(tree.number() == 0, "an export that is not plain");
-        const std::uint64_t address = tree.number();
-        demand(address < file_.memorySize(), "an export outside");
-        file_.exports[name] = address;
-    }
-
     MachOFile file_;
-    std::size_t pointers_ = 0;
-    bool hasDyldInfo_ = false;
+    Bytes bytes_;
 };
 
 }  // namespace

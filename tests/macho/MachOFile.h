@@ -1,6 +1,6 @@
 #pragma once
-// MachOFile: what a dynamic library of macOS asks its loader to do, read from the file, which may be
-// damaged. Nothing here depends on the machine that reads.
+// MachOFile: what a dynamic library of macOS asks its loader to do. The file is one that
+// scripts/build-macos has just built, and is trusted as such.
 
 #include <cstdint>
 #include <map>
@@ -40,17 +40,16 @@ struct MachOFile {
     std::map<std::string, std::uint64_t> exports;
     std::vector<std::uint64_t> initialisers;  // addresses of pointers to functions, in their order
     MachORange threadVariables;               // descriptors, three pointers each
-    MachORange threadValues;                  // what each thread's variables start with
-    MachORange unwindWords;                   // how to leave functions, a word for each
+    MachORange threadValues;                  // the initial values of each thread's variables
+    MachORange unwindWords;                   // how to unwind functions, a word for each
     MachORange unwindFrames;                  // the same in DWARF where a word is not enough
 
     // The size of the library's memory.
     std::uint64_t memorySize() const;
 };
 
-// The slice for the processor `cpu` from the bytes of a universal file or of a plain library.
+// Reads the slice for the processor `cpu` from the bytes of a universal file or of a plain library.
 //
-// Throws std::runtime_error when the slice is missing or damaged, or asks for something that our
-// library does not use: chained fixups, weak symbols, re-exports, addends, symbols that are made on
-// demand.
+// Throws std::runtime_error if the slice is missing or uses what this loader does not support: chained
+// fixups, weak symbols, re-exports, addends, symbols that are made on demand.
 MachOFile readMachO(const std::vector<std::uint8_t>& file, std::uint32_t cpu);

@@ -1,5 +1,5 @@
-// The library that macOS loads, called without macOS. What its exports do with files is compared with
-// the library for this machine by the test macho.exports, case by case; here is what that cannot see.
+// The library that macOS loads, called without macOS. The test macho.exports compares what its exports
+// do with files; these tests cover the rest.
 
 #include "macho/MachOImage.h"
 
@@ -69,8 +69,7 @@ TEST(MachOImage, FindsTheSharedFolderThroughFoundation) {
     EXPECT_EQ(mac::liveObjects(), 0u);
 }
 
-// Neither memory that runs out nor a path without a dot may end the program: an exception is thrown,
-// and caught, in the library's own way.
+// A path without a dot throws an exception through the library's functions.
 TEST(MachOImage, LetsExceptionsTravel) {
     Block noDot("map");
     EXPECT_ANY_THROW(call("convertTIFF16", {.text = "a.tif", .value = 1, .buffer1 = noDot}));

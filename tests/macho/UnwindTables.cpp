@@ -32,18 +32,17 @@ public:
 
     WordTables read() {
         const std::uint32_t personalities = info_.le32(12);
-        for (std::uint32_t i = 0; i < info_.le32(16) && !info_.overran; ++i)
+        for (std::uint32_t i = 0; i < info_.le32(16); ++i)
             tables_.personalities.push_back(info_.le32(personalities + 4 * i));
         const std::uint32_t index = info_.le32(20);
         const std::uint32_t entries = info_.le32(24);
-        if (info_.overran || entries == 0) throw std::runtime_error("no words for unwinding");
-        for (std::uint32_t i = 0; i + 1 < entries && !info_.overran; ++i)
+        if (entries == 0) throw std::runtime_error("no words for unwinding");
+        for (std::uint32_t i = 0; i + 1 < entries; ++i)
             readPage(info_.le32(index + 12 * i), info_.le32(index + 12 * i + 4));
         // The last entry marks the ends.
         const std::uint32_t end = index + 12 * (entries - 1);
         tables_.functions.push_back({info_.le32(end), 0});
-        for (std::uint32_t at = info_.le32(index + 8); at < info_.le32(end + 8) && !info_.overran;
-             at += 8)
+        for (std::uint32_t at = info_.le32(index + 8); at < info_.le32(end + 8); at += 8)
             tables_.handlers[info_.le32(at)] = info_.le32(at + 4);
         if (info_.overran) throw std::runtime_error("words for unwinding end too early");
         return tables_;
@@ -56,12 +55,14 @@ private:
         switch (info_.le32(page)) {
             case kRegularPage:
                 for (std::uint32_t i = 0; i < count; ++i)
-                    add(info_.le32(first + 8 * i), info_.le32(first + 8 * i + 4));
+                    tables_.functions.push_back(
+                        {info_.le32(first + 8 * i), info_.le32(first + 8 * i + 4)});
                 return;
             case kCompressedPage:
                 for (std::uint32_t i = 0; i < count; ++i) {
                     const std::uint32_t entry = info_.le32(first + 4 * i);
-                    add(base + (entry & 0xFF'FFFF), sharedWord(page, entry >> 24));
+                    tables_.functions.push_back(
+                        {base + (entry & 0xFF'FFFF), sharedWord(page, entry >> 24)});
                 }
                 return;
             default:
@@ -73,10 +74,6 @@ private:
         const std::uint32_t common = info_.le32(8);
         if (place < common) return info_.le32(info_.le32(4) + 4 * place);
         return info_.le32(page + info_.le16(page + 8) + 4 * (place - common));
-    }
-
-    void add(std::uint32_t start, std::uint32_t word) {
-        tables_.functions.push_back({start, word});
     }
 
     Bytes info_;

@@ -3,7 +3,7 @@
 //
 //   macho_transcript LIBRARY TRANSCRIPT DIGESTS
 //
-// Ends with 0 when nothing differs, else with 1.
+// Exits with 0 if nothing differs, otherwise with 1.
 
 #include <exception>
 #include <iostream>
