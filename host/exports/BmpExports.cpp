@@ -59,8 +59,6 @@ constexpr Export kExports[] = {
                "must be writable.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsBMP 1002.bmp --buffer all.bmp",
-     .output = "status   0\n"
-               "meaning  success: the map was folded into the target\n",
      .next = "quillon inspect on both files; the target is judged first. Width, height, bits per "
              "pixel and the offset of the pixels must be equal. -101 and -201: see who may write "
              "to the source and the target."},
@@ -78,8 +76,6 @@ constexpr Export kExports[] = {
          "or the map cannot be read to its end, the exchange ends there, with the same status 0.",
      .statuses = kSwap,
      .example = "quillon call swapRGBBMP all.bmp --value 2",
-     .output = "status   0\n"
-               "meaning  success: the colour channels were exchanged\n",
      .next = "quillon inspect shows whether it is a BMP of 24 bits with its bottom row first. The "
              "same call again undoes an exchange."},
     {.name = "CreateThumbnailBMP",
@@ -96,9 +92,6 @@ constexpr Export kExports[] = {
          "two bytes are 0.",
      .statuses = kThumbnail,
      .example = "quillon call CreateThumbnailBMP all.bmp --value 32",
-     .output = "status   0\n"
-               "meaning  success: the image was shrunk, unless it is that small already or may "
-               "not be written to\n",
      .next =
          "0 also when the file may not be written to or the disk is full: quillon inspect shows "
          "the size that it has now. A missing path is -1 here, where other exports return -9."},

@@ -1,6 +1,6 @@
 #pragma once
-// The one table of the library's exports: what each reads, answers and writes. quillon call, script
-// and describe tell from it what happened, and docs/exports.md is made of it.
+// The one table of the library's exports: what each reads, returns and writes. quillon call, script
+// and describe explain a call with it, and docs/exports.md is made from it.
 
 #include <span>
 #include <string>
@@ -14,7 +14,7 @@ enum class BufferUse {
 };
 
 // What can lead to a status: one cause, or several joined by |. There is no empty set, so that the
-// compiler asks for a cause in every row. tests/faults/ContractTest.cpp brings each of them about.
+// compiler asks for a cause in every row. tests/faults/ContractTest.cpp brings about each of them.
 class Causes {
 public:
     consteval explicit Causes(int place) : bits_(1u << place) {}
@@ -40,12 +40,12 @@ inline constexpr Causes kTargetNotOpened{6};    // where it must be there before
 inline constexpr Causes kTargetNotWritten{7};   // cannot be created or written over
 inline constexpr Causes kDiskFull{8};
 inline constexpr Causes kReadFailed{9};  // a file or folder can be opened, but not read to its end
-inline constexpr Causes kFileRefused{10};  // for what the file holds
+inline constexpr Causes kFileRefused{10};  // for its contents
 inline constexpr Causes kNoMemory{11};
 inline constexpr Causes kNothingOpen{12};  // no folder is open, or all of its entries were given
 }
 
-// A status that an export can answer. Numbers come from the constants in the headers of src/. Each
+// A status that an export can return. Numbers come from the constants in the headers of src/. Each
 // status has one row.
 struct StatusMeaning {
     float status;
@@ -53,6 +53,12 @@ struct StatusMeaning {
     const char* sentence;  // the causes; without a capital and without a full stop
 
     constexpr bool isSuccess() const { return causes.contain(cause::kDone); }
+};
+
+// What `quillon call` prints of the example: the status, its meaning, and the text if there is one.
+struct ExampleResult {
+    float status = 0.0f;
+    const char* text = nullptr;
 };
 
 struct Export {
@@ -66,7 +72,7 @@ struct Export {
     bool (*takes)(double) = nullptr;     // which numbers are not refused; null: none is
     const char* valueDetails = nullptr;  // what each number does, where that takes sentences
 
-    bool writesTiles = false;  // answers kFirstTileNotWritten + k for the file of tile k
+    bool writesTiles = false;  // returns kFirstTileNotWritten + k for the file of tile k
 
     BufferUse buffer = BufferUse::kNone;
     const char* bufferIs = nullptr;  // what the block takes or names; null when it is not read
@@ -78,9 +84,10 @@ struct Export {
     const char* countMany = nullptr;  // there is no such status
     const char* throws = nullptr;     // when an exception reaches the host
 
-    const char* example;  // typed in the folder that docs/examples/make fills
-    const char* output;   // what that prints
-    const char* next;     // what to check when a call fails, in sentences
+    const char* example;  // a command for the folder that docs/examples/make fills
+    ExampleResult prints = {};
+    const char* output = nullptr;  // what it prints when it is not a single `quillon call`
+    const char* next;              // what to check when a call fails, in sentences
 };
 
 struct ExportGroup {

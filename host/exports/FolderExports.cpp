@@ -5,8 +5,7 @@ using namespace quillon_status;
 
 namespace {
 
-constexpr StatusMeaning kVersionAnswers[] = {
-    {kVersion, cause::kDone, "the version of the interface"}};
+constexpr StatusMeaning kVersionRows[] = {{kVersion, cause::kDone, "the version of the interface"}};
 
 constexpr StatusMeaning kCreateFolder[] = {
     {kOk, cause::kDone, "the folder was created"},
@@ -68,42 +67,36 @@ constexpr StatusMeaning kGetString[] = {{kOk, cause::kDone, "the text was copied
 
 constexpr Export kExports[] = {
     {.name = "Version",
-     .purpose = "Tells the version of the interface.",
+     .purpose = "Returns the version of the interface.",
      .writes = "Nothing.",
-     .statuses = kVersionAnswers,
+     .statuses = kVersionRows,
      .example = "quillon call Version",
-     .output = "status   48\n"
-               "meaning  success: the version of the interface\n",
-     .next = "It cannot fail. Another number is another library: see which one is loaded."},
+     .prints = {48.0f},
+     .next = "It cannot fail. Another number comes from another library: check which one is "
+             "loaded."},
     {.name = "CreateFolder",
      .purpose = "Creates a folder.",
      .text = "folder",
      .writes = "The folder, empty. Its parent must be there already.",
      .statuses = kCreateFolder,
      .example = "quillon call CreateFolder new",
-     .output = "status   0\n"
-               "meaning  success: the folder was created\n",
      .next = "CheckFolder shows whether the folder is there already; create missing parents "
              "first, one call each."},
     {.name = "GetPublicFolder",
-     .purpose = "Tells where the users' folders lie.",
+     .purpose = "Copies the path of the folder that contains the users' folders.",
      .buffer = BufferUse::kOutput,
      .bufferIs = "the users' folder",
      .writes = "The path goes to `buffer1`; it has no separator at its end.",
      .statuses = kGetPublicFolder,
      .example = "quillon call GetPublicFolder",
-     .output = "status   1\n"
-               "meaning  success: the folder's path was copied\n"
-               "text     /home\n",
-     .next = "Success is 1 here and failure 0, the other way round than everywhere else."},
+     .prints = {1.0f, "/home"},
+     .next = "Success is 1 here and failure 0; in every other export 0 is no failure."},
     {.name = "CheckFolder",
-     .purpose = "Tells whether a folder can be opened.",
+     .purpose = "Returns whether a folder can be opened.",
      .text = "folder",
      .writes = "Nothing. A listing that is open is closed.",
      .statuses = kCheckFolder,
      .example = "quillon call CheckFolder maps",
-     .output = "status   0\n"
-               "meaning  success: the folder can be opened\n",
      .next = "See whether the path is a folder and not a file, and who may read it. A listing "
              "begun before must be opened again."},
     {.name = "OpenFolder",
@@ -112,11 +105,9 @@ constexpr Export kExports[] = {
      .writes = "Nothing. A listing that is open is closed first.",
      .statuses = kOpenFolder,
      .example = "quillon call OpenFolder maps",
-     .output = "status   0\n"
-               "meaning  success: the folder is open for GetFile\n",
      .next = "See whether the path is a folder and not a file, and who may read it."},
     {.name = "GetFile",
-     .purpose = "Tells the next entry of the open folder.",
+     .purpose = "Copies the name of the next entry of the open folder.",
      .buffer = BufferUse::kOutput,
      .bufferIs = "an entry's name",
      .writes = "The entry's name without its folder goes to `buffer1`. Entries come in the file "
@@ -126,8 +117,8 @@ constexpr Export kExports[] = {
      .output = "OpenFolder              0  maps\n"
                "GetFile                 0  gives .\n"
                "CloseFolder             0\n",
-     .next = "-3 is the end of every listing, no fault. -1 before it: OpenFolder failed, or "
-             "CheckFolder or CloseFolder came between."},
+     .next = "-3 is the end of every listing and not an error. -1 before it: OpenFolder failed, or "
+             "CheckFolder or CloseFolder was called in between."},
     {.name = "CloseFolder",
      .purpose = "Ends a listing.",
      .writes = "Nothing.",
@@ -135,8 +126,8 @@ constexpr Export kExports[] = {
      .example = "printf 'OpenFolder maps\\nCloseFolder\\n' | quillon script -",
      .output = "OpenFolder              0  maps\n"
                "CloseFolder             0\n",
-     .next = "Nothing was open, so there is nothing to mend: OpenFolder failed, or the listing "
-             "was closed before."},
+     .next = "No listing was open: OpenFolder failed, or the listing was closed before. There is "
+             "nothing to do."},
     {.name = "EmptyFolder",
      .purpose = "Deletes the files of a folder.",
      .text = "folder",
@@ -146,8 +137,6 @@ constexpr Export kExports[] = {
                "cannot be read to its end is emptied as far as it was read.",
      .statuses = kEmptyFolder,
      .example = "quillon call EmptyFolder maps",
-     .output = "status   0\n"
-               "meaning  success: the folder's files were deleted, as far as that is allowed\n",
      .next = "CheckFolder shows whether the folder can be opened. 0 does not say that every file "
              "is gone: list the folder to be sure."},
     {.name = "FileDelete",
@@ -156,8 +145,6 @@ constexpr Export kExports[] = {
      .writes = "Deletes what `text` names.",
      .statuses = kFileDelete,
      .example = "quillon call FileDelete filter.txt",
-     .output = "status   0\n"
-               "meaning  success: the file was deleted\n",
      .next = "See whether the file is there, and whether its folder may be written to. A folder "
              "must be empty."},
     {.name = "FileCopyTo",
@@ -171,8 +158,6 @@ constexpr Export kExports[] = {
                "full disk leaves a part of the target.",
      .statuses = kFileCopyTo,
      .example = "quillon call FileCopyTo 1001.tif --buffer maps/all.tif",
-     .output = "status   0\n"
-               "meaning  success: the file was copied\n",
      .next = "See whether the source is a file that may be read, whether the target's folder is "
              "there, and whether the disk is full. After 0 compare the sizes."},
     {.name = "FileRename",
@@ -184,8 +169,6 @@ constexpr Export kExports[] = {
                "both stay, with the status 0.",
      .statuses = kFileRename,
      .example = "quillon call FileRename 1001.tif --buffer maps/first.tif",
-     .output = "status   0\n"
-               "meaning  success: the file was renamed\n",
      .next = "See whether both folders are there and on one disk; between disks use FileCopyTo "
              "and FileDelete."},
     {.name = "GetString",
@@ -198,9 +181,7 @@ constexpr Export kExports[] = {
      .writes = "The bytes from that one on go to `buffer1`; past the end of the text, none.",
      .statuses = kGetString,
      .example = "quillon call GetString abcdefgh --value 2",
-     .output = "status   0\n"
-               "meaning  success: the text was copied\n"
-               "text     cdefgh\n",
+     .prints = {0.0f, "cdefgh"},
      .next = "Pass both a text and a block. Bytes are counted, not letters: in UTF-8 a letter "
              "may take several."},
 };
@@ -210,8 +191,8 @@ constexpr Export kExports[] = {
 const ExportGroup& folderExports() {
     static constexpr ExportGroup kGroup{
         "Folders and files",
-        "0 is done, -1 failed or not given what it needs; GetPublicFolder, GetFile and Version "
-        "have numbers of their own.",
+        "0 is success, -1 failure or a missing argument; GetPublicFolder, GetFile and Version "
+        "return other numbers, too.",
         kExports};
     return kGroup;
 }

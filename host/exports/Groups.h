@@ -1,5 +1,5 @@
 #pragma once
-// The parts of the table of exports, a file each. Exports.h tells what stands in them.
+// The groups of the table of exports, a file each. Exports.h documents their fields.
 
 #include "export/Quillon.h"
 #include "exports/Exports.h"
@@ -12,13 +12,13 @@ const ExportGroup& psdExports();
 const ExportGroup& bmpExports();
 const ExportGroup& imageExports();
 
-// The numbers that the three exports take which reorder channels.
+// The numbers that the exports take which reorder channels.
 inline bool takesSwap(double value) {
     return value > 0.0 && value < 4.0;
 }
 
-// Rows of exports that refuse a null argument, or a number too. Most of them say the same when they
-// run out of memory.
+// Rows of exports that refuse a null argument, or also a number. Most of them return the same when
+// memory runs out.
 inline constexpr StatusMeaning kMissingArgument{quillon_status::kRefused,
                                                 cause::kNullArgument | cause::kNoMemory,
                                                 "there is too little memory"};

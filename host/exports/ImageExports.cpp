@@ -73,26 +73,23 @@ constexpr Export kExports[] = {
                "read, yet it must be writable.",
      .statuses = kTarga,
      .example = "quillon call saveAsTarga all.tif --buffer all.tga",
-     .output = "status   0\n"
-               "meaning  success: the Targa file was written\n",
-     .next = "quillon inspect shows depth and channels. The depth is not looked at: a map of 16 or "
-             "32 bits gives 0 and a picture without sense. The pixels must be the last bytes of "
+     .next = "quillon inspect shows depth and channels. The depth is not checked: a map of 16 or "
+             "32 bits gives 0 and an invalid image. The pixels must be the last bytes of "
              "the map."},
     {.name = "saveAsJpeg",
      .purpose = "Writes a BMP image as a JPEG file.",
      .text = "image",
-     .value = "0 (finest) to 100, else 50",
+     .value = "0 (best) to 100, else 50",
      .valueName = "quality",
-     .valueDetails = "How much is left out: 0 gives the finest picture and the largest file, 100 "
-                     "the smallest file. A fraction is cut off.",
+     .valueDetails =
+         "How much detail is left out: 0 gives the best image and the largest file, 100 "
+         "the smallest file. A fraction is cut off.",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, created anew. The image is only read; rows that cannot be read are "
                "black, with the same status 0. If the disk is full a part of the target is left.",
      .statuses = kJpeg,
      .example = "quillon call saveAsJpeg all.bmp --value 20 --buffer all.jpg",
-     .output = "status   0\n"
-               "meaning  success: the JPEG file was written\n",
      .next = "quillon inspect shows whether it is a BMP of 24 bits whose pixels start at byte 54: "
              "they are read from there whatever its header says. 3 to 6 are failures although they "
              "are above 0."},
@@ -104,8 +101,7 @@ constexpr Export kExports[] = {
      .countOne = "is the range of values",
      .countMany = "is the range of values",
      .example = "quillon call OpenEXR range.exr",
-     .output = "status   3.5\n"
-               "meaning  success: 3.5 is the range of values\n",
+     .prints = {3.5f},
      .next = "quillon inspect shows the attributes, among them compression and channels. The "
              "largest sample counts as -65535 at least, the smallest as 65535 at most: 70000 to "
              "70010 gives 4475. Save the "
@@ -116,6 +112,6 @@ constexpr Export kExports[] = {
 
 const ExportGroup& imageExports() {
     static constexpr ExportGroup kGroup{"Targa, JPEG and OpenEXR",
-                                        "Files for other programs, and files of theirs.", kExports};
+                                        "Files for other programs, and files from them.", kExports};
     return kGroup;
 }

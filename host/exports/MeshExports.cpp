@@ -10,12 +10,12 @@ namespace {
 constexpr const char* kNamingMode = "naming mode 0 to 3";
 constexpr const char* kNamingModes =
     "The first tile is named `_u0_v0` in mode 0, `_u1_v1` in mode 1, `1001` in mode 2 and `u0v0` "
-    "in mode 3. Only mode 2 heeds the tile filter. A number below 0 counts as 0, one above 3 as "
+    "in mode 3. Only mode 2 applies the tile filter. A number below 0 counts as 0, one above 3 as "
     "3, a fraction is cut off.";
 constexpr const char* kNoMesh =
     "the mesh file cannot be opened or read, or there is too little memory";
 constexpr Causes kNoMeshCauses = cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory;
-constexpr const char* kNoFaceUvs = "the mesh file holds no face UVs, or they are cut short";
+constexpr const char* kNoFaceUvs = "the mesh file has no face UVs, or they are cut short";
 constexpr const char* kCheckMesh =
     "quillon inspect shows which chunks the mesh has and where they end.";
 
@@ -33,8 +33,7 @@ constexpr StatusMeaning kGetUVTile[] = {{kMeshNotOpened, kNoMeshCauses, kNoMesh}
 
 constexpr StatusMeaning kGetUVGroups[] = {
     {kMeshNotOpened, kNoMeshCauses, kNoMesh},
-    {kChunkMissing, cause::kFileRefused,
-     "the mesh file holds no face groups, or they are cut short"},
+    {kChunkMissing, cause::kFileRefused, "the mesh file has no face groups, or they are cut short"},
     kOnlyMissingArgument};
 
 constexpr StatusMeaning kGetUVString[] = {
@@ -49,10 +48,10 @@ constexpr StatusMeaning kGetUVs[] = {{kUvExportMeshNotOpened, kNoMeshCauses, kNo
 constexpr StatusMeaning kGetUVsMask[] = {
     {kUvExportMeshNotOpened, kNoMeshCauses, kNoMesh},
     {kChunkMissing, cause::kFileRefused,
-     "the mesh file holds no vertices or no face UVs, they are cut short, or faces and face UVs "
+     "the mesh file has no vertices or no face UVs, they are cut short, or faces and face UVs "
      "differ in number"},
     {kFaceChunkMissing, cause::kFileRefused,
-     "the mesh file holds no faces, or one of them names a vertex that does not exist"},
+     "the mesh file has no faces, or one of them names a vertex that does not exist"},
     kMissingArgument};
 
 constexpr StatusMeaning kMergeCrease[] = {
@@ -64,7 +63,7 @@ constexpr StatusMeaning kMergeCrease[] = {
     {kChunkMissing, cause::kFileRefused, "one of the files has less than 14 bytes"},
     kOnlyMissingArgument};
 
-// Of the exports that write a mesh per tile, what all have in common.
+// What the exports that write a mesh per tile have in common.
 constexpr Export tileExport(Export entry) {
     entry.text = "mesh";
     entry.value = kNamingMode;
@@ -80,7 +79,7 @@ constexpr Export tileExport(Export entry) {
 
 constexpr Export kExports[] = {
     {.name = "clearUVtilesOutput",
-     .purpose = "Forgets the tile filter, so that every tile counts again.",
+     .purpose = "Clears the tile filter, so that every tile passes again.",
      .writes = "Nothing.",
      .statuses = kClearUVtilesOutput,
      .example = "printf 'setUVtilesOutput filter.txt\\nclearUVtilesOutput\\n"
@@ -90,9 +89,9 @@ constexpr Export kExports[] = {
                "getUVTile               2  model.Vemo, naming 2 gives 1002\n",
      .next = "It cannot fail."},
     {.name = "setUVtilesOutput",
-     .purpose = "Reads from a text file which tiles are wanted.",
+     .purpose = "Reads the tile filter, a text file that lists the tiles to write.",
      .text = "tile filter",
-     .writes = "Nothing. The filter holds for naming mode 2 until clearUVtilesOutput or the next "
+     .writes = "Nothing. The filter applies to naming mode 2 until clearUVtilesOutput or the next "
                "setUVtilesOutput. The file has tile names and ranges, separated by commas or "
                "lines: `1001-1003, 1011`. Only blanks are left out: a tab or a carriage return is "
                "a part of the name, which then is no tile's. A range whose end is below its start "
@@ -118,9 +117,7 @@ constexpr Export kExports[] = {
      .countOne = "UV tile",
      .countMany = "UV tiles",
      .example = "quillon call getUVTile model.Vemo --value 2",
-     .output = "status   2\n"
-               "meaning  success: 2 UV tiles\n"
-               "text     1002\n",
+     .prints = {2.0f, "1002"},
      .next = kCheckMesh},
     {.name = "getUVGroups",
      .purpose = "Counts the face groups of a mesh.",
@@ -130,43 +127,39 @@ constexpr Export kExports[] = {
      .countOne = "face group",
      .countMany = "face groups",
      .example = "quillon call getUVGroups model.Vemo",
-     .output = "status   2\n"
-               "meaning  success: 2 face groups\n",
+     .prints = {2.0f},
      .next = kCheckMesh},
     {.name = "getUVString",
-     .purpose = "Tells the name of a tile that getUVs or getUVsMask wrote last.",
+     .purpose = "Copies the name of a tile that getUVs or getUVsMask wrote last.",
      .value = "tile position from 0",
      .valueName = "position",
      .buffer = BufferUse::kOutput,
      .bufferIs = "the tile's name",
      .writes = "The name goes to `buffer1`, which stays as it is where there is no such tile. Each "
-               "getUVs and getUVsMask forgets the names of the call before, even if it fails.",
+               "getUVs and getUVsMask clears the names of the call before, even if it fails.",
      .statuses = kGetUVString,
      .example = "printf 'getUVs model.Vemo 2 maps/model.Vemo\\ngetUVString --value 1\\n' | "
                 "quillon script -",
      .output = "getUVs                  2  model.Vemo to maps/model.Vemo, naming 2\n"
                "getUVString             0  position 1 gives 1002\n",
      .next = "0 also when there is no such tile: clear the block before the call, and count on no "
-             "more positions than getUVs answered."},
+             "more positions than getUVs returned."},
     {.name = "clearUVString",
-     .purpose = "Forgets the names of the tiles that were written.",
+     .purpose = "Clears the names of the tiles that were written.",
      .writes = "Nothing.",
      .statuses = kClearUVString,
      .example = "quillon call clearUVString",
-     .output = "status   0\n"
-               "meaning  success: the list of tile names is empty\n",
      .next = "It cannot fail."},
     tileExport(
         {.name = "getUVs",
-         .purpose = "Writes a mesh once per tile, with that tile's UVs brought to 0 to 1.",
+         .purpose = "Writes a mesh once per tile, with that tile's UVs moved to 0 to 1.",
          .writes = "A mesh file per tile, named after `buffer1`: the path up to its last dot, "
                    "which may be in a folder's name, then the tile's name, then `.Vemo`. Corners "
                    "outside the tile have the UV -1, -1. Chunks "
                    "behind the face UVs are left out. The names are kept for getUVString.",
          .statuses = kGetUVs,
          .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
-         .output = "status   2\n"
-                   "meaning  success: 2 tiles were written\n",
+         .prints = {2.0f},
          .next =
              "From 1501 on, where tiles count in the order of their names, see whether the folder "
              "of `buffer1` is there and may be written to, and "
@@ -179,8 +172,7 @@ constexpr Export kExports[] = {
                    "vertex, 0 in the tile and 255 outside. The names are kept for getUVString.",
          .statuses = kGetUVsMask,
          .example = "quillon call getUVsMask model.Vemo --value 2 --buffer maps/mask.Vemo",
-         .output = "status   2\n"
-                   "meaning  success: 2 tiles were written\n",
+         .prints = {2.0f},
          .next = "As for getUVs. -19 also for a face that names a vertex which does not exist."}),
     {.name = "mergeCrease",
      .purpose = "Appends a mesh file to another.",
@@ -191,8 +183,6 @@ constexpr Export kExports[] = {
                "last 14. If the disk is full the file ends there, with the status 0.",
      .statuses = kMergeCrease,
      .example = "quillon call mergeCrease crease.Vemo --buffer model.Vemo",
-     .output = "status   0\n"
-               "meaning  success: the mesh was appended\n",
      .next = "-1760 is about `text`, -2760 and -3760 are about `buffer1`. After 0 compare the "
              "size: it is that of both files less 28 bytes."},
 };
@@ -202,8 +192,8 @@ constexpr Export kExports[] = {
 const ExportGroup& meshExports() {
     static constexpr ExportGroup kGroup{
         "Meshes",
-        "The tile filter and the names of the tiles live in the process: calls that need each "
-        "other belong in one quillon script.",
+        "The tile filter and the names of the tiles last as long as the process: calls that depend "
+        "on each other belong in one quillon script.",
         kExports};
     return kGroup;
 }

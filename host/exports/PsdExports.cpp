@@ -47,8 +47,6 @@ constexpr Export kExports[] = {
                "merged before a map cannot be read any further stay merged.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsPSD 1002.psd --buffer all.psd",
-     .output = "status   0\n"
-               "meaning  success: the map was laid over the target\n",
      .next = "quillon inspect on both files; the target is judged first. Both must have their "
              "image data at one place, 8-bit RGB or 16-bit grey, uncompressed. After 0 compare the "
              "target's size with that before."},
@@ -65,8 +63,6 @@ constexpr Export kExports[] = {
                "map ends where it could not be written, with the status 0.",
      .statuses = kSwap,
      .example = "quillon call swapRGBPSD all.psd --value 2",
-     .output = "status   0\n"
-               "meaning  success: the colour planes were reordered\n",
      .next = "quillon inspect shows channels and depth: an alpha channel or 16 bits are -56. After "
              "0 compare the map's size with that before."},
 };

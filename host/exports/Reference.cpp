@@ -18,7 +18,7 @@ with fresh copies. This page is what `quillon reference` prints; a test compares
 every example.
 
 Where a whole number is wanted, the fraction of `value` is cut off. Whether a number is taken is
-decided before that: 100.5 is beyond 100, and 1.5 is neither 1 nor 3.
+decided before that: 100.5 is above 100, and 1.5 is neither 1 nor 3.
 )";
 
 std::string row(const std::string& first, const std::string& second) {
@@ -74,6 +74,15 @@ std::string statusesOf(const Export& entry) {
     return rows;
 }
 
+std::string printedBy(const Export& entry) {
+    if (entry.output != nullptr) return entry.output;
+    const float status = entry.prints.status;
+    std::string lines = "status   " + statusText(status) +
+                        "\nmeaning  success: " + meaningOf(entry, {}, status).sentence + '\n';
+    if (entry.prints.text != nullptr) lines += std::string("text     ") + entry.prints.text + '\n';
+    return lines;
+}
+
 }  // namespace
 
 std::string referenceOf(const Export& entry) {
@@ -82,7 +91,7 @@ std::string referenceOf(const Export& entry) {
     section += std::string("Writes: ") + entry.writes + "\n\n";
     section += statusesOf(entry) + "\n";
     if (entry.throws != nullptr) section += std::string("Throws: ") + entry.throws + "\n\n";
-    section += std::string("```console\n$ ") + entry.example + "\n" + entry.output + "```\n\n";
+    section += std::string("```console\n$ ") + entry.example + "\n" + printedBy(entry) + "```\n\n";
     return section + "When it fails: " + entry.next + "\n";
 }
 

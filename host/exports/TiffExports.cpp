@@ -136,8 +136,6 @@ constexpr Export kExports[] = {
                "source is only read. `-20` is also printed.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsTIF 1002.tif --buffer all.tif",
-     .output = "status   0\n"
-               "meaning  success: the map was folded into the target\n",
      .next = "quillon inspect on both files: width, height, channels and depth must be equal, and "
              "so must the place of the pixels. 0 with nothing merged: the pixels do not start "
              "below their own length, as in a tiny map."},
@@ -155,12 +153,10 @@ constexpr Export kExports[] = {
                "`-101` for a map that may not be written to.",
      .statuses = kSwap,
      .example = "quillon call swapRGBTIF all.tif --value 2",
-     .output = "status   0\n"
-               "meaning  success: the channels of an 8-bit colour map were exchanged\n",
      .next = "quillon inspect shows which tag is refused: the status is its number, negated except "
              "for 258. The same call again undoes an exchange."},
     {.name = "convertTIFF16",
-     .purpose = "Turns a map of 32-bit floats into one of 16 bits, a TIFF or a PSD.",
+     .purpose = "Converts a map of 32-bit floats to 16 bits, a TIFF or a PSD.",
      .text = "map",
      .value = "target layout 1, 3 or 4",
      .valueName = "layout",
@@ -179,8 +175,6 @@ constexpr Export kExports[] = {
      .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
                "reaches a host.",
      .example = "quillon call convertTIFF16 height.tif --value 1 --buffer height16.tif",
-     .output = "status   0\n"
-               "meaning  success: the 16-bit map was written\n",
      .next = "quillon inspect shows depth, channels and where the directory is. A TIFF is right "
              "only if the map's directory is at byte 8 and has the tags 254, 256 to 259, 262, 273, "
              "277 to 279 in this order: the sizes are written where they were found. -257: have "
@@ -197,8 +191,6 @@ constexpr Export kExports[] = {
                "A map without pixels, or in which no directory is found, gives a header alone.",
      .statuses = kSingle,
      .example = "quillon call convertTIFFSingle colour.tif --buffer first.tif",
-     .output = "status   0\n"
-               "meaning  success: the first channel was written\n",
      .next = "quillon inspect shows depth and channels. A missing argument is -1 here, where other "
              "exports return -9."},
     {.name = "getScale",
@@ -213,8 +205,7 @@ constexpr Export kExports[] = {
      .countOne = "is the scale",
      .countMany = "is the scale",
      .example = "quillon call getScale height.tif --value 1",
-     .output = "status   233.48125\n"
-               "meaning  success: 233.48125 is the scale\n",
+     .prints = {233.48125f},
      .next = "quillon inspect shows depth and channels. A scale that is infinite comes from a map "
              "of 12 levels or fewer, such as a flat one."},
 };
@@ -224,8 +215,8 @@ constexpr Export kExports[] = {
 const ExportGroup& tiffExports() {
     static constexpr ExportGroup kGroup{
         "TIFF maps",
-        "One strip, uncompressed, little-endian, 1 or 3 channels. A directory that is refused is "
-        "answered with the number of the tag.",
+        "One strip, uncompressed, little-endian, 1 or 3 channels. For a refused directory the "
+        "status is the number of the tag.",
         kExports};
     return kGroup;
 }

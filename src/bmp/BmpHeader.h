@@ -20,7 +20,7 @@ struct BmpHeader {
 };
 
 // The file that an operation works on: its first 100 bytes for those that rewrite rows in place,
-// all that stands before the pixels for a thumbnail, the whole file for a crop. Filled by the
+// all bytes before the pixels for a thumbnail, the whole file for a crop. Filled by the
 // loaders below; emptied by each load before it starts and, after a crop or a thumbnail, at the end
 // of the operation.
 extern FileBytes bmpV;
@@ -37,7 +37,7 @@ inline constexpr std::size_t kBmpPixelBytes = 3;
 float loadBMPHead(const char* path, float notOpened);
 float loadWholeBMP(const char* path, float notOpened);
 
-// Loads all that stands before the pixels of a file whose header has been read, 100 bytes at least
+// Loads all bytes before the pixels of a file whose header has been read, 100 bytes at least
 // if there are as many. False when the file ends before its pixels start.
 bool loadBMPUpToPixels(const File& file);
 

@@ -119,7 +119,7 @@ void appendSampledRow(BmpWriter& writer, const Thumbnail& thumb, ReadAhead& imag
     writer.appendBlack(kBmpPixelBytes * pixelsLeft + thumb.image.padding);
 }
 
-// A pixel of the copy stands no further on in the file than the one it shows, so the copy can be
+// A pixel of the copy is no further on in the file than the one it shows, so the copy can be
 // written over the image while that is read.
 void appendSamples(BmpWriter& writer, const Thumbnail& thumb, ReadAhead& image) {
     if (thumb.image.rows == 0 || thumb.image.pixelBytes == 0) return;

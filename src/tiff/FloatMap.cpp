@@ -25,7 +25,7 @@ FloatMap openFloatMap(const char* path, std::size_t channels, const TiffRules& r
     return {tiff_status::kOk, std::move(header), std::move(file), strip};
 }
 
-// Samples lie in a file as they lie in memory on both processors.
+// Samples have the same bytes in a file as in memory on both processors.
 static_assert(std::endian::native == std::endian::little);
 
 const float* readSamples(const FloatMap& map, Piece& piece, std::uint64_t offset,

@@ -32,7 +32,7 @@ struct TiffHeader {
 
 // What a reader asks of a file.
 struct TiffRules {
-    // 32-bit samples only. A bad sample count is then answered with kFloatBadSampleCount.
+    // 32-bit samples only. A bad sample count is then refused with kFloatBadSampleCount.
     bool floatOnly = false;
     // The directory may be anywhere, and bytes past the end of the file read as 0; else it is
     // looked for in the first kTiffHeadBytes only.

@@ -11,7 +11,7 @@ float scaleOfLevels(std::size_t levels) {
     const auto count = static_cast<float>(levels);
     const float fewLevels = 1049.0f / count;
     const float manyLevels = count * -7.071e-05f;
-    // Every system's library gives the same float: of no number of levels does the exponential lie
+    // Every system's library gives the same float: for no number of levels is the exponential
     // within 800 last digits of a double of where the float would change.
     const double exponential = std::exp(static_cast<double>(fewLevels + manyLevels));
     if (exponential > static_cast<double>(std::numeric_limits<float>::max()))
