@@ -3,7 +3,7 @@
 #include <algorithm>
 #include <cmath>
 
-#include "mesh/Vector.h"
+#include "mesh/Extent.h"
 
 namespace {
 
@@ -17,10 +17,6 @@ struct GroupExtent {
     Extent v;
 };
 
-bool isInOneTile(const Extent& extent) {
-    return extent.high <= std::floor(extent.low) + 1.0;
-}
-
 // How a group is moved into the unit square: coordinate = (coordinate - start) * scale.
 struct Fit {
     double startU;
@@ -29,8 +25,8 @@ struct Fit {
 };
 
 Fit fitOf(const GroupExtent& extent) {
-    if (isInOneTile(extent.u) && isInOneTile(extent.v))
-        return {std::floor(extent.u.low), std::floor(extent.v.low), 1.0};
+    if (extent.u.liesInOneTile() && extent.v.liesInOneTile())
+        return {extent.u.start(), extent.v.start(), 1.0};
     const double size = std::max(extent.u.size(), extent.v.size());
     return {extent.u.low, extent.v.low, std::min(1.0, kLast / size)};
 }

@@ -1,9 +1,7 @@
 #pragma once
-// Directions and points in space, and the extent of coordinates.
+// Directions and points in space.
 
-#include <algorithm>
 #include <cmath>
-#include <limits>
 
 struct Vector {
     double x = 0.0, y = 0.0, z = 0.0;
@@ -21,15 +19,3 @@ inline Vector normalized(const Vector& a) {
     const double length = std::sqrt(a.x * a.x + a.y * a.y + a.z * a.z);
     return length > 0.0 ? a * (1.0 / length) : Vector{};
 }
-
-// From the lowest to the highest of some coordinates.
-struct Extent {
-    double low = std::numeric_limits<double>::infinity();
-    double high = -std::numeric_limits<double>::infinity();
-
-    void take(double coordinate) {
-        low = std::min(low, coordinate);
-        high = std::max(high, coordinate);
-    }
-    double size() const { return high - low; }
-};

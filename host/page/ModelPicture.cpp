@@ -5,6 +5,7 @@
 #include <cstdio>
 #include <limits>
 
+#include "mesh/Extent.h"
 #include "mesh/MeshGeometry.h"
 #include "render/Raster.h"
 

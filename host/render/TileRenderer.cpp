@@ -3,6 +3,7 @@
 #include <cmath>
 
 #include "bytes/Bytes.h"
+#include "mesh/Extent.h"
 #include "mesh/MeshGeometry.h"
 #include "render/Raster.h"
 
