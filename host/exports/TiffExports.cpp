@@ -65,7 +65,9 @@ constexpr StatusMeaning kSwap[] = {
     kChannelCount,
     kPacked,
     kPalette,
-    kStrips,
+    {kStripInHeader, cause::kFileRefused,
+     "the map has more than one strip, or its pixels would start in the first 8 bytes of the file, "
+     "as in a tiled map, which has no tag 273"},
     kSampleFormats,
     kRefusedArgument};
 

@@ -13,6 +13,8 @@
 
 namespace {
 
+constexpr std::uint64_t kFileHeaderBytes = 8;
+
 // Some failures are also printed, for the person at the console.
 float printed(float status) {
     std::printf("%d\n", static_cast<int>(status));
@@ -113,7 +115,9 @@ float swapChannels(const char* path, int mode) {
     const Exchange exchange = exchangeOf(mode);
     const bool hasColours = header.info.bitsPerSample == 8 && header.info.channels == 3;
     if (!hasColours || exchange.first == exchange.second) return tiff_status::kOk;
-    const Strip strip = wholeRowsWithin(stripOf(header.info, 3), header.info, file.size());
+    const Strip claimed = stripOf(header.info, 3);
+    if (claimed.pixels > 0 && claimed.offset < kFileHeaderBytes) return tiff_status::kStripInHeader;
+    const Strip strip = wholeRowsWithin(claimed, header.info, file.size());
     if (strip.pixels > 0 && !swapPixels(file, strip, exchange)) return tiff_status::kNotReopened;
     return tiff_status::kOk;
 }

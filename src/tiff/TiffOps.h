@@ -30,6 +30,7 @@ inline constexpr float kCompressed = -259.0f;
 inline constexpr float kBadPhotometric = -262.0f;  // a palette or beyond
 inline constexpr float kSizeNotPlaced = -257.0f;  // conversion to TIFF: sizes too far into the file
 inline constexpr float kSeveralStrips = -273.0f;
+inline constexpr float kStripInHeader = -273.0f;  // swapChannels: in the file header, or no strip
 inline constexpr float kStripTooFar = -274.0f;    // readers of float maps: from 2 GiB on
 inline constexpr float kPixelsMissing = -279.0f;  // the file ends before the last row
 inline constexpr float kBadSampleFormatCount = -339.0f;
@@ -51,12 +52,14 @@ inline constexpr float kBadSampleFormatCount = -339.0f;
 //            kSamplesDiffer; kNotReopened; kTargetNotWritten
 float mergeTiff(const char* source, const char* target);
 
-// Exchanges two colour channels of an 8-bit colour map in place. Any other map stays as it is.
+// Exchanges two colour channels of an 8-bit colour map in place. Any other map stays as it is, and so
+// does one whose pixels would start within the 8 bytes of the file header: exchanging those would
+// damage the file.
 //
 //   mode     1: green and blue, 2: red and blue, 3: red and green; any other: nothing
 //   returns  kOk; kNotOpened, also printed; kNotReopened, also printed unless a read or write
-//            failed, which leaves the pixels before it exchanged; a refused tag. Rows that the file
-//            does not have are left alone, and the file never grows.
+//            failed, which leaves the pixels before it exchanged; a refused tag; kStripInHeader.
+//            Rows that the file does not have are left alone, and the file never grows.
 float swapChannels(const char* path, int mode);
 
 // Float maps. The next three read 32-bit samples only. They take a pixel to have as many channels

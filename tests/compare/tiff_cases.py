@@ -181,7 +181,9 @@ def edges(rng):
                         {"compression_value": 5}, {"sample_format_count": 2}, {"bits_0": 16},
                         {"entries": 0}, {"directory": 990}, {"directory": 1000},
                         {"width_value": 70000}, {"length_value": 0}, {"width_value": -1},
-                        {"strip_offset_value": 2**31}, {"pixels_first": True}):
+                        {"strip_offset_value": 2**31}, {"strip_offset_value": 0},
+                        {"strip_offset_value": 7}, {"strip_offset_value": 8},
+                        {"pixels_first": True}):
             yield one(rng, name, rest, 3, data, **changes)
         yield from unreadable((name, *rest))
         yield from nulls((name, rest[0]))

@@ -84,6 +84,7 @@ void addTiff(List& list) {
 
     list.of("swapRGBTIF", 2.0);
     addDirectories(list, 258, colour8, nullptr);
+    list.add("no strip", -273, colour8().without(273).bytes());
 
     const auto addFloat = [&](TiffFile (*map)()) {
         addDirectories(list, -258, map, nullptr);

@@ -123,7 +123,8 @@ def mergeTiff(source, target):
 def swapChannels(path, mode):
     """Exchanges two channels of an 8-bit colour map: 1 green, blue; 2 red, blue; 3 red, green.
 
-    Any other map or mode stays as it is, and so do rows that the file does not wholly have.
+    Any other map or mode stays as it is, and so do rows that the file does not wholly have. Pixels
+    that would start within the 8 bytes of the file header are refused.
     """
     data = bytearray(load(path, -10.0, printed=True))
     info = readHeader(headOf(data))
@@ -133,6 +134,7 @@ def swapChannels(path, mode):
         return 0.0
     if not info.hasPixels() or info.stripOffset < 0:
         return 0.0
+    check(info.stripOffset >= 8, -273.0)
     start, row = info.stripOffset, info.width * 3
     end = start + row * max(0, min(info.length, (len(data) - start) // row))
     one, two = (slice(start + channel, end, 3) for channel in pairs[mode])

@@ -63,6 +63,29 @@ TEST_F(SwapChannels, OtherDepthsGreyMapsAndMapsWithoutPixelsStayAsTheyAre) {
     }
 }
 
+// Bytes 0 to 7 are the file header. A directory without tag 273, as of a tiled map, gives 0.
+TEST_F(SwapChannels, AMapWhosePixelsWouldStartInTheFileHeaderIsRefusedUntouched) {
+    const auto startingAt = [](std::uint32_t offset) { return twoPixels().entry(273, 1, offset); };
+    const ByteList refused[] = {twoPixels().without(273), startingAt(0), startingAt(7),
+                                startingAt(7).entry(256, 1, 1000000)};
+    for (const ByteList& map : refused) {
+        EXPECT_EQ(swap(map, 2), -273.0f);
+        EXPECT_EQ(readBytes(path()), map);
+    }
+    const std::pair<ByteList, int> unchanged[] = {
+        {startingAt(7), 0},
+        {startingAt(0).entry(257, 1, 0), 2},
+        {TiffFile(3, 1).grey8({1, 2, 3}).entry(273, 1, 0), 2},
+        {TiffFile(1, 1).rgb16({1, 2, 3}).entry(273, 1, 0), 2},
+    };
+    for (const auto& [map, mode] : unchanged) {
+        EXPECT_EQ(swap(map, mode), 0.0f);
+        EXPECT_EQ(readBytes(path()), map);
+    }
+    EXPECT_EQ(swap(startingAt(8), 2), 0.0f);
+    EXPECT_EQ(readBytes(path()), TiffFile(1, 2).rgb8({3, 2, 1, 6, 5, 4}).bytes());
+}
+
 TEST_F(SwapChannels, OnlyWholeRowsThatExistAreSwapped) {
     const ByteList before =
         TiffFile(2, 2, kDirectoryFirst).rgb8({1, 2, 3, 4, 5, 6, 7, 8, 9, 10, 11, 12});
