@@ -39,8 +39,9 @@ constexpr StatusMeaning kThumbnail[] = {
     {kNotABmp, cause::kFileRefused | cause::kReadFailed,
      "the file is shorter than its own headers, ends before its pixels start, or cannot be read up "
      "to there"},
-    {kSizeRefused, cause::kValueRefused | cause::kNoMemory,
-     "the copy would be larger than a BMP can be, or there is too little memory"}};
+    {kSizeRefused, cause::kValueRefused | cause::kFileRefused | cause::kNoMemory,
+     "the image is top-down (of negative height), the copy would be larger than a BMP can be, or "
+     "there is too little memory"}};
 
 bool takesSize(double value) {
     return value >= 1.0;
@@ -87,7 +88,8 @@ constexpr Export kExports[] = {
      .valueDetails = "The shorter side keeps the proportions, rounded down.",
      .writes =
          "The image, in place, cut off behind the copy, unless both its sides are below that size "
-         "already: then it stays. If the disk is full the image ends there, with the status 0. If "
+         "already: then it stays, and so does a top-down image whose width is below it. If the "
+         "disk is full the image ends there, with the status 0. If "
          "it cannot be read to its end, some of its pixels have been written over and its first "
          "two bytes are 0.",
      .statuses = kThumbnail,

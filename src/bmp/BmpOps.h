@@ -33,6 +33,7 @@ inline constexpr float kThumbNotABmp = -2.0f;      // thumbnail only: no "BM" at
 inline constexpr float kOutputNotWritten = -5.0f;  // crop: output not opened, or the disk is full
 inline constexpr float kNotABmp = -7.0f;           // no "BM", or shorter than its own headers
 inline constexpr float kSizeRefused = -9.0f;       // no size at all, or one that no BMP can have
+inline constexpr float kThumbTopDown = -9.0f;      // thumbnail only: a negative height
 inline constexpr float kSizesDiffer = -30.0f;
 inline constexpr float kLayoutsDiffer = -40.0f;       // offset of the pixels or bits per pixel
 inline constexpr float kNotReopened = -101.0f;        // first or only file, for reading and writing
@@ -86,7 +87,8 @@ float cropBMP(const char* input, const char* output, std::int32_t xOffset, std::
 //            The shorter side keeps the proportions, rounded down.
 //   returns  kOk, also when the file cannot be written; kSizeRefused for 0 or below and for a copy
 //            that would not fit into 4 GiB; kThumbNotOpened; kThumbNotABmp; kNotABmp when the file
-//            is shorter than its headers or ends before its pixels start. Nothing is changed by a
-//            failure, unless the disk cannot be read to the end: then kThumbNotOpened, with some of
-//            the pixels written over and without the first two bytes, so that it is no longer a BMP.
+//            is shorter than its headers or ends before its pixels start; kThumbTopDown, unless the
+//            width is below `size`. Nothing is changed by a failure, unless the disk cannot be read
+//            to the end: then kThumbNotOpened, with some of the pixels written over and without the
+//            first two bytes, so that it is no longer a BMP.
 float createBMPthumb(const char* path, std::int32_t size);

@@ -168,6 +168,7 @@ float createBMPthumb(const char* path, std::int32_t size) {
     const File file = File::openForReading(path);
     if (!file.isOpen()) return bmp_status::kThumbNotOpened;
     if (!loadBMPUpToPixels(file)) return bmp_status::kNotABmp;
+    if (bmpHdr.height < 0) return bmp_status::kThumbTopDown;
 
     const Thumbnail thumb = thumbnailOf(bmpHdr, size);
     if (!canBeWritten(thumb.image)) return bmp_status::kSizeRefused;

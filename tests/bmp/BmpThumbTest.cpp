@@ -130,7 +130,7 @@ TEST_F(BmpThumb, PixelsMayStartAtTheSecondByte) {
               (ByteList{'B', 'M', 102, 0, 0, 0, 0, 0, 0, 0, 1, 0, 0, 0, 0, 0, 0}));
 }
 
-// Thin ones, which are left half a row, top-down ones, and ones without columns.
+// Thin ones, of which less than a row is left, and ones without columns.
 TEST_F(BmpThumb, ImagesWithoutPixelsBecomeHeadersAlone) {
     const struct {
         ByteList image;
@@ -138,7 +138,6 @@ TEST_F(BmpThumb, ImagesWithoutPixelsBecomeHeadersAlone) {
     } rows[] = {
         {BmpFile(8, 1), 4, 4, 0},
         {BmpFile(1, 8), 4, 0, 4},
-        {BmpFile(8, 8).claimSize(8, -8), 4, 4, -4},
         {BmpFile(4, 4).claimSize(-8, 8), 4, -4, 4},
         {BmpFile(4, 4).claimSize(0, 8), 4, 0, 4},
         {BmpFile(4, 4).claimSize(0, kLargest), kLargest, 0, kLargest},
@@ -146,6 +145,18 @@ TEST_F(BmpThumb, ImagesWithoutPixelsBecomeHeadersAlone) {
     for (const auto& row : rows) {
         EXPECT_EQ(shrink(row.image, row.size), 0.0f);
         EXPECT_EQ(readBytes(map()), ByteList(BmpFile(0, 0).claimSize(row.width, row.height)));
+    }
+}
+
+TEST_F(BmpThumb, ATopDownImageIsRefusedUnlessItsWidthIsBelowTheSize) {
+    const std::pair<std::int32_t, float> rows[] = {
+        {1, -9.0f}, {8, -9.0f}, {9, 0.0f}, {kLargest, 0.0f}};
+    for (const std::int32_t height : {-1, -8, -kLargest - 1}) {
+        const ByteList before = BmpFile(8, 8).claimSize(8, height);
+        for (const auto& [size, status] : rows) {
+            EXPECT_EQ(shrink(before, size), status) << size;
+            EXPECT_EQ(readBytes(map()), before) << height;
+        }
     }
 }
 

@@ -142,6 +142,7 @@ void addBmp(List& list) {
     list.add("another file", -2, bytesOf("no image"));
     list.add("cut in its headers", -7, bmp().cut(53));
     list.add("no pixels", -7, bmp().claimPixelOffset(100'000));
+    list.add("top-down", -9, bmp().claimSize(kSide, -8));
     list.of("saveAsJpeg", 50.0, "out.jpg");
     list.add("cut in its headers", 4, bmp().cut(53));
     list.add("another file", 5, ByteList(54, 'x'));

@@ -119,7 +119,8 @@ def cropBMP(input, output, xOffset, newWidth):
 def createBMPthumb(path, size):
     """Replaces an image by a small copy, its longer side `size`, without any filtering.
 
-    All ratios and sums are single precision. A file that cannot be written is not reported.
+    All ratios and sums are single precision. A file that cannot be written is not reported. A top-down
+    image, of negative height, is refused.
     """
     check(size >= 1, -9)
     check(path is not None, -1)
@@ -130,6 +131,7 @@ def createBMPthumb(path, size):
     if H < size and W < size:
         return 0
     check(bmp.offset <= len(data), -7)
+    check(H >= 0, -9)
     ratio = single(single(min(W, H)) / single(max(W, H)))
     shorter = whole(single(ratio * single(size)))
     width, height = (size, shorter) if H <= W else (shorter, size)
