@@ -39,7 +39,7 @@ protected:
         return status;
     }
 
-    // All that GetFile still reports, up to the status -3.
+    // All that GetFile has not reported yet, up to the status -3.
     Names restOfListing() const {
         Names names;
         std::string name;
@@ -51,10 +51,11 @@ protected:
         return names;
     }
 
-    std::string textFrom(const char* text, double value) const {
-        Block block;
-        EXPECT_EQ(plugin.call("GetString", {.text = text, .value = value, .buffer1 = block}), 0.0f);
-        return block.text();
+    void expectNoListing() const {
+        std::string name;
+        EXPECT_EQ(nextEntry(name), -1.0f);
+        EXPECT_EQ(name, "untouched");
+        EXPECT_EQ(plugin.call("CloseFolder"), -1.0f);
     }
 
     const Plugin plugin;
@@ -78,9 +79,9 @@ TEST_F(Services, ListingReportsEveryEntryAndTheFolderAndItsParent) {
     dir.makeFolder("sub");
 
     ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
+    EXPECT_EQ(plugin.call("GetFile"), -1.0f) << "without a block it skips no entry";
     EXPECT_THAT(restOfListing(),
                 UnorderedElementsAre(".", "..", "two words.tif", "größe 高さ.tif", longest, "sub"));
-    EXPECT_EQ(plugin.call("CloseFolder"), 0.0f);
 }
 
 TEST_F(Services, ListingStaysExhaustedUntilItIsClosed) {
@@ -89,35 +90,37 @@ TEST_F(Services, ListingStaysExhaustedUntilItIsClosed) {
     dir.write("late.tif", "");
     EXPECT_THAT(restOfListing(), IsEmpty());
     EXPECT_THAT(restOfListing(), IsEmpty());
-
-    std::string name;
     EXPECT_EQ(plugin.call("CloseFolder"), 0.0f);
-    EXPECT_EQ(nextEntry(name), -1.0f);
+    expectNoListing();
 }
 
 TEST_F(Services, ListingNeedsAnOpenFolder) {
-    std::string name;
-    EXPECT_EQ(nextEntry(name), -1.0f);
-    EXPECT_EQ(name, "untouched");
-    EXPECT_EQ(plugin.call("CloseFolder"), -1.0f);
-}
-
-TEST_F(Services, ListingIsClosedOnce) {
-    ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
-    EXPECT_EQ(plugin.call("CloseFolder"), 0.0f);
-    EXPECT_EQ(plugin.call("CloseFolder"), -1.0f);
+    expectNoListing();
+    const struct {
+        const char* exportName;
+        const char* folder;
+        float status;
+    } rows[] = {
+        {"OpenFolder", "missing", -1.0f},
+        {"CheckFolder", "", 0.0f},
+        {"CheckFolder", "missing", -1.0f},
+    };
+    for (const auto& row : rows) {
+        ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
+        EXPECT_EQ(onPath(row.exportName, dir.path(row.folder)), row.status);
+        expectNoListing();
+    }
 }
 
 TEST_F(Services, SecondOpenFolderStartsOver) {
-    dir.makeFolder("full");
-    ASSERT_EQ(onPath("OpenFolder", dir.path("full")), 0.0f);
     std::string name;
+    ASSERT_EQ(onPath("OpenFolder", dir.makeFolder("full")), 0.0f);
     ASSERT_EQ(nextEntry(name), 0.0f);
 
     ASSERT_EQ(onPath("OpenFolder", dir.makeFolder("empty")), 0.0f);
     EXPECT_THAT(restOfListing(), UnorderedElementsAre(".", ".."));
     EXPECT_EQ(plugin.call("CloseFolder"), 0.0f);
-    EXPECT_EQ(plugin.call("CloseFolder"), -1.0f);
+    expectNoListing();
 }
 
 TEST_F(Services, OnlyAFolderThatExistsIsOpened) {
@@ -128,23 +131,6 @@ TEST_F(Services, OnlyAFolderThatExistsIsOpened) {
         EXPECT_EQ(onPath(name, file), -1.0f) << name;
         EXPECT_EQ(onPath(name, ""), -1.0f) << name;
     }
-}
-
-TEST_F(Services, FailedOpenFolderEndsAnOpenListing) {
-    ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
-    ASSERT_EQ(onPath("OpenFolder", dir.path("missing")), -1.0f);
-    EXPECT_EQ(plugin.call("CloseFolder"), -1.0f);
-}
-
-TEST_F(Services, CheckFolderEndsAnOpenListingWhetherItSucceedsOrNot) {
-    std::string name;
-    ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
-    ASSERT_EQ(onPath("CheckFolder", dir.path()), 0.0f);
-    EXPECT_EQ(nextEntry(name), -1.0f);
-
-    ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
-    ASSERT_EQ(onPath("CheckFolder", dir.path("missing")), -1.0f);
-    EXPECT_EQ(nextEntry(name), -1.0f);
 }
 
 // A script that forgets CloseFolder must not use up the host's descriptors.
@@ -161,33 +147,17 @@ TEST_F(Services, AbandonedListingsLeaveNoDescriptorOpen) {
 // Folders
 
 TEST_F(Services, CreateFolderMakesOneNewFolder) {
-    EXPECT_EQ(onPath("CreateFolder", dir.path("maps")), 0.0f);
-    EXPECT_EQ(onPath("CheckFolder", dir.path("maps")), 0.0f);
-    EXPECT_EQ(onPath("CreateFolder", dir.path("maps")), -1.0f) << "it exists";
+    const std::string file = dir.write("file", ByteList{1});
+    EXPECT_EQ(onPath("CreateFolder", dir.path("größe 高さ.maps")), 0.0f);
+    EXPECT_EQ(onPath("CreateFolder", dir.path("closed/")), 0.0f);
+    EXPECT_EQ(onPath("CheckFolder", dir.path("größe 高さ.maps")), 0.0f);
+    EXPECT_EQ(onPath("CheckFolder", dir.path("closed")), 0.0f);
+    EXPECT_EQ(onPath("CreateFolder", dir.path("closed")), -1.0f) << "it exists";
+    EXPECT_EQ(onPath("CreateFolder", file), -1.0f) << "a file has its name";
     EXPECT_EQ(onPath("CreateFolder", dir.path("missing/maps")), -1.0f);
-    EXPECT_THAT(dir.names(), ElementsAre("maps"));
-}
-
-TEST_F(Services, EmptyFolderDeletesWhatHasADotInItsName) {
-    for (const char* ending : {"", "/"}) {
-        const std::string folder = dir.makeFolder("work");
-        dir.write("work/a.tif", "");
-        dir.write("work/b.psd", "");
-        dir.write("work/noext", "");
-        dir.makeFolder("work/sub");
-        EXPECT_EQ(onPath("EmptyFolder", folder + ending), 0.0f);
-
-        ASSERT_EQ(onPath("OpenFolder", folder), 0.0f);
-        EXPECT_THAT(restOfListing(), UnorderedElementsAre(".", "..", "noext", "sub"));
-    }
-}
-
-TEST_F(Services, EmptyFolderNeedsAFolder) {
-    const std::string file = dir.write("a.tif", "");
-    EXPECT_EQ(onPath("EmptyFolder", dir.path("missing")), -1.0f);
-    EXPECT_EQ(onPath("EmptyFolder", file), -1.0f);
-    EXPECT_EQ(onPath("EmptyFolder", ""), -1.0f);
-    EXPECT_THAT(dir.names(), ElementsAre("a.tif"));
+    EXPECT_EQ(onPath("CreateFolder", ""), -1.0f);
+    EXPECT_THAT(dir.names(), ElementsAre("closed", "file", "größe 高さ.maps"));
+    EXPECT_EQ(readBytes(file), ByteList{1});
 }
 
 TEST_F(Services, PublicFolderHoldsTheUsersFolders) {
@@ -211,58 +181,51 @@ TEST_F(Services, FileDeleteRemovesOneFile) {
     EXPECT_THAT(dir.names(), ElementsAre("full"));
 }
 
-TEST_F(Services, FileCopyToLeavesTwoEqualFiles) {
-    const std::string source = dir.write("a.tif", ByteList{0, 255, 10, 13});
-    EXPECT_EQ(onPaths("FileCopyTo", source, dir.path("b.tif")), 0.0f);
-    EXPECT_EQ(readBytes(source), (ByteList{0, 255, 10, 13}));
-    EXPECT_EQ(readBytes(dir.path("b.tif")), (ByteList{0, 255, 10, 13}));
-}
-
-TEST_F(Services, FileCopyToOfAMissingFileStillDeletesTheTarget) {
-    const std::string target = dir.write("b.tif", "old");
-    EXPECT_EQ(onPaths("FileCopyTo", dir.path("missing.tif"), target), -1.0f);
-    EXPECT_THAT(dir.names(), IsEmpty());
-}
-
-TEST_F(Services, FileRenameReplacesTheTarget) {
+TEST_F(Services, FileRenameReplacesTheTargetOrChangesNothing) {
     const std::string source = dir.write("a.tif", ByteList{1});
     const std::string target = dir.write("b.tif", ByteList{2});
-    EXPECT_EQ(onPaths("FileRename", source, target), 0.0f);
-    EXPECT_THAT(dir.names(), ElementsAre("b.tif"));
-    EXPECT_EQ(readBytes(target), (ByteList{1}));
-}
-
-TEST_F(Services, FailedFileRenameChangesNothing) {
-    const std::string source = dir.write("a.tif", ByteList{1});
     EXPECT_EQ(onPaths("FileRename", dir.path("missing.tif"), source), -1.0f);
     EXPECT_EQ(onPaths("FileRename", source, dir.path("missing/b.tif")), -1.0f);
-    EXPECT_THAT(dir.names(), ElementsAre("a.tif"));
-    EXPECT_EQ(readBytes(source), (ByteList{1}));
+    EXPECT_EQ(readBytes(source), ByteList{1});
+    EXPECT_EQ(onPaths("FileRename", source, target), 0.0f);
+    EXPECT_THAT(dir.names(), ElementsAre("b.tif"));
+    EXPECT_EQ(readBytes(target), ByteList{1});
 }
 
 // Texts
 
-TEST_F(Services, GetStringStartsAtTheValueTruncated) {
-    EXPECT_EQ(textFrom("abcdefgh", 2.0), "cdefgh");
-    EXPECT_EQ(textFrom("abcdefgh", 2.9), "cdefgh");
-    EXPECT_EQ(textFrom("abcdefgh", 0.0), "abcdefgh");
-    EXPECT_EQ(textFrom("abcdefgh", -0.0), "abcdefgh");
-    EXPECT_EQ(textFrom("abcdefghijklm", 10.0), "klm");
-    EXPECT_EQ(textFrom("abcdefghijklm", std::nextafter(10.0, 0.0)), "jklm");
-}
-
-TEST_F(Services, GetStringStartsAtByte5ForAnyOtherValue) {
+TEST_F(Services, GetStringStartsAtTheValueTruncatedOrAtByte5) {
     constexpr double kInf = std::numeric_limits<double>::infinity();
-    for (const double value : {11.0, std::nextafter(10.0, 11.0), -1.0, std::nextafter(0.0, -1.0),
-                               1e300, -1e300, kInf, -kInf, std::nan("")})
-        EXPECT_EQ(textFrom("abcdefgh", value), "fgh") << value;
-}
-
-TEST_F(Services, GetStringPastTheEndIsEmpty) {
-    EXPECT_EQ(textFrom("abc", 3.0), "");
-    EXPECT_EQ(textFrom("abc", 4.0), "");
-    EXPECT_EQ(textFrom("abc", 99.0), "");
-    EXPECT_EQ(textFrom("", 10.0), "");
+    const struct {
+        const char* text;
+        double value;
+        const char* rest;
+    } rows[] = {
+        {"abcdefgh", 2.0, "cdefgh"},
+        {"abcdefgh", 2.9, "cdefgh"},
+        {"abcdefgh", 0.0, "abcdefgh"},
+        {"abcdefgh", -0.0, "abcdefgh"},
+        {"abcdefghijklm", 10.0, "klm"},
+        {"abcdefghijklm", std::nextafter(10.0, 0.0), "jklm"},
+        {"abcdefgh", std::nextafter(10.0, 11.0), "fgh"},
+        {"abcdefgh", std::nextafter(0.0, -1.0), "fgh"},
+        {"abcdefgh", 1e300, "fgh"},
+        {"abcdefgh", -1e300, "fgh"},
+        {"abcdefgh", kInf, "fgh"},
+        {"abcdefgh", -kInf, "fgh"},
+        {"abcdefgh", std::nan(""), "fgh"},
+        {"abc", 3.0, ""},
+        {"abc", 4.0, ""},
+        {"abc", 99.0, ""},
+        {"", 10.0, ""},
+    };
+    for (const auto& row : rows) {
+        Block block;
+        EXPECT_EQ(
+            plugin.call("GetString", {.text = row.text, .value = row.value, .buffer1 = block}),
+            0.0f);
+        EXPECT_EQ(block.text(), row.rest) << row.text << ' ' << row.value;
+    }
 }
 
 TEST_F(Services, GetStringMayCopyABlockOntoItself) {
@@ -282,24 +245,18 @@ TEST_F(Services, GetSubstrPointsIntoTheSameText) {
 }
 
 TEST_F(Services, HelloWorldPrintsALineAtOnce) {
-    const auto helloWorld = reinterpret_cast<void (*)(void* object, const char*)>(
-        plugin.symbol("_ZN7Quillon10HelloWorldEPKc"));
-    const CaptureStdout output;
-    char object = 0;  // the library object has no state
-    helloWorld(&object, "Hello, 100 %d");
-    EXPECT_EQ(output.text(), "Hello, 100 %d\n");
-    helloWorld(&object, nullptr);
-    helloWorld(&object, "");
-    EXPECT_EQ(output.text(), "Hello, 100 %d\n\n");
-}
-
-TEST_F(Services, HelloWorldPrivPrintsTheSame) {
-    const auto helloWorldPriv = reinterpret_cast<void (*)(void* object, const char*)>(
-        plugin.symbol("_ZN11QuillonPriv14HelloWorldPrivEPKc"));
-    const CaptureStdout output;
-    char object = 0;
-    helloWorldPriv(&object, "Hello");
-    EXPECT_EQ(output.text(), "Hello\n");
+    for (const char* name :
+         {"_ZN7Quillon10HelloWorldEPKc", "_ZN11QuillonPriv14HelloWorldPrivEPKc"}) {
+        const auto helloWorld =
+            reinterpret_cast<void (*)(void* object, const char*)>(plugin.symbol(name));
+        const CaptureStdout output;
+        char object = 0;  // the library object has no state
+        helloWorld(&object, "Hello, 100 %d");
+        EXPECT_EQ(output.text(), "Hello, 100 %d\n");
+        helloWorld(&object, nullptr);
+        helloWorld(&object, "");
+        EXPECT_EQ(output.text(), "Hello, 100 %d\n\n");
+    }
 }
 
 }  // namespace
