@@ -1,5 +1,5 @@
-// The platform operations of macOS, against GNUstep's Foundation and a panel that stands in for
-// AppKit's: the messages are the same, the runtime behind them is another.
+// The platform operations of macOS, with GNUstep's Foundation and a stand-in for AppKit's panel: the
+// messages are the same, the runtime that takes them is another.
 
 #include <gmock/gmock.h>
 
@@ -20,7 +20,7 @@ extern "C" BOOL GSDebugAllocationActive(BOOL active);
 extern "C" int GSDebugAllocationCount(Class counted);
 extern "C" Class* GSDebugAllocationClassList();
 
-// LeakSanitizer asks this: GNUstep and its runtime keep some memory for the life of the process.
+// LeakSanitizer calls this: GNUstep and its runtime keep some memory for the life of the process.
 extern "C" const char* __lsan_default_suppressions();
 const char* __lsan_default_suppressions() {
     return "leak:libobjc.so\nleak:libgnustep-base.so\n";
@@ -50,7 +50,8 @@ int livingObjects() {
     return count;
 }
 
-// How many more objects live after calls than before. A first call fills what Foundation keeps.
+// How many more objects there are after ten calls than before. A first call fills what Foundation
+// keeps.
 template <typename Call>
 int objectsLeftBy(Call call) {
     GSDebugAllocationActive(BOOL{1});
@@ -70,33 +71,18 @@ TEST(LivingObjects, AreCountedUntilTheyAreReleased) {
     EXPECT_EQ(objectsLeftBy([&] { leak(), objc::send<void>(kept, "release"); }), 0);
 }
 
-TEST(CocoaCreateFolder, MakesAFolder) {
+TEST(CocoaCreateFolder, MakesOneNewFolder) {
     const TempDir dir;
+    const std::string file = dir.write("file", ByteList{1});
     EXPECT_TRUE(createFolder(dir.path("größe 高さ.maps").c_str()));
     EXPECT_TRUE(createFolder(dir.path("closed/").c_str()));
-    EXPECT_TRUE(fs::is_directory(dir.path("größe 高さ.maps")));
-    EXPECT_TRUE(fs::is_directory(dir.path("closed")));
-}
-
-TEST(CocoaCreateFolder, MakesNothingWhereSomethingExists) {
-    const TempDir dir;
-    EXPECT_FALSE(createFolder(dir.path().c_str()));
-    EXPECT_FALSE(createFolder(dir.write("file", ByteList{1}).c_str()));
-    EXPECT_EQ(readBytes(dir.path("file")), (ByteList{1}));
-}
-
-TEST(CocoaCreateFolder, MakesNoParents) {
-    const TempDir dir;
-    EXPECT_FALSE(createFolder(dir.path("missing/maps").c_str()));
-    EXPECT_THAT(dir.names(), IsEmpty());
-}
-
-TEST(CocoaCreateFolder, NeedsANameInUtf8) {
-    const TempDir dir;
+    for (const std::string& path : {dir.path(), file, dir.path("missing/maps"), dir.path(kNotUtf8)})
+        EXPECT_FALSE(createFolder(path.c_str())) << path;
     EXPECT_FALSE(createFolder(nullptr));
     EXPECT_FALSE(createFolder(""));
-    EXPECT_FALSE(createFolder(dir.path(kNotUtf8).c_str()));
-    EXPECT_THAT(dir.names(), IsEmpty());
+    EXPECT_THAT(dir.names(), ElementsAre("closed", "file", "größe 高さ.maps"));
+    EXPECT_TRUE(fs::is_directory(dir.path("closed")));
+    EXPECT_EQ(readBytes(file), ByteList{1});
 }
 
 TEST(CocoaCreateFolder, ReleasesWhatItCreates) {
@@ -109,17 +95,14 @@ TEST(CocoaCreateFolder, ReleasesWhatItCreates) {
 }
 
 // GNUstep's local domain has its users where Linux has them.
-TEST(CocoaGetSharedFolder, HoldsTheUsersFolders) {
+TEST(CocoaGetSharedFolder, HoldsTheUsersFoldersAndReleasesWhatItCreates) {
     EXPECT_EQ(taken(getSharedFolder()), "/home");
-}
-
-TEST(CocoaGetSharedFolder, ReleasesWhatItCreates) {
     EXPECT_EQ(objectsLeftBy([] { taken(getSharedFolder()); }), 0);
 }
 
-// What a panel was told, in order, and what the user does with it.
+// The messages that a panel gets, in order, and what the user does with it.
 struct Panel {
-    Strings told;
+    Strings messages;
     long button = 1;  // OK; 0 is Cancel
     const char* chosen = "/maps/a.vws";
     bool available = true;
@@ -142,37 +125,36 @@ Class rootClass() {
     return reinterpret_cast<Class>(objc::classNamed("NSObject"));
 }
 
-// A method as a function of another type, through "some function", which compilers take without a
-// warning.
+// A method as a function of another type, through void(), which compilers accept without a warning.
 template <typename To, typename From>
 To* castMethod(From* method) {
     return reinterpret_cast<To*>(reinterpret_cast<void (*)()>(method));
 }
 
-// The methods of the panel that stands in.
+// The methods of the stand-in.
 
 id allocated(id self, SEL name) {
     if (!panel.available) return nullptr;
-    panel.told.push_back("alloc");
+    panel.messages.push_back("alloc");
     const Class metaclass = object_getClass(reinterpret_cast<id>(rootClass()));
     return castMethod<id(id, SEL)>(class_getMethodImplementation(metaclass, name))(self, name);
 }
 
 void released(id self, SEL name) {
-    panel.told.push_back("release");
+    panel.messages.push_back("release");
     castMethod<void(id, SEL)>(class_getMethodImplementation(rootClass(), name))(self, name);
 }
 
-void titled(id, SEL, id title) {
-    panel.told.push_back("title: " + textOf(title));
+void setTitle(id, SEL, id title) {
+    panel.messages.push_back("title: " + textOf(title));
 }
 
-void toldYesOrNo(id, SEL name, BOOL yes) {
-    panel.told.push_back(sel_getName(name) + std::string(yes ? " YES" : " NO"));
+void setFlag(id, SEL name, BOOL yes) {
+    panel.messages.push_back(sel_getName(name) + std::string(yes ? " YES" : " NO"));
 }
 
 long runFor(id, SEL, id types) {
-    panel.told.push_back("run for" + listed(types));
+    panel.messages.push_back("run for" + listed(types));
     return panel.button;
 }
 
@@ -190,10 +172,10 @@ void registerPanel() {
     const Class made = objc_allocateClassPair(rootClass(), "NSOpenPanel", 0);
     addMethod(object_getClass(reinterpret_cast<id>(made)), "alloc", allocated, "@@:");
     addMethod(made, "release", released, "v@:");
-    addMethod(made, "setTitle:", titled, "v@:@");
+    addMethod(made, "setTitle:", setTitle, "v@:@");
     for (const char* name :
          {"setCanChooseDirectories:", "setCanChooseFiles:", "setAllowsMultipleSelection:"})
-        addMethod(made, name, toldYesOrNo, "v@:C");
+        addMethod(made, name, setFlag, "v@:C");
     addMethod(made, "runModalForTypes:", runFor, "q@:@");
     addMethod(made, "filename", chosenName, "@@:");
     objc_registerClassPair(made);
@@ -211,40 +193,33 @@ protected:
 
 TEST_F(CocoaOpenFileBrowser, AsksForOneFileOfTheHostsTypes) {
     choose("Wähle ein Netz");
-    EXPECT_THAT(panel.told,
+    EXPECT_THAT(panel.messages,
                 ElementsAre("alloc", "title: Wähle ein Netz", "setCanChooseDirectories: NO",
                             "setCanChooseFiles: YES", "setAllowsMultipleSelection: NO",
                             "run for vws VWS", "release"));
 }
 
-TEST_F(CocoaOpenFileBrowser, GivesTheChosenPath) {
+TEST_F(CocoaOpenFileBrowser, ReturnsTheChosenPath) {
     panel.chosen = "/maps/größe \"1\".vws";
     EXPECT_EQ(choose(), "/maps/größe \"1\".vws");
-}
-
-TEST_F(CocoaOpenFileBrowser, ACancelledDialogGivesNothingAndIsReleased) {
-    for (const long button : {0L, 2L, -1L}) {
-        panel.button = button;
-        EXPECT_EQ(choose(), std::nullopt) << button;
-        EXPECT_EQ(panel.told.back(), "release") << button;
-    }
-}
-
-TEST_F(CocoaOpenFileBrowser, ADialogWithoutAFileGivesNothing) {
     panel.chosen = nullptr;
     EXPECT_EQ(choose(), std::nullopt);
 }
 
-TEST_F(CocoaOpenFileBrowser, GivesNothingWhereThereIsNoPanel) {
-    panel.available = false;
-    EXPECT_EQ(choose(), std::nullopt);
-    EXPECT_THAT(panel.told, IsEmpty());
+TEST_F(CocoaOpenFileBrowser, ReturnsNothingFromACancelledDialogAndReleasesIt) {
+    for (const long button : {0L, 2L, -1L}) {
+        panel.button = button;
+        EXPECT_EQ(choose(), std::nullopt) << button;
+        EXPECT_EQ(panel.messages.back(), "release") << button;
+    }
 }
 
-TEST_F(CocoaOpenFileBrowser, AsksNothingWithoutATitleInUtf8) {
+TEST_F(CocoaOpenFileBrowser, ReturnsNothingWithoutAPanelOrATitleInUtf8) {
     EXPECT_EQ(choose(nullptr), std::nullopt);
     EXPECT_EQ(choose(kNotUtf8), std::nullopt);
-    EXPECT_THAT(panel.told, IsEmpty());
+    panel.available = false;
+    EXPECT_EQ(choose(), std::nullopt);
+    EXPECT_THAT(panel.messages, IsEmpty());
 }
 
 TEST_F(CocoaOpenFileBrowser, ReleasesWhatItCreates) {

@@ -12,47 +12,40 @@
 namespace {
 
 using testing::AllOf;
+using testing::ElementsAre;
 using testing::Ge;
 using testing::Le;
 
 constexpr std::uint64_t kPage = 4096;
 
-// How far behind a file's byte, within their pages, its place in memory lies.
+// The distance from a file's byte to its place in memory, within their pages.
 std::uint64_t distance(const std::uint8_t* place, std::uint64_t offset) {
     return (reinterpret_cast<std::uintptr_t>(place) - offset) % kPage;
 }
 
-// Copying is slow where the target lies 1 to 15 bytes behind the source: reading at a distance of 1
-// to 15, writing at one of 4081 to 4095.
-TEST(Piece, EveryPlaceIsHalfAPageFromTheFiles) {
+// Copying is slow where the target is 1 to 15 bytes after the source: reading at a distance of 1 to
+// 15, writing at one of 4081 to 4095.
+TEST(Piece, EveryPlaceIsAMultipleOfSixteenHalfAPageFromTheFiles) {
     Piece piece(64);
-    for (std::uint64_t offset = 0; offset < 3 * kPage; ++offset)
-        ASSERT_THAT(distance(piece.moveTo(offset, 64), offset), AllOf(Ge(2033), Le(2048)))
-            << offset;
-}
-
-TEST(Piece, PlacesAreMultiplesOfSixteen) {
-    Piece piece(64);
-    for (std::uint64_t offset = 0; offset < kPage; ++offset)
-        ASSERT_EQ(reinterpret_cast<std::uintptr_t>(piece.moveTo(offset, 64)) % 16, 0u) << offset;
+    for (std::uint64_t offset = 0; offset < 3 * kPage; ++offset) {
+        const std::uint8_t* const place = piece.moveTo(offset, 64);
+        ASSERT_THAT(distance(place, offset), AllOf(Ge(2033), Le(2048))) << offset;
+        ASSERT_EQ(reinterpret_cast<std::uintptr_t>(place) % 16, 0u) << offset;
+    }
 }
 
 TEST(Piece, TheSamePlaceInAnyPageIsTheSameInMemory) {
     Piece piece(64);
     EXPECT_EQ(piece.moveTo(224, 64), piece.moveTo(224 + 64 * kPage, 64));
+    EXPECT_EQ(piece.moveTo(UINT64_MAX, 64), piece.moveTo(kPage - 1, 64)) << "beyond any file";
 }
 
-// The sanitizer sees a byte that lies outside.
+// The sanitizer sees a byte that is outside.
 TEST(Piece, EveryPlaceHasRoomForThePiece) {
     Piece piece(5000);
     for (std::uint64_t offset = 0; offset < 2 * kPage; ++offset)
         std::memset(piece.moveTo(offset, 5000), 0, 5000);
     EXPECT_EQ(piece.moveTo(0, 5000)[4999], 0);
-}
-
-TEST(Piece, OffsetsBeyondAnyFileHaveAPlaceToo) {
-    Piece piece(64);
-    EXPECT_EQ(piece.moveTo(UINT64_MAX, 64), piece.moveTo(kPage - 1, 64));
 }
 
 TEST(Piece, IsWhatTheFileHasThere) {
@@ -76,16 +69,15 @@ TEST(ForEachPiece, RunsOfWholeUnitsCoverAll) {
         return true;
     };
     EXPECT_TRUE(forEachPiece(100, 7, 3, note, 10));
-    EXPECT_THAT(runs,
-                testing::ElementsAre(std::pair(100, 3), std::pair(109, 3), std::pair(118, 1)));
+    EXPECT_THAT(runs, ElementsAre(std::pair(100, 3), std::pair(109, 3), std::pair(118, 1)));
     runs.clear();
     EXPECT_TRUE(forEachPiece(5, 2, 11, note, 10));
-    EXPECT_THAT(runs, testing::ElementsAre(std::pair(5, 1), std::pair(16, 1)));
+    EXPECT_THAT(runs, ElementsAre(std::pair(5, 1), std::pair(16, 1)));
     EXPECT_TRUE(forEachPiece(5, 0, 11, note, 10));
     EXPECT_EQ(runs.size(), 2u);
 }
 
-TEST(ForEachPiece, EndsWithTheFirstThatIsRefused) {
+TEST(ForEachPiece, EndsWithTheFirstRunThatFails) {
     int calls = 0;
     EXPECT_FALSE(forEachPiece(
         0, 10, 1, [&](std::uint64_t, std::size_t) { return ++calls < 3; }, 2));
