@@ -132,7 +132,7 @@ TEST_F(UVTiles, TheFilterCountsInNumberedNamesOnly) {
 
 TEST_F(UVTiles, AFilterLastsUntilItIsReplacedOrCleared) {
     setFilter("1001");
-    setFilter("1002-1003 , 1011");
+    setFilter("1002 - 1011");
     EXPECT_EQ(count(threeTiles(), 2), 2.0f);
     clearUVtilesOut();
     EXPECT_EQ(count(threeTiles(), 2), 3.0f);

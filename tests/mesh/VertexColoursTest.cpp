@@ -56,12 +56,6 @@ TEST_F(VertexColours, MayBeInAFirstChunkOfAnyId) {
     EXPECT_EQ(text(), kColourBlockStart + "#RGB  030201\n# End of RGB block\n");
 }
 
-TEST_F(VertexColours, ReplaceTheTextBefore) {
-    dir.write("out.txt", std::string_view("a text from before, longer than the one that follows"));
-    EXPECT_EQ(write(VemoBuilder().vertexColours({}).bytes()), 0.0f);
-    EXPECT_EQ(text(), kColourBlockStart + "\n# End of RGB block\n");
-}
-
 TEST_F(VertexColours, AMissingMeshWritesNothing) {
     EXPECT_EQ(ReadVertColorVemo(dir.path("none").c_str(), dir.path("out.txt").data()), -1760.0f);
     EXPECT_EQ(ReadVertColorVemo(nullptr, dir.path("out.txt").data()), -1760.0f);
