@@ -94,22 +94,19 @@ TEST_F(Services, ListingStaysExhaustedUntilItIsClosed) {
     expectNoListing();
 }
 
-TEST_F(Services, ListingNeedsAnOpenFolder) {
+TEST_F(Services, ListingEndsWithAnOpenFolderThatFailsAndWithAnyCheckFolder) {
+    const std::string file = dir.write("file.tif", "");
     expectNoListing();
-    const struct {
-        const char* exportName;
-        const char* folder;
-        float status;
-    } rows[] = {
-        {"OpenFolder", "missing", -1.0f},
-        {"CheckFolder", "", 0.0f},
-        {"CheckFolder", "missing", -1.0f},
-    };
-    for (const auto& row : rows) {
-        ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
-        EXPECT_EQ(onPath(row.exportName, dir.path(row.folder)), row.status);
-        expectNoListing();
+    for (const char* name : {"OpenFolder", "CheckFolder"}) {
+        for (const std::string& path : {dir.path("missing"), file, std::string()}) {
+            ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
+            EXPECT_EQ(onPath(name, path), -1.0f) << name << ' ' << path;
+            expectNoListing();
+        }
     }
+    ASSERT_EQ(onPath("OpenFolder", dir.path()), 0.0f);
+    EXPECT_EQ(onPath("CheckFolder", dir.path()), 0.0f);
+    expectNoListing();
 }
 
 TEST_F(Services, SecondOpenFolderStartsOver) {
@@ -121,16 +118,6 @@ TEST_F(Services, SecondOpenFolderStartsOver) {
     EXPECT_THAT(restOfListing(), UnorderedElementsAre(".", ".."));
     EXPECT_EQ(plugin.call("CloseFolder"), 0.0f);
     expectNoListing();
-}
-
-TEST_F(Services, OnlyAFolderThatExistsIsOpened) {
-    const std::string file = dir.write("file.tif", "");
-    for (const char* name : {"OpenFolder", "CheckFolder"}) {
-        EXPECT_EQ(onPath(name, dir.path()), 0.0f) << name;
-        EXPECT_EQ(onPath(name, dir.path("missing")), -1.0f) << name;
-        EXPECT_EQ(onPath(name, file), -1.0f) << name;
-        EXPECT_EQ(onPath(name, ""), -1.0f) << name;
-    }
 }
 
 // A script that forgets CloseFolder must not use up the host's descriptors.
