@@ -199,6 +199,7 @@ TEST(File, IsTheSameByAnyOfItsNames) {
     EXPECT_FALSE(file.isSameAs(dir.write("g", ByteList{1}).c_str()));
     EXPECT_FALSE(file.isSameAs(dir.path("missing").c_str()));
     EXPECT_FALSE(file.isSameAs(dir.path("f/below").c_str()));
+    EXPECT_FALSE(file.isSameAs("/dev/null")) << "on another device";
     EXPECT_FALSE(file.isSameAs(nullptr));
 }
 
