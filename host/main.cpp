@@ -15,7 +15,7 @@ namespace {
 constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kWrongUsage = 2;
-constexpr int kInterrupted = 130;  // as shells report it
+constexpr int kSignalled = 128;  // plus the signal, as shells report it
 
 // Returns the exit status.
 int run(int argc, char** argv) {
@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
     } catch (const WrongUsage& wrong) {
         return stopped(wrong.what(), kWrongUsage);
     } catch (const Interrupted& interrupted) {
-        return stopped(interrupted.what(), kInterrupted);
+        return stopped(interrupted.what(), kSignalled + interrupted.signal());
     } catch (const std::bad_alloc&) {
         return stopped("there is too little memory", kFailure);
     } catch (const std::exception& failure) {

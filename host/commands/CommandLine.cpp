@@ -67,6 +67,16 @@ void CommandLine::addOutputFlags(CLI::App& command, Verbose verbose) {
         ->excludes(quiet);
 }
 
+void CommandLine::addOverwriteFlags(CLI::App& command, Overwrite& overwrite, const char* forced) {
+    CLI::Option* never = command.add_flag_callback(
+        "--no-clobber", [&overwrite] { overwrite = Overwrite::kNever; },
+        "Fail if a file to write exists");
+    command
+        .add_flag_callback(
+            "--force", [&overwrite] { overwrite = Overwrite::kForce; }, forced)
+        ->excludes(never);
+}
+
 void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& choices) {
     option->check(CLI::IsMember(choices).description(""));
     option->description(option->get_description() + listed(choices));

@@ -11,6 +11,7 @@
 #include "calls/Library.h"
 #include "calls/Report.h"
 #include "commands/Candidates.h"
+#include "files/DiskFile.h"
 
 enum class Verbose { kNo, kYes };  // whether a command has --verbose
 
@@ -40,6 +41,9 @@ public:
     // Adds one such flag.
     CLI::Option* addStyle(CLI::App& command, const char* name, OutputStyle style,
                           const char* description);
+
+    // Adds --no-clobber and --force. `forced` says what only --force replaces.
+    static void addOverwriteFlags(CLI::App& command, Overwrite& overwrite, const char* forced);
 
     // Adds a required argument without a dash.
     template <typename Value>

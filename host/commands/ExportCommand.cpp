@@ -85,6 +85,8 @@ void addExtras(CLI::App& command, ExportOptions& options) {
         ->check(CLI::Range(0, 100).description(""))
         ->type_name("QUALITY");
     command.add_flag("--page", options.page, "Also write a page that shows the export");
+    command.add_flag("--per-tile", options.perTile,
+                     "Make a map of each tile alone, at full size, named after the tile");
     command.add_flag("--keep-tiles", options.keepTiles, "Keep the working files");
 }
 
@@ -110,5 +112,7 @@ void addExportCommand(CommandLine& line) {
     addTileOptions(command, *options);
     addKinds(line, command, *options);
     addExtras(command, *options);
+    CommandLine::addOverwriteFlags(command, options->overwrite,
+                                   "With --tiles: replace maps that may show other tiles");
     line.addOutputFlags(command, Verbose::kYes);
 }

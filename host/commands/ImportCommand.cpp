@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "commands/Commands.h"
+#include "files/FileKind.h"
 #include "mesh/ObjModel.h"
 #include "mesh/TilePerGroup.h"
 #include "terminal/Failure.h"
@@ -26,12 +27,25 @@ struct ImportOptions {
     std::string model;
     std::string out;
     bool tilePerGroup = false;
+    Overwrite overwrite = Overwrite::kReplace;
 };
 
 void requireOtherFile(const ImportOptions& options) {
-    std::error_code missing;
-    if (std::filesystem::equivalent(options.model, options.out, missing))
+    if (isSameFile(options.model, options.out))
         throw Failure(options.out + " is the model itself; choose another name for the mesh");
+}
+
+// A second model, say, that the shell put where the mesh belongs.
+void requireEarlierMesh(const ImportOptions& options) {
+    requireReplaceable(options.out, options.overwrite);
+    std::error_code ignored;
+    if (options.overwrite == Overwrite::kForce ||
+        !std::filesystem::is_regular_file(options.out, ignored))
+        return;
+    InputFile file(options.out, "file");
+    const bool isMesh = kindOf(file.part(0, kHeadBytes), "") == FileKind::kVemo;
+    if (file.size() > 0 && !isMesh)
+        throw Failure(options.out + " exists and is no mesh file; --force replaces it");
 }
 
 void summarise(const ImportOptions& options, const ObjModel& model, Report& report) {
@@ -54,6 +68,7 @@ void summarise(const ImportOptions& options, const ObjModel& model, Report& repo
 void importModel(const ImportOptions& options, Report& report) {
     noteInterrupts();
     requireOtherFile(options);
+    requireEarlierMesh(options);
     ObjModel model = readObj(options.model);
     if (options.tilePerGroup) moveGroupsToTiles(model);
     writeVemo(options.out, model.mesh);
@@ -73,5 +88,7 @@ void addImportCommand(CommandLine& line) {
     CommandLine::addArgument(command, "OUT", options->out, "Vemo file to write");
     command.add_flag("--tile-per-group", options->tilePerGroup,
                      "Give each group a UV tile of its own");
+    CommandLine::addOverwriteFlags(command, options->overwrite,
+                                   "Replace OUT even if it is no mesh file");
     line.addOutputFlags(command, Verbose::kNo);
 }

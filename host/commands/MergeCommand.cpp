@@ -3,11 +3,12 @@
 #include <cstdio>
 #include <filesystem>
 
-#include "calls/CallLog.h"
+#include "calls/WorkingFolder.h"
 #include "commands/Commands.h"
 #include "exports/Meanings.h"
-#include "files/DiskFile.h"
+#include "files/ChangedPixels.h"
 #include "files/MapFormat.h"
+#include "terminal/Colour.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
@@ -17,18 +18,29 @@ namespace {
 
 constexpr const char* kExamples = R"(Examples:
   quillon merge all.tif 1001.tif 1002.tif 1003.tif
-  quillon merge maps/all.psd maps/10*.psd
+  quillon merge --out all.psd maps/10*.psd
 
-All files have the same format, known by the extension: .tif, .tiff, .psd or .bmp. A tile's
-pixel is merged where it differs from the background. The background is the tile's first
-pixel (TIFF), the target's first pixel (PSD), or the tile's pixel at the bottom left (BMP).
-Where several tiles have a pixel, the first one wins, in PSD the last. A tile that does not
-fit ends the merge; the tiles before it are in the target.
+A sheet is a map with room for all tiles, in which one tile is painted and the rest is
+background. Merging lays sheets of one size over each other: a pixel of a SOURCE replaces the
+background in TARGET. The background is the SOURCE's first pixel (TIFF), the TARGET's first
+pixel (PSD), or the SOURCE's pixel at the bottom left (BMP), so no tile may be painted there.
+Where several sheets have a pixel, the first one wins, in PSD the last.
+
+All files have the same format, known by the extension: .tif, .tiff, .psd or .bmp. The maps
+are merged in a copy, which takes TARGET's place when all fit; otherwise nothing changes.
+With --out the copy becomes another map and TARGET is only read. A SOURCE that changes no
+pixel is reported: it may be painted at its first pixel, or have its tile where others are.
 )";
+
+constexpr std::size_t kCountWidth = 10;
 
 struct MergeOptions {
     std::string target;
     std::vector<std::string> sources;
+    std::string out;  // empty: the target
+    Overwrite overwrite = Overwrite::kReplace;
+
+    const std::string& result() const { return out.empty() ? target : out; }
 };
 
 MapFormat requireFormat(const std::string& path) {
@@ -38,9 +50,11 @@ MapFormat requireFormat(const std::string& path) {
 
 MapFormat requireOneFormat(const MergeOptions& options) {
     const MapFormat format = requireFormat(options.target);
-    for (const std::string& source : options.sources) {
-        if (requireFormat(source) != format)
-            throw WrongUsage(source + " and " + options.target +
+    std::vector<std::string> others = options.sources;
+    if (!options.out.empty()) others.push_back(options.out);
+    for (const std::string& other : others) {
+        if (requireFormat(other) != format)
+            throw WrongUsage(other + " and " + options.target +
                              " are files of two formats, which cannot be merged");
     }
     return format;
@@ -50,38 +64,95 @@ void requireFiles(const MergeOptions& options) {
     requireFile(options.target, "map");
     for (const std::string& source : options.sources)
         requireFile(source, "map");
+    if (options.out.empty()) return;
+    requireFreePath(options.out);
+    requireReplaceable(options.out, options.overwrite);
+    for (const std::string& source : options.sources) {
+        if (isSameFile(source, options.out))
+            throw Failure(options.out + " is also a map to merge; choose another --out");
+    }
 }
 
-void mergeOne(CallLog& log, std::string_view merge, const std::string& source,
-              const std::string& target) {
-    const float status = log.call(merge, {.text = source, .buffer = target}).status;
-    const Meaning& meaning = log.calls().back().meaning;
+// A merge that runs.
+struct MergeRun {
+    const MergeOptions& options;
+    std::string_view merge;  // the export
+    Report& report;
+    CallLog log;
+    WorkingFolder working{log};
+    std::string map = {};                  // the copy into which the sources are merged
+    std::vector<std::string> counts = {};  // lines: how many pixels of which source
+};
+
+void copyTarget(MergeRun& run) {
+    const std::string& result = run.options.result();
+    std::error_code missing;
+    const fs::path target = fs::canonical(result, missing);  // a link stays one
+    const std::string path = missing ? result : target.string();
+    const std::string folder = fs::path(path).parent_path().string();
+    run.working.create(folder.empty() ? "." : folder);
+    run.map = run.working.addResult(path);
+    run.log.require("FileCopyTo", {.text = run.options.target, .buffer = run.map});
+    if (fs::file_size(run.map) != fs::file_size(run.options.target))
+        throw Failure("cannot copy " + run.options.target + " to " + run.map +
+                      ": the disk took only a part of it");
+}
+
+void warn(MergeRun& run, const std::string& sentence) {
+    run.report.addWarning(sentence);
+    run.log.finishRow();
+    if (run.report.style != OutputStyle::kQuiet) printError(sentence);
+}
+
+void mergeOne(MergeRun& run, ChangedPixels& pixels, const std::string& source) {
+    const float status = run.log.call(run.merge, {.text = source, .buffer = run.map}).status;
+    const Meaning& meaning = run.log.calls().back().meaning;
     if (!meaning.success)
-        throw Failure(source + " cannot be merged into " + target + ": " + meaning.sentence + " (" +
-                      std::string(merge) + " returned " + statusText(status) + ')');
+        throw Failure(source + " cannot be merged into " + run.options.target + ": " +
+                      meaning.sentence + " (" + std::string(run.merge) + " returned " +
+                      statusText(status) + ')');
+    const std::optional<std::uint64_t> changed = pixels.count();
+    if (!changed) return;
+    run.report.append("merged", {{"source", source}, {"pixels", *changed}});
+    std::string number = std::to_string(*changed);
+    number.insert(0, number.size() < kCountWidth ? kCountWidth - number.size() : 0, ' ');
+    run.counts.push_back(number + " pixels of " + source + " merged");
+    if (*changed == 0)
+        warn(run, source + " changed no pixel of " + run.options.target +
+                      "; see quillon merge --help for what counts as background");
 }
 
-// Merges the sources into the target, in their order, until one does not fit.
+void mergeAll(MergeRun& run) {
+    ChangedPixels pixels(run.map);
+    std::size_t done = 0;
+    for (const std::string& source : run.options.sources) {
+        stopIfInterrupted();
+        run.log.progress().show("merging", done++, run.options.sources.size(), source);
+        if (isSameFile(source, run.options.target))
+            run.log.print("(left out)", "", source + " is the target itself");
+        else
+            mergeOne(run, pixels, source);
+    }
+    stopIfInterrupted();
+}
+
+// Merges the sources, in their order, in a copy of the target, which then replaces the result.
 void mergeMaps(const Library& library, const MergeOptions& options, Report& report) {
     const std::string_view merge = infoOf(requireOneFormat(options)).merge;
     requireFiles(options);
     noteInterrupts();
-    CallLog log(library, report);
-    std::size_t done = 0;
-    for (const std::string& source : options.sources) {
-        stopIfInterrupted();
-        log.progress().show("merging", done++, options.sources.size(), source);
-        std::error_code ignored;
-        if (fs::equivalent(source, options.target, ignored))
-            log.print("(left out)", "", source + " is the target itself");
-        else
-            mergeOne(log, merge, source, options.target);
-    }
-    log.finishRow();
-    report.addFile(options.target);
+    MergeRun run{options, merge, report, CallLog(library, report)};
+    copyTarget(run);
+    mergeAll(run);
+    run.working.publish();
+    run.working.files().deleteAll();
+    run.log.finishRow();
+    report.addFile(options.result());
     if (!report.hasLines()) return;
     std::puts("");
-    printSize(options.target);
+    for (const std::string& count : run.counts)
+        std::puts(count.c_str());
+    printSize(options.result());
 }
 
 }  // namespace
@@ -93,8 +164,12 @@ void addMergeCommand(CommandLine& line) {
             mergeMaps(line.openLibrary(), *options, line.report());
             return line.finishReport();
         });
-    CommandLine::addArgument(command, "TARGET", options->target,
-                             "The map to merge into; it must exist");
+    CommandLine::addArgument(command, "TARGET", options->target, "The map to merge into");
     CommandLine::addArgument(command, "SOURCE", options->sources, "Maps of single tiles");
+    command.add_option("--out", options->out, "Write the result here; TARGET is only read")
+        ->type_name("NEW");
+    command.add_flag_callback(
+        "--no-clobber", [options] { options->overwrite = Overwrite::kNever; },
+        "Fail if the file of --out exists");
     line.addOutputFlags(command, Verbose::kYes);
 }

@@ -23,6 +23,19 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* wha
 // Throws Failure if `path`, to which a file will be written, exists and is not a file.
 void requireFreePath(const std::string& path);
 
+// Whether both paths lead to one file.
+bool isSameFile(const std::string& a, const std::string& b);
+
+// What happens to an earlier file where a command writes one.
+enum class Overwrite {
+    kReplace,  // replaced where it is surely an earlier result
+    kNever,    // the command fails
+    kForce,    // replaced, whatever it is
+};
+
+// Throws Failure if `path` exists and must not be replaced.
+void requireReplaceable(const std::string& path, Overwrite overwrite);
+
 struct CloseFile {
     void operator()(std::FILE* file) const { std::fclose(file); }
 };
@@ -50,8 +63,11 @@ private:
     std::vector<std::uint8_t> part_;
 };
 
-// A file being written. The destructor deletes it unless finish() succeeded. After Ctrl-C append()
-// throws Interrupted; all three throw Failure if the file cannot be created or written.
+// A file that appears under its name whole or not at all: it is written under a temporary name in the
+// same folder, and finish() renames it, over an earlier file. What is there and is no regular file,
+// such as /dev/stdout, is written directly. Without finish() the destructor deletes what was written.
+// After a signal append() throws Interrupted; all three throw Failure if the file cannot be created,
+// written or renamed.
 class OutputFile {
 public:
     explicit OutputFile(std::string path);
@@ -63,6 +79,17 @@ public:
     void finish();  // a full disk may show only here
 
 private:
-    std::string path_;
+    std::string path_;       // of the file itself, also where a link was named
+    std::string temporary_;  // empty: written directly
     FilePointer file_;
 };
+
+// A file made under one name, to be known under another.
+struct Rename {
+    std::string from;
+    std::string to;
+};
+
+// Renames all files, or none if one cannot be renamed; replaces earlier files. Each `to` is in the
+// folder that has the folder of its `from`, or in a folder of the same disk. Throws Failure.
+void renameAll(const std::vector<Rename>& renames);

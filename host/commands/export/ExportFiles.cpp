@@ -4,9 +4,13 @@
 
 namespace fs = std::filesystem;
 
-ExportFiles::ExportFiles(const ExportOptions& options)
-    : stem(fs::path(options.mesh).stem().string()) {
-    const std::string name = stem + (options.map == MapKind::kNormal ? "_normal" : "_height");
+std::string stemOf(const ExportOptions& options) {
+    return fs::path(options.mesh).stem().string();
+}
+
+ExportFiles::ExportFiles(const ExportOptions& options, const std::string& tile) {
+    const std::string kind = options.map == MapKind::kNormal ? "_normal" : "_height";
+    const std::string name = stemOf(options) + kind + (tile.empty() ? "" : '_' + tile);
     const auto path = [&](const std::string& ending) {
         return (fs::path(options.out) / (name + ending)).string();
     };

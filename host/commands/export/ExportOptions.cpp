@@ -26,6 +26,8 @@ void requireConsistent(const ExportOptions& options) {
          "a " + title + " height map already has 16 bits; leave --bits out"},
         {options.sixteenBits && !tiff, "--bits 16 needs --format tiff, from which it is made"},
         {options.thumbnail > 0 && !bmp, "--thumbnail needs --format bmp"},
+        {options.perTile && options.page,
+         "--page shows the maps of all tiles together; leave out --per-tile"},
         {options.jpeg && !bmp, "--jpeg needs --format bmp, from which it is made"},
     };
     for (const auto& rule : kRules) {

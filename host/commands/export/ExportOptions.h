@@ -5,6 +5,7 @@
 #include <optional>
 #include <string>
 
+#include "files/DiskFile.h"
 #include "files/MapFormat.h"
 #include "render/TileRenderer.h"
 
@@ -24,6 +25,8 @@ struct ExportOptions {
     std::optional<double> jpeg;   // a JPEG file of this quality
     bool page = false;            // a page that shows the export
     bool keepTiles = false;       // the working files stay
+    bool perTile = false;         // a map of each tile alone
+    Overwrite overwrite = Overwrite::kReplace;
 };
 
 // Throws WrongUsage for options that contradict each other.

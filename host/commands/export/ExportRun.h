@@ -1,10 +1,8 @@
 #pragma once
 // What the steps of an export share.
 
-#include <string>
-
 #include "calls/CallLog.h"
-#include "calls/Leftovers.h"
+#include "calls/WorkingFolder.h"
 #include "commands/export/ExportFiles.h"
 #include "page/ExportPage.h"
 
@@ -14,10 +12,7 @@ struct ExportRun {
         : options(wanted), log(library, report), page(shownOn) {}
 
     const ExportOptions& options;
-    const ExportFiles files{options};
     CallLog log;
-    Leftovers unfinished{log};  // the files, and their folder if it was created for them
-    Leftovers working{log};
-    std::string workingFolder;
+    WorkingFolder working{log};
     ExportPage* page;  // null: none is wanted
 };

@@ -22,7 +22,7 @@ void renderTile(ExportRun& run, const TileSheet& sheet, const Tile& tile) {
     const VemoMesh mesh = readVemo(tile.meshFile);
     const TileMap map = renderTile(mesh, run.options.map, sheet.cellSize());
     const Cell cell = sheet.cellOf(tile.place);
-    run.working.add(tile.mapFile);
+    run.working.files().add(tile.mapFile);
     writeSheet(tile.mapFile, run.options.format, sheet, cell, map);
     if (run.page != nullptr)
         run.page->addTile(tile.name, mesh, tile.mapFile,

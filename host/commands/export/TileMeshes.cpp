@@ -1,10 +1,6 @@
 #include "commands/export/TileMeshes.h"
 
-#include <filesystem>
-
 #include "terminal/Failure.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -23,10 +19,9 @@ std::vector<Tile> nameTiles(ExportRun& run, std::size_t count) {
         const auto value = static_cast<double>(position);
         const CallResult named = run.log.require("getUVString", {.value = value});
         if (!named.text) return tiles;
-        const std::string base =
-            (fs::path(run.workingFolder) / (run.files.stem + *named.text)).string();
+        const std::string base = run.working.at(stemOf(run.options) + *named.text);
         tiles.push_back({*named.text, base + ".Vemo", base + extension});
-        run.working.add(tiles.back().meshFile);
+        run.working.files().add(tiles.back().meshFile);
     }
     return tiles;
 }
@@ -47,28 +42,8 @@ std::size_t findTiles(ExportRun& run) {
                               : options.mesh + " has no faces, so there is no tile to export");
 }
 
-void makeOutFolder(ExportRun& run) {
-    const CallArguments arguments{.text = run.options.out};
-    if (run.log.call("CheckFolder", arguments).status == 0.0f) return;
-    run.log.require("CreateFolder", arguments);
-    run.unfinished.add(run.options.out);
-}
-
-void makeWorkingFolder(ExportRun& run) {
-    for (int number = 1;; ++number) {
-        const std::string name = number == 1 ? "working" : "working-" + std::to_string(number);
-        run.workingFolder = (fs::path(run.options.out) / name).string();
-        const CallArguments arguments{.text = run.workingFolder};
-        const float status = run.log.call("CreateFolder", arguments).status;
-        if (status == 0.0f) return run.working.add(run.workingFolder);
-        std::error_code ignored;
-        if (!fs::exists(fs::symlink_status(run.workingFolder, ignored)))
-            throw Failure(failureSentence("CreateFolder", arguments, status));
-    }
-}
-
 std::vector<Tile> writeTileMeshes(ExportRun& run, std::size_t count) {
-    const std::string out = (fs::path(run.workingFolder) / (run.files.stem + ".Vemo")).string();
+    const std::string out = run.working.at(stemOf(run.options) + ".Vemo");
     const auto naming = static_cast<double>(run.options.naming);
     const CallArguments arguments{.text = run.options.mesh, .value = naming, .buffer = out};
     const std::size_t position = run.log.calls().size();

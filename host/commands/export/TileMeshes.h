@@ -18,11 +18,5 @@ struct Tile {
 // shows.
 std::size_t findTiles(ExportRun& run);
 
-// Creates the folder for the maps, if it is missing.
-void makeOutFolder(ExportRun& run);
-
-// Creates a working folder with a name that is not in use, so that no file of the user's is near.
-void makeWorkingFolder(ExportRun& run);
-
 // Writes a mesh file for each of `count` tiles to the working folder.
 std::vector<Tile> writeTileMeshes(ExportRun& run, std::size_t count);

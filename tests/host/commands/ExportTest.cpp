@@ -144,7 +144,7 @@ TEST_F(Export, AMissingFilterIsReported) {
 }
 
 TEST_F(Export, AFolderThatCannotBeCreatedIsReported) {
-    for (const std::string& folder : {dir.path("none/maps"), mesh}) {
+    for (const std::string& folder : {mesh + "/maps", mesh}) {
         out = folder;
         EXPECT_THAT(fail(),
                     HasSubstr("CreateFolder of " + out + " returned -1: the folder was not"));
@@ -175,13 +175,85 @@ TEST_F(Export, TilesTooFarApartForTheSheetAreReported) {
     EXPECT_THAT(fail(), HasSubstr("the tiles span 5001 columns and 1 rows"));
 }
 
-// A limit on the size of files acts as a full disk.
-TEST_F(Export, ADiskThatTakesNoMoreIsReportedAndLeavesNothing) {
-    size = "256";
-    const Ended ended = quillonInShell("ulimit -f 8; exec \"$@\"", words());
-    EXPECT_EQ(ended.exitStatus, 1);
-    EXPECT_EQ(ended.err, "quillon: cannot write " + out + "/working/two1001.tif: File too large\n");
-    EXPECT_FALSE(dir.has("maps"));
+// A limit on the size of files acts as a full disk: it is tried at each step of the export.
+TEST_F(Export, ADiskThatTakesNoMoreLeavesTheEarlierResults) {
+    size = "64";
+    const Words heights = {"--map", "height", "--bits", "16"};
+    succeed(heights);
+    Words command = words();
+    command.insert(command.end(), heights.begin(), heights.end());
+    const ByteList map = readBytes(out + "/two_height.tif");
+    const ByteList map16 = readBytes(out + "/two_height_16bit.tif");
+    command.emplace_back("--quiet");
+    int failures = 0;
+    for (int blocks = 1; blocks < 20; ++blocks) {
+        dir.write("maps/two_height.tif", "an earlier map");
+        dir.write("maps/two_height_16bit.tif", "an earlier map");
+        const Ended ended =
+            quillonInShell("ulimit -f " + std::to_string(blocks) + "; exec \"$@\"", command);
+        EXPECT_THAT(namesIn(out), ElementsAre("two_height.tif", "two_height_16bit.tif"));
+        const bool failed = ended.exitStatus == 1;
+        failures += failed ? 1 : 0;
+        const std::string earlier = "an earlier map";
+        const ByteList before(earlier.begin(), earlier.end());
+        EXPECT_EQ(readBytes(out + "/two_height.tif"), failed ? before : map) << blocks;
+        EXPECT_EQ(readBytes(out + "/two_height_16bit.tif"), failed ? before : map16) << blocks;
+        EXPECT_EQ(ended.err.starts_with("quillon: "), failed) << blocks;
+    }
+    EXPECT_EQ(failures, 16);  // the map takes 8,416 bytes
+}
+
+// The second name is a folder, so that the results cannot all be renamed.
+TEST_F(Export, NoResultIsReplacedIfOneCannotBe) {
+    dir.makeFolder("maps/two_height_16bit.tif");
+    dir.write("maps/two_height.tif", "an earlier map");
+    EXPECT_THAT(fail({"--map", "height", "--bits", "16"}), HasSubstr("is not a file"));
+    EXPECT_EQ(readBytes(out + "/two_height.tif").size(), 14u);
+}
+
+TEST_F(Export, NoClobberKeepsAnEarlierMap) {
+    dir.makeFolder("maps");
+    dir.write("maps/two_normal.tif", "an earlier map");
+    EXPECT_EQ(fail({"--no-clobber"}), "quillon: " + out +
+                                          "/two_normal.tif exists; leave out "
+                                          "--no-clobber to replace it\n");
+    EXPECT_EQ(readBytes(out + "/two_normal.tif").size(), 14u);
+}
+
+TEST_F(Export, AFilterReplacesAnEarlierMapOnlyByForce) {
+    const std::string filter = dir.write("filter.txt", "1002");
+    succeed();
+    EXPECT_THAT(fail({"--tiles", filter}), HasSubstr("may show other tiles"));
+    EXPECT_EQ(Map(out + "/two_normal.tif").height, 8u);
+    succeed({"--tiles", filter, "--force"});
+    EXPECT_EQ(Map(out + "/two_normal.tif").height, 16u);
+}
+
+TEST_F(Export, PerTileMakesAMapOfEachTileAtFullSize) {
+    succeed({"--per-tile", "--targa"});
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal_1001.tga", "two_normal_1001.tif",
+                                          "two_normal_1002.tga", "two_normal_1002.tif"));
+    const Map map(out + "/two_normal_1002.tif");
+    EXPECT_EQ(map.width, 16u);
+    EXPECT_EQ(map.height, 16u);
+    EXPECT_EQ(map.rgb(8, 8), kFacesX);
+}
+
+// Towards one folder, at first missing: whoever is last renames its map over the others'.
+TEST_F(Export, EightAtOnceAllSucceed) {
+    succeed();
+    const ByteList map = readBytes(out + "/two_normal.tif");
+    for (const char* folder : {"maps", "new/deep"}) {
+        out = dir.path(folder);
+        const Ended ended = quillonInShell(
+            "for i in 1 2 3 4 5 6 7 8; do \"$@\" --quiet & all=\"$all $!\"; done; "
+            "for one in $all; do wait $one || exit 1; done",
+            words());
+        EXPECT_EQ(ended.exitStatus, 0);
+        EXPECT_EQ(ended.err, "");
+        EXPECT_THAT(namesIn(out), ElementsAre("two_normal.tif"));
+        EXPECT_EQ(readBytes(out + "/two_normal.tif"), map);
+    }
 }
 
 TEST_F(Export, AMeshCutShortAnywhereIsReported) {

@@ -40,9 +40,11 @@ TEST_F(MergeCommand, MergesTiffTilesIntoTheTargetAndTouchesNothingElse) {
     EXPECT_EQ(readBytes(second), tiff(kSecondPixel));
     EXPECT_EQ(readBytes(third), tiff(kThirdPixel));
     EXPECT_THAT(dir.names(), ElementsAre("1002.tif", "1003.tif", "all.tif"));
-    EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF            0  " + second + " to " + all + '\n'));
-    EXPECT_THAT(ended.out,
-                EndsWith("\n\n" + all + "  " + std::to_string(tiff(kPlain).size()) + " bytes\n"));
+    EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF            0  " + second + " to " +
+                                     dir.path("working/all.tif") + '\n'));
+    EXPECT_THAT(ended.out, HasSubstr("\n\n         1 pixels of " + second + " merged\n"));
+    EXPECT_THAT(ended.out, EndsWith("merged\n" + all + "  " + std::to_string(tiff(kPlain).size()) +
+                                    " bytes\n"));
 }
 
 TEST_F(MergeCommand, KnowsFormatsByExtensionsInAnyCase) {
@@ -52,7 +54,7 @@ TEST_F(MergeCommand, KnowsFormatsByExtensionsInAnyCase) {
     EXPECT_THAT(tiffPixels(map), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
 }
 
-TEST_F(MergeCommand, StopsAtTheFirstTileThatDoesNotFit) {
+TEST_F(MergeCommand, ATileThatDoesNotFitLeavesTheTargetAsItWas) {
     const std::string wide = dir.write("wide.tif", tiff(ByteList(12, 9)));
     const Ended ended = merge({all, second, wide, third});
     EXPECT_EQ(ended.exitStatus, 1);
@@ -60,7 +62,39 @@ TEST_F(MergeCommand, StopsAtTheFirstTileThatDoesNotFit) {
                              ": the maps differ in size, or no directory is found in one of "
                              "them (mergeMapsTIF returned -30)\n");
     EXPECT_THAT(ended.out, HasSubstr("mergeMapsTIF          -30  " + wide));
+    EXPECT_EQ(readBytes(all), tiff(kPlain));
+    EXPECT_THAT(dir.names(), ElementsAre("1002.tif", "1003.tif", "all.tif", "wide.tif"));
+}
+
+TEST_F(MergeCommand, WritesAnotherMapAndOnlyReadsTheFirst) {
+    const std::string link = dir.path("link.tif");
+    std::filesystem::create_symlink(dir.write("earlier.tif", "an earlier map"), link);
+    EXPECT_EQ(merge({all, second, third, "--out", link}).exitStatus, 0);
+    EXPECT_EQ(readBytes(all), tiff(kPlain));
+    EXPECT_TRUE(std::filesystem::is_symlink(link));
+    EXPECT_THAT(tiffPixels(dir.path("earlier.tif")), ElementsAre(9, 9, 9, 1, 2, 3, 4, 5, 6));
+    EXPECT_EQ(merge({all, second, "--out", link, "--no-clobber"}).err,
+              "quillon: " + link + " exists; leave out --no-clobber to replace it\n");
+    EXPECT_EQ(merge({all, second, "--out", second}).err,
+              "quillon: " + second + " is also a map to merge; choose another --out\n");
+}
+
+// The tile is painted to its first pixel, so that every pixel counts as background.
+TEST_F(MergeCommand, WarnsOfATileThatChangesNoPixel) {
+    const std::string painted = dir.write("1001.tif", tiff(ByteList(9, 7)));
+    const Ended ended = merge({all, painted, second});
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_EQ(ended.err, "quillon: " + painted + " changed no pixel of " + all +
+                             "; see quillon merge --help for what counts as background\n");
     EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
+}
+
+// The green of the second pixel changes, and all channels of the third.
+TEST_F(MergeCommand, APixelOfAPsdCountsOnceWhateverChannelsChange) {
+    const std::string map = dir.write("all.psd", PsdFile(3, 1).filled(9, 9));
+    const std::string tile =
+        dir.write("tile.psd", PsdFile(3, 1).pixels({{9, 9, 9}, {9, 2, 9}, {1, 2, 3}}));
+    EXPECT_THAT(merge({map, tile}).out, HasSubstr("2 pixels of " + tile + " merged\n"));
 }
 
 // Each row: a target, a tile that does not fit it, and what differs.
@@ -120,8 +154,8 @@ TEST_F(MergeCommand, FilesOfSeveralFormatsOrNoneAreWrongUsage) {
 
 TEST_F(MergeCommand, ShowsEveryCallWhenAsked) {
     const std::string fourth = dir.write("1004.tif", tiff(kPlain));
-    EXPECT_THAT(merge({all, second, third, fourth}).out, Not(HasSubstr(third)));
-    EXPECT_THAT(merge({all, second, third, fourth, "--verbose"}).out, HasSubstr(third));
+    EXPECT_THAT(merge({all, second, third, fourth}).out, Not(HasSubstr("0  " + third)));
+    EXPECT_THAT(merge({all, second, third, fourth, "--verbose"}).out, HasSubstr("0  " + third));
 }
 
 }  // namespace

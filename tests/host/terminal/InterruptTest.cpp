@@ -1,4 +1,4 @@
-// Ctrl-C during a command.
+// Signals during a command.
 
 #include <gmock/gmock.h>
 
@@ -52,10 +52,14 @@ struct Interrupt : ::testing::Test {
     const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
 };
 
-// So that Ctrl-C never comes too late, the export writes its log into a full pipe. Folders with long
+// So that a signal never comes too late, the export writes its log into a full pipe. Folders with long
 // names make each line of the log long, so that it fills the program's buffer before the first tile is
 // rendered.
-TEST_F(Interrupt, AnExportLeavesNothingAndEndsWith130) {
+struct InterruptedBy : Interrupt, ::testing::WithParamInterface<int> {};
+
+INSTANTIATE_TEST_SUITE_P(Signals, InterruptedBy, ::testing::Values(SIGINT, SIGTERM, SIGHUP));
+
+TEST_P(InterruptedBy, AnExportLeavesNothingAndEndsWithTheSignal) {
     const std::string mesh = dir.write("two.Vemo", twoQuads());
     std::string folder;
     for (int i = 0; i < 8; ++i)
@@ -65,9 +69,9 @@ TEST_F(Interrupt, AnExportLeavesNothingAndEndsWith130) {
     FullPipe log;
     const pid_t child = startQuillon({"export", mesh, "--out", out}, {nowhere, log.end(), nowhere});
     waitUntil([&] { return std::filesystem::exists(out + "/working"); });
-    ::kill(child, SIGINT);
+    ::kill(child, GetParam());
     log.drain();
-    EXPECT_EQ(exitStatusOf(child), 130);
+    EXPECT_EQ(exitStatusOf(child), 128 + GetParam());
     EXPECT_TRUE(std::filesystem::is_empty(dir.path(folder)));
     EXPECT_EQ(readBytes(mesh), twoQuads());
 }
@@ -98,9 +102,9 @@ TEST_F(Interrupt, AnImportLeavesAnEarlierMeshAndNothingOfItsOwn) {
     };
     EXPECT_EQ(interruptedImport(), 130);
     EXPECT_FALSE(dir.has("model.Vemo"));
-    dir.write("model.Vemo", "an earlier mesh");
+    dir.write("model.Vemo", twoQuads());
     EXPECT_EQ(interruptedImport(), 130);
-    EXPECT_EQ(readBytes(dir.path("model.Vemo")).size(), 15u);
+    EXPECT_EQ(readBytes(dir.path("model.Vemo")), twoQuads());
 }
 
 }  // namespace
