@@ -6,6 +6,7 @@
 #include <optional>
 
 #include "commands/Commands.h"
+#include "commands/StatisticsReport.h"
 #include "commands/Trials.h"
 #include "exports/Meanings.h"
 #include "files/Place.h"
@@ -23,7 +24,8 @@ constexpr const char* kExamples = R"(Examples:
 Each export that works on such files is called to find out whether it accepts the file. The
 file itself is only read: exports that change a file in place get a copy in a temporary
 folder, which takes as much space as the file and is deleted at the end; other output is
-dropped. --fields calls no export and makes no copy.
+dropped. Of maps of 16 bits or more, and of OpenEXR files, all samples are read: each channel's
+minimum, maximum and mean, and how many samples are NaN or infinite. --fields only reads headers.
 
 --at names the field at a byte: a field of the header, a pixel with its x, y and channel, or
 an element of a mesh. Bytes, pixels and elements count from 0, rows from the top. OFFSET is
@@ -133,19 +135,45 @@ Json placeObject(const std::string& path, const FileFacts& facts, std::uint64_t 
     return object;
 }
 
+// What is found out about a file beyond its headers.
+struct Findings {
+    std::vector<std::string> notes;  // sentences
+    std::vector<SampleStatistics> samples;
+    std::vector<Verdict> verdicts;
+};
+
+Findings findingsOn(const Library& library, const std::string& path, const FileFacts& facts) {
+    Findings findings;
+    try {
+        if (hasStatistics(facts)) findings.samples = statisticsOf(path, facts);
+    } catch (const Failure& failure) {
+        findings.notes.emplace_back(failure.what());  // the fields and the exports still say much
+    }
+    findings.verdicts = trialsOf(library, path, facts);
+    return findings;
+}
+
 void inspectWhole(const Library& library, const std::string& path, const FileFacts& facts,
                   const InspectOptions& options) {
-    std::vector<Verdict> verdicts;
-    if (!options.fieldsOnly) verdicts = trialsOf(library, path, facts);
+    Findings findings;
+    if (!options.fieldsOnly) findings = findingsOn(library, path, facts);
     if (options.json) {
         Json object = factsObject(path, facts);
-        if (!options.fieldsOnly) object["exports"] = verdictList(verdicts);
+        object["notes"] = findings.notes;
+        if (!options.fieldsOnly) {
+            object["samples"] = jsonOf(findings.samples);
+            object["exports"] = verdictList(findings.verdicts);
+        }
         printJson(object);
         return;
     }
     printHead(path, facts);
     printFields(facts);
-    if (!options.fieldsOnly) printVerdicts(verdicts);
+    for (const std::string& note : findings.notes)
+        std::printf("  note: %s\n", note.c_str());
+    if (options.fieldsOnly) return;
+    printStatistics(findings.samples);
+    printVerdicts(findings.verdicts);
 }
 
 void inspectFile(const Library& library, const std::string& path, const InspectOptions& options) {
@@ -196,7 +224,8 @@ void addInspectCommand(CommandLine& line) {
                      return inspectFiles(line.openLibrary(LibraryPrints::kDropped), *options);
                  });
     CommandLine::addArgument(command, "FILE", options->files, "Meshes, maps and images");
-    command.add_flag("--fields", options->fieldsOnly, "Only print fields; call no export");
+    command.add_flag("--fields", options->fieldsOnly,
+                     "Only print fields; call no export, read no samples");
     command.add_option("--at")
         ->description("Only say what the byte at this offset belongs to")
         ->each([options](const std::string& text) { options->at = offsetFrom(text); })

@@ -13,20 +13,27 @@ std::optional<std::string> nameAt(Fields& fields, std::uint64_t offset) {
     return std::string(bytes.data, end);
 }
 
-std::string channelNames(Fields& fields, std::uint64_t offset, std::uint64_t end) {
-    std::string names;
+std::vector<std::string> channelNames(Fields& fields, std::uint64_t offset, std::uint64_t end) {
+    std::vector<std::string> names;
     while (offset < end) {
         const auto name = nameAt(fields, offset);
         if (!name || name->empty()) break;
-        names += (names.empty() ? "" : ", ") + *name;
+        names.push_back(*name);
         offset += name->size() + 1 + 16;  // type and sampling follow the name
     }
     return names;
 }
 
+std::string joined(const std::vector<std::string>& names) {
+    std::string list;
+    for (const std::string& name : names)
+        list += (list.empty() ? "" : ", ") + name;
+    return list;
+}
+
 std::string attributeValue(Fields& fields, const std::string& type, std::uint64_t offset,
                            std::uint32_t bytes) {
-    if (type == "chlist") return channelNames(fields, offset, offset + bytes);
+    if (type == "chlist") return joined(channelNames(fields, offset, offset + bytes));
     if (type == "string") return fields.lettersAt(offset, bytes);
     Bytes value = fields.part(offset, 16);
     if (type == "compression" || type == "lineOrder") return std::to_string(value.u8(0));
@@ -42,10 +49,12 @@ std::string attributeValue(Fields& fields, const std::string& type, std::uint64_
 }
 
 void noteExrSize(Fields& fields, const std::string& attribute, std::uint64_t offset,
-                 const std::string& value) {
+                 std::uint32_t bytes) {
     PictureFacts& picture = *fields.facts().picture;
-    if (attribute == "channels")
-        picture.channels = value.empty() ? 0 : std::ranges::count(value, ',') + 1;
+    if (attribute == "channels") {
+        picture.channelNames = channelNames(fields, offset, offset + bytes);
+        picture.channels = std::ssize(picture.channelNames);
+    }
     if (attribute != "dataWindow") return;
     Bytes box = fields.part(offset, 16);
     const auto side = [&box](std::size_t low, std::size_t high) {
@@ -72,7 +81,7 @@ void readExr(Fields& fields) {
         const std::uint32_t bytes = fields.part(sizeAt, 4).le32(0);
         const std::string value = attributeValue(fields, *type, sizeAt + 4, bytes);
         fields.add({offset, sizeAt + 4 + bytes - offset, *name, value});
-        noteExrSize(fields, *name, sizeAt + 4, value);
+        noteExrSize(fields, *name, sizeAt + 4, bytes);
         offset = sizeAt + 4 + bytes;
     }
 }

@@ -43,8 +43,9 @@ struct PictureFacts {
     std::int64_t width = 0;
     std::int64_t height = 0;
     std::int64_t channels = 0;
-    std::int64_t depth = 0;             // bits per sample
-    std::optional<PixelLayout> pixels;  // of an image whose samples can be read without decoding
+    std::int64_t depth = 0;                      // bits per sample
+    std::optional<PixelLayout> pixels = {};      // where the samples are, if they need no decoding
+    std::vector<std::string> channelNames = {};  // of an OpenEXR file, in its order
 };
 
 struct FileFacts {

@@ -26,8 +26,7 @@ void readJpeg(Fields& fields) {
         fields.add({offset, 2u + length,
                     std::string("FF") + kDigits[marker >> 4] + kDigits[marker & 15],
                     frame ? "frame of " + size : ""});
-        if (frame)
-            fields.facts().picture = PictureFacts{width, height, channels, segment.u8(4), {}};
+        if (frame) fields.facts().picture = PictureFacts{width, height, channels, segment.u8(4)};
         if (marker == kStartOfScan || length < 2) return;
         offset += 2u + length;
     }

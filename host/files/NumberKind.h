@@ -23,10 +23,18 @@ inline constexpr NumberKind kBe32{4, NumberKind::kUnsigned, true};
 inline constexpr NumberKind kSignedLe16{2, NumberKind::kSigned};
 inline constexpr NumberKind kSignedLe32{4, NumberKind::kSigned};
 inline constexpr NumberKind kLeFloat{4, NumberKind::kFloat};
+inline constexpr NumberKind kBeFloat{4, NumberKind::kFloat, true};
 }
 
 // The number at the start of `bytes`; missing bytes count as 0. A float's bits, as an integer.
 std::int64_t integerIn(Bytes bytes, NumberKind kind);
 
-// The same as decimal text.
+// The same as a number that may have a fraction, or be infinite or NaN.
+double numberIn(Bytes bytes, NumberKind kind);
+
+// The shortest decimal text that reads back as the same float, or as the same double when the value
+// is none that a float can have.
+std::string textOf(double value);
+
+// The number at the start of `bytes` as decimal text.
 std::string textIn(Bytes bytes, NumberKind kind);

@@ -14,6 +14,12 @@ std::uint64_t flippedIfBottomFirst(const PixelLayout& layout, std::uint64_t row)
 
 }  // namespace
 
+std::string channelName(std::uint64_t channels, std::uint64_t channel) {
+    constexpr const char* kColours[] = {"red", "green", "blue", "alpha"};
+    if (channels < 3) return channel == 0 ? "grey" : "alpha";
+    return channel < 4 ? kColours[channel] : "channel " + std::to_string(channel);
+}
+
 std::uint64_t pixelBytesOf(const PixelLayout& layout) {
     return layout.sample.bytes * (layout.planes ? 1 : layout.channels);
 }
@@ -24,6 +30,14 @@ std::uint64_t offsetOf(const PixelLayout& layout, const Sample& sample) {
     const std::uint64_t inPixel = layout.planes ? 0 : channel * layout.sample.bytes;
     const std::uint64_t rows = layout.planes ? channel * layout.height + row : row;
     return layout.start + rows * layout.rowBytes + sample.x * pixelBytesOf(layout) + inPixel;
+}
+
+std::uint64_t endOf(const PixelLayout& layout) {
+    constexpr std::uint64_t kMost = std::uint64_t{1} << 62;
+    const std::uint64_t rows = layout.height * (layout.planes ? layout.channels : 1);
+    if (rows > (kMost - layout.start) / layout.rowBytes) return kMost;
+    const std::uint64_t padding = layout.rowBytes - layout.width * pixelBytesOf(layout);
+    return layout.start + rows * layout.rowBytes - padding;
 }
 
 std::optional<SampleOrPadding> sampleAt(const PixelLayout& layout, std::uint64_t offset) {

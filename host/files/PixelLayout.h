@@ -25,11 +25,17 @@ struct Sample {
     bool operator==(const Sample&) const = default;
 };
 
+// Returns what a channel of an image with so many is called: "grey", "red", "alpha", "channel 4".
+std::string channelName(std::uint64_t channels, std::uint64_t channel);
+
 // Returns the bytes from one pixel of a row and channel to the next.
 std::uint64_t pixelBytesOf(const PixelLayout& layout);
 
 // Returns the offset of a sample. The image is at most 65535 pixels wide and high.
 std::uint64_t offsetOf(const PixelLayout& layout, const Sample& sample);
+
+// Returns where the last pixel ends; at most 2^62, which is beyond the end of every file.
+std::uint64_t endOf(const PixelLayout& layout);
 
 // What a byte of the image data belongs to: a sample, or else a row's padding.
 struct SampleOrPadding {

@@ -66,12 +66,6 @@ private:
         return true;
     }
 
-    static std::string channelName(std::uint64_t channels, std::uint64_t channel) {
-        constexpr const char* kColours[] = {"red", "green", "blue", "alpha"};
-        if (channels < 3) return channel == 0 ? "grey" : "alpha";
-        return channel < 4 ? kColours[channel] : "channel " + std::to_string(channel);
-    }
-
     void inField(const Field& field) {
         setPart(field);
         std::uint64_t offset = field.offset;
