@@ -4,6 +4,7 @@
 #include <iomanip>
 #include <sstream>
 
+#include "terminal/Colour.h"
 #include "terminal/Failure.h"
 
 namespace {
@@ -78,6 +79,12 @@ void CallLog::print(const std::string& name, const std::string& status, const st
     }
     if (!heldBack_.empty()) ++leftOut_;
     heldBack_ = line;
+}
+
+void CallLog::warn(const std::string& sentence) {
+    report_.append("warnings", sentence);
+    finishRow();
+    if (report_.style != OutputStyle::kQuiet) printError("warning: " + sentence);
 }
 
 void CallLog::finishRow() {

@@ -31,6 +31,9 @@ public:
     // Prints a line for work that no export does.
     void print(const std::string& name, const std::string& status, const std::string& detail);
 
+    // Adds a warning to the report and prints it on standard error, unless the command is quiet.
+    void warn(const std::string& sentence);
+
     // Prints what is still held back of the last calls.
     void finishRow();
 

@@ -43,7 +43,6 @@ public:
     void set(const char* name, Json value) { object_[name] = std::move(value); }
     // Adds an element to a list of results.
     void append(const char* name, Json value) { object_[name].push_back(std::move(value)); }
-    void addWarning(const std::string& sentence) { append("warnings", sentence); }
     void addCall(const CallRecord& call) { object_["calls"].push_back(jsonOf(call)); }
     void addFile(const std::string& path);
 

@@ -14,6 +14,6 @@ void addTourCommand(CommandLine& line);
 void addMergeCommand(CommandLine& line);
 void addCompletionsCommand(CommandLine& line);
 
-// Adds MESH, --out and --size, for export and tour.
+// Adds --out, --size, --tiles, --no-clobber and --force, for export and tour.
 struct ExportOptions;
-void addMeshOutAndSize(CLI::App& command, ExportOptions& options);
+void addOutSizeAndTiles(CLI::App& command, ExportOptions& options);

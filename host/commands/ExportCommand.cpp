@@ -1,9 +1,15 @@
 // quillon export: a map of all UV tiles of a mesh.
 
+#include <cstdio>
 #include <filesystem>
+#include <map>
 
 #include "commands/Commands.h"
+#include "commands/export/ExportFiles.h"
 #include "commands/export/MapExport.h"
+#include "terminal/Failure.h"
+
+namespace fs = std::filesystem;
 
 namespace {
 
@@ -14,10 +20,22 @@ constexpr const char* kExamples = R"(Examples:
   quillon export model.Vemo --out maps --format psd --map height
   quillon export model.Vemo --out maps --format bmp --thumbnail 256 --jpeg 30 --page
   quillon export model.Vemo --out maps --tiles wanted.txt     (such as: 1001-1003, 1011)
+  quillon export *.Vemo --out maps --per-tile --dry-run
 
 Makes the host's calls in the host's order: finds the UV tiles, writes a mesh per tile,
 renders a map per tile, merges the maps into maps/model_normal.tif and deletes the
-working files. For a 32-bit height map, also prints the displacement scale.
+working files. All files get their names at the end: an export that fails or is interrupted
+leaves earlier maps as they were.
+
+For a height map, also prints its range, its mean and, with 32 bits, the displacement scale:
+the factor for a renderer that displaces by the map's levels. It depends on how many levels
+the map has, so it is different at another --size.
+
+Tiles are side by side on the map as in UV space, v upward. --per-tile makes a map of each
+tile alone, --size pixels wide and high: maps/model_normal_1001.tif. Normals are in object
+space. A face that reaches out of the tile of its first corner is not painted; a corner at
+exactly 1 is already in the next tile. quillon tiles lists such faces, and quillon import
+--clamp-uv mends those that end exactly at a border.
 
 --bits 16 also writes maps/model_height_16bit.tif, --targa maps/model_normal.tga,
 --thumbnail maps/model_normal_thumbnail.bmp.
@@ -25,22 +43,46 @@ working files. For a 32-bit height map, also prints the displacement scale.
 Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0.
 )";
 
-bool runExport(CommandLine& line, const ExportOptions& options) {
-    requireConsistent(options);
-    const std::string name = std::filesystem::path(options.mesh).stem().string();
-    const Library library = line.openLibrary();
-    ExportPage page(library, "The maps of " + name);
+struct ExportWords {
+    std::vector<std::string> meshes;
+    ExportOptions options;  // for each of them
+};
+
+// Maps are named after the mesh alone, without its folder.
+void requireOwnNames(const std::vector<std::string>& meshes) {
+    std::map<std::string, std::string> seen;
+    for (const std::string& mesh : meshes) {
+        const auto [first, isNew] = seen.emplace(fs::path(mesh).stem().string(), mesh);
+        if (!isNew)
+            throw WrongUsage(first->second + " and " + mesh +
+                             " have one name, and so would their maps; export them to two folders");
+    }
+}
+
+void exportMesh(CommandLine& line, const Library& library, const ExportOptions& options) {
+    ExportPage page(library, "The maps of " + stemOf(options));
     exportMap(library, options, line.report(), options.page ? &page : nullptr);
+}
+
+// The maps of a mesh that is done stay if the next one fails.
+bool runExport(CommandLine& line, const ExportWords& words) {
+    requireConsistent(words.options);
+    requireOwnNames(words.meshes);
+    const Library library = line.openLibrary();
+    ExportOptions options = words.options;
+    for (const std::string& mesh : words.meshes) {
+        if (line.report().hasLines() && mesh != words.meshes.front()) std::puts("");
+        options.mesh = mesh;
+        exportMesh(line, library, options);
+    }
     return line.finishReport();
 }
 
-void addTileOptions(CLI::App& command, ExportOptions& options) {
+void addNaming(CLI::App& command, ExportOptions& options) {
     command.add_option("--naming", options.naming, "How tiles are named: 0 to 3, see below")
         ->check(CLI::Range(0, 3).description(""))
         ->type_name("MODE")
         ->capture_default_str();
-    command.add_option("--tiles", options.tiles, "Text file that lists the tiles to export")
-        ->type_name("FILTER");
 }
 
 void addKinds(CommandLine& line, CLI::App& command, ExportOptions& options) {
@@ -88,12 +130,13 @@ void addExtras(CLI::App& command, ExportOptions& options) {
     command.add_flag("--per-tile", options.perTile,
                      "Make a map of each tile alone, at full size, named after the tile");
     command.add_flag("--keep-tiles", options.keepTiles, "Keep the working files");
+    command.add_flag("--dry-run", options.dryRun,
+                     "Only say which files would be written; write nothing");
 }
 
 }  // namespace
 
-void addMeshOutAndSize(CLI::App& command, ExportOptions& options) {
-    CommandLine::addArgument(command, "MESH", options.mesh, "Vemo file");
+void addOutSizeAndTiles(CLI::App& command, ExportOptions& options) {
     command.add_option("--out", options.out, "Folder for the maps; created if it is missing")
         ->required()
         ->type_name("DIR");
@@ -102,17 +145,21 @@ void addMeshOutAndSize(CLI::App& command, ExportOptions& options) {
         ->check(CLI::Range(16, 16384).description(""))
         ->type_name("PIXELS")
         ->capture_default_str();
+    command.add_option("--tiles", options.tiles, "Text file that lists the tiles to export")
+        ->type_name("FILTER");
+    CommandLine::addOverwriteFlags(command, options.overwrite,
+                                   "With --tiles: replace maps that may show other tiles");
 }
 
 void addExportCommand(CommandLine& line) {
-    const auto options = std::make_shared<ExportOptions>();
+    const auto words = std::make_shared<ExportWords>();
+    ExportOptions& options = words->options;
     CLI::App& command = line.add("export", "Export a map of all UV tiles of a mesh", kExamples,
-                                 [&line, options] { return runExport(line, *options); });
-    addMeshOutAndSize(command, *options);
-    addTileOptions(command, *options);
-    addKinds(line, command, *options);
-    addExtras(command, *options);
-    CommandLine::addOverwriteFlags(command, options->overwrite,
-                                   "With --tiles: replace maps that may show other tiles");
+                                 [&line, words] { return runExport(line, *words); });
+    CommandLine::addArgument(command, "MESH", words->meshes, "Vemo files");
+    addOutSizeAndTiles(command, options);
+    addNaming(command, options);
+    addKinds(line, command, options);
+    addExtras(command, options);
     line.addOutputFlags(command, Verbose::kYes);
 }

@@ -8,7 +8,6 @@
 #include "exports/Meanings.h"
 #include "files/ChangedPixels.h"
 #include "files/MapFormat.h"
-#include "terminal/Colour.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
@@ -98,12 +97,6 @@ void copyTarget(MergeRun& run) {
                       ": the disk took only a part of it");
 }
 
-void warn(MergeRun& run, const std::string& sentence) {
-    run.report.addWarning(sentence);
-    run.log.finishRow();
-    if (run.report.style != OutputStyle::kQuiet) printError(sentence);
-}
-
 void mergeOne(MergeRun& run, ChangedPixels& pixels, const std::string& source) {
     const float status = run.log.call(run.merge, {.text = source, .buffer = run.map}).status;
     const Meaning& meaning = run.log.calls().back().meaning;
@@ -118,8 +111,8 @@ void mergeOne(MergeRun& run, ChangedPixels& pixels, const std::string& source) {
     number.insert(0, number.size() < kCountWidth ? kCountWidth - number.size() : 0, ' ');
     run.counts.push_back(number + " pixels of " + source + " merged");
     if (*changed == 0)
-        warn(run, source + " changed no pixel of " + run.options.target +
-                      "; see quillon merge --help for what counts as background");
+        run.log.warn(source + " changed no pixel of " + run.options.target +
+                     "; see quillon merge --help for what counts as background");
 }
 
 void mergeAll(MergeRun& run) {

@@ -40,6 +40,7 @@ void runTour(const Library& library, const ExportOptions& options, Report& repor
     const std::string name = fs::path(options.mesh).stem().string();
     const std::string path = (fs::path(options.out) / (name + ".html")).string();
     requireFreePath(path);
+    requireReplaceable(path, options.overwrite);
     ExportPage page(library, "The maps of " + name);
     exportMap(library, normalsOf(options), report, &page);
     if (report.hasLines()) std::puts("");
@@ -58,6 +59,7 @@ void addTourCommand(CommandLine& line) {
                                      runTour(line.openLibrary(), *options, line.report());
                                      return line.finishReport();
                                  });
-    addMeshOutAndSize(command, *options);
+    CommandLine::addArgument(command, "MESH", options->mesh, "Vemo file");
+    addOutSizeAndTiles(command, *options);
     line.addOutputFlags(command, Verbose::kYes);
 }

@@ -3,26 +3,7 @@
 #include <algorithm>
 #include <string>
 
-#include "bytes/Numbers.h"
 #include "terminal/Failure.h"
-
-namespace {
-
-// The tile of a coordinate; below 0 it counts as 1 less, as everywhere in the library.
-std::int64_t tileOf(float coordinate) {
-    return saturatedInt(coordinate < 0.0f ? coordinate - 1.0f : coordinate);
-}
-
-}  // namespace
-
-TilePlace placeOfTile(const VemoMesh& mesh, const VemoMesh& tile, const std::string& path) {
-    const std::size_t faces = std::min(mesh.uvs.size(), tile.uvs.size());
-    for (std::size_t face = 0; face < faces; ++face) {
-        const Uv& begin = mesh.uvs[face][0];
-        if (isInTile(tile.uvs[face][0])) return {tileOf(begin.u), tileOf(begin.v)};
-    }
-    throw Failure(path + " has no face of its tile; was the file changed during the export?");
-}
 
 TileSheet::TileSheet(std::span<const TilePlace> tiles, std::uint32_t size) {
     const auto [left, right] = std::ranges::minmax(tiles, {}, &TilePlace::column);

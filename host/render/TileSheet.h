@@ -14,10 +14,6 @@ struct TilePlace {
     std::int64_t row;
 };
 
-// Returns the place of the tile in `tile`, a mesh file written for one tile of `mesh`: the tile of the
-// first face that begins in it. Throws Failure if no face does; `path` names the tile's file.
-TilePlace placeOfTile(const VemoMesh& mesh, const VemoMesh& tile, const std::string& path);
-
 struct Cell {
     std::uint32_t left;  // in pixels from the left
     std::uint32_t top;

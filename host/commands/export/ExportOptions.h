@@ -26,6 +26,7 @@ struct ExportOptions {
     bool page = false;            // a page that shows the export
     bool keepTiles = false;       // the working files stay
     bool perTile = false;         // a map of each tile alone
+    bool dryRun = false;          // only say what would be made
     Overwrite overwrite = Overwrite::kReplace;
 };
 

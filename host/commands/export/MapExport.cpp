@@ -1,13 +1,11 @@
 #include "commands/export/MapExport.h"
 
-#include <cmath>
-#include <cstdio>
 #include <filesystem>
 #include <optional>
+#include <span>
 
+#include "commands/export/ExportReport.h"
 #include "commands/export/TileMaps.h"
-#include "exports/Meanings.h"
-#include "files/DiskFile.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
@@ -20,25 +18,13 @@ std::string titleOf(const ExportOptions& options) {
     return kind + " as " + infoOf(options.format).title;
 }
 
-// An earlier output is replaced, unless the options say otherwise.
-void requireFreeOutputs(const std::vector<std::string>& paths, const ExportOptions& options) {
-    for (const std::string& path : paths) {
-        requireFreePath(path);
-        requireReplaceable(path, options.overwrite);
-        if (!options.tiles.empty() && options.overwrite != Overwrite::kForce && fs::exists(path))
-            throw Failure(path +
-                          " exists and may show other tiles than the filter's; --force "
-                          "replaces it, another --out keeps it");
-    }
-}
-
 // A call that processes a map and must succeed.
 CallResult process(ExportRun& run, std::string_view name, const CallArguments& arguments) {
     if (run.page) run.page->timeCopyOf(*arguments.text, run.log.calls().size());
     return run.log.require(name, arguments);
 }
 
-void mergeTiles(ExportRun& run, const std::vector<Tile>& tiles, const std::string& map) {
+void mergeTiles(ExportRun& run, std::span<const Tile> tiles, const std::string& map) {
     process(run, "FileCopyTo", {.text = tiles.front().mapFile, .buffer = map});
     if (run.page) run.page->addBetween(map, tiles.front().name);
     for (std::size_t i = 1; i < tiles.size(); ++i) {
@@ -115,82 +101,50 @@ std::optional<float> makeExtras(ExportRun& run, const ExportFiles& files, const 
     return scale;
 }
 
-// A map that was made, with what is known of it.
-struct MadeMap {
-    std::vector<std::string> paths;  // where its files will be
-    std::optional<float> scale;
-    std::string sizes;
-    std::string tile;  // empty: it is of all tiles
-};
-
-// Makes the map of these tiles and all its files in the working folder.
-MadeMap makeMap(ExportRun& run, const VemoMesh& mesh, std::vector<Tile> tiles,
-                const std::string& tile) {
-    const ExportFiles files(run.options, tile);
-    requireFreeOutputs(files.wanted(run.options), run.options);
-    const TileSheet sheet = layOutSheet(run, mesh, tiles);
-    renderTiles(run, sheet, tiles);
-    const std::string map = run.working.addResult(files.map);
+// Makes a map of these tiles and all its files in the working folder.
+MadeMap makeMap(ExportRun& run, const PlannedMap& planned, std::span<const Tile> tiles) {
+    renderTiles(run, planned.sheet, tiles);
+    const std::string map = run.working.addResult(planned.files.map);
     mergeTiles(run, tiles, map);
     if (!run.options.order.empty()) reorderChannels(run, map);
     requireWhole(map, fs::file_size(tiles.front().mapFile));
-    const std::optional<float> scale = makeExtras(run, files, map);
-    return {files.wanted(run.options), scale, sizeText(sheet), tile};
+    MadeMap made{planned, makeExtras(run, planned.files, map), {}};
+    if (run.options.map == MapKind::kHeight) made.heights = statisticsOf(map, factsOf(map));
+    return made;
 }
 
-std::vector<MadeMap> makeMaps(ExportRun& run, const VemoMesh& mesh,
+std::vector<MadeMap> makeMaps(ExportRun& run, const ExportPlan& plan,
                               const std::vector<Tile>& tiles) {
-    if (!run.options.perTile) return {makeMap(run, mesh, tiles, "")};
+    if (!run.options.perTile) return {makeMap(run, plan.maps.front(), tiles)};
     std::vector<MadeMap> maps;
-    for (const Tile& tile : tiles)
-        maps.push_back(makeMap(run, mesh, {tile}, tile.name));
+    for (std::size_t i = 0; i < tiles.size(); ++i)
+        maps.push_back(makeMap(run, plan.maps[i], {&tiles[i], 1}));
     return maps;
 }
 
-// Gives the results their names. Returns the files that remain; working files come first.
-std::vector<std::string> finishFiles(ExportRun& run, const std::vector<Tile>& tiles,
-                                     const std::vector<MadeMap>& maps) {
-    std::vector<std::string> paths;
+// Gives the results their names. Returns the working files that remain.
+std::vector<std::string> finishFiles(ExportRun& run, const std::vector<Tile>& tiles) {
+    std::vector<std::string> kept;
     run.working.publish();
     if (run.options.keepTiles) {
         run.working.files().keep();
         for (const Tile& tile : tiles)
-            paths.insert(paths.end(), {tile.meshFile, tile.mapFile});
+            kept.insert(kept.end(), {tile.meshFile, tile.mapFile});
     } else {
         run.working.files().deleteAll();
     }
     run.log.finishRow();
-    for (const MadeMap& map : maps)
-        paths.insert(paths.end(), map.paths.begin(), map.paths.end());
-    return paths;
+    return kept;
 }
 
-void printScale(const MadeMap& map) {
-    if (!map.scale) return;
-    const std::string of = map.tile.empty() ? "" : " of " + map.tile;
-    if (std::isinf(*map.scale))
-        std::printf("displacement scale%s infinite: the map has too few levels to tell\n",
-                    of.c_str());
-    else
-        std::printf(
-            "displacement scale%s %s, by the levels of %s pixels: it is different at "
-            "another --size\n",
-            of.c_str(), statusText(*map.scale).c_str(), map.sizes.c_str());
-}
-
-void reportOutputs(const std::vector<MadeMap>& maps, const std::vector<std::string>& paths,
-                   Report& report) {
-    for (const std::string& path : paths)
-        report.addFile(path);
-    for (const MadeMap& map : maps) {
-        if (map.scale) report.set("scale", jsonOf(*map.scale));
-    }
-    if (!report.hasLines()) return;
-    std::puts("");
-    for (const MadeMap& map : maps)
-        printScale(map);
-    for (const std::string& path : paths)
-        printSize(path);
+void writeMaps(ExportRun& run, const VemoMesh& mesh, const ExportPlan& plan, Report& report) {
+    run.working.create(run.options.out);
+    if (run.page)
+        run.page->beginChapter(titleOf(run.options), mesh, run.working.path(), run.log,
+                               run.working.files());
+    const std::vector<Tile> tiles = writeTileMeshes(run, plan);
+    const std::vector<MadeMap> maps = makeMaps(run, plan, tiles);
+    reportMaps(run.options, maps, finishFiles(run, tiles), report);
 }
 
 }  // namespace
@@ -199,14 +153,16 @@ void exportMap(const Library& library, const ExportOptions& options, Report& rep
                ExportPage* page) {
     noteInterrupts();
     ExportRun run(library, options, report, page);
-    const std::size_t count = findTiles(run);
+    std::optional<TileFilterFile> filter;
+    if (!options.tiles.empty()) filter.emplace(options.tiles);
+    findTiles(run);
     const VemoMesh mesh = readVemo(options.mesh);
-    if (!options.perTile) requireFreeOutputs(ExportFiles(options, "").wanted(options), options);
-    run.working.create(options.out);
-    if (page)
-        page->beginChapter(titleOf(options), mesh, run.working.path(), run.log,
-                           run.working.files());
-    const std::vector<Tile> tiles = writeTileMeshes(run, count);
-    const std::vector<MadeMap> maps = makeMaps(run, mesh, tiles);
-    reportOutputs(maps, finishFiles(run, tiles, maps), report);
+    const ExportPlan plan = planExport(mesh, filter, options);
+    if (options.dryRun) {
+        run.log.finishRow();
+        reportPlan(options, plan, report);
+    } else {
+        writeMaps(run, mesh, plan, report);
+    }
+    if (plan.crossing.count > 0) run.log.warn(unpaintedSentence(options, plan));
 }

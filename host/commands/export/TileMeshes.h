@@ -4,19 +4,19 @@
 #include <string>
 #include <vector>
 
+#include "commands/export/ExportPlan.h"
 #include "commands/export/ExportRun.h"
-#include "render/TileSheet.h"
 
 struct Tile {
     std::string name;
     std::string meshFile;
     std::string mapFile;  // of the map that is rendered from it
-    TilePlace place{};
+    TilePlace place;
 };
 
-// Returns how many tiles there are to export. Throws Failure if there are none, or more than the page
+// Lets the library find the tiles. Throws Failure if there are none to export, or more than the page
 // shows.
-std::size_t findTiles(ExportRun& run);
+void findTiles(ExportRun& run);
 
-// Writes a mesh file for each of `count` tiles to the working folder.
-std::vector<Tile> writeTileMeshes(ExportRun& run, std::size_t count);
+// Writes a mesh file for each planned tile to the working folder.
+std::vector<Tile> writeTileMeshes(ExportRun& run, const ExportPlan& plan);

@@ -100,9 +100,21 @@ TEST_F(Export, AFilterChoosesTiles) {
     EXPECT_EQ(map.rgb(8, 8), kFacesX);
 }
 
+// Its corners at 1 are in the next tile.
+TEST_F(Export, AUnitSquareIsNotDrawnWhichTheExportSays) {
+    dir.write("two.Vemo", twoQuads({0, 0, 1, 0, 1, 1, 0, 1}));
+    const Ended ended = quillon(words());
+    EXPECT_THAT(ended.err, HasSubstr("quillon import --clamp-uv mends 1 of them"));
+    EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
+}
+
 TEST_F(Export, AFaceAcrossTheBorderIsNotDrawn) {
     dir.write("two.Vemo", twoQuads({0.25f, 0.25f, 1.5f, 0.25f, 0.75f, 0.75f, 0.25f, 0.75f}));
-    succeed();
+    const Ended ended = quillon(words());
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_EQ(ended.err, "quillon: warning: " + mesh +
+                             ": 1 face reaches out of the tile of the first corner and is not "
+                             "painted: face 0; see quillon tiles\n");
     EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
 }
 
@@ -140,7 +152,7 @@ TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {
 
 TEST_F(Export, AMissingFilterIsReported) {
     EXPECT_THAT(fail({"--tiles", dir.path("none.txt")}),
-                HasSubstr("setUVtilesOutput of " + dir.path("none.txt") + " returned -1: "));
+                EndsWith("there is no tile filter " + dir.path("none.txt") + '\n'));
 }
 
 TEST_F(Export, AFolderThatCannotBeCreatedIsReported) {
@@ -237,6 +249,57 @@ TEST_F(Export, PerTileMakesAMapOfEachTileAtFullSize) {
     EXPECT_EQ(map.width, 16u);
     EXPECT_EQ(map.height, 16u);
     EXPECT_EQ(map.rgb(8, 8), kFacesX);
+}
+
+TEST_F(Export, ADryRunSaysWhatWouldBeWrittenAndWritesNothing) {
+    dir.makeFolder("maps");
+    dir.write("maps/two_normal.tif", "an earlier map");
+    EXPECT_THAT(
+        succeed({"--dry-run", "--targa"}).out,
+        EndsWith("\n\n2 tiles: 1001 1002\nwould replace " + out +
+                 "/two_normal.tif, 16 x 8 pixels\nwould write " + out + "/two_normal.tga\n"));
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.tif"));
+}
+
+TEST_F(Export, TakesSeveralMeshesOfDifferentNames) {
+    const std::string other = dir.write("other.Vemo", twoQuads(kMiddleOf1002, kMiddleOf1002));
+    EXPECT_EQ(quillon({"export", mesh, other, "--out", out, "--size", "16"}).exitStatus, 0);
+    EXPECT_THAT(namesIn(out), ElementsAre("other_normal.tif", "two_normal.tif"));
+    dir.makeFolder("b");
+    const Ended same = quillon({"export", mesh, dir.write("b/two.Vemo", twoQuads()), "--out", out});
+    EXPECT_EQ(same.exitStatus, 2);
+    EXPECT_THAT(same.err, HasSubstr("have one name"));
+}
+
+// The library passes over each of these: it finds no tile, or takes all of them.
+TEST_F(Export, AFilterThatNamesNoTileIsReportedWithItsLine) {
+    const struct {
+        const char* text;
+        const char* sentence;
+    } kCases[] = {{"1001\r\n1002\r\n", ":1: the line ends with a carriage return"},
+                  {"1001\n1003-1001", ":2: 1003-1001 is empty"},
+                  {"1001, wing", ":1: wing is no tile number"},
+                  {" ,\n", " lists no tile"}};
+    for (const auto& row : kCases) {
+        const std::string filter = dir.write("filter.txt", row.text);
+        EXPECT_THAT(fail({"--tiles", filter}), HasSubstr("quillon: " + filter + row.sentence));
+    }
+}
+
+TEST_F(Export, TilesWithOneNumberAreRefused) {
+    dir.write("two.Vemo", twoQuads({0.25f, 1.25f, 0.75f, 1.25f, 0.75f, 1.75f, 0.25f, 1.75f},
+                                   {10.25f, 0.25f, 10.75f, 0.25f, 10.75f, 0.75f, 10.25f, 0.75f}));
+    EXPECT_THAT(fail(), HasSubstr("has 2 tiles named 1011"));
+    size = "64";
+    succeed({"--naming", "0"});
+}
+
+// The quads' heights run from 0 to 1; see HeightsRunFromTheLowestToTheHighestVertex.
+TEST_F(Export, HeightsAreMeasured) {
+    EXPECT_THAT(succeed({"--map", "height"}).out,
+                HasSubstr("two_height.tif, 16 x 8 pixels\n"
+                          "  channel               minimum      maximum         mean        NaN   "
+                          "infinite\n  grey                        0       0.9375        0.125"));
 }
 
 // Towards one folder, at first missing: whoever is last renames its map over the others'.

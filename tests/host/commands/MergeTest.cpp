@@ -84,7 +84,7 @@ TEST_F(MergeCommand, WarnsOfATileThatChangesNoPixel) {
     const std::string painted = dir.write("1001.tif", tiff(ByteList(9, 7)));
     const Ended ended = merge({all, painted, second});
     EXPECT_EQ(ended.exitStatus, 0);
-    EXPECT_EQ(ended.err, "quillon: " + painted + " changed no pixel of " + all +
+    EXPECT_EQ(ended.err, "quillon: warning: " + painted + " changed no pixel of " + all +
                              "; see quillon merge --help for what counts as background\n");
     EXPECT_THAT(tiffPixels(all), ElementsAre(9, 9, 9, 1, 2, 3, 9, 9, 9));
 }

@@ -103,8 +103,9 @@ TEST_F(Format, APsdHasHeightsOf16Bits) {
 
 TEST_F(Format, AHeightMapIsAlsoConvertedTo16Bits) {
     const Ended ended = succeed({"--map", "height", "--bits", "16"});
-    EXPECT_THAT(ended.out, HasSubstr("convertTIFF16           0  " + out + "/two_height.tif to " +
-                                     out + "/two_height_16bit.tif, layout 1\n"));
+    EXPECT_THAT(ended.out,
+                HasSubstr("convertTIFF16           0  " + out + "/working/two_height.tif to " +
+                          out + "/working/two_height_16bit.tif, layout 1\n"));
     EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_height.tif  736 bytes\n" + out +
                                     "/two_height_16bit.tif  454 bytes\n"));
     const Map map(out + "/two_height_16bit.tif");
@@ -122,13 +123,14 @@ TEST_F(Format, AHeightMapIsAlsoConvertedTo16Bits) {
 TEST_F(Format, TheDisplacementScaleOfAFloatMapIsPrinted) {
     size = "1024";
     const Ended ended = succeed({"--map", "height"});
-    EXPECT_THAT(ended.out, HasSubstr("  " + out + "/two_height.tif, channels 1\n"));
-    EXPECT_THAT(ended.out, HasSubstr("\n\ndisplacement scale 137.79819\n" + out));
+    EXPECT_THAT(ended.out, HasSubstr("  " + out + "/working/two_height.tif, channels 1\n"));
+    EXPECT_THAT(ended.out,
+                HasSubstr("\ndisplacement scale 137.79819, by the number of levels in this map"));
 }
 
 TEST_F(Format, AMapOfFewLevelsHasNoFiniteDisplacementScale) {
     EXPECT_THAT(succeed({"--map", "height"}).out,
-                HasSubstr("\n\ndisplacement scale infinite: the map has too few levels"));
+                HasSubstr("\ndisplacement scale infinite: the map has too few levels"));
 }
 
 TEST_F(Format, ATargaFileHasTheReorderedMap) {
@@ -162,8 +164,8 @@ TEST_F(Format, ABmpIsAlsoSavedAsJpeg) {
     size = "64";
     EXPECT_THAT(succeed({"--format", "bmp", "--jpeg"}).out, HasSubstr("quality 50\n"));
     EXPECT_THAT(succeed({"--format", "bmp", "--jpeg", "0"}).out,
-                HasSubstr("saveAsJpeg              0  " + out + "/two_normal.bmp to " + out +
-                          "/two_normal.jpg, quality 0\n"));
+                HasSubstr("saveAsJpeg              0  " + out + "/working/two_normal.bmp to " +
+                          out + "/working/two_normal.jpg, quality 0\n"));
     const Picture jpeg(dir, out + "/two_normal.jpg", 64);
     ASSERT_EQ(jpeg.samples.size(), 3u * 64 * 32);
     const Rgb pixel = jpeg.at(16, 16);

@@ -3,6 +3,7 @@
 
 #include <ImfChannelList.h>
 #include <ImfFrameBuffer.h>
+#include <ImfHeader.h>
 #include <ImfOutputFile.h>
 #include <gmock/gmock.h>
 

@@ -174,7 +174,6 @@ TEST_F(Output, ATerminalGetsProgressBars) {
                                         tile + "\r\x1B[KmergeMapsTIF"));
     const std::string shown = quillonOnTerminal(words()).shown;
     EXPECT_THAT(shown, HasSubstr("\r\x1B[Krendering [############............] 1 of 2  1002"));
-    EXPECT_THAT(shown, HasSubstr("\r\x1B[Kplacing ["));
 }
 
 }  // namespace
