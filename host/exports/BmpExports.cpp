@@ -53,11 +53,12 @@ constexpr Export kExports[] = {
      .text = "source",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target, in place: its pixels that equal the source's pixel at the bottom left "
-               "take the source's; any other stays. A top-down image (of negative height) stays as "
-               "it is, with the same status 0. If the disk is full or a map cannot be read to its "
-               "end, the merge ends there, with the same status 0. The source is only read, yet it "
-               "must be writable.",
+     .writes = "The target, in place: its pixels that equal the source's pixel at the bottom "
+               "left take the source's; any other stays. A top-down image (of negative height) "
+               "stays as it is, with the same status 0, and so do pixels that one of the files "
+               "does not have. If the disk is full or a map cannot be read to its end, the merge "
+               "ends there, with the same status 0. The source is only read, yet it must be "
+               "writable.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsBMP 1002.bmp --buffer all.bmp",
      .next = "quillon inspect on both files; the target is judged first. Width, height, bits per "
@@ -72,9 +73,12 @@ constexpr Export kExports[] = {
      .valueDetails = "1 exchanges blue and green, 2 blue and red, 3 green and red. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
      .writes =
-         "The map, in place. Pixels are taken to have 24 bits whatever the file says. A top-down "
-         "image (of negative height) stays as it is, with the same status 0. If the disk is full "
-         "or the map cannot be read to its end, the exchange ends there, with the same status 0.",
+         "The map, in place. Pixels are taken to have 24 bits and the header to have 40 bytes or "
+         "more, so an image of 8 or 32 bits, or with the 12 bytes of an older header, is damaged "
+         "with the same status 0. A top-down image (of negative height) stays as it is, with the "
+         "same status 0, and pixels that the file does not have are left out. If the disk is "
+         "full or the map cannot be read to its end, the exchange ends there, with the same "
+         "status 0.",
      .statuses = kSwap,
      .example = "quillon call swapRGBBMP all.bmp --value 2",
      .next = "quillon inspect shows whether it is a BMP of 24 bits with its bottom row first. The "
@@ -85,13 +89,16 @@ constexpr Export kExports[] = {
      .value = "the longer side in pixels, at least 1",
      .valueName = "size",
      .takes = takesSize,
-     .valueDetails = "The shorter side keeps the proportions, rounded down.",
+     .valueDetails = "The shorter side keeps the proportions, rounded down; where that is 0, "
+                     "only the headers are left.",
      .writes =
-         "The image, in place, cut off behind the copy, unless both its sides are below that size "
-         "already: then it stays, and so does a top-down image whose width is below it. If the "
-         "disk is full the image ends there, with the status 0. If "
-         "it cannot be read to its end, some of its pixels have been written over and its first "
-         "two bytes are 0.",
+         "The image, in place, cut off behind the copy, unless both its sides are below that "
+         "size already: then it stays, and so does a top-down image whose width is below it. An "
+         "image whose longer side has that size already is written again. Pixels are taken to "
+         "have 24 bits. Those that the file does not have are black, and so is one that ends the "
+         "file. If the disk is full the image ends there, with the status 0. If it cannot be "
+         "read to its end, some of its pixels have been written over and its first two bytes are "
+         "0.",
      .statuses = kThumbnail,
      .example = "quillon call CreateThumbnailBMP all.bmp --value 32",
      .next =

@@ -67,15 +67,17 @@ constexpr Export kExports[] = {
      .text = "map",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target: 24 bits a pixel, bottom row first; grey becomes grey "
-               "pixels. An older file is written over and then cut to the new length; if a disk "
-               "fails, the older file is lost and a part of the new one is left. The map is only "
-               "read, yet it must be writable.",
+     .writes = "The target: 24 bits a pixel, bottom row first; grey becomes grey pixels. The "
+               "header has the low 16 bits of a side. An older file is written over and then cut "
+               "to the new length; if a disk fails, the older file is lost and a part of the new "
+               "one is left. The map is only read, yet it must be writable.",
      .statuses = kTarga,
      .example = "quillon call saveAsTarga all.tif --buffer all.tga",
-     .next = "quillon inspect shows depth and channels. The depth is not checked: a map of 16 or "
-             "32 bits gives 0 and an invalid image. The pixels must be the last bytes of "
-             "the map."},
+     .next = "quillon inspect shows depth and channels. Depth and place of the pixels are not "
+             "checked: the last bytes of the file are taken as 8-bit samples. A map of 16, 32 or "
+             "64 bits, one with anything behind its pixels, such as a second page, and one that "
+             "is cut short give 0 and a wrong image; a width or height of 0 gives 0 and a header "
+             "alone."},
     {.name = "saveAsJpeg",
      .purpose = "Writes a BMP image as a JPEG file.",
      .text = "image",
@@ -86,12 +88,16 @@ constexpr Export kExports[] = {
          "the smallest file. A fraction is cut off.",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target, created anew. The image is only read; rows that cannot be read are "
-               "black, with the same status 0. If the disk is full a part of the target is left.",
+     .writes = "The target, created anew. The image is only read; rows that it does not have or "
+               "that cannot be read are black, with the same status 0. Of a side only the low 16 "
+               "bits count: 65544 pixels become 8, and a top-down image (of negative height) "
+               "becomes a very tall one. Above 21845 pixels wide only the left end of the rows "
+               "is the right way up. If the disk is full a part of the target is left.",
      .statuses = kJpeg,
      .example = "quillon call saveAsJpeg all.bmp --value 20 --buffer all.jpg",
-     .next = "quillon inspect shows whether it is a BMP of 24 bits whose pixels start at byte 54: "
-             "they are read from there whatever its header says. 3 to 6 are failures although they "
+     .next = "quillon inspect shows whether it is a BMP of 24 bits whose pixels start at byte "
+             "54: they are read from there whatever its header says, so an image with longer "
+             "headers gets wrong colours with the status 0. 3 to 6 are failures although they "
              "are above 0."},
     {.name = "OpenEXR",
      .purpose = "Measures the range of values in an OpenEXR file's first channel.",
@@ -104,7 +110,7 @@ constexpr Export kExports[] = {
      .prints = {3.5f},
      .next = "quillon inspect shows the attributes, among them compression and channels. The "
              "largest sample counts as -65535 at least, the smallest as 65535 at most: 70000 to "
-             "70010 gives 4475. Save the "
+             "70010 gives 4475. Samples of 32-bit whole numbers are measured, too. Save the "
              "image as one part of scan lines or tiles, its channels not subsampled."},
 };
 

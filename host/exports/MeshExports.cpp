@@ -10,14 +10,20 @@ namespace {
 constexpr const char* kNamingMode = "naming mode 0 to 3";
 constexpr const char* kNamingModes =
     "The first tile is named `_u0_v0` in mode 0, `_u1_v1` in mode 1, `1001` in mode 2 and `u0v0` "
-    "in mode 3. Only mode 2 applies the tile filter. A number below 0 counts as 0, one above 3 as "
-    "3, a fraction is cut off.";
+    "in mode 3. In mode 2 the tile right of 1010 has the name of the one above 1001, 1011. Only "
+    "mode 2 applies the tile filter. A number below 0 counts as 0, one above 3 as 3, a fraction "
+    "is cut off.";
 constexpr const char* kNoMesh =
     "the mesh file cannot be opened or read, or there is too little memory";
 constexpr Causes kNoMeshCauses = cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory;
 constexpr const char* kNoFaceUvs = "the mesh file has no face UVs, or they are cut short";
-constexpr const char* kCheckMesh =
-    "quillon inspect shows which chunks the mesh has and where they end.";
+constexpr const char* kCheckUvs =
+    "quillon inspect shows which chunks the mesh has and where they end. A chunk of length 0 ends "
+    "the search for face UVs. A missing last byte counts as a repetition of the byte before it.";
+constexpr const char* kCheckGroups =
+    "quillon inspect shows which chunks the mesh has and where they end. A missing last byte "
+    "counts "
+    "as a repetition of the byte before it.";
 
 constexpr StatusMeaning kClearUVtilesOutput[] = {{kOk, cause::kDone, "the tile filter is empty"}};
 
@@ -91,11 +97,12 @@ constexpr Export kExports[] = {
     {.name = "setUVtilesOutput",
      .purpose = "Reads the tile filter, a text file that lists the tiles to write.",
      .text = "tile filter",
-     .writes = "Nothing. The filter applies to naming mode 2 until clearUVtilesOutput or the next "
-               "setUVtilesOutput. The file has tile names and ranges, separated by commas or "
-               "lines: `1001-1003, 1011`. Only blanks are left out: a tab or a carriage return is "
-               "a part of the name, which then is no tile's. A range whose end is below its start "
-               "is left out; a filter in which nothing is left lets every tile pass.",
+     .writes = "Nothing. The filter applies to naming mode 2 until clearUVtilesOutput or the "
+               "next setUVtilesOutput. The file has tile names and ranges, separated by commas "
+               "or lines: `1001-1003, 1011`. Only blanks are left out: a tab, or the carriage "
+               "return of a Windows line end, is a part of the name, which then is no tile's. A "
+               "range whose end is below its start is left out; a filter in which nothing is "
+               "left lets every tile pass.",
      .statuses = kSetUVtilesOutput,
      .example = "printf 'setUVtilesOutput filter.txt\\ngetUVTile model.Vemo 2\\n' | "
                 "quillon script -",
@@ -118,7 +125,7 @@ constexpr Export kExports[] = {
      .countMany = "UV tiles",
      .example = "quillon call getUVTile model.Vemo --value 2",
      .prints = {2.0f, "1002"},
-     .next = kCheckMesh},
+     .next = kCheckUvs},
     {.name = "getUVGroups",
      .purpose = "Counts the face groups of a mesh.",
      .text = "mesh",
@@ -128,7 +135,7 @@ constexpr Export kExports[] = {
      .countMany = "face groups",
      .example = "quillon call getUVGroups model.Vemo",
      .prints = {2.0f},
-     .next = kCheckMesh},
+     .next = kCheckGroups},
     {.name = "getUVString",
      .purpose = "Copies the name of a tile that getUVs or getUVsMask wrote last.",
      .value = "tile position from 0",
@@ -161,26 +168,29 @@ constexpr Export kExports[] = {
          .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
          .prints = {2.0f},
          .next =
-             "From 1501 on, where tiles count in the order of their names, see whether the folder "
-             "of `buffer1` is there and may be written to, and "
-             "whether the disk is full; files of tiles before that one are whole. Below 0: quillon "
-             "inspect shows which chunks the mesh has."}),
+             "From 1501 on, where tiles count in the order of their names, see whether the "
+             "folder of `buffer1` is there and may be written to, and whether the disk is full; "
+             "files of tiles before that one are whole. Below 0: as for getUVTile."}),
     tileExport(
         {.name = "getUVsMask",
          .purpose = "Writes a mesh once per tile, with a mask of that tile's vertices.",
-         .writes = "A mesh file per tile, named as by getUVs: the mesh as it is, then a byte per "
+         .writes = "A mesh file per tile, named as by getUVs: the mesh without its last 16 "
+                   "bytes, which are taken for the empty chunk that ends a mesh, then a byte per "
                    "vertex, 0 in the tile and 255 outside. The names are kept for getUVString.",
          .statuses = kGetUVsMask,
          .example = "quillon call getUVsMask model.Vemo --value 2 --buffer maps/mask.Vemo",
          .prints = {2.0f},
-         .next = "As for getUVs. -19 also for a face that names a vertex which does not exist."}),
+         .next = "As for getUVs, except that a chunk of length 0 is stepped over. Vertices, "
+                 "faces and face UVs are searched for in this order, each behind the one before."}),
     {.name = "mergeCrease",
      .purpose = "Appends a mesh file to another.",
      .text = "mesh to append",
      .buffer = BufferUse::kPath,
      .bufferIs = "mesh to append to",
      .writes = "The file `buffer1` anew: its own bytes, then those of `text`, each without its "
-               "last 14. If the disk is full the file ends there, with the status 0.",
+               "last 14. What closes a mesh is shortened to two zero bytes, behind which exports "
+               "find no chunk of the part appended. Whether the files are meshes is not checked. "
+               "If the disk is full the file ends there, with the status 0.",
      .statuses = kMergeCrease,
      .example = "quillon call mergeCrease crease.Vemo --buffer model.Vemo",
      .next = "-1760 is about `text`, -2760 and -3760 are about `buffer1`. After 0 compare the "

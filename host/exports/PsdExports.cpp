@@ -48,8 +48,9 @@ constexpr Export kExports[] = {
      .statuses = kMerge,
      .example = "quillon call mergeMapsPSD 1002.psd --buffer all.psd",
      .next = "quillon inspect on both files; the target is judged first. Both must have their "
-             "image data at one place, 8-bit RGB or 16-bit grey, uncompressed. After 0 compare the "
-             "target's size with that before."},
+             "image data at one place, 8-bit RGB or 16-bit grey, uncompressed. Only the source's "
+             "kind is checked: a target of another kind, or with its image data elsewhere, is "
+             "damaged with the status 0. After 0 compare the target's size with that before."},
     {.name = "swapRGBPSD",
      .purpose = "Changes the order of the colour planes of an 8-bit RGB PSD map.",
      .text = "map",
@@ -59,8 +60,10 @@ constexpr Export kExports[] = {
      .valueDetails = "1 leaves red, blue, green; 2 blue, red, green; 3 green, blue, red. 2 and 3 "
                      "rotate, so each undoes the other. Between 0 and 1 no plane is written: the "
                      "picture is lost.",
-     .writes = "The map's planes, in place. Bytes behind them are cut off. If the disk is full the "
-               "map ends where it could not be written, with the status 0.",
+     .writes = "The map's planes, in place. The colour mode is not checked: Lab and multichannel "
+               "maps are taken, too. Of a map with layers only the merged image is changed. "
+               "Bytes behind the planes are cut off. If the disk is full the map ends where it "
+               "could not be written, with the status 0.",
      .statuses = kSwap,
      .example = "quillon call swapRGBPSD all.psd --value 2",
      .next = "quillon inspect shows channels and depth: an alpha channel or 16 bits are -56. After "

@@ -134,13 +134,15 @@ constexpr Export kExports[] = {
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, in place: its pixels that equal the source's first pixel take the "
-               "source's; any other stays. Pixels merged before a disk fails stay merged. The "
-               "source is only read. `-20` is also printed.",
+               "source's; any other stays. Rows that a file does not have are left out. Pixels "
+               "merged before a disk fails stay merged. The source is only read. `-20` is also "
+               "printed.",
      .statuses = kMerge,
      .example = "quillon call mergeMapsTIF 1002.tif --buffer all.tif",
-     .next = "quillon inspect on both files: width, height, channels and depth must be equal, and "
-             "so must the place of the pixels. 0 with nothing merged: the pixels do not start "
-             "below their own length, as in a tiny map."},
+     .next = "quillon inspect on both files: width, height, channels and depth must be equal, "
+             "and so must the place of the pixels. 0 with nothing merged: the pixels do not "
+             "start below their own length, as in a tiny map; the samples have 64 bits; or both "
+             "files are no TIFF."},
     {.name = "swapRGBTIF",
      .purpose = "Exchanges two colour channels of an 8-bit TIFF map.",
      .text = "map",
@@ -149,14 +151,17 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges green and blue, 2 red and blue, 3 red and green. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
-     .writes = "The map, in place. A grey map, one of 16 or 32 bits and a file without a directory "
-               "in its first 1000 bytes stay as they are, with the same status 0. When the disk "
-               "fails, the pixels before that point stay exchanged. `-10` is also printed, and "
-               "`-101` for a map that may not be written to.",
+     .writes = "The map, in place. A grey map, one of 16 bits or more, and a file in which no "
+               "directory is found stay as they are, with the same status 0; rows that the file "
+               "does not have are left out. When the disk fails, the pixels before that point "
+               "stay exchanged. `-10` is also printed, and `-101` for a map that may not be "
+               "written to.",
      .statuses = kSwap,
      .example = "quillon call swapRGBTIF all.tif --value 2",
-     .next = "quillon inspect shows which tag is refused: the status is its number, negated except "
-             "for 258. The same call again undoes an exchange."},
+     .next = "quillon inspect shows which tag is refused: the status is its number, negated "
+             "except for 258. 0 with nothing exchanged: the directory is behind byte 1000, where "
+             "many programs write it, or the file is a big-endian TIFF, a BigTIFF or no TIFF. "
+             "The same call again undoes an exchange."},
     {.name = "convertTIFF16",
      .purpose = "Converts a map of 32-bit floats to 16 bits, a TIFF or a PSD.",
      .text = "map",
@@ -164,24 +169,28 @@ constexpr Export kExports[] = {
      .valueName = "layout",
      .takes = takesLayout,
      .valueDetails = "1 grey to grey, 3 colour to colour, 4 colour to grey, from the first "
-                     "channel.",
+                     "channel. With layout 1 a colour map gives its samples in turn, red, green, "
+                     "blue, with the status 0.",
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
-     .writes = "The target: a PSD if its extension contains `psd` or `PSD` and the layout is not "
-               "3, else a TIFF. An older file is written over and then cut to the new length; if "
-               "the disk fails, the older file is lost and a part of the new one is left. 0 to 1 "
-               "becomes 0 to 65535. In a PSD width and height have "
-               "changed places, which square maps do not show. "
-               "A map without pixels, or in which no directory is found, gives a header alone.",
+     .writes = "The target: a PSD if the layout is not 3 and `psd` or `PSD` follows the last dot "
+               "of the path, which may be in a folder's name; else a TIFF. An older file is "
+               "written over and then cut to the new length; if the disk fails, the older file "
+               "is lost and a part of the new one is left. 0 to 1 becomes 0 to 65535. In a PSD "
+               "width and height have changed places, which square maps do not show. In a TIFF a "
+               "side above 65535 loses all but its low 16 bits. A map without pixels, or in "
+               "which no directory is found, gives a header alone.",
      .statuses = kConvert,
      .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
                "reaches a host.",
      .example = "quillon call convertTIFF16 height.tif --value 1 --buffer height16.tif",
-     .next = "quillon inspect shows depth, channels and where the directory is. A TIFF is right "
-             "only if the map's directory is at byte 8 and has the tags 254, 256 to 259, 262, 273, "
-             "277 to 279 in this order: the sizes are written where they were found. -257: have "
-             "the map written so, or convert to a PSD. -279: the layout asks "
-             "for three channels and the map has one."},
+     .next = "quillon inspect shows depth, channels and where the directory is. A TIFF is valid "
+             "only if the map's directory is at byte 8 and starts with the tags 254, 256, 257, "
+             "258, 259, 262, 273, 277, 278, 279: each size is written at the byte where it was "
+             "found. Any other directory gives a damaged TIFF with the status 0, or -257 where "
+             "that byte is behind the new header. Convert such a map to a PSD, or rewrite it "
+             "first, as docs/formats.md shows. -279: the layout asks for three channels and the "
+             "map has one."},
     {.name = "convertTIFFSingle",
      .purpose = "Writes the first channel of a three-channel float map.",
      .text = "map",
@@ -208,8 +217,9 @@ constexpr Export kExports[] = {
      .countMany = "is the scale",
      .example = "quillon call getScale height.tif --value 1",
      .prints = {233.48125f},
-     .next = "quillon inspect shows depth and channels. A scale that is infinite comes from a map "
-             "of 12 levels or fewer, such as a flat one."},
+     .next = "quillon inspect shows depth and channels. A scale that is infinite comes from a "
+             "map of 12 levels or fewer, such as a flat one. Here alone the directory may be "
+             "anywhere; a big-endian TIFF and a BigTIFF are -1."},
 };
 
 }  // namespace
@@ -218,7 +228,9 @@ const ExportGroup& tiffExports() {
     static constexpr ExportGroup kGroup{
         "TIFF maps",
         "One strip, uncompressed, little-endian, 1 or 3 channels. For a refused directory the "
-        "status is the number of the tag.",
+        "status is the number of the tag. No directory is found in a big-endian TIFF, in a "
+        "BigTIFF, in most other files, and, except by getScale, behind byte 1000, where many "
+        "programs write it. [formats.md](formats.md) shows how to rewrite such a map.",
         kExports};
     return kGroup;
 }

@@ -59,15 +59,16 @@ QUILLON_API ExportFunction OpenFolder;
 QUILLON_API ExportFunction GetFile;
 /* Ends the listing. -1: no folder is open. */
 QUILLON_API ExportFunction CloseFolder;
-/* Deletes the files in the folder `text`: entries with a dot in their name. Sub-folders stay. 0
- * also when single files could not be deleted, -1: the folder could not be opened. */
+/* Deletes the files in the folder `text`: entries with a dot in their name, an empty sub-folder
+ * included. Other sub-folders stay, and so do paths of more than 255 bytes. 0 also when single files
+ * could not be deleted, -1: the folder could not be opened. */
 QUILLON_API ExportFunction EmptyFolder;
-/* Deletes the file `text`. */
+/* Deletes the file or the empty folder `text`. */
 QUILLON_API ExportFunction FileDelete;
-/* Copies the file `text` to `buffer1`. The target is deleted first, also when the copy then fails.
- */
+/* Copies the file `text` to `buffer1`. What is there, a file or an empty folder, is deleted first, also
+ * when the copy then fails; a file copied onto itself is gone. */
 QUILLON_API ExportFunction FileCopyTo;
-/* Renames the file `text` to `buffer1`. */
+/* Renames the file `text` to `buffer1`. Two links to one file both stay, with the status 0. */
 QUILLON_API ExportFunction FileRename;
 /* Copies `text` from byte n on into `buffer1`; from byte 5 on when `value` is not 0 to 10. Past the
  * end of `text` there is the empty text. */
@@ -105,13 +106,15 @@ QUILLON_API ExportFunction mergeCrease;
 QUILLON_API ExportFunction mergeMapsTIF;
 QUILLON_API ExportFunction mergeMapsPSD;
 QUILLON_API ExportFunction mergeMapsBMP;
-/* Changes the order of the colour channels of the map `text`; takes values above 0 and below 4. */
+/* Changes the order of the colour channels of the map `text`; takes values above 0 and below 4. TIFF and
+ * BMP files of another kind mostly stay as they are, with the status 0. */
 QUILLON_API ExportFunction swapRGBTIF;
 QUILLON_API ExportFunction swapRGBPSD;
 QUILLON_API ExportFunction swapRGBBMP;
-/* Turns the float map `text` into the 16-bit map `buffer1`, a PSD when its extension holds "psd" or
- * "PSD", else a TIFF; takes 1 (grey), 3 (colour) and 4 (colour to grey). `buffer1` must have an
- * extension: without any dot in it std::out_of_range is thrown. */
+/* Converts the float map `text` to the 16-bit map `buffer1`: with "psd" or "PSD" behind the last dot of
+ * the path a PSD, else a TIFF, which is valid only if the map's directory is at byte 8 and in the order
+ * that docs/formats.md shows. Takes 1 (grey), 3 (colour, always a TIFF) and 4 (colour to grey). Without
+ * any dot in `buffer1` std::out_of_range is thrown. */
 QUILLON_API ExportFunction convertTIFF16;
 /* Writes the first channel of the float map `text` to `buffer1`. A null path and lack of memory are
  * -1 here. */
@@ -123,7 +126,8 @@ QUILLON_API ExportFunction saveAsTarga;
 /* Writes the BMP image `text` as the JPEG file `buffer1`. n is how much is left out: 0 gives the
  * finest picture and the largest file, 100 the smallest file; 50 when `value` is not 0 to 100. */
 QUILLON_API ExportFunction saveAsJpeg;
-/* Shrinks the BMP image `text` to n pixels along its longer side. */
+/* Shrinks the BMP image `text` to n pixels along its longer side. -9 also for a top-down image that is
+ * not narrower than that. */
 QUILLON_API ExportFunction CreateThumbnailBMP;
 /* Returns the range of values in the first channel of the OpenEXR file `text`. */
 QUILLON_API ExportFunction OpenEXR;

@@ -414,6 +414,23 @@ TEST_P(Contract, NamesTheCausesInItsSentences) {
     }
 }
 
+// What the pages of the exports warn of.
+TEST_P(Contract, AcceptsWhatItSaysAndChangesNoOtherFile) {
+    Stage stage;
+    for (const Scenario& scenario : acceptedFiles()) {
+        if (scenario.call.exportName != GetParam()) continue;
+        stage.prepare(scenario);
+        const Entries before = stage.entries();
+        EXPECT_EQ(stage.make(scenario.call).status, scenario.status) << scenario.name;
+        std::set<std::string> written;
+        for (const auto& [name, bytes] : stage.entries()) {
+            const auto old = before.find(name);
+            if (old == before.end() || old->second != bytes) written.insert(name);
+        }
+        EXPECT_EQ(written, scenario.written) << scenario.name;
+    }
+}
+
 INSTANTIATE_TEST_SUITE_P(Exports, Contract, testing::ValuesIn(exportNames()),
                          [](const auto& name) { return name.param; });
 

@@ -1,5 +1,7 @@
 #include "faults/Refusals.h"
 
+#include <algorithm>
+#include <set>
 #include <utility>
 
 #include "faults/ExrFile.h"
@@ -42,6 +44,15 @@ public:
     // One whose source or only file is refused.
     Scenario& add(const std::string& name, float status, const ByteList& source) {
         return all.emplace_back(Scenario{name, call_, status}).on(call_.text, source);
+    }
+    // One that is accepted, and the entries that are then created, changed or removed.
+    void accept(const std::string& name, const ByteList& source,
+                const std::set<std::string>& written, float status = 0.0f) {
+        add(name, status, source).writes(written);
+    }
+    void accept(const std::string& name, const ByteList& source, const ByteList& target,
+                const std::set<std::string>& written) {
+        add(name, 0.0f, source).on(call_.buffer1, target).writes(written);
     }
     // One of a merge.
     void add(const std::string& name, float status, const ByteList& source,
@@ -197,6 +208,93 @@ std::vector<Scenario> allFiles() {
     return std::move(list.all);
 }
 
+// Maps whose directory is not found: another byte order, a strip of 1728 bytes before it, no map at all.
+void acceptWithoutDirectory(List& list, const std::set<std::string>& written) {
+    ByteList bigEndian = colour8();
+    bigEndian[0] = bigEndian[1] = 'M';
+    std::swap(bigEndian[2], bigEndian[3]);
+    std::reverse(&bigEndian[4], &bigEndian[8]);
+    list.accept("big-endian", bigEndian, written);
+    list.accept("a late directory", TiffFile(24, 24).rgb8(ByteList(24 * 24 * 3, 9)), written);
+    list.accept("a PSD", psd(), written);
+    list.accept("a BMP", bmp(), written);
+    list.accept("a text", bytesOf("neither map nor image"), written);
+    list.accept("nothing", {}, written);
+}
+
+void acceptTiff(List& list) {
+    list.of("mergeMapsTIF", 0.0, "all.map");
+    list.accept("64 bits", grey8().entry(258, 1, 64), grey8().entry(258, 1, 64), {});
+    list.accept("two BMPs", bmp(), bmp(), {});
+    list.of("swapRGBTIF", 2.0);
+    acceptWithoutDirectory(list, {});
+    list.accept("64 bits", grey8().entry(258, 1, 64), {});
+    list.of("convertTIFF16", 1.0, "out.tif");
+    acceptWithoutDirectory(list, {"out.tif"});
+    list.accept("the directory first, without tag 254",
+                TiffFile(kSide, kSide, TiffFile::Order::kDirectoryFirst)
+                    .grey32(std::vector<float>(kSide * kSide, 0.5f)),
+                {"out.tif"});
+    list.of("convertTIFFSingle", 0.0, "out.tif");
+    acceptWithoutDirectory(list, {"out.tif"});
+    list.of("saveAsTarga", 0.0, "out.tga");
+    list.accept("floats", colourFloat(), {"out.tga"});
+    list.accept("a row too few", colour8().entry(257, 1, kSide + 9), {"out.tga"});
+    list.accept("no width", colour8().entry(256, 1, 0), {"out.tga"});
+}
+
+void acceptOthers(List& list) {
+    list.of("mergeMapsPSD", 0.0, "all.map");
+    list.accept("the data at two places", psd().resources(12), psd(), {"all.map"});
+    list.of("swapRGBPSD", 1.0);
+    ByteList planes(3 * kSide * kSide, 9);
+    planes.back() = 1;
+    list.accept("Lab", psd().colourMode(9).planes(planes), {"one.map"});
+    list.accept("layers", psd().layers(8).planes(planes), {"one.map"});
+
+    const BmpFile topDown = bmp().claimSize(kSide, -8);
+    list.of("mergeMapsBMP", 0.0, "all.map");
+    list.accept("top-down", topDown, topDown, {});
+    list.of("swapRGBBMP", 2.0);
+    list.accept("top-down", topDown, {});
+    list.accept("32 bits", bmp().bitsPerPixel(32), {"one.map"});
+    list.accept("cut short", bmp().cut(200), {"one.map"});
+    list.of("CreateThumbnailBMP", 9.0);
+    list.accept("a narrow top-down image", topDown, {});
+    list.of("CreateThumbnailBMP", 8.0);
+    list.accept("of that size already", bmp(), {"one.map"});
+    list.of("CreateThumbnailBMP", 4.0);
+    list.accept("a side that becomes 0", BmpFile(kSide, 1), {"one.map"});
+    list.of("saveAsJpeg", 50.0, "out.jpg");
+    list.accept("65544 pixels wide", bmp().claimSize(65544, kSide), {"out.jpg"});
+    list.accept("pixels at byte 60", bmp().pixelOffset(60), {"out.jpg"});
+    list.accept("no pixels", bmp().cut(54), {"out.jpg"});
+}
+
+void acceptMeshes(List& list) {
+    const auto uvs = [] { return VemoBuilder().flatFaceUvs({{0, 1}, {10, 0}}); };
+    const ByteList emptyFirst = VemoBuilder().chunk(777, 0, 0).groups({1, 2}).bytes();
+    ByteList cut = uvs().bytes();
+    cut.pop_back();
+    list.of("getUVTile", 2.0);
+    list.accept("two tiles called 1011", uvs().bytes(), {}, 1);
+    list.accept("a byte short", cut, {}, 1);
+    list.of("getUVGroups");
+    list.accept("a chunk of length 0 first", emptyFirst, {}, 2);
+    list.of("getUVs", 2.0, "folder.d/mesh");
+    list.accept("a dot in the folder's name", uvs().bytes(), {"folder1011.Vemo"}, 1);
+    list.of("mergeCrease", 0.0, "all.map");
+    list.accept("no meshes", ByteList(14, 'x'), ByteList(20, 'y'), {"all.map"});
+}
+
+std::vector<Scenario> allAccepted() {
+    List list;
+    acceptTiff(list);
+    acceptOthers(list);
+    acceptMeshes(list);
+    return std::move(list.all);
+}
+
 std::vector<Scenario> allPaths() {
     List list;
     TiffFile directoryFirst(kSide, kSide, TiffFile::Order::kDirectoryFirst);
@@ -221,5 +319,10 @@ const std::vector<Scenario>& refusedFiles() {
 
 const std::vector<Scenario>& refusedPaths() {
     static const std::vector<Scenario> all = allPaths();
+    return all;
+}
+
+const std::vector<Scenario>& acceptedFiles() {
+    static const std::vector<Scenario> all = allAccepted();
     return all;
 }
