@@ -40,7 +40,8 @@ exactly 1 is already in the next tile. quillon tiles lists such faces, and quill
 --bits 16 also writes maps/model_height_16bit.tif, --targa maps/model_normal.tga,
 --thumbnail maps/model_normal_thumbnail.bmp.
 
-Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0.
+Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0. The mode is 2
+when it is left out here, but 0 in quillon call.
 )";
 
 struct ExportWords {
@@ -116,7 +117,7 @@ void addExtras(CLI::App& command, ExportOptions& options) {
     command
         .add_option("--thumbnail", options.thumbnail,
                     "Also write a thumbnail of a BMP, its longer side in pixels: 16 to 16384")
-        ->check(CLI::Range(16, 16384).description(""))
+        ->check(CLI::Range(std::uint32_t{16}, kMaxSheetSide).description(""))
         ->type_name("PIXELS");
     command
         .add_option_function<double>(
@@ -142,7 +143,7 @@ void addOutSizeAndTiles(CLI::App& command, ExportOptions& options) {
         ->type_name("DIR");
     command
         .add_option("--size", options.size, "Pixels of a map's longer side, at most: 16 to 16384")
-        ->check(CLI::Range(16, 16384).description(""))
+        ->check(CLI::Range(std::uint32_t{16}, kMaxSheetSide).description(""))
         ->type_name("PIXELS")
         ->capture_default_str();
     command.add_option("--tiles", options.tiles, "Text file that lists the tiles to export")

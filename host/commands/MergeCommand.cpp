@@ -84,10 +84,7 @@ struct MergeRun {
 };
 
 void copyTarget(MergeRun& run) {
-    const std::string& result = run.options.result();
-    std::error_code missing;
-    const fs::path target = fs::canonical(result, missing);  // a link stays one
-    const std::string path = missing ? result : target.string();
+    const std::string path = linkTarget(run.options.result());
     const std::string folder = fs::path(path).parent_path().string();
     run.working.create(folder.empty() ? "." : folder);
     run.map = run.working.addResult(path);

@@ -37,6 +37,7 @@ ExportOptions heightsOf(ExportOptions options) {
 
 // An export that has ended stays if the next one fails.
 void runTour(const Library& library, const ExportOptions& options, Report& report) {
+    requireConsistent(options);
     const std::string name = fs::path(options.mesh).stem().string();
     const std::string path = (fs::path(options.out) / (name + ".html")).string();
     requireFreePath(path);

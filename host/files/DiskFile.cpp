@@ -22,13 +22,6 @@ Failure failure(const std::string& action, const std::string& path, int error) {
     return Failure("cannot " + action + ' ' + path + ": " + std::strerror(error));
 }
 
-// The file to which a link leads, so that the link stays one.
-std::string targetOf(const std::string& path) {
-    std::error_code missing;
-    const fs::path target = fs::canonical(path, missing);
-    return missing ? path : target.string();
-}
-
 // A file that the user protected is not replaced by renaming another over it.
 void requireWritable(const std::string& path) {
     if (::access(path.c_str(), W_OK) != 0 && errno != ENOENT) throw failure("write", path, errno);
@@ -131,6 +124,13 @@ void requireFreePath(const std::string& path) {
         throw Failure(path + " exists and is not a file; move it or choose another folder");
 }
 
+std::string linkTarget(const std::string& path) {
+    std::error_code missing;
+    if (!fs::is_symlink(path, missing)) return path;
+    const fs::path target = fs::canonical(path, missing);
+    return missing ? path : target.string();
+}
+
 bool isSameFile(const std::string& a, const std::string& b) {
     std::error_code missing;
     return fs::equivalent(a, b, missing);
@@ -173,7 +173,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* wha
     return bytes;
 }
 
-OutputFile::OutputFile(std::string path) : path_(targetOf(path)) {
+OutputFile::OutputFile(std::string path) : path_(linkTarget(path)) {
     stopIfInterrupted();
     std::error_code ignored;
     const fs::file_status earlier = fs::status(path_, ignored);

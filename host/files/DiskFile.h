@@ -23,6 +23,9 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* wha
 // Throws Failure if `path`, to which a file will be written, exists and is not a file.
 void requireFreePath(const std::string& path);
 
+// Returns the file to which a link leads, so that writing it keeps the link, or else the path itself.
+std::string linkTarget(const std::string& path);
+
 // Whether both paths lead to one file.
 bool isSameFile(const std::string& a, const std::string& b);
 

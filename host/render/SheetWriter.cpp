@@ -7,7 +7,6 @@
 #include "files/PsdWriter.h"
 #include "files/TiffWriter.h"
 #include "render/Raster.h"
-#include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
 namespace {
@@ -94,18 +93,17 @@ void writeBmp(const std::string& path, const TileSheet& sheet, SheetRows& rows) 
 
 }  // namespace
 
-void requireMergeable(MapFormat format, const TileSheet& sheet, MapKind kind) {
+bool isMergeable(MapFormat format, const TileSheet& sheet, MapKind kind) {
     switch (format) {
         case MapFormat::kTiff: {
             const std::uint64_t pixels = std::uint64_t{sheet.width()} * sheet.height();
-            if (pixels * pixelBytesOf(kind) > kTiffPixelOffset) return;
-            throw Failure("a sheet of " + sizeText(sheet) +
-                          " pixels is too small to merge; raise --size");
+            return pixels * pixelBytesOf(kind) > kTiffPixelOffset;
         }
         case MapFormat::kPsd:
         case MapFormat::kBmp:
-            return;
+            return true;
     }
+    return true;
 }
 
 void writeSheet(const std::string& path, MapFormat format, const TileSheet& sheet, const Cell& cell,

@@ -7,9 +7,9 @@
 #include "render/TileRenderer.h"
 #include "render/TileSheet.h"
 
-// Throws Failure for a sheet that the format's merge would leave as it is: a TIFF is merged only if
-// its pixels take more bytes than what precedes them.
-void requireMergeable(MapFormat format, const TileSheet& sheet, MapKind kind);
+// False for a sheet that the format's merge would leave as it is: a TIFF is merged only if its pixels
+// take more bytes than what precedes them.
+bool isMergeable(MapFormat format, const TileSheet& sheet, MapKind kind);
 
 // Writes the sheet with this one cell painted. A PSD of heights has 16-bit samples, 0 to 1 as 0 to
 // 65535; a BMP holds RGB only. The first pixels of the top and of the bottom row stay background, from

@@ -19,6 +19,8 @@ struct Cell {
     std::uint32_t top;
 };
 
+inline constexpr std::uint32_t kMaxSheetSide = 16384;  // in pixels
+
 class TileSheet {
 public:
     // As many columns and rows as the tiles span; the longer side has up to `size` pixels. Throws

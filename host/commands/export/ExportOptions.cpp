@@ -12,6 +12,7 @@ void requireConsistent(const ExportOptions& options) {
         bool wrong;
         std::string sentence;
     } kRules[] = {
+        {options.out.empty(), "--out is empty; . is the current folder"},
         {!options.tiles.empty() && options.naming != 2, "--tiles needs --naming 2"},
         {height && format.heightBits == 0, "a " + title +
                                                " has 8 bits per sample, too few for heights; "

@@ -36,13 +36,27 @@ void requireVisibleThumbnail(std::uint32_t thumbnail, const TileSheet& sheet) {
     const std::uint32_t longer = std::max(sheet.width(), sheet.height());
     if (thumbnail <= longer && thumbnail * shorter <= longer)
         throw Failure("a sheet of " + sizeText(sheet) +
-                      " pixels is too thin for that thumbnail; raise --thumbnail");
+                      " pixels is too thin for that thumbnail; raise --thumbnail to " +
+                      std::to_string(longer / shorter + 1));
+}
+
+void requireMergeable(const TileSheet& sheet, const std::vector<TilePlace>& places,
+                      const ExportOptions& options) {
+    const auto isEnough = [&](const TileSheet& other) {
+        return isMergeable(options.format, other, options.map);
+    };
+    if (isEnough(sheet)) return;
+    std::uint32_t size = options.size;
+    while (!isEnough(TileSheet(places, size)))
+        ++size;
+    throw Failure("a sheet of " + sizeText(sheet) +
+                  " pixels is too small to merge; raise --size to " + std::to_string(size));
 }
 
 PlannedMap planMap(const std::vector<TilePlace>& places, const std::string& tile,
                    const ExportOptions& options) {
     PlannedMap map{tile, TileSheet(places, options.size), ExportFiles(options, tile)};
-    requireMergeable(options.format, map.sheet, options.map);
+    requireMergeable(map.sheet, places, options);
     if (options.thumbnail > 0) requireVisibleThumbnail(options.thumbnail, map.sheet);
     requireFreeOutputs(map.files, options);
     return map;

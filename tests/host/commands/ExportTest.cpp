@@ -155,6 +155,13 @@ TEST_F(Export, AMissingFilterIsReported) {
                 EndsWith("there is no tile filter " + dir.path("none.txt") + '\n'));
 }
 
+TEST_F(Export, AnEmptyFolderNameIsWrongUsage) {
+    out = "";
+    const Ended ended = quillon(words());
+    EXPECT_EQ(ended.exitStatus, 2);
+    EXPECT_EQ(ended.err, "quillon: --out is empty; . is the current folder\n");
+}
+
 TEST_F(Export, AFolderThatCannotBeCreatedIsReported) {
     for (const std::string& folder : {mesh + "/maps", mesh}) {
         out = folder;
@@ -184,7 +191,9 @@ TEST_F(Export, AFaceThatNamesAMissingVertexIsReported) {
 TEST_F(Export, TilesTooFarApartForTheSheetAreReported) {
     dir.write("two.Vemo", twoQuads(kMiddleOf1001, {5000.25f, 0.25f, 1.75f, 0.25f,  //
                                                    1.75f, 0.75f, 1.25f, 0.75f}));
-    EXPECT_THAT(fail(), HasSubstr("the tiles span 5001 columns and 1 rows"));
+    EXPECT_THAT(fail(),
+                HasSubstr("the tiles span 5001 columns and 1 rows, which a sheet of 16 pixels "
+                          "cannot show; raise --size to 5001, choose tiles"));
 }
 
 // A limit on the size of files acts as a full disk: it is tried at each step of the export.

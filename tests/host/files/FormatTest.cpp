@@ -179,7 +179,7 @@ TEST_F(Format, ASheetTooThinForItsThumbnailIsReported) {
     size = "64";
     EXPECT_THAT(fail({"--format", "bmp", "--thumbnail", "16"}),
                 EndsWith("a sheet of 41 x 1 pixels is too thin for that thumbnail; raise "
-                         "--thumbnail\n"));
+                         "--thumbnail to 42\n"));
 }
 
 // Each row: a file, and the options with which an export writes it.
