@@ -72,6 +72,7 @@ SeedFiles tiffSeeds() {
     return {
         {"grey8", TiffFile(4, 3).grey8(rising<std::uint8_t>(12)).bytes()},
         {"rgb8", TiffFile(4, 3).rgb8(rising<std::uint8_t>(36)).bytes()},
+        {"no-strip", TiffFile(4, 3).rgb8(rising<std::uint8_t>(36)).without(273).bytes()},
         {"grey16", TiffFile(3, 3).grey16(rising<std::uint16_t>(9)).bytes()},
         {"rgb16", TiffFile(3, 2).rgb16(rising<std::uint16_t>(18)).bytes()},
         {"grey32", TiffFile(4, 4).grey32(fractions(16)).bytes()},
