@@ -2,6 +2,7 @@
 
 #include <bit>
 #include <limits>
+#include <optional>
 
 #include "bytes/Bytes.h"
 #include "files/DiskFile.h"
@@ -19,21 +20,35 @@ using WordsOf = std::array<Word, sizeof(Element) / sizeof(Word)>;
 static_assert(sizeof(Point) == kVertexBytes && sizeof(Face) == kFaceBytes &&
               sizeof(FaceUvs) == kFaceUvBytes);
 
-// Returns the elements of the chunk `id`. Throws Failure if the file does not have them all.
-template <typename Element>
-std::vector<Element> elementsOf(const std::vector<std::uint8_t>& file, std::uint32_t id,
-                                const std::string& missing) {
+using ByteList = std::vector<std::uint8_t>;
+
+struct Chunk {
+    std::uint64_t elements;  // their offset
+    std::uint32_t count;
+};
+
+// Returns where the chunk `id` has its elements; nothing if the file does not have them all.
+std::optional<Chunk> findChunk(const ByteList& file, std::uint32_t id, std::size_t elementBytes) {
     Bytes bytes{file.data(), file.size()};
     std::uint64_t position = kFirstChunk;
     while (bytes.le32(position) != id) {
         const std::uint32_t length = bytes.le32(position + 4);
-        if (bytes.overran || length == 0) throw Failure(missing);
+        if (bytes.overran || length == 0) return {};
         position += length;
     }
-    const std::uint32_t count = bytes.le32(position + 8);
-    position += kChunkHeaderBytes;
-    if (bytes.overran || !bytes.holds(position, count, sizeof(Element))) throw Failure(missing);
-    std::vector<Element> elements(count);
+    const Chunk chunk{position + kChunkHeaderBytes, bytes.le32(position + 8)};
+    if (bytes.overran || !bytes.holds(chunk.elements, chunk.count, elementBytes)) return {};
+    return chunk;
+}
+
+// Throws Failure if the file does not have all elements of the chunk `id`.
+template <typename Element>
+std::vector<Element> elementsOf(const ByteList& file, std::uint32_t id,
+                                const std::string& missing) {
+    const auto chunk = findChunk(file, id, sizeof(Element));
+    if (!chunk) throw Failure(missing);
+    std::vector<Element> elements(chunk->count);
+    std::uint64_t position = chunk->elements;
     for (Element& element : elements) {
         WordsOf<Element> words;
         for (Word& word : words) {
@@ -43,6 +58,18 @@ std::vector<Element> elementsOf(const std::vector<std::uint8_t>& file, std::uint
         element = std::bit_cast<Element>(words);
     }
     return elements;
+}
+
+// No map needs the groups, so that a mesh with unusable ones is a mesh without.
+std::vector<std::int16_t> groupsOf(const ByteList& file, std::size_t faces) {
+    const auto chunk = findChunk(file, kFaceGroupChunk, kFaceGroupBytes);
+    if (!chunk || chunk->count != faces) return {};
+    std::vector<std::int16_t> groups;
+    groups.reserve(faces);
+    for (std::size_t i = 0; i < faces; ++i)
+        groups.push_back(
+            static_cast<std::int16_t>(loadLe16(&file[chunk->elements + i * kFaceGroupBytes])));
+    return groups;
 }
 
 void requireVertices(const VemoMesh& mesh, const std::string& path) {
@@ -55,8 +82,6 @@ void requireVertices(const VemoMesh& mesh, const std::string& path) {
         }
     }
 }
-
-using ByteList = std::vector<std::uint8_t>;
 
 void put32(ByteList& out, std::uint32_t value) {
     out.resize(out.size() + 4);
@@ -99,7 +124,7 @@ ByteList bytesOf(const VemoMesh& mesh) {
 }  // namespace
 
 VemoMesh readVemo(const std::string& path) {
-    const std::vector<std::uint8_t> file = readWholeFile(path, "mesh");
+    const ByteList file = readWholeFile(path, "mesh");
     const auto missing = [&](const char* what) {
         return path + " has no " + what + ", or they are cut short";
     };
@@ -111,6 +136,7 @@ VemoMesh readVemo(const std::string& path) {
         throw Failure(path + " is broken: it has " + std::to_string(mesh.faces.size()) +
                       " faces but UVs for " + std::to_string(mesh.uvs.size()));
     requireVertices(mesh, path);
+    mesh.groups = groupsOf(file, mesh.faces.size());
     return mesh;
 }
 

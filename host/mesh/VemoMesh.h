@@ -41,8 +41,9 @@ struct VemoMesh {
     std::vector<std::int16_t> groups;  // one per face; may be empty
 };
 
-// Reads vertices, faces and face UVs. Checks every size against the file's and every index against the
-// vertices; throws Failure for a file that is broken or lacks one of them.
+// Reads vertices, faces and face UVs, and face groups if the file has one for each face. Checks every
+// size against the file's and every index against the vertices; throws Failure for a file that is
+// broken or lacks one of the first three.
 VemoMesh readVemo(const std::string& path);
 
 // Writes a mesh with vertices, faces, face UVs and face groups, in this order.

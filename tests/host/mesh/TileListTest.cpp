@@ -6,7 +6,7 @@
 
 #include "mesh/ClampUvs.h"
 #include "support/Plugin.h"
-#include "support/TempDir.h"
+#include "support/VemoBuilder.h"
 
 namespace {
 
@@ -139,6 +139,18 @@ TEST(TileList, ATriangleHasThreeCorners) {
     const std::vector<UvTile> tiles = tilesOf(mesh, 2);
     EXPECT_EQ(tiles[0].crossing.count, 0u);
     EXPECT_EQ(tiles[0].u.high, 0.5f);
+}
+
+// Groups in another number than faces are no face groups.
+TEST(VemoMesh, HasTheFaceGroupsOfAFile) {
+    const TempDir dir;
+    VemoBuilder file;
+    file.vertices({{0, 0, 0}}).faces({{0, 0, 0, 0}, {0, 0, 0, -1}}).faceUvs({{}, {}});
+    EXPECT_THAT(readVemo(dir.write("none.Vemo", file.bytes())).groups, ElementsAre());
+    VemoBuilder one = file;
+    EXPECT_THAT(readVemo(dir.write("one.Vemo", one.groups({7}).bytes())).groups, ElementsAre());
+    EXPECT_THAT(readVemo(dir.write("two.Vemo", file.groups({-1, 300}).bytes())).groups,
+                ElementsAre(-1, 300));
 }
 
 // Each row: the left and right side of a square as they are and as they become. Below 0 a coordinate is
