@@ -22,8 +22,8 @@ int run(int argc, char** argv) {
     CommandLine line;
     for (const auto add :
          {addCallCommand, addScriptCommand, addDescribeCommand, addReferenceCommand,
-          addInspectCommand, addImportCommand, addExportCommand, addTourCommand, addMergeCommand,
-          addCompletionsCommand})
+          addInspectCommand, addImportCommand, addTilesCommand, addExportCommand, addTourCommand,
+          addMergeCommand, addCompletionsCommand})
         add(line);
     const bool succeeded = line.run(argc, argv);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)

@@ -13,6 +13,7 @@ constexpr const char* kExamples = R"(Examples:
   quillon inspect all.tif
   quillon script calls.txt
   quillon import model.obj model.Vemo --tile-per-group
+  quillon tiles model.Vemo
   quillon export model.Vemo --out maps
   quillon tour model.Vemo --out maps
   quillon merge all.tif 1001.tif 1002.tif

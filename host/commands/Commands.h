@@ -9,6 +9,7 @@ void addDescribeCommand(CommandLine& line);
 void addReferenceCommand(CommandLine& line);
 void addInspectCommand(CommandLine& line);
 void addImportCommand(CommandLine& line);
+void addTilesCommand(CommandLine& line);
 void addExportCommand(CommandLine& line);
 void addTourCommand(CommandLine& line);
 void addMergeCommand(CommandLine& line);

@@ -47,11 +47,6 @@ std::string placeName(const char* beforeColumn, std::int64_t column, const char*
     return beforeColumn + std::to_string(column) + beforeRow + std::to_string(row);
 }
 
-std::string groupText(std::int16_t group, const std::vector<std::string>& names) {
-    const auto index = static_cast<std::size_t>(group);
-    return group >= 0 && index < names.size() ? names[index] : std::to_string(group);
-}
-
 }  // namespace
 
 std::int32_t tileOf(float coordinate) {
@@ -109,6 +104,24 @@ CrossingFaces crossingFaces(const std::vector<UvTile>& tiles) {
     std::ranges::sort(all.first, {}, &FaceInGroup::face);
     all.first.resize(std::min(all.first.size(), CrossingFaces::kNamed));
     return all;
+}
+
+std::string groupsText(const FacesByGroup& groups) {
+    constexpr std::size_t kShown = 8;
+    std::string text;
+    std::size_t shown = 0;
+    for (const auto& [group, faces] : groups) {
+        if (shown == kShown)
+            return text + " and " + std::to_string(groups.size() - kShown) + " more";
+        if (shown++ > 0) text += ' ';
+        text += std::to_string(group);
+    }
+    return text;
+}
+
+std::string groupText(std::int16_t group, const std::vector<std::string>& names) {
+    const auto index = static_cast<std::size_t>(group);
+    return group >= 0 && index < names.size() ? names[index] : std::to_string(group);
 }
 
 std::string textOf(const CrossingFaces& faces, const std::vector<std::string>& groupNames) {

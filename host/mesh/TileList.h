@@ -33,14 +33,16 @@ struct CrossingFaces {
     std::vector<FaceInGroup> first;  // the first kNamed
 };
 
+using FacesByGroup = std::map<std::int16_t, std::size_t>;  // how many faces each face group has
+
 struct UvTile {
     std::int32_t column = 0;
     std::int32_t row = 0;
     std::size_t faces = 0;  // the faces whose first corner is in the tile
     Extent u;               // of all corners of these faces
     Extent v;
-    std::map<std::int16_t, std::size_t> groups;  // how many of these faces each face group has
-    CrossingFaces crossing;                      // of these faces
+    FacesByGroup groups;     // of these faces
+    CrossingFaces crossing;  // of these faces
 };
 
 // Returns the tiles of a mesh in the order in which the library writes them in a naming mode: that of
@@ -62,6 +64,11 @@ std::vector<SharedName> collisions(const std::vector<UvTile>& tiles, int naming)
 // Returns the crossing faces of all these tiles.
 CrossingFaces crossingFaces(const std::vector<UvTile>& tiles);
 
-// Returns "face 0 (group 2), face 7 (group 2) and 40 more". Where there are names of groups, they take
-// the place of the numbers.
+// Returns "0 3 7", or the first 8 "and 40 more".
+std::string groupsText(const FacesByGroup& groups);
+
+// Returns the name of a group, or its number if it has none.
+std::string groupText(std::int16_t group, const std::vector<std::string>& names = {});
+
+// Returns "face 0 (group 2), face 7 (group 2) and 40 more".
 std::string textOf(const CrossingFaces& faces, const std::vector<std::string>& groupNames = {});

@@ -18,7 +18,8 @@ std::string offered(const Words& words) {
 // Each row: the words behind "quillon", the last one unfinished, and what is offered for it.
 TEST(Completions, OfferWhatTheCommandLineTakes) {
     const std::vector<std::pair<Words, const char*>> kCases = {
-        {{""}, "call script describe reference inspect import export tour merge completions "},
+        {{""},
+         "call script describe reference inspect import tiles export tour merge completions "},
         {{"ex"}, "export "},
         {{"--"}, "--help --version --library "},
         {{"--library", "x.so", "ca"}, "call "},
