@@ -39,7 +39,7 @@ float inTile(double local, std::size_t tile) {
 }
 
 std::vector<GroupExtent> extentsOf(const ObjModel& model) {
-    std::vector<GroupExtent> extents(model.groupCount);
+    std::vector<GroupExtent> extents(model.groupNames.size());
     for (std::size_t face = 0; face < model.mesh.faces.size(); ++face) {
         GroupExtent& extent = extents[static_cast<std::size_t>(model.mesh.groups[face])];
         for (const Uv& uv : model.mesh.uvs[face]) {

@@ -1,11 +1,11 @@
 #include <gmock/gmock.h>
 
-#include "bytes/Bytes.h"
-#include "host/Quillon.h"
+#include "host/ExportedQuads.h"
 
 namespace {
 
 using ::testing::ElementsAre;
+using ::testing::EndsWith;
 using ::testing::FloatEq;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -66,13 +66,12 @@ TEST_F(Import, WritesVerticesFacesUvsGroupsAndTheClosingHeader) {
 }
 
 // Three triangles, of which the last one belongs to the first one's group again. A model with one
-// group has its materials as groups.
+// group has its materials as groups, also without the file that describes them.
 TEST_F(Import, GroupsAreNumberedByTheirFirstFaces) {
-    dir.write("two.mtl", "newmtl red\nnewmtl blue\n");
     const std::string corners = "v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n";
     for (const std::string faces :
          {"g a\nf 1/1 2/1 3/1\ng b\nf 1/1 3/1 2/1\ng a\nf 3/1 2/1 1/1\n",
-          "mtllib two.mtl\nusemtl blue\nf 1/1 2/1 3/1\nusemtl red\nf 1/1 3/1 2/1\n"
+          "mtllib none.mtl\nusemtl blue\nf 1/1 2/1 3/1\nusemtl red\nf 1/1 3/1 2/1\n"
           "usemtl blue\nf 3/1 2/1 1/1\n"}) {
         const ByteList mesh = import(corners + faces);
         ASSERT_EQ(mesh.size(), 32u + 52 + 64 + 112 + 22 + 16);
@@ -125,14 +124,25 @@ TEST_F(Import, AGroupAcrossABorderIsMovedWithoutBeingMadeLarger) {
     EXPECT_THAT(floatsAt(mesh, uvOffset(1), 6), ElementsAre(0, 0, 0.5f, 0, 0, 0.5f));
 }
 
-// grep counts the vertices, faces and groups; a separate reading of the UVs, which reach below 0 and
-// beyond 1, finds nine tiles.
+// grep counts the vertices, faces and groups; a separate reading of the UVs in Python, which reach below
+// 0 and beyond 1, finds nine tiles and the faces in several of them.
 TEST_F(Import, ReadsARealModel) {
     const std::string mesh = dir.path("m.Vemo");
     const Words import = {"import", "/usr/share/assimp/models/OBJ/spider.obj", mesh};
-    EXPECT_EQ(quillon(import).out, mesh + ": vertices 762, quads 0, triangles 1368, groups 19\n");
+    const std::string out = quillon(import).out;
+    EXPECT_THAT(out, StartsWith(mesh + ": vertices 762, quads 0, triangles 1368, groups 19\n"));
+    EXPECT_THAT(out, HasSubstr("\n  group Bein1Re: tiles 1001 1002 1011\n"));
+    EXPECT_THAT(out, HasSubstr("\n  group Zahn: tile 1001\n"));
+    EXPECT_THAT(
+        out, HasSubstr("\n317 faces reach out of their tiles and are not painted: face 20 (group "
+                       "HLeib01), face 21 (group HLeib01), face 23 (group HLeib01) and 314 more\n"
+                       "to paint those that end exactly where the next tile begins (235), import "
+                       "the model with --clamp-uv\n"
+                       "to paint those that reach further (82), move their UVs into one tile, or "
+                       "import the model with --tile-per-group\n"));
     EXPECT_THAT(quillon({"call", "getUVTile", mesh}).out, StartsWith("status   9\n"));
-    EXPECT_EQ(quillon(import, {"--tile-per-group"}).exitStatus, 0);
+    EXPECT_THAT(quillon(import, {"--tile-per-group"}).out,
+                EndsWith("\n  group Auge: tile 1018\n  group Duplicate05: tile 1019\n"));
     EXPECT_THAT(quillon({"call", "getUVTile", mesh}).out, StartsWith("status   19\n"));
 }
 
@@ -144,23 +154,83 @@ TEST_F(Import, RefusesWhatIsNoModelWithAReason) {
     EXPECT_THAT(failureOf(std::string_view("\0\xFF\x01v f\0", 7)), HasSubstr("has no faces"));
 }
 
-// Each row: what follows three vertices and a UV, and a part of the error.
-TEST_F(Import, RefusesABrokenModelWithAReason) {
-    std::string polygon = "f";
-    for (int i = 0; i < 259; ++i)
-        polygon += " 1/1";
+// Each row: lines 5 and 6 of a model, and the end of the error.
+TEST_F(Import, RefusesABrokenModelWithALineAndAReason) {
+    constexpr const char* kNoVertex = "line 5: the face names a vertex that does not exist\n";
+    constexpr const char* kNoUvs = "line 5: the face has no UVs; give the model UVs first\n";
     const std::vector<std::pair<std::string, const char*>> kCases = {
-        {"f 1/1 2/1 4/1", "vertex that does not exist"},
-        {"f 1/1 2/1 -9/1", "vertex that does not exist"},
-        {"f 1/1 2/1 3/2", "UVs that do not exist"},
-        {"f 0/1 2/1 3/1", "is broken: "},
-        {"v 1e999 0 0\nf 1/1 2/1 3/1", "range of numbers"},
-        {"f 1 2 3", "has faces without UVs; give them UVs first"},
-        {polygon, "more than 255 corners"},
+        {"f 1/1 2/1 4/1", kNoVertex},
+        {"f 1/1 2/1 -9/1", kNoVertex},
+        {"f 0/1 2/1 3/1", "line 5: the face has no vertex there\n"},
+        {"f 1/1 2/1 3/2", "line 5: the face names UVs that do not exist\n"},
+        {"f 1 2 3", kNoUvs},
+        {"f 1/1 2/1 3//1", kNoUvs},
+        {"v a b c", "line 5: \"a\" is not a finite number\n"},
+        {"v 1 nan 0", "line 5: \"nan\" is not a finite number\n"},
+        {"v 1 0 -inf", "line 5: \"-inf\" is not a finite number\n"},
+        {"v 1e999 0 0", "line 5: \"1e999\" is not a finite number\n"},
+        {"v 1e39 0 0", "line 5: \"1e39\" is too large for a 32-bit float\n"},
+        {"v 1 2", "line 5: the line needs 3 numbers and has 2\n"},
+        {"vt 0,5 0,5", "line 5: \"0,5\" is not a finite number; write decimals with a point\n"},
+        {"vt 0.5\t", "line 5: the line needs 2 numbers and has 1\n"},
+        {"vt 0 1e30", "line 5: \"1e30\" is too far from 0: UVs reach up to 1000000\n"},
+        {"v 0 \\\n0 0\nvt x 0", "line 7: \"x\" is not a finite number\n"},
     };
-    for (const auto& [faces, sentence] : kCases)
-        EXPECT_THAT(failureOf("v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n" + faces + '\n'),
-                    HasSubstr(sentence));
+    for (const auto& [lines, sentence] : kCases)
+        EXPECT_THAT(failureOf("v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\n" + lines + "\nf 1/1 2/1 3/1\n"),
+                    EndsWith("model.obj, " + std::string(sentence)));
+}
+
+// Each row: the same model, written in another way.
+TEST_F(Import, ReadsLinesHoweverTheyAreWritten) {
+    const ByteList want = import("v 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nf 1/1 2/1 3/1\n");
+    for (const char* const text :
+         {"\xEF\xBB\xBFv 0 0 0\nv 1 0 0\nv 1 1 0\nvt 0 0\nf 1/1 2/1 3/1",
+          "v 0 0 0\rv 1 0 0\rv 1 1 0\rvt 0 0\rf 1/1 2/1 3/1",
+          "v 0 0 0\r\nv 1 0 0\r\nv 1 1 0\r\nvt 0 0\r\nf 1/1 2/1 3/1\r\n",
+          "v 0 \\\n0 0\nv 1\\\r\n0\\\r0\n  v\t+1. 1e0 1e-999 9\n# C:\\\nvt 0 .0\nf 1/1 2/1 "
+          "\\\n3/1\\",
+          "f 1/1 2/1 3/1\nf 1/1 2/1\nv 0 0 0 red\nv 1 0 0\nv 1 1 0\nvt 0 0 nan\n"})
+        EXPECT_EQ(import(text), want) << text;
+}
+
+// A unit square, whose corners at 1 are in the next tiles.
+constexpr const char* kUnitSquare =
+    "v 0 0 0\nv 1 0 0\nv 1 1 0\nv 0 1 0\nvt 0 0\nvt 1 0\nvt 1 1\nvt 0 1\n"
+    "g cloth\nf 1/1 2/2 3/3 4/4\n";
+
+TEST_F(Import, CornersAtTheEndOfATileAreReportedOrMoved) {
+    const Words words{"import", dir.write("square.obj", kUnitSquare), dir.path("m.Vemo")};
+    EXPECT_EQ(
+        quillon(words).out,
+        dir.path("m.Vemo") +
+            ": vertices 4, quads 1, triangles 0, groups 1\n"
+            "  group cloth: tile 1001\n"
+            "1 face reaches out of its tile and is not painted: face 0 (group cloth)\n"
+            "to paint those that end exactly where the next tile begins (1), import the model "
+            "with --clamp-uv\n");
+    EXPECT_THAT(quillon(words, {"--json"}).out,
+                HasSubstr(R"("groups":1,"tilesOfGroups":[{"group":"cloth","tiles":["1001"]}],)"
+                          R"("crossing":{"count":1,"touching":1,"first":[{"face":0,)"
+                          R"("group":"cloth"}]},"sharedNames":[]})"));
+    EXPECT_THAT(quillon(words, {"--clamp-uv"}).out,
+                EndsWith("  group cloth: tile 1001\n"
+                         "corners moved below the end of their tiles: 3\n"));
+    EXPECT_THAT(quillon(words, {"--clamp-uv", "--json"}).out,
+                HasSubstr(R"("clampedCorners":3,"crossing":{"count":0,)"));
+}
+
+// Without --clamp-uv the map stays as the background, black.
+TEST_F(Import, AClampedUnitSquareIsPaintedToItsEdges) {
+    const std::string model = dir.write("square.obj", kUnitSquare);
+    const Words words{"import", model, dir.path("m.Vemo")};
+    for (const bool clamped : {false, true}) {
+        quillon(words, clamped ? Words{"--clamp-uv"} : Words{});
+        quillon({"export", dir.path("m.Vemo"), "--out", dir.path("maps"), "--size", "16"});
+        for (const std::uint32_t x : {0u, 15u})
+            EXPECT_EQ(Map(dir.path("maps/m_normal.tif")).rgb(x, 0),
+                      clamped ? kFacesZ : kBackground);
+    }
 }
 
 TEST_F(Import, AFullDiskOrAMissingFolderIsReported) {
