@@ -7,6 +7,7 @@
 #include "exports/Meanings.h"
 #include "files/DiskFile.h"
 #include "files/FileFacts.h"
+#include "mesh/TileList.h"
 #include "page/CopyTime.h"
 #include "page/Html.h"
 #include "terminal/Failure.h"
@@ -76,7 +77,7 @@ void ExportPage::addTile(const std::string& name, const VemoMesh& tile, const st
         colourFaces(colours_, tile, colour);
         const Picture layout = pictureOfLayout(tile, colour, kTileSide);
         PagePicture picture = pictureOf(layout, "UVs of " + name);
-        page_.tiles.push_back({name, cssOf(colour), {std::move(picture)}});
+        page_.tiles.push_back({name, cssOf(colour), groupsIn(tile), {std::move(picture)}});
         card = page_.tiles.end() - 1;
     }
     const std::string caption = page_.chapters.back().title + " of " + name;
@@ -154,6 +155,14 @@ PageCall ExportPage::callAt(std::size_t index) const {
             copy == work_->copies.end() ? std::nullopt : std::optional(copy->second)};
 }
 
+std::string ExportPage::groupsIn(const VemoMesh& tile) const {
+    FacesByGroup groups;
+    for (std::size_t face = 0; face < std::min(mesh_.groups.size(), tile.uvs.size()); ++face) {
+        if (isInTile(tile.uvs[face][0])) ++groups[mesh_.groups[face]];
+    }
+    return groupsText(groups);
+}
+
 std::string ExportPage::lead() const {
     std::size_t calls = 0;
     double milliseconds = 0.0;
@@ -162,7 +171,11 @@ std::string ExportPage::lead() const {
         for (const PageCall& call : chapter.calls)
             milliseconds += call.milliseconds;
     }
+    const std::size_t crossing = crossingFaces(tilesOf(mesh_, kNumberNaming)).count;
+    const std::string unpainted = crossing == 0 ? ""
+                                                : " No map shows " + counted(crossing, "face") +
+                                                      " with corners in several tiles.";
     return counted(mesh_.faces.size(), "face") + " on " + counted(page_.tiles.size(), "UV tile") +
            ", a colour each; " + counted(calls, "call") + " to the library took " +
-           fixed(milliseconds, 1) + " ms.";
+           fixed(milliseconds, 1) + " ms." + unpainted;
 }

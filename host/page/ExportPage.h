@@ -49,6 +49,7 @@ private:
     PagePicture pictureOf(const Picture& picture, const std::string& caption);
     std::string workFile(const char* name) const;
     PageCall callAt(std::size_t index) const;
+    std::string groupsIn(const VemoMesh& tile) const;  // the face groups of a tile's faces
     std::string lead() const;
 
     // The state of the export that runs.

@@ -107,7 +107,8 @@ std::string tilesOf(const Page& page) {
         for (const PagePicture& picture : tile.pictures)
             html += imageOf(picture);
         html += "</div><figcaption><span class=\"dot\" style=\"background:" + tile.colour +
-                "\"></span>" + escaped(tile.name) + "</figcaption></figure>\n";
+                "\"></span>" + escaped(tile.name) +
+                (tile.groups.empty() ? "" : ": group " + tile.groups) + "</figcaption></figure>\n";
     }
     return html + "</div>\n";
 }

@@ -26,6 +26,7 @@ struct PagePicture {
 struct PageTile {
     std::string name;
     std::string colour;  // in CSS
+    std::string groups;  // the numbers of its face groups; may be empty
     std::vector<PagePicture> pictures;
 };
 

@@ -103,6 +103,19 @@ TEST_F(Page, ShowsTheModelTheTilesAndTheSheetAfterEveryStep) {
     EXPECT_TRUE(isNear(decoded(pictures[8]).at(16, 16), {128, 255, 128}));
 }
 
+// The face of group 7 reaches from the second tile into the next.
+TEST_F(Page, SaysWhichGroupsATileHasAndHowManyFacesNoMapShows) {
+    ByteList bytes = twoQuads(kMiddleOf1001, {1.5f, 0.25f, 2.5f, 0.25f, 2.5f, 0.75f, 1.5f, 0.75f});
+    const ByteList groups = VemoBuilder().groups({3, 7}).closing().bytes();
+    bytes.resize(bytes.size() - 16);  // the closing header
+    bytes.insert(bytes.end(), groups.begin() + 32, groups.end());
+    dir.write("two.Vemo", bytes);
+    picturesOf({});
+    EXPECT_THAT(text(), HasSubstr("</span>1001: group 3</figcaption>"));
+    EXPECT_THAT(text(), HasSubstr("</span>1002: group 7</figcaption>"));
+    EXPECT_THAT(text(), HasSubstr(" ms. No map shows 1 face with corners in several tiles."));
+}
+
 // The middles of the two tiles, before the second is there and after.
 TEST_F(Page, TheSheetGrowsByATileWithEveryMerge) {
     const std::vector<Shown> pictures = picturesOf({});
