@@ -23,7 +23,7 @@ int run(int argc, char** argv) {
     for (const auto add :
          {addCallCommand, addScriptCommand, addDescribeCommand, addReferenceCommand,
           addInspectCommand, addImportCommand, addTilesCommand, addExportCommand, addTourCommand,
-          addMergeCommand, addCompletionsCommand})
+          addMergeCommand, addFixCommand, addCompletionsCommand})
         add(line);
     const bool succeeded = line.run(argc, argv);
     if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)

@@ -17,6 +17,7 @@ constexpr const char* kExamples = R"(Examples:
   quillon export model.Vemo --out maps
   quillon tour model.Vemo --out maps
   quillon merge all.tif 1001.tif 1002.tif
+  quillon fix painted.tif all.tif
   quillon --library build/release/libQuillon.so call Version
 
 Exit status: 0 success, 1 failure, 2 wrong usage, 130 interrupted.

@@ -13,6 +13,7 @@ void addTilesCommand(CommandLine& line);
 void addExportCommand(CommandLine& line);
 void addTourCommand(CommandLine& line);
 void addMergeCommand(CommandLine& line);
+void addFixCommand(CommandLine& line);
 void addCompletionsCommand(CommandLine& line);
 
 // Adds --out, --size, --tiles, --no-clobber and --force, for export and tour.

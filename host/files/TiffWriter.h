@@ -11,7 +11,7 @@ struct TiffFormat {
     std::uint32_t width;
     std::uint32_t height;
     std::uint16_t channels;  // 1: grey, 3: RGB
-    std::uint16_t bits;      // of a sample: 8, or 32 for a float
+    std::uint16_t bits;      // of a sample: 8 or 16, or 32 for a float
 
     std::uint32_t pixelBytes() const { return std::uint32_t{channels} * bits / 8; }
     std::uint64_t pixelsBytes() const { return std::uint64_t{width} * height * pixelBytes(); }

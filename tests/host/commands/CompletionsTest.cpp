@@ -19,7 +19,7 @@ std::string offered(const Words& words) {
 TEST(Completions, OfferWhatTheCommandLineTakes) {
     const std::vector<std::pair<Words, const char*>> kCases = {
         {{""},
-         "call script describe reference inspect import tiles export tour merge completions "},
+         "call script describe reference inspect import tiles export tour merge fix completions "},
         {{"ex"}, "export "},
         {{"--"}, "--help --version --library "},
         {{"--library", "x.so", "ca"}, "call "},
