@@ -1,9 +1,16 @@
 // quillon: a command-line host for the library. Each command has its own file in commands/.
 
+#include <poll.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <csignal>
 #include <cstdio>
+#include <cstring>
 #include <exception>
+#include <filesystem>
 #include <new>
+#include <string>
 
 #include "commands/Commands.h"
 #include "terminal/Colour.h"
@@ -15,25 +22,43 @@ namespace {
 constexpr int kSuccess = 0;
 constexpr int kFailure = 1;
 constexpr int kWrongUsage = 2;
-constexpr int kSignalled = 128;  // plus the signal, as shells report it
+constexpr int kSignalled = 128;    // plus the signal, as shells report it
+constexpr int kNobodyReads = 141;  // as shells report a program that SIGPIPE ended
 
-// Returns the exit status.
-int run(int argc, char** argv) {
-    CommandLine line;
+void addCommands(CommandLine& line) {
     for (const auto add :
          {addCallCommand, addScriptCommand, addDescribeCommand, addReferenceCommand,
           addInspectCommand, addImportCommand, addTilesCommand, addExportCommand, addTourCommand,
           addMergeCommand, addFixCommand, addCompletionsCommand})
         add(line);
-    const bool succeeded = line.run(argc, argv);
-    if (std::fflush(stdout) != 0 || std::ferror(stdout) != 0)
-        throw Failure("the output could not be written");
-    return succeeded ? kSuccess : kFailure;
 }
 
-int stopped(const char* sentence, int status) {
+// Whether standard output is a pipe whose reader has ended.
+bool isPipeClosed() {
+    pollfd output{STDOUT_FILENO, POLLOUT, 0};
+    return ::poll(&output, 1, 0) == 1 && (output.revents & POLLERR) != 0;
+}
+
+// Returns the exit status. Nobody is told about output that nobody wants to read.
+int run(CommandLine& line, int argc, char** argv) {
+    const bool succeeded = line.run(argc, argv);
+    errno = 0;
+    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
+        return succeeded ? kSuccess : kFailure;
+    if (isPipeClosed()) return kNobodyReads;
+    throw Failure("the output could not be written" +
+                  (errno == 0 ? "" : std::string(": ") + std::strerror(errno)));
+}
+
+int stopped(const CommandLine& line, const std::string& sentence, int status) {
+    line.reportFailure(sentence, status);
     printError(sentence);
     return status;
+}
+
+// The text of such an exception names a function of C++.
+std::string sentenceOf(const std::filesystem::filesystem_error& error) {
+    return "cannot use " + error.path1().string() + ": " + error.code().message();
 }
 
 }  // namespace
@@ -43,15 +68,19 @@ int main(int argc, char** argv) {
     // program, which has working files to delete.
     std::signal(SIGPIPE, SIG_IGN);
     std::signal(SIGXFSZ, SIG_IGN);
+    CommandLine line;
     try {
-        return run(argc, argv);
+        addCommands(line);
+        return run(line, argc, argv);
     } catch (const WrongUsage& wrong) {
-        return stopped(wrong.what(), kWrongUsage);
+        return stopped(line, wrong.what(), kWrongUsage);
     } catch (const Interrupted& interrupted) {
-        return stopped(interrupted.what(), kSignalled + interrupted.signal());
+        return stopped(line, interrupted.what(), kSignalled + interrupted.signal());
     } catch (const std::bad_alloc&) {
-        return stopped("there is too little memory", kFailure);
+        return stopped(line, "there is too little memory", kFailure);
+    } catch (const std::filesystem::filesystem_error& error) {
+        return stopped(line, sentenceOf(error), kFailure);
     } catch (const std::exception& failure) {
-        return stopped(failure.what(), kFailure);
+        return stopped(line, failure.what(), kFailure);
     }
 }

@@ -1,10 +1,21 @@
 #include "calls/CallWords.h"
 
 #include <CLI/CLI.hpp>
-#include <algorithm>
+#include <cstdlib>
 
-#include "exports/Exports.h"
 #include "terminal/Failure.h"
+
+namespace {
+
+double numberFrom(const std::string& word) {
+    char* end = nullptr;
+    const double number = std::strtod(word.c_str(), &end);
+    if (word.empty() || end != word.c_str() + word.size())
+        throw WrongUsage("--value takes a number, not '" + word + '\'');
+    return number;
+}
+
+}  // namespace
 
 void addCallWords(CLI::App& command, NamedCall& call) {
     // An empty word is a text, too, which CLI11 does not put into an optional one by itself.
@@ -17,25 +28,14 @@ void addCallWords(CLI::App& command, NamedCall& call) {
         .add_option_function<std::string>("TEXT", setTo(arguments.text),
                                           "The first argument: a path or another text")
         ->type_name("");
-    command.add_option("--value,VALUE", arguments.value, "The number; 0 when left out")
+    const auto setValue = [&arguments](const std::string& word) {
+        arguments.value = numberFrom(word);
+    };
+    command
+        .add_option_function<std::string>("--value,VALUE", setValue, "The number; 0 when left out")
         ->type_name("N");
     command
         .add_option_function<std::string>("--buffer,BUFFER", setTo(arguments.buffer),
                                           "The second path")
         ->type_name("PATH");
-}
-
-NamedCall callFrom(std::vector<std::string> words) {
-    CLI::App command;
-    command.set_help_flag();
-    NamedCall call;
-    addCallWords(command, call);
-    std::ranges::reverse(words);  // as CLI11 takes them
-    try {
-        command.parse(std::move(words));
-    } catch (const CLI::ParseError& error) {
-        throw WrongUsage(error.what());
-    }
-    requireExport(call.name);
-    return call;
 }

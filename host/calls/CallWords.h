@@ -3,7 +3,6 @@
 //   EXPORT [TEXT [VALUE [BUFFER]]], the last two also as --value VALUE and --buffer BUFFER.
 
 #include <string>
-#include <vector>
 
 #include "exports/CallArguments.h"
 
@@ -16,8 +15,6 @@ struct NamedCall {
     CallArguments arguments;
 };
 
-// Declares the words, which parsing the command puts into `call`.
+// Declares the words, which parsing the command puts into `call`. Parsing throws WrongUsage for a
+// value that is no number.
 void addCallWords(CLI::App& command, NamedCall& call);
-
-// Returns the call of an existing export that these words describe. Throws WrongUsage.
-NamedCall callFrom(std::vector<std::string> words);

@@ -34,6 +34,7 @@ void printSize(const std::string& path);
 class Report {
 public:
     OutputStyle style = OutputStyle::kLines;
+    bool isSummary = false;  // JSON without the calls
     bool isJson() const { return style == OutputStyle::kJson; }
     bool hasLines() const {
         return style == OutputStyle::kLines || style == OutputStyle::kAllLines;
@@ -43,12 +44,14 @@ public:
     void set(const char* name, Json value) { object_[name] = std::move(value); }
     // Adds an element to a list of results.
     void append(const char* name, Json value) { object_[name].push_back(std::move(value)); }
-    void addCall(const CallRecord& call) { object_["calls"].push_back(jsonOf(call)); }
+    void addCall(const CallRecord& call) {
+        if (!isSummary) object_["calls"].push_back(jsonOf(call));
+    }
     void addFile(const std::string& path);
 
     void printSuccess() const { print({{"success", true}}); }
-    void printFailure(const std::string& sentence) const {
-        print({{"success", false}, {"error", sentence}});
+    void printFailure(const std::string& sentence, int exitStatus) const {
+        print({{"success", false}, {"error", sentence}, {"exitStatus", exitStatus}});
     }
 
 private:

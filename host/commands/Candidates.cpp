@@ -38,22 +38,6 @@ std::vector<std::string> valuesOf(const CLI::Option& option, const OptionChoices
     return found == choices.end() ? std::vector<std::string>() : found->second;
 }
 
-std::vector<std::string> optionNames(const CLI::App& command) {
-    std::vector<std::string> names;
-    for (const CLI::Option* option : command.get_options()) {
-        for (const std::string& name : option->get_lnames())
-            names.push_back("--" + name);
-    }
-    return names;
-}
-
-std::vector<std::string> commandNames(const CLI::App& app) {
-    std::vector<std::string> names;
-    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
-        names.push_back(command->get_name());
-    return names;
-}
-
 std::vector<std::string> positionalValues(const Position& position, const OptionChoices& choices) {
     const auto positionals = position.command->get_options(
         [](const CLI::Option* option) { return option->get_positional(); });
@@ -70,6 +54,22 @@ std::vector<std::string> wordsAt(const Position& position, const OptionChoices& 
 }
 
 }  // namespace
+
+std::vector<std::string> optionNames(const CLI::App& command) {
+    std::vector<std::string> names;
+    for (const CLI::Option* option : command.get_options()) {
+        for (const std::string& name : option->get_lnames())
+            names.push_back("--" + name);
+    }
+    return names;
+}
+
+std::vector<std::string> commandNames(const CLI::App& app) {
+    std::vector<std::string> names;
+    for (const CLI::App* command : app.get_subcommands([](const CLI::App*) { return true; }))
+        names.push_back(command->get_name());
+    return names;
+}
 
 std::vector<std::string> candidatesFor(const CLI::App& app, const OptionChoices& choices,
                                        const std::vector<std::string>& words) {

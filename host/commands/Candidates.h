@@ -14,6 +14,10 @@ class Option;
 // The words that an option accepts, for those that accept only a few.
 using OptionChoices = std::map<const CLI::Option*, std::vector<std::string>>;
 
+// The names of all commands, and of the options of one with their dashes.
+std::vector<std::string> commandNames(const CLI::App& app);
+std::vector<std::string> optionNames(const CLI::App& command);
+
 // Returns the candidates for the last of the words after "quillon", which is unfinished and may be
 // empty. None where a path, a number or a text is expected: there the shell offers files.
 std::vector<std::string> candidatesFor(const CLI::App& app, const OptionChoices& choices,

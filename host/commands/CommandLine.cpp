@@ -3,7 +3,9 @@
 #include <algorithm>
 #include <cstdio>
 
+#include "commands/Mistakes.h"
 #include "terminal/Failure.h"
+#include "terminal/Suggestion.h"
 
 namespace {
 
@@ -20,9 +22,22 @@ constexpr const char* kExamples = R"(Examples:
   quillon fix painted.tif all.tif
   quillon --library build/release/libQuillon.so call Version
 
-Exit status: 0 success, 1 failure, 2 wrong usage, 130 interrupted.
-quillon COMMAND --help explains a command.
+quillon COMMAND --help, or quillon help COMMAND, explains a command.
+
+Exit status:
+  0    success
+  1    failure: an export failed, a file cannot be read or written
+  2    wrong usage: an unknown command, option, export or value
+  129  ended by SIGHUP, 130 by SIGINT (Ctrl-C), 143 by SIGTERM
+  141  the program that read the output has ended
 )";
+
+// Whether --json is among the options. It is looked for before the words are parsed, so that an
+// error in them is reported as JSON, too.
+bool asksForJson(const std::vector<std::string>& words) {
+    const auto end = std::ranges::find(words, "--");
+    return std::find(words.begin(), end, "--json") != end;
+}
 
 }  // namespace
 
@@ -34,7 +49,7 @@ std::string listed(const std::vector<std::string>& words) {
 }
 
 CommandLine::CommandLine() : app_("Calls the Quillon plug-in the way Morvane does.", "quillon") {
-    app_.set_help_flag("--help", "Print this help and exit");
+    app_.set_help_flag("-h,--help", "Print this help and exit");
     app_.set_version_flag("--version", "quillon " QUILLON_VERSION, "Print the version and exit");
     app_.require_subcommand(1);
     app_.footer(kExamples);
@@ -63,6 +78,8 @@ void CommandLine::addOutputFlags(CLI::App& command, Verbose verbose) {
                                   "Print nothing; the exit status says whether it worked")
                              ->excludes(json);
     if (verbose == Verbose::kNo) return;
+    command.add_flag("--summary", report_.isSummary, "With --json: leave out the calls")
+        ->needs(json);
     addStyle(command, "--verbose", OutputStyle::kAllLines,
              "Print every call, also in long rows of equal calls")
         ->excludes(json)
@@ -80,9 +97,29 @@ void CommandLine::addOverwriteFlags(CLI::App& command, Overwrite& overwrite, con
 }
 
 void CommandLine::oneOf(CLI::Option* option, const std::vector<std::string>& choices) {
-    option->check(CLI::IsMember(choices).description(""));
+    option->check([option, choices](const std::string& word) {
+        if (std::ranges::find(choices, word) == choices.end())
+            throw WrongUsage(option->get_name() + " takes " + listed(choices) + ", not '" + word +
+                             '\'' + suggestionFor(word, choices));
+        return std::string();
+    });
     option->description(option->get_description() + listed(choices));
     choices_[option] = choices;
+}
+
+std::function<std::string(const std::string&)> CommandLine::wholeNumber(const std::string& name,
+                                                                        int low, int high) {
+    const std::string numbers = std::to_string(low) + " to " + std::to_string(high);
+    const std::string taken = low == high ? std::to_string(low) : "a whole number from " + numbers;
+    return [range = CLI::Range(low, high), name, taken](const std::string& word) {
+        if (!range(word).empty())
+            throw WrongUsage(name + " takes " + taken + ", not '" + word + '\'');
+        return std::string();
+    };
+}
+
+void CommandLine::reportFailure(const std::string& sentence, int exitStatus) const {
+    if (report_.isJson()) report_.printFailure(sentence, exitStatus);
 }
 
 bool CommandLine::finishReport() const {
@@ -99,27 +136,36 @@ Library CommandLine::openLibrary(LibraryPrints prints) const {
 }
 
 bool CommandLine::run(int argc, char** argv) {
+    std::vector<std::string> words(argv + 1, argv + argc);
     // The words of a completion may be options of any kind, so they are not parsed.
-    if (argc > 1 && std::string_view(argv[1]) == "complete") {
-        for (const std::string& word : candidatesFor(app_, choices_, {argv + 2, argv + argc}))
+    if (!words.empty() && words.front() == "complete") {
+        for (const std::string& word :
+             candidatesFor(app_, choices_, {words.begin() + 1, words.end()}))
             std::puts(word.c_str());
         return true;
     }
-    try {
-        app_.parse(argc, argv);
-    } catch (const CLI::ParseError& error) {
-        if (error.get_exit_code() == 0) return app_.exit(error) == 0;  // --help or --version
-        throw WrongUsage(std::string(error.what()) + "; see quillon --help");
-    }
-    return runParsed();
+    if (asksForJson(words)) report_.style = OutputStyle::kJson;
+    if (!parse(std::move(words))) return true;
+    const auto isParsed = [](const Command& command) { return command.app->parsed(); };
+    return std::ranges::find_if(commands_, isParsed)->work();
 }
 
-bool CommandLine::runParsed() const {
-    const auto isParsed = [](const Command& command) { return command.app->parsed(); };
+bool CommandLine::parse(std::vector<std::string> words) {
+    if (!words.empty() && words.front() == "help") {
+        words.erase(words.begin());
+        words.emplace_back("--help");
+    }
+    std::ranges::reverse(words);  // as CLI11 takes them
     try {
-        return std::ranges::find_if(commands_, isParsed)->work();
-    } catch (const std::exception& failure) {
-        if (report_.isJson()) report_.printFailure(failure.what());
-        throw;
+        app_.parse(words);
+        return true;
+    } catch (const CLI::ParseError& error) {
+        const bool isRequest = error.get_exit_code() == 0;  // --help or --version
+        if (!isRequest || !app_.remaining().empty())
+            throw WrongUsage(withHelp(app_, mistakeIn(app_, error)));
+        app_.exit(error);
+        return false;
+    } catch (const WrongUsage& wrong) {
+        throw WrongUsage(withHelp(app_, wrong.what()));
     }
 }

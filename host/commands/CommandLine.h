@@ -13,7 +13,7 @@
 #include "commands/Candidates.h"
 #include "files/DiskFile.h"
 
-enum class Verbose { kNo, kYes };  // whether a command has --verbose
+enum class Verbose { kNo, kYes };  // whether a command prints its calls
 
 // "tiff, psd or bmp".
 std::string listed(const std::vector<std::string>& words);
@@ -24,9 +24,11 @@ public:
 
     // Runs the command that the arguments name.
     //
-    //   returns  whether it succeeded. Throws WrongUsage, Failure and Interrupted; with --json, the
-    //            object that says so is printed before.
+    //   returns  whether it succeeded. Throws WrongUsage, Failure and Interrupted.
     bool run(int argc, char** argv);
+
+    // With --json, prints the object that says why run() threw.
+    void reportFailure(const std::string& sentence, int exitStatus) const;
 
     // The rest is for the commands.
 
@@ -35,7 +37,7 @@ public:
     CLI::App& add(const char* name, const char* description, const std::string& examples,
                   std::function<bool()> work);
 
-    // Adds --json, --quiet and, if the command has it, --verbose.
+    // Adds --json, --quiet and, if the command prints its calls, --summary and --verbose.
     void addOutputFlags(CLI::App& command, Verbose verbose);
 
     // Adds one such flag.
@@ -55,6 +57,10 @@ public:
     // Limits an option to these words, appends them to its description and completes them.
     void oneOf(CLI::Option* option, const std::vector<std::string>& choices);
 
+    // Returns a check that the option of this name gets a whole number from `low` to `high`.
+    static std::function<std::string(const std::string&)> wholeNumber(const std::string& name,
+                                                                      int low, int high);
+
     Report& report() { return report_; }
 
     // Prints the report if --json was given; returns true, as the end of a command that succeeded.
@@ -70,7 +76,8 @@ private:
         std::function<bool()> work;
     };
 
-    bool runParsed() const;
+    // Returns whether a command is to run, and not help or the version was printed.
+    bool parse(std::vector<std::string> words);
 
     CLI::App app_;
     std::vector<Command> commands_;

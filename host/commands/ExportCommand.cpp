@@ -81,7 +81,7 @@ bool runExport(CommandLine& line, const ExportWords& words) {
 
 void addNaming(CLI::App& command, ExportOptions& options) {
     command.add_option("--naming", options.naming, "How tiles are named: 0 to 3, see below")
-        ->check(CLI::Range(0, 3).description(""))
+        ->check(CommandLine::wholeNumber("--naming", 0, 3))
         ->type_name("MODE")
         ->capture_default_str();
 }
@@ -111,13 +111,13 @@ void addExtras(CLI::App& command, ExportOptions& options) {
         .add_option_function<int>(
             "--bits", [&options](int) { options.sixteenBits = true; },
             "16: also write a height map with 16 bits")
-        ->check(CLI::IsMember({16}).description(""))
+        ->check(CommandLine::wholeNumber("--bits", 16, 16))
         ->type_name("BITS");
     command.add_flag("--targa", options.targa, "Also write a normal map as Targa");
     command
         .add_option("--thumbnail", options.thumbnail,
                     "Also write a thumbnail of a BMP, its longer side in pixels: 16 to 16384")
-        ->check(CLI::Range(std::uint32_t{16}, kMaxSheetSide).description(""))
+        ->check(CommandLine::wholeNumber("--thumbnail", 16, kMaxSheetSide))
         ->type_name("PIXELS");
     command
         .add_option_function<double>(
@@ -125,7 +125,7 @@ void addExtras(CLI::App& command, ExportOptions& options) {
             "Also write a BMP as JPEG; 0 is the finest, 100 the smallest, 50 if left out")
         ->expected(0, 1)
         ->default_str("50")
-        ->check(CLI::Range(0, 100).description(""))
+        ->check(CommandLine::wholeNumber("--jpeg", 0, 100))
         ->type_name("QUALITY");
     command.add_flag("--page", options.page, "Also write a page that shows the export");
     command.add_flag("--per-tile", options.perTile,
@@ -143,7 +143,7 @@ void addOutSizeAndTiles(CLI::App& command, ExportOptions& options) {
         ->type_name("DIR");
     command
         .add_option("--size", options.size, "Pixels of a map's longer side, at most: 16 to 16384")
-        ->check(CLI::Range(std::uint32_t{16}, kMaxSheetSide).description(""))
+        ->check(CommandLine::wholeNumber("--size", 16, kMaxSheetSide))
         ->type_name("PIXELS")
         ->capture_default_str();
     command.add_option("--tiles", options.tiles, "Text file that lists the tiles to export")

@@ -1,6 +1,7 @@
 // quillon script: a list of calls in one process, so that the open folder, the tile filter and the
 // tile names carry over from one to the next.
 
+#include <algorithm>
 #include <cstdio>
 #include <iostream>
 #include <optional>
@@ -10,6 +11,7 @@
 #include "calls/CallWords.h"
 #include "calls/ShellWords.h"
 #include "commands/Commands.h"
+#include "commands/Mistakes.h"
 #include "files/DiskFile.h"
 #include "terminal/Colour.h"
 #include "terminal/Failure.h"
@@ -36,6 +38,22 @@ struct ScriptOptions {
     std::string file;        // "-" for standard input
     bool keepGoing = false;  // after a call that failed
 };
+
+// Returns the call of an existing export that these words describe. Throws WrongUsage.
+NamedCall callFrom(std::vector<std::string> words) {
+    CLI::App command("", "call");
+    command.set_help_flag();
+    NamedCall call;
+    addCallWords(command, call);
+    std::ranges::reverse(words);  // as CLI11 takes them
+    try {
+        command.parse(std::move(words));
+    } catch (const CLI::ParseError& error) {
+        throw WrongUsage(mistakeIn(command, error));
+    }
+    requireExport(call.name);
+    return call;
+}
 
 // The calls of a script, one per line. `name` is what errors call the script.
 class ScriptReader {

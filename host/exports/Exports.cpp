@@ -5,6 +5,7 @@
 
 #include "exports/Groups.h"
 #include "terminal/Failure.h"
+#include "terminal/Suggestion.h"
 
 namespace {
 
@@ -49,8 +50,9 @@ const Export* findExport(std::string_view name) {
 
 const Export& requireExport(std::string_view name) {
     if (const Export* entry = findExport(name)) return *entry;
+    const std::string suggestion = suggestionFor(name, exportNames());
     throw WrongUsage("there is no export " + std::string(name) +
-                     "; quillon call --help lists them all");
+                     (suggestion.empty() ? "; quillon call --help lists them all" : suggestion));
 }
 
 const StatusMeaning* rowOf(const Export& entry, float status) {

@@ -109,10 +109,11 @@ TEST_F(Script, AFileIsCheckedBeforeItsFirstCall) {
         {"GetString \"open", "a quote is not closed"},
         {"GetString open\\", "nothing follows the backslash"},
         {"NoSuchExport", "there is no export NoSuchExport"},
-        {"GetString a x", "--value = x"},
-        {"GetString a 0 b c", "was not expected"},
-        {"GetString a --size", "was not expected"},
-        {"GetString --help", "was not expected"},
+        {"GetString a x", "--value takes a number, not 'x'"},
+        {"GetString a ''", "--value takes a number, not ''"},
+        {"GetString a 0 b c", "c is one word more than call takes"},
+        {"GetString a --vaule=1", "call has no option --vaule; did you mean --value?"},
+        {"GetString --help", "call has no option --help"},
     };
     for (const auto& [line, sentence] : kCases) {
         const Ended ended =

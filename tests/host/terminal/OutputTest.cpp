@@ -102,6 +102,60 @@ TEST_F(Output, AnExportThatFailsReportsTheCallsSoFar) {
     EXPECT_FALSE(report.contains("files"));
 }
 
+TEST_F(Output, ASummaryLeavesTheCallsOut) {
+    const json report = jsonOf({"merge", all, tile, "--summary"});
+    EXPECT_EQ(report["files"][0]["path"], all);
+    EXPECT_FALSE(report.contains("calls"));
+}
+
+TEST_F(Output, EveryErrorIsAnObjectAndASentence) {
+    const std::string none = dir.path("none");
+    const struct {
+        Words words;
+        int exitStatus;
+    } kCases[] = {
+        {{"frobnicate"}, 2},
+        {{"call"}, 2},
+        {{"call", "NoSuchExport"}, 2},
+        {{"call", "Version", "--quiet"}, 2},
+        {{"script", none}, 1},
+        {{"script", dir.write("calls.txt", "NoSuchExport")}, 2},
+        {{"inspect", all, "--at", "x"}, 2},
+        {{"import", none, none}, 1},
+        {{"export", mesh}, 2},
+        {{"export", mesh, "--out", out, "--size", "1e3"}, 2},
+        {{"export", none, "--out", out}, 1},
+        {{"tour", none, "--out", out}, 1},
+        {{"merge", all, none}, 2},
+        {{"--library", none, "call", "Version"}, 1},
+        {{"--library", none, "inspect", all}, 1},
+    };
+    for (const auto& row : kCases) {
+        const Ended ended = quillon(row.words, {"--json"});
+        EXPECT_EQ(ended.exitStatus, row.exitStatus) << ended.err;
+        const json object = json::parse(ended.out);
+        EXPECT_EQ(object["success"], false);
+        EXPECT_EQ(object["exitStatus"], row.exitStatus);
+        EXPECT_EQ("quillon: " + object["error"].get<std::string>() + '\n', ended.err);
+    }
+    EXPECT_THAT(quillon({"call", "GetString", "--", "--json"}).out, StartsWith("status   0\n"));
+}
+
+// A pipe whose reader has ended, as in "quillon reference | head -1".
+TEST_F(Output, AClosedPipeIsNoError) {
+    int pipe[2];
+    ASSERT_EQ(::pipe2(pipe, O_CLOEXEC), 0);
+    ::close(pipe[0]);
+    const std::string errors = dir.write("errors", "");
+    const int err = ::open(errors.c_str(), O_WRONLY | O_CLOEXEC);
+    for (const Words& command : {Words{"reference"}, Words{"call", "Version"}, words()})
+        EXPECT_EQ(exitStatusOf(startQuillon(command, {err, pipe[1], err})), 141) << command[0];
+    ::close(pipe[1]);
+    ::close(err);
+    EXPECT_TRUE(readBytes(errors).empty());
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.tif"));
+}
+
 TEST_F(Output, AMergeReportsItsCallsAndTheTarget) {
     const json report = jsonOf({"merge", all, tile});
     EXPECT_THAT(exportsIn(report["calls"]), ElementsAre("CheckFolder", "CreateFolder", "FileCopyTo",
