@@ -54,8 +54,7 @@ CallResult CallLog::call(std::string_view name, const CallArguments& arguments) 
 
 CallResult CallLog::require(std::string_view name, const CallArguments& arguments) {
     CallResult result = call(name, arguments);
-    if (!calls_.back().meaning.success)
-        throw Failure(failureSentence(name, arguments, result.status));
+    if (!calls_.back().meaning.success) throw Failure(failureSentence(calls_.back()));
     return result;
 }
 
@@ -96,10 +95,17 @@ void CallLog::finishRow() {
     leftOut_ = 0;
 }
 
+std::string failureSentence(const CallRecord& call) {
+    std::string sentence = call.name;
+    if (call.arguments.text) sentence += " of " + *call.arguments.text;
+    if (call.arguments.buffer) sentence += " to " + *call.arguments.buffer;
+    return sentence + " returned " + statusText(call.result.status) + ": " + call.meaning.sentence;
+}
+
 std::string failureSentence(std::string_view name, const CallArguments& arguments, float status) {
-    std::string sentence(name);
-    if (arguments.text) sentence += " of " + *arguments.text;
-    if (arguments.buffer) sentence += " to " + *arguments.buffer;
-    return sentence + " returned " + statusText(status) + ": " +
-           meaningOf(requireExport(name), arguments, status).sentence;
+    return failureSentence({.name = std::string(name),
+                            .arguments = arguments,
+                            .result = {.status = status, .text = {}},
+                            .meaning = meaningOf(requireExport(name), arguments, status),
+                            .milliseconds = 0.0});
 }

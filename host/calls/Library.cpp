@@ -5,6 +5,7 @@
 #include <unistd.h>
 
 #include <algorithm>
+#include <cerrno>
 #include <chrono>
 #include <cstdio>
 #include <cstring>
@@ -12,6 +13,7 @@
 #include <utility>
 #include <vector>
 
+#include "calls/SystemReason.h"
 #include "export/Quillon.h"
 #include "terminal/Failure.h"
 
@@ -84,10 +86,12 @@ CallResult Library::resultOf(const Export& entry, const CallArguments& arguments
     if (prints_ == LibraryPrints::kDropped) dropped.emplace();
     const char* text = arguments.text ? arguments.text->c_str() : nullptr;
     try {
+        errno = 0;
         const float status = function(text, arguments.value, passBlock ? block.data() : nullptr,
                                       static_cast<int>(block.size()), nullptr, 0, nullptr);
+        const int error = errno;
         const bool wrote = isOutput && std::strcmp(block.data(), kUntouched) != 0;
-        return {status, wrote ? std::optional<std::string>(block.data()) : std::nullopt};
+        return {status, wrote ? std::optional<std::string>(block.data()) : std::nullopt, error};
     } catch (const std::out_of_range&) {
         throw Failure(name + " needs a dot in its second path: the extension is the file type");
     }
@@ -99,6 +103,8 @@ CallRecord Library::call(std::string_view name, const CallArguments& arguments) 
     CallResult result = resultOf(entry, arguments);
     const std::chrono::duration<double, std::milli> time = std::chrono::steady_clock::now() - start;
     Meaning meaning = meaningOf(entry, arguments, result.status);
+    const std::string reason = systemReason(entry, arguments, result.status, result.error);
+    if (!reason.empty()) meaning.sentence += " (" + reason + ')';
     return {std::string(name), arguments, std::move(result), std::move(meaning), time.count()};
 }
 

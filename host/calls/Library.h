@@ -13,6 +13,7 @@
 struct CallResult {
     float status;
     std::optional<std::string> text;  // what the export wrote; nothing if it wrote nothing
+    int error = 0;                    // errno after the call; 0: the system refused nothing
 };
 
 // A call that was made.
@@ -20,7 +21,7 @@ struct CallRecord {
     std::string name;  // of the export
     CallArguments arguments;
     CallResult result;
-    Meaning meaning;  // of the status
+    Meaning meaning;  // of the status, with the system's reason for a failure
     double milliseconds;
 };
 

@@ -99,7 +99,7 @@ std::optional<std::string> failureOf(const Library& library, const NamedCall& ca
         if (report.isJson()) printNumbered(line, jsonOf(made));
         if (report.hasLines()) std::puts(lineOf(made).c_str());
         if (made.meaning.success) return std::nullopt;
-        return failureSentence(call.name, call.arguments, made.result.status);
+        return failureSentence(made);
     } catch (const Failure& failure) {  // there is no status
         if (report.isJson())
             printNumbered(line,

@@ -15,7 +15,7 @@ std::string wrongArgument(const Export& entry, const CallArguments& arguments) {
     if (entry.buffer == BufferUse::kPath && !arguments.buffer)
         return "refused: --buffer is missing";
     if (entry.takes != nullptr && !entry.takes(arguments.value))
-        return std::string("refused: --value is to be ") + entry.value;
+        return std::string("refused: --value must be ") + entry.value;
     return {};
 }
 
@@ -33,6 +33,11 @@ Meaning tileNotWritten(float status) {
 
 }  // namespace
 
+std::string refusalOf(const Export& entry, const CallArguments& arguments,
+                      const StatusMeaning& row) {
+    return refusesArguments(row) ? wrongArgument(entry, arguments) : "";
+}
+
 Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status) {
     if (isCount(entry, status))
         return {true, (std::isinf(status) ? std::string("infinity") : statusText(status)) + ' ' +
@@ -40,8 +45,8 @@ Meaning meaningOf(const Export& entry, const CallArguments& arguments, float sta
     const StatusMeaning* const row = rowOf(entry, status);
     if (row == nullptr) return {false, "a status that this program does not know"};
     if (row == &kTileNotWritten) return tileNotWritten(status);
-    const std::string wrong = wrongArgument(entry, arguments);
-    if (refusesArguments(*row) && !wrong.empty()) return {false, wrong};
+    const std::string refusal = refusalOf(entry, arguments, *row);
+    if (!refusal.empty()) return {false, refusal};
     return {row->isSuccess(), row->sentence};
 }
 

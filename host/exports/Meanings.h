@@ -16,5 +16,10 @@ struct Meaning {
 // on is a result.
 Meaning meaningOf(const Export& entry, const CallArguments& arguments, float status);
 
+// Why the export refused the call before it looked at any file; empty if the arguments are not the
+// cause of that status.
+std::string refusalOf(const Export& entry, const CallArguments& arguments,
+                      const StatusMeaning& row);
+
 // The shortest decimal text that reads back as the same number.
 std::string statusText(float status);

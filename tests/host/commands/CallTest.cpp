@@ -1,8 +1,11 @@
 #include <gmock/gmock.h>
 
+#include <filesystem>
 #include <fstream>
 
 #include "host/Quillon.h"
+#include "support/BmpFile.h"
+#include "support/TiffFile.h"
 
 namespace {
 
@@ -49,7 +52,7 @@ TEST(Call, FailureStatusesEndWithOne) {
         {{"FileDelete", none}, "-1", "the file was not deleted: there is none"},
         {{"saveAsJpeg", none}, "-9", "refused: --buffer is missing\n"},
         {{"saveAsJpeg", none, "--buffer", "b"}, "3", "the image cannot be opened"},
-        {{"swapRGBPSD", none, "--value", "4"}, "-9", "refused: --value is to be the order of the"},
+        {{"swapRGBPSD", none, "--value", "4"}, "-9", "refused: --value must be the order of the"},
         {{"getUVs", mesh, "--buffer", dir.path("none/x.Vemo")},
          "1501",
          "the file of the tile at position 0 cannot be created"},
@@ -60,6 +63,93 @@ TEST(Call, FailureStatusesEndWithOne) {
         EXPECT_THAT(call.out, StartsWith(std::string("status   ") + row.status +
                                          "\nmeaning  failure: " + row.meaning));
     }
+}
+
+// Each row: a call that fails, and the reason at the end of its meaning.
+TEST(Call, AFailureHasTheReasonOfTheSystem) {
+    const TempDir dir;
+    const std::string none = dir.path("none");
+    const std::string deep = dir.path("none/x.tif");
+    const std::string folder = dir.makeFolder("folder.tif");
+    const std::string text = dir.write("text", "no map");
+    const std::string inText = text + "/x.tif";
+    const std::string mesh = dir.write("two.Vemo", twoQuads());
+    const std::string map = dir.write("map.tif", TiffFile(1, 1).grey32({0.5f}).bytes());
+    const std::string colour =
+        dir.write("colour.tif", TiffFile(2, 1).rgb8({1, 2, 3, 4, 5, 6}).bytes());
+    const std::string picture = dir.write("map.bmp", BmpFile(1, 1).plain(1, 2, 3));
+    const std::string full = dir.path("full.tif");
+    std::filesystem::create_symlink("/dev/full", full);
+    dir.makeFolder("mesh1002.Vemo");
+    dir.write("folder.tif/entry", "");
+    const std::vector<std::pair<Words, std::string>> kCases = {
+        {{"CreateFolder", folder}, "(File exists)"},
+        {{"CreateFolder", deep}, "(No such file or directory)"},
+        {{"CreateFolder", inText}, "(Not a directory)"},
+        {{"CheckFolder", none}, "(No such file or directory)"},
+        {{"OpenFolder", text}, "(Not a directory)"},
+        {{"EmptyFolder", text}, "(Not a directory)"},
+        {{"FileDelete", none}, "(No such file or directory)"},
+        {{"FileDelete", folder}, "(Directory not empty)"},
+        {{"FileRename", none, "0", text}, "(No such file or directory)"},
+        {{"FileRename", text, "0", folder}, "(Is a directory)"},
+        {{"FileCopyTo", none, "0", dir.path("new")}, '(' + none + ": No such file or directory)"},
+        {{"FileCopyTo", text, "0", deep}, '(' + deep + ": No such file or directory)"},
+        {{"FileCopyTo", text, "0", inText}, '(' + inText + ": Not a directory)"},
+        {{"FileCopyTo", text, "0", "/dev/full"}, "(No space left on device)"},
+        {{"getUVTile", none}, '(' + none + ": No such file or directory)"},
+        {{"getUVGroups", inText}, '(' + inText + ": Not a directory)"},
+        {{"getUVGroups", folder}, '(' + folder + ": Is a directory)"},
+        {{"getUVs", mesh, "2", deep}, '(' + deep + ": No such file or directory)"},
+        {{"getUVs", mesh, "2", dir.path("mesh.Vemo")}, "(Is a directory)"},
+        {{"mergeMapsTIF", colour, "0", none}, '(' + none + ": No such file or directory)"},
+        {{"mergeMapsPSD", folder, "0", text}, '(' + folder + ": Is a directory)"},
+        {{"convertTIFF16", map, "1", folder}, '(' + folder + ": Is a directory)"},
+        {{"convertTIFF16", map, "1", full}, "(No space left on device)"},
+        {{"saveAsTarga", colour, "0", full}, "(No space left on device)"},
+        {{"saveAsJpeg", picture, "0", full}, "(No space left on device)"},
+    };
+    for (const auto& [words, reason] : kCases) {
+        const Ended call = quillon({"call"}, words);
+        EXPECT_EQ(call.exitStatus, 1) << words[0];
+        EXPECT_THAT(call.out, EndsWith(' ' + reason + '\n')) << words[0] << ' ' << words[1];
+    }
+}
+
+// errno is set in each of them, or a path cannot be opened, but that is not why they fail: FileCopyTo
+// of a folder has found no target to delete.
+TEST(Call, AFailureOfAnotherCauseHasNoReasonOfTheSystem) {
+    const TempDir dir;
+    const std::string none = dir.path("none");
+    const std::string folder = dir.makeFolder("folder");
+    const std::string colour =
+        dir.write("colour.tif", TiffFile(2, 1).rgb8({1, 2, 3, 4, 5, 6}).bytes());
+    const std::string text = dir.write("text", "no map");
+    EXPECT_THAT(quillon({"call", "FileCopyTo", folder, "0", dir.path("new")}).out,
+                EndsWith(" (" + folder + ": Is a directory)\n"));
+    const std::vector<std::pair<Words, const char*>> kCases = {
+        {{"FileDelete"}, ": refused: TEXT is missing\n"},
+        {{"FileCopyTo", none}, ": refused: --buffer is missing\n"},
+        {{"GetFile"}, "need one process)\n"},
+        {{"convertTIFF16", colour, "3", none + ".tif"}, "are not 32-bit floats\n"},
+        {{"saveAsTarga", colour, "0", colour}, "or the disk is full\n"},
+        {{"mergeMapsPSD", text, "0", text}, "or is cut short\n"},
+        {{"OpenEXR", text}, ", or there is too little memory\n"},
+    };
+    for (const auto& [words, end] : kCases) {
+        const Ended call = quillon({"call"}, words);
+        EXPECT_EQ(call.exitStatus, 1) << words[0];
+        EXPECT_THAT(call.out, EndsWith(end)) << words[0];
+    }
+}
+
+// One block of 512 bytes, which is less than the mesh of a tile.
+TEST(Call, AFileSizeLimitIsTheReason) {
+    const TempDir dir;
+    const std::string large = dir.write("large", std::string(4096, 'x'));
+    const std::string shell = "ulimit -f 1; exec \"$@\"";
+    EXPECT_THAT(quillonInShell(shell, {"call", "FileCopyTo", large, "0", dir.path("copy")}).out,
+                EndsWith(" (File too large)\n"));
 }
 
 TEST(Call, APathWithoutADotIsReported) {

@@ -7,6 +7,7 @@
 namespace {
 
 using nlohmann::json;
+using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
 
@@ -76,6 +77,11 @@ TEST_F(Script, KeepGoingContinuesAndStillFails) {
     EXPECT_THAT(ended.err, HasSubstr("calls.txt:1: CloseFolder"));
     EXPECT_THAT(ended.err, HasSubstr("calls.txt:3: GetFile"));
     EXPECT_EQ(script("Version\nVersion\n", {"--keep-going"}).exitStatus, 0);
+}
+
+TEST_F(Script, AFailureHasTheReasonOfTheSystem) {
+    EXPECT_THAT(script("FileDelete " + dir.path("none") + "\n").err,
+                EndsWith(" or deleting is not allowed (No such file or directory)\n"));
 }
 
 // The library throws for a path without a dot; there is no status then.
