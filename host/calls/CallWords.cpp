@@ -2,6 +2,7 @@
 
 #include <CLI/CLI.hpp>
 #include <cstdlib>
+#include <filesystem>
 
 #include "terminal/Failure.h"
 
@@ -38,4 +39,13 @@ void addCallWords(CLI::App& command, NamedCall& call) {
         .add_option_function<std::string>("--buffer,BUFFER", setTo(arguments.buffer),
                                           "The second path")
         ->type_name("PATH");
+}
+
+void requireHarmless(const NamedCall& call, const std::string& remedy) {
+    const CallArguments& arguments = call.arguments;
+    if (call.name != "FileCopyTo" || !arguments.text || !arguments.buffer) return;
+    std::error_code missing;
+    if (!std::filesystem::equivalent(*arguments.text, *arguments.buffer, missing)) return;
+    throw Failure("FileCopyTo deletes its target before it reads the source, and " +
+                  *arguments.text + " and " + *arguments.buffer + " are one file; " + remedy);
 }

@@ -18,3 +18,7 @@ struct NamedCall {
 // Declares the words, which parsing the command puts into `call`. Parsing throws WrongUsage for a
 // value that is no number.
 void addCallWords(CLI::App& command, NamedCall& call);
+
+// Throws Failure for a call that would destroy what it works on: FileCopyTo deletes its target
+// before it opens the source, so a file copied onto itself is lost. `remedy` ends the sentence.
+void requireHarmless(const NamedCall& call, const std::string& remedy);

@@ -27,6 +27,11 @@ names are lost at its end; quillon script keeps them from call to call.
 Exports and their arguments:
 )";
 
+struct CallOptions {
+    NamedCall words;
+    bool force = false;  // make a call that destroys the file
+};
+
 void printLines(const CallResult& result, const Meaning& meaning) {
     std::printf("status   %s\n", statusText(result.status).c_str());
     const std::string verdict =
@@ -35,8 +40,11 @@ void printLines(const CallResult& result, const Meaning& meaning) {
     if (result.text) std::printf("text     %s\n", result.text->c_str());
 }
 
-bool callExport(CommandLine& line, const NamedCall& words) {
-    const CallRecord call = line.openLibrary().call(words.name, words.arguments);
+bool callExport(CommandLine& line, const CallOptions& options) {
+    const NamedCall& words = options.words;
+    const Library library = line.openLibrary();
+    if (!options.force) requireHarmless(words, "--force makes the call all the same");
+    const CallRecord call = library.call(words.name, words.arguments);
     if (line.report().isJson()) printJson(jsonOf(call));
     if (line.report().hasLines()) printLines(call.result, call.meaning);
     return call.meaning.success;
@@ -45,10 +53,11 @@ bool callExport(CommandLine& line, const NamedCall& words) {
 }  // namespace
 
 void addCallCommand(CommandLine& line) {
-    const auto words = std::make_shared<NamedCall>();
+    const auto options = std::make_shared<CallOptions>();
     CLI::App& command =
         line.add("call", "Call one export and print its status and its meaning",
-                 kExamples + exportList(), [&line, words] { return callExport(line, *words); });
-    addCallWords(command, *words);
+                 kExamples + exportList(), [&line, options] { return callExport(line, *options); });
+    addCallWords(command, options->words);
+    command.add_flag("--force", options->force, "Copy a file onto itself, which deletes it");
     line.addOutputFlags(command, Verbose::kNo);
 }

@@ -95,6 +95,7 @@ void printNumbered(std::size_t line, const Json& call) {
 std::optional<std::string> failureOf(const Library& library, const NamedCall& call,
                                      std::size_t line, const Report& report) {
     try {
+        requireHarmless(call, "nothing was done");
         const CallRecord made = library.call(call.name, call.arguments);
         if (report.isJson()) printNumbered(line, jsonOf(made));
         if (report.hasLines()) std::puts(lineOf(made).c_str());

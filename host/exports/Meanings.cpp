@@ -31,6 +31,12 @@ Meaning tileNotWritten(float status) {
                        "returns the same)"};
 }
 
+// Of the exports that reorder channels, what a number below 1 does, whose fraction is cut off.
+std::string withoutSwap(const Export& entry) {
+    return entry.name == "swapRGBPSD" ? "no colour plane was written, so the picture is lost"
+                                      : "nothing was exchanged, as the number is below 1";
+}
+
 }  // namespace
 
 std::string refusalOf(const Export& entry, const CallArguments& arguments,
@@ -47,6 +53,8 @@ Meaning meaningOf(const Export& entry, const CallArguments& arguments, float sta
     if (row == &kTileNotWritten) return tileNotWritten(status);
     const std::string refusal = refusalOf(entry, arguments, *row);
     if (!refusal.empty()) return {false, refusal};
+    if (row->isSuccess() && entry.takes == takesSwap && arguments.value < 1.0)
+        return {true, withoutSwap(entry)};
     return {row->isSuccess(), row->sentence};
 }
 

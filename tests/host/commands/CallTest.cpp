@@ -5,6 +5,7 @@
 
 #include "host/Quillon.h"
 #include "support/BmpFile.h"
+#include "support/PsdFile.h"
 #include "support/TiffFile.h"
 
 namespace {
@@ -150,6 +151,48 @@ TEST(Call, AFileSizeLimitIsTheReason) {
     const std::string shell = "ulimit -f 1; exec \"$@\"";
     EXPECT_THAT(quillonInShell(shell, {"call", "FileCopyTo", large, "0", dir.path("copy")}).out,
                 EndsWith(" (File too large)\n"));
+}
+
+TEST(Call, AFileIsNotCopiedOntoItselfUnlessForced) {
+    const TempDir dir;
+    const std::string file = dir.write("a", "bytes");
+    std::filesystem::create_symlink(file, dir.path("symbolic"));
+    std::filesystem::create_hard_link(file, dir.path("hard"));
+    for (const std::string& name :
+         {file, dir.path("./a"), dir.path("symbolic"), dir.path("hard")}) {
+        const Ended call = quillon({"call", "FileCopyTo", name, "--buffer", file});
+        EXPECT_EQ(call.exitStatus, 1);
+        EXPECT_EQ(call.err,
+                  "quillon: FileCopyTo deletes its target before it reads the source, and " + name +
+                      " and " + file + " are one file; --force makes the call all the same\n");
+        EXPECT_EQ(readBytes(file).size(), 5u);
+    }
+    EXPECT_THAT(quillon({"call", "FileCopyTo", file, "0", file, "--force"}).out,
+                StartsWith("status   -1\n"));
+    EXPECT_FALSE(dir.has("a"));
+}
+
+// Below 1 the fraction is cut off, and 0 is no exchange.
+TEST(Call, ASwapBelowOneSaysWhatItDid) {
+    const TempDir dir;
+    const ByteList rgb = {1, 2, 3, 4, 5, 6};
+    const std::string tiff = dir.write("a.tif", TiffFile(2, 1).rgb8(rgb).bytes());
+    const std::string bmp = dir.write("a.bmp", BmpFile(2, 1).places());
+    const std::string psd = dir.write("a.psd", PsdFile(2, 1).planes(rgb));
+    const ByteList before = readBytes(tiff);
+    const ByteList bmpBefore = readBytes(bmp);
+    const std::string nothing = "nothing was exchanged, as the number is below 1\n";
+    const auto swap = [](const char* name, const std::string& path) {
+        return quillon({"call", name, path, "0.5"}).out;
+    };
+    EXPECT_THAT(swap("swapRGBTIF", tiff), EndsWith(nothing));
+    EXPECT_EQ(readBytes(tiff), before);
+    EXPECT_THAT(swap("swapRGBBMP", bmp), EndsWith(nothing));
+    EXPECT_EQ(readBytes(bmp), bmpBefore);
+    const std::size_t psdSize = readBytes(psd).size();
+    EXPECT_THAT(swap("swapRGBPSD", psd),
+                EndsWith("no colour plane was written, so the picture is lost\n"));
+    EXPECT_EQ(readBytes(psd).size(), psdSize - rgb.size());
 }
 
 TEST(Call, APathWithoutADotIsReported) {

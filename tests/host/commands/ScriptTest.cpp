@@ -84,6 +84,17 @@ TEST_F(Script, AFailureHasTheReasonOfTheSystem) {
                 EndsWith(" or deleting is not allowed (No such file or directory)\n"));
 }
 
+TEST_F(Script, AFileIsNotCopiedOntoItself) {
+    const std::string file = dir.write("a", "bytes");
+    const Ended ended = script("FileCopyTo " + file + " 0 " + file + "\nVersion\n", {"--json"});
+    EXPECT_EQ(ended.exitStatus, 1);
+    const std::vector<json> calls = objects(ended.out);
+    ASSERT_EQ(calls.size(), 1u);
+    EXPECT_EQ(calls[0]["success"], false);
+    EXPECT_THAT(calls[0]["error"].get<std::string>(), EndsWith(" are one file; nothing was done"));
+    EXPECT_EQ(readBytes(file).size(), 5u);
+}
+
 // The library throws for a path without a dot; there is no status then.
 TEST_F(Script, ACallThatThrowsIsACallThatFails) {
     const Ended ended = script("convertTIFF16 a 1 b\nVersion\n", {"--keep-going", "--json"});
