@@ -101,11 +101,3 @@ std::string failureSentence(const CallRecord& call) {
     if (call.arguments.buffer) sentence += " to " + *call.arguments.buffer;
     return sentence + " returned " + statusText(call.result.status) + ": " + call.meaning.sentence;
 }
-
-std::string failureSentence(std::string_view name, const CallArguments& arguments, float status) {
-    return failureSentence({.name = std::string(name),
-                            .arguments = arguments,
-                            .result = {.status = status, .text = {}},
-                            .meaning = meaningOf(requireExport(name), arguments, status),
-                            .milliseconds = 0.0});
-}

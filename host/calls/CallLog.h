@@ -59,7 +59,5 @@ std::string detailOf(const CallRecord& call);
 // Returns the line of a call, without a line end.
 std::string lineOf(const CallRecord& call);
 
-// Returns the sentence for a call that failed, with the system's reason if there is one. The second
-// form leaves the reason out.
+// Returns the sentence for a call that failed, with the system's reason if there is one.
 std::string failureSentence(const CallRecord& call);
-std::string failureSentence(std::string_view name, const CallArguments& arguments, float status);

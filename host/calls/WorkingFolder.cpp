@@ -37,11 +37,10 @@ void WorkingFolder::createParents(const std::string& folder) {
     if (log_.call("CheckFolder", arguments).status == 0.0f) return;
     const std::string parent = fs::path(folder).parent_path().string();
     if (!parent.empty() && parent != folder && !exists(parent)) createParents(parent);
-    const float status = log_.call("CreateFolder", arguments).status;
-    if (status == 0.0f) return created_.add(folder);
+    if (log_.call("CreateFolder", arguments).status == 0.0f) return created_.add(folder);
     std::error_code ignored;
     if (fs::is_directory(folder, ignored)) return;  // another command was faster
-    throw Failure(failureSentence("CreateFolder", arguments, status));
+    throw Failure(failureSentence(log_.calls().back()));
 }
 
 // Returns whether `path_` was created; false if `folder` is gone.
@@ -56,8 +55,7 @@ bool WorkingFolder::tryToCreate(const std::string& folder) {
         else
             ++misses;
     }
-    const CallRecord& last = log_.calls().back();
-    throw Failure(failureSentence(last.name, last.arguments, last.result.status));
+    throw Failure(failureSentence(log_.calls().back()));
 }
 
 std::string WorkingFolder::addResult(const std::string& path) {

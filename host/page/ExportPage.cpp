@@ -137,10 +137,9 @@ PagePicture ExportPage::pictureOf(const Picture& picture, const std::string& cap
     const std::string bmp = workFile(kPictureFile);
     const std::string jpeg = workFile(kJpegFile);
     writePicture(bmp, picture);
-    const CallArguments arguments{.text = bmp, .value = kQuality, .buffer = jpeg};
-    const float status = library_.call("saveAsJpeg", arguments).result.status;
-    if (!meaningOf(requireExport("saveAsJpeg"), arguments, status).success)
-        throw Failure(failureSentence("saveAsJpeg", arguments, status));
+    const CallRecord made =
+        library_.call("saveAsJpeg", {.text = bmp, .value = kQuality, .buffer = jpeg});
+    if (!made.meaning.success) throw Failure(failureSentence(made));
     return {caption, readWholeFile(jpeg, "picture"), picture.width, picture.height};
 }
 

@@ -59,14 +59,14 @@ void findTiles(ExportRun& run) {
 std::vector<Tile> writeTileMeshes(ExportRun& run, const ExportPlan& plan) {
     const std::string out = run.working.at(stemOf(run.options) + ".Vemo");
     const auto naming = static_cast<double>(run.options.naming);
-    const CallArguments arguments{.text = run.options.mesh, .value = naming, .buffer = out};
     const std::size_t position = run.log.calls().size();
-    const CallResult written = run.log.call("getUVs", arguments);
+    run.log.call("getUVs", {.text = run.options.mesh, .value = naming, .buffer = out});
+    const CallRecord written = run.log.calls().back();
     // A count of 1501 and more is also the status of a file that was not written.
-    const bool allWritten = written.status == static_cast<float>(plan.tiles.size());
+    const bool allWritten = written.result.status == static_cast<float>(plan.tiles.size());
     std::vector<Tile> tiles = nameTiles(run, plan);
     run.log.require("clearUVString");
-    if (!allWritten) throw Failure(failureSentence("getUVs", arguments, written.status));
+    if (!allWritten) throw Failure(failureSentence(written));
     requireSameTiles(run, plan, tiles);
     for (const Tile& tile : tiles) {
         if (run.page != nullptr) run.page->timeCopyOf(tile.meshFile, position);
