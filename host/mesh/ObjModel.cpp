@@ -16,6 +16,9 @@ namespace {
 
 constexpr std::size_t kMaxGroups = std::numeric_limits<std::int16_t>::max() + std::size_t{1};
 
+constexpr const char* kNoVertex = "the face names a vertex that does not exist";
+constexpr const char* kNoUvs = "the face names UVs that do not exist";
+
 bool isWithin(std::int32_t index, std::size_t count) {
     return index >= 0 && static_cast<std::size_t>(index) < count;
 }
@@ -88,19 +91,21 @@ public:
     }
 
 private:
-    std::int32_t fromZero(int index, std::size_t count, const char* what) const {
-        if (index == 0) lines_.fail(lines_.line(), std::string("the face has no ") + what);
-        return index > 0 ? index - 1 : static_cast<std::int32_t>(count) + index;
+    std::int32_t fromZero(int index, std::size_t count, const char* missing) const {
+        const int position = index > 0 ? index - 1 : static_cast<int>(count) + index;
+        if (index == 0 || position < 0) lines_.fail(lines_.line(), missing);
+        return position;
     }
 
     void addFace(const std::array<tinyobj::index_t, kMaxCorners>& corners, bool quad) {
         Face face{};
         FaceExtras extras{{}, groups.number(), materials.number(), lines_.line()};
         for (std::size_t i = 0; i < kMaxCorners; ++i) {
-            face.vertices[i] =
-                fromZero(corners[i].vertex_index, mesh_.points.size(), "vertex there");
-            extras.uvs[i] =
-                fromZero(corners[i].texcoord_index, uvs_.size(), "UVs; give the model UVs first");
+            const tinyobj::index_t& corner = corners[i];
+            if (corner.texcoord_index == 0)
+                lines_.fail(lines_.line(), "the face has no UVs; give the model UVs first");
+            face.vertices[i] = fromZero(corner.vertex_index, mesh_.points.size(), kNoVertex);
+            extras.uvs[i] = fromZero(corner.texcoord_index, uvs_.size(), kNoUvs);
         }
         if (!quad) face.vertices[3] = -1;
         mesh_.faces.push_back(face);
@@ -115,16 +120,14 @@ private:
 
     void requireVertices(const Face& face, std::size_t line) const {
         for (std::size_t i = 0; i < face.corners(); ++i) {
-            if (!isWithin(face.vertices[i], mesh_.points.size()))
-                lines_.fail(line, "the face names a vertex that does not exist");
+            if (!isWithin(face.vertices[i], mesh_.points.size())) lines_.fail(line, kNoVertex);
         }
     }
 
     FaceUvs uvsOf(const FaceExtras& extras) const {
         FaceUvs uvs{};
         for (std::size_t i = 0; i < kMaxCorners; ++i) {
-            if (!isWithin(extras.uvs[i], uvs_.size()))
-                lines_.fail(extras.line, "the face names UVs that do not exist");
+            if (!isWithin(extras.uvs[i], uvs_.size())) lines_.fail(extras.line, kNoUvs);
             uvs[i] = uvs_[static_cast<std::size_t>(extras.uvs[i])];
         }
         return uvs;
