@@ -21,8 +21,10 @@ constexpr const char* kExamples = R"(Examples:
   quillon inspect model.Vemo maps/*.psd --json
   quillon inspect all.tif --at 0x1F4
 
-Each export that works on such files is called to find out whether it accepts the file. The
-file itself is only read: exports that change a file in place get a copy in a temporary
+Notes say what the exports do not expect in the file, and what to do about it. Each export that
+works on such files is called to find out whether it accepts the file: `changes nothing` is an
+export that leaves a map as it is which it should change, `the result is wrong` one that takes the
+file for another kind. The file itself is only read: exports that change a file in place get a copy in a temporary
 folder, which takes as much space as the file and is deleted at the end; other output is
 dropped. Of maps of 16 bits or more, and of OpenEXR files, all samples are read: each channel's
 minimum, maximum and mean, and how many samples are NaN or infinite. --fields only reads headers.
@@ -63,8 +65,17 @@ void printFields(const FileFacts& facts) {
 
 // A count or a measure says more than that the file is accepted.
 std::string verdictText(const Verdict& verdict) {
+    switch (verdict.outcome) {
+        case Outcome::kRefused:
+            return inRed(stdout, "refused") + ": " + verdict.meaning;
+        case Outcome::kChangesNothing:
+            return "accepted, " + inRed(stdout, "changes nothing") + ": " + verdict.meaning;
+        case Outcome::kWrongResult:
+            return "accepted, " + inRed(stdout, "the result is wrong") + ": see the notes";
+        case Outcome::kAccepted:
+            break;
+    }
     const bool counts = requireExport(verdict.name).countOne != nullptr;
-    if (!verdict.accepted) return inRed(stdout, "refused") + ": " + verdict.meaning;
     return inGreen(stdout, "accepted") + (counts ? ": " + verdict.meaning : "");
 }
 
@@ -105,7 +116,9 @@ Json verdictList(const std::vector<Verdict>& verdicts) {
         Json object = {{"export", verdict.name}};
         if (!verdict.how.empty()) object["how"] = verdict.how;
         object["status"] = jsonOf(verdict.status);
-        object["accepted"] = verdict.accepted;
+        object["accepted"] = verdict.outcome != Outcome::kRefused;
+        object["changesNothing"] = verdict.outcome == Outcome::kChangesNothing;
+        object["wrongResult"] = verdict.outcome == Outcome::kWrongResult;
         object["meaning"] = verdict.meaning;
         list.push_back(std::move(object));
     }
@@ -135,15 +148,25 @@ Json placeObject(const std::string& path, const FileFacts& facts, std::uint64_t 
     return object;
 }
 
-// What is found out about a file beyond its headers.
+std::string knownKinds() {
+    std::vector<std::string> titles;
+    forEachFileKind([&](FileKind kind) { titles.emplace_back(infoOf(kind).title); });
+    return listed(titles);
+}
+
+// What is found out about a file.
 struct Findings {
     std::vector<std::string> notes;  // sentences
     std::vector<SampleStatistics> samples;
     std::vector<Verdict> verdicts;
 };
 
-Findings findingsOn(const Library& library, const std::string& path, const FileFacts& facts) {
+Findings findingsOn(const Library& library, const std::string& path, const FileFacts& facts,
+                    const InspectOptions& options) {
     Findings findings;
+    for (const Note& note : facts.notes)
+        findings.notes.push_back(note.sentence);
+    if (options.fieldsOnly) return findings;
     try {
         if (hasStatistics(facts)) findings.samples = statisticsOf(path, facts);
     } catch (const Failure& failure) {
@@ -155,8 +178,12 @@ Findings findingsOn(const Library& library, const std::string& path, const FileF
 
 void inspectWhole(const Library& library, const std::string& path, const FileFacts& facts,
                   const InspectOptions& options) {
-    Findings findings;
-    if (!options.fieldsOnly) findings = findingsOn(library, path, facts);
+    if (facts.kind == FileKind::kUnknown)
+        throw Failure(path +
+                      " is no file that Quillon knows: neither its first bytes nor its "
+                      "extension are those of " +
+                      knownKinds());
+    const Findings findings = findingsOn(library, path, facts, options);
     if (options.json) {
         Json object = factsObject(path, facts);
         object["notes"] = findings.notes;
@@ -183,7 +210,8 @@ void inspectFile(const Library& library, const std::string& path, const InspectO
     printPlace(path, facts, *options.at);
 }
 
-// Returns whether every file could be inspected. A file that no export accepts is no failure.
+// Returns whether every file could be inspected. A file that no export accepts is no failure; one of
+// no known kind is.
 bool inspectFiles(const Library& library, const InspectOptions& options) {
     noteInterrupts();
     bool all = true;

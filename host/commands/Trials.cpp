@@ -1,45 +1,20 @@
 #include "commands/Trials.h"
 
-#include <stdlib.h>
-
+#include <algorithm>
 #include <filesystem>
 
-#include "exports/Meanings.h"
+#include "commands/TrialCopy.h"
 #include "mesh/VemoOps.h"
-#include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
 namespace fs = std::filesystem;
 
 namespace {
 
-// A folder that the destructor deletes with all its files.
-class TemporaryFolder {
-public:
-    TemporaryFolder() {
-        std::string pattern = (fs::temp_directory_path() / "quillon-XXXXXX").string();
-        if (::mkdtemp(pattern.data()) == nullptr)
-            throw Failure("cannot make a folder for copies in " +
-                          fs::temp_directory_path().string());
-        path_ = pattern;
-    }
-    TemporaryFolder(const TemporaryFolder&) = delete;
-    TemporaryFolder& operator=(const TemporaryFolder&) = delete;
-    ~TemporaryFolder() {
-        std::error_code ignored;
-        fs::remove_all(path_, ignored);
-    }
-
-    std::string at(const std::string& name) const { return (path_ / name).string(); }
-
-private:
-    fs::path path_;
-};
-
 class Trials {
 public:
     Trials(const Library& library, std::string path, const FileFacts& facts)
-        : library_(library), path_(std::move(path)), facts_(facts) {}
+        : library_(library), path_(std::move(path)), facts_(facts), copy_(path_, facts_, folder_) {}
 
     std::vector<Verdict> run() {
         switch (facts_.kind) {
@@ -73,7 +48,7 @@ private:
         call("getUVGroups", {.text = path_});
         tryUvExport("getUVs", tiles);
         tryUvExport("getUVsMask", tiles);
-        call("mergeCrease", {.text = path_, .buffer = copy()});
+        call("mergeCrease", {.text = path_, .buffer = copy_.renew()});
     }
 
     // The folder of the output path does not exist, so an export that takes the mesh ends at its first
@@ -83,15 +58,15 @@ private:
             call(name, {.text = path_, .value = 2.0, .buffer = folder_.at("none/x.y")});
         if (verdict.status != vemo_status::kFirstTileNotWritten) return;
         verdict.status = tiles;
-        verdict.accepted = true;
+        verdict.outcome = Outcome::kAccepted;
         verdict.meaning =
             statusText(tiles) + (tiles == 1.0f ? " file" : " files") + " would be written";
     }
 
     void tryTiff() {
         const bool colour = facts_.picture && facts_.picture->channels == 3;
-        call("mergeMapsTIF", {.text = path_, .buffer = copy()}, "with a map like it");
-        call("swapRGBTIF", {.text = copy(), .value = 1.0});
+        tryMerge("mergeMapsTIF");
+        trySwap("swapRGBTIF");
         for (const double layout : colour ? std::vector{3.0, 4.0} : std::vector{1.0}) {
             convertTo16Bits(layout, ".tif", " to TIFF");
             if (layout != 3.0) convertTo16Bits(layout, ".psd", " to PSD");
@@ -107,32 +82,62 @@ private:
     }
 
     void tryPsd() {
-        call("mergeMapsPSD", {.text = path_, .buffer = copy()}, "with a map like it");
-        call("swapRGBPSD", {.text = copy(), .value = 1.0});
+        tryMerge("mergeMapsPSD");
+        trySwap("swapRGBPSD");
     }
 
     void tryBmp() {
-        call("mergeMapsBMP", {.text = path_, .buffer = copy()}, "with a map like it");
-        call("swapRGBBMP", {.text = copy(), .value = 1.0});
+        tryMerge("mergeMapsBMP");
+        trySwap("swapRGBBMP");
         call("saveAsJpeg", {.text = path_, .value = 50.0, .buffer = nowhere(".jpg")});
-        call("CreateThumbnailBMP", {.text = copy(), .value = 64.0});
+        call("CreateThumbnailBMP", {.text = copy_.renew(), .value = 64.0});
+    }
+
+    // Merges the file into a copy of which one pixel is background.
+    void tryMerge(const char* name) {
+        const std::string& target = copy_.renew();
+        const bool isAllBackground = copy_.hasPixels() && !copy_.hidePixel();
+        Verdict& verdict = call(name, {.text = path_, .buffer = target}, "with a map like it");
+        if (verdict.outcome != Outcome::kAccepted) return;
+        if (isAllBackground)
+            setUnchanged(verdict, "each pixel has the value of the first, which is the background");
+        else if (!copy_.hasChanged())
+            setUnchanged(verdict, "the target stays as it was");
+    }
+
+    void trySwap(const char* name) {
+        const std::string& map = copy_.renew();
+        if (copy_.hasPixels()) copy_.markPixel();
+        Verdict& verdict = call(name, {.text = map, .value = 1.0});
+        if (verdict.outcome == Outcome::kRefused || copy_.hasChanged()) return;
+        const auto& picture = facts_.picture;
+        const bool isColour = !picture || (picture->channels == 3 && picture->depth == 8);
+        setUnchanged(verdict, isColour ? "the map stays as it was"
+                                       : "only maps of 3 channels of 8 bits are changed");
+    }
+
+    static void setUnchanged(Verdict& verdict, const char* meaning) {
+        verdict.outcome = Outcome::kChangesNothing;
+        verdict.meaning = meaning;
     }
 
     Verdict& call(const char* name, const CallArguments& arguments, std::string how = {}) {
         stopIfInterrupted();
         const CallRecord made = library_.call(name, arguments);
-        verdicts_.push_back({name, std::move(how), made.result.status, made.meaning.success,
-                             made.meaning.sentence});
-        return verdicts_.back();
+        Verdict& verdict = verdicts_.emplace_back(Verdict{
+            name, std::move(how), made.result.status, Outcome::kRefused, made.meaning.sentence});
+        if (made.meaning.success)
+            verdict.outcome = isMisread(verdict) ? Outcome::kWrongResult : Outcome::kAccepted;
+        return verdict;
     }
 
-    const std::string& copy() {
-        if (!copy_.empty()) return copy_;
-        const std::string copy = folder_.at("copy" + fs::path(path_).extension().string());
-        std::error_code error;
-        if (!fs::copy_file(path_, copy, error))
-            throw Failure("cannot copy " + path_ + " to try the exports on: " + error.message());
-        return copy_ = copy;
+    bool isMisread(const Verdict& verdict) const {
+        const auto namesIt = [&](const Misreading& misreading) {
+            return verdict.name == misreading.name && verdict.how.ends_with(misreading.arguments);
+        };
+        return std::ranges::any_of(facts_.notes, [&](const Note& note) {
+            return std::ranges::any_of(note.misreadings, namesIt);
+        });
     }
 
     // A link to /dev/null with that extension, since exports look at extensions.
@@ -147,7 +152,7 @@ private:
     const std::string path_;
     const FileFacts& facts_;
     TemporaryFolder folder_;
-    std::string copy_;
+    TrialCopy copy_;
     std::vector<Verdict> verdicts_;
 };
 

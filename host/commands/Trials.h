@@ -1,5 +1,6 @@
 #pragma once
-// Which exports accept a file, found out by calling each of them.
+// Which exports accept a file, and whether they do with it what they are for, found out by calling
+// each of them.
 
 #include <string>
 #include <vector>
@@ -7,11 +8,18 @@
 #include "calls/Library.h"
 #include "files/FileFacts.h"
 
+enum class Outcome {
+    kRefused,
+    kAccepted,
+    kChangesNothing,  // accepted, but the file that should have changed did not
+    kWrongResult      // accepted, but a note on the file says why the result is wrong
+};
+
 struct Verdict {
     std::string name;  // of the export
     std::string how;   // the other arguments, in words, such as "layout 3 to PSD"; may be empty
     float status;      // as the export returns it
-    bool accepted;
+    Outcome outcome;
     std::string meaning;
 };
 

@@ -1,3 +1,6 @@
+#include <cstdlib>
+
+#include "files/Diagnosis.h"
 #include "files/Fields.h"
 
 namespace {
@@ -5,32 +8,45 @@ namespace {
 using namespace number;
 
 // Rows are padded to a multiple of four bytes.
-std::optional<PixelLayout> bmpLayout(const PictureFacts& picture, std::uint64_t start) {
+std::optional<PixelLayout> bmpLayout(const PictureFacts& picture, const BmpFacts& bmp) {
     if (picture.depth != 8 || picture.channels < 3) return std::nullopt;
-    auto layout = layoutOf(picture, kByte, start);
+    auto layout = layoutOf(picture, kByte, static_cast<std::uint64_t>(bmp.pixelOffset));
     if (!layout) return layout;
     layout->rowBytes = (layout->rowBytes + 3) / 4 * 4;
-    layout->bottomRowFirst = true;
+    layout->bottomRowFirst = bmp.height > 0;
     layout->blueFirst = true;
     return layout;
+}
+
+// In the header of 12 bytes the sizes take 16 bits each, and nothing follows them.
+void readSizes(Fields& fields, BmpFacts& bmp) {
+    const bool isOld = bmp.headerBytes == kOldBmpHeaderBytes;
+    PictureFacts& picture = fields.facts().picture.emplace();
+    picture.width = fields.number(18, isOld ? kLe16 : kSignedLe32, "width");
+    bmp.height = fields.number(isOld ? 20 : 22, isOld ? kLe16 : kSignedLe32, "height");
+    picture.height = std::abs(bmp.height);
+    fields.number(isOld ? 22 : 26, kLe16, "planes");
+    bmp.bitsPerPixel = fields.number(isOld ? 24 : 28, kLe16, "bits per pixel");
+    if (isOld) return;
+    bmp.compression = fields.number(30, kLe32, "compression");
+    fields.number(34, kLe32, "image bytes");
 }
 
 }  // namespace
 
 void readBmp(Fields& fields) {
-    PictureFacts& picture = fields.facts().picture.emplace();
+    BmpFacts bmp;
     fields.text(0, 2, "signature");
     fields.number(2, kLe32, "file size");
-    const auto pixels = static_cast<std::uint64_t>(fields.number(10, kLe32, "pixel offset"));
-    fields.number(14, kLe32, "header bytes");
-    picture.width = fields.number(18, kSignedLe32, "width");
-    picture.height = fields.number(22, kSignedLe32, "height");
-    fields.number(26, kLe16, "planes");
-    const std::int64_t bits = fields.number(28, kLe16, "bits per pixel");
-    const std::int64_t compression = fields.number(30, kLe32, "compression");
-    fields.number(34, kLe32, "image bytes");
+    bmp.pixelOffset = fields.number(10, kLe32, "pixel offset");
+    bmp.headerBytes = fields.number(14, kLe32, "header bytes");
+    readSizes(fields, bmp);
+    const auto pixels = static_cast<std::uint64_t>(bmp.pixelOffset);
     fields.rest(pixels, "pixels");
-    picture.channels = bits == 24 ? 3 : bits == 32 ? 4 : 1;
-    picture.depth = bits / picture.channels;
-    if (compression == 0) picture.pixels = bmpLayout(picture, pixels);
+
+    PictureFacts& picture = *fields.facts().picture;
+    picture.channels = bmp.bitsPerPixel == 24 ? 3 : bmp.bitsPerPixel == 32 ? 4 : 1;
+    picture.depth = bmp.bitsPerPixel / picture.channels;
+    if (bmp.compression == 0) picture.pixels = bmpLayout(picture, bmp);
+    fields.facts().notes = notesOn(fields.facts(), bmp);
 }

@@ -1,6 +1,8 @@
 #include <algorithm>
 #include <optional>
+#include <utility>
 
+#include "files/Diagnosis.h"
 #include "files/Fields.h"
 
 namespace {
@@ -13,15 +15,23 @@ std::optional<std::string> nameAt(Fields& fields, std::uint64_t offset) {
     return std::string(bytes.data, end);
 }
 
-std::vector<std::string> channelNames(Fields& fields, std::uint64_t offset, std::uint64_t end) {
+struct ExrChannels {
     std::vector<std::string> names;
+    bool areSubsampled = false;  // any of them
+};
+
+// A name, the type of the samples, four more bytes and two rates of sampling each.
+ExrChannels channelsAt(Fields& fields, std::uint64_t offset, std::uint64_t end) {
+    ExrChannels channels;
     while (offset < end) {
         const auto name = nameAt(fields, offset);
         if (!name || name->empty()) break;
-        names.push_back(*name);
-        offset += name->size() + 1 + 16;  // type and sampling follow the name
+        channels.names.push_back(*name);
+        Bytes rest = fields.part(offset + name->size() + 1, 16);
+        if (rest.le32(8) > 1 || rest.le32(12) > 1) channels.areSubsampled = true;
+        offset += name->size() + 1 + 16;
     }
-    return names;
+    return channels;
 }
 
 std::string joined(const std::vector<std::string>& names) {
@@ -33,10 +43,11 @@ std::string joined(const std::vector<std::string>& names) {
 
 std::string attributeValue(Fields& fields, const std::string& type, std::uint64_t offset,
                            std::uint32_t bytes) {
-    if (type == "chlist") return joined(channelNames(fields, offset, offset + bytes));
+    if (type == "chlist") return joined(channelsAt(fields, offset, offset + bytes).names);
     if (type == "string") return fields.lettersAt(offset, bytes);
     Bytes value = fields.part(offset, 16);
-    if (type == "compression" || type == "lineOrder") return std::to_string(value.u8(0));
+    if (type == "compression") return exrCompression(value.u8(0));
+    if (type == "lineOrder") return std::to_string(value.u8(0));
     if (type == "float") return textIn(value, number::kLeFloat);
     if (type == "int") return textIn(value, number::kSignedLe32);
     if (type != "box2i") return {};
@@ -48,11 +59,15 @@ std::string attributeValue(Fields& fields, const std::string& type, std::uint64_
     return box;
 }
 
-void noteExrSize(Fields& fields, const std::string& attribute, std::uint64_t offset,
-                 std::uint32_t bytes) {
+// Notes what the other facts about a file are taken from.
+void note(Fields& fields, const std::string& attribute, std::uint64_t offset, std::uint32_t bytes,
+          ExrFacts& exr) {
     PictureFacts& picture = *fields.facts().picture;
+    if (attribute == "compression") exr.compression = fields.part(offset, 1).u8(0);
     if (attribute == "channels") {
-        picture.channelNames = channelNames(fields, offset, offset + bytes);
+        ExrChannels channels = channelsAt(fields, offset, offset + bytes);
+        exr.isSubsampled = channels.areSubsampled;
+        picture.channelNames = std::move(channels.names);
         picture.channels = std::ssize(picture.channelNames);
     }
     if (attribute != "dataWindow") return;
@@ -65,12 +80,7 @@ void noteExrSize(Fields& fields, const std::string& attribute, std::uint64_t off
     picture.height = side(4, 12);
 }
 
-}  // namespace
-
-void readExr(Fields& fields) {
-    fields.facts().picture.emplace();
-    fields.number(0, number::kLe32, "magic");
-    fields.number(4, number::kLe32, "version and flags");
+void readAttributes(Fields& fields, ExrFacts& exr) {
     for (std::uint64_t offset = 8; fields.has(offset) && !fields.isFull();) {
         const auto name = nameAt(fields, offset);
         if (!name || name->empty()) return;
@@ -81,7 +91,18 @@ void readExr(Fields& fields) {
         const std::uint32_t bytes = fields.part(sizeAt, 4).le32(0);
         const std::string value = attributeValue(fields, *type, sizeAt + 4, bytes);
         fields.add({offset, sizeAt + 4 + bytes - offset, *name, value});
-        noteExrSize(fields, *name, sizeAt + 4, bytes);
+        note(fields, *name, sizeAt + 4, bytes, exr);
         offset = sizeAt + 4 + bytes;
     }
+}
+
+}  // namespace
+
+void readExr(Fields& fields) {
+    fields.facts().picture.emplace();
+    fields.number(0, number::kLe32, "magic");
+    ExrFacts exr;
+    exr.flags = fields.number(4, number::kLe32, "version and flags");
+    readAttributes(fields, exr);
+    fields.facts().notes = notesOn(fields.facts(), exr);
 }

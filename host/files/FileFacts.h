@@ -1,6 +1,6 @@
 #pragma once
-// The fields of a file's headers, for a person who looks for a wrong byte. Nothing here judges: a
-// broken file shows what it has.
+// The fields of a file's headers, for a person who looks for a wrong byte, and what the exports do not
+// expect in them. A broken file shows what it has.
 
 #include <cstdint>
 #include <optional>
@@ -48,6 +48,19 @@ struct PictureFacts {
     std::vector<std::string> channelNames = {};  // of an OpenEXR file, in its order
 };
 
+// An export that accepts a file and makes a wrong image of it; with arguments that end so, where the
+// others do not matter.
+struct Misreading {
+    const char* name;
+    const char* arguments = "";
+};
+
+// Something that the exports do not expect, and what to do about it.
+struct Note {
+    std::string sentence;
+    std::span<const Misreading> misreadings = {};
+};
+
 struct FileFacts {
     FileKind kind = FileKind::kUnknown;
     std::string format;  // in words
@@ -55,6 +68,7 @@ struct FileFacts {
     std::optional<PictureFacts> picture;
     std::vector<Field> fields;   // in the order of the file; the first thousand
     std::vector<Field> details;  // fields that only inspect --at shows
+    std::vector<Note> notes;
 };
 
 // Reads only headers, however long the file is. Throws Failure for what is no file or cannot be read.

@@ -11,7 +11,11 @@ using namespace std::string_view_literals;
 FileKindInfo infoOf(FileKind kind) {
     switch (kind) {
         case FileKind::kTiff:
-            return {"TIFF", {".tif", ".tiff"}, {"II*\0"sv, "MM\0*"sv}, readTiff, MapFormat::kTiff};
+            return {"TIFF",
+                    {".tif", ".tiff"},
+                    {"II*\0"sv, "MM\0*"sv, "II+\0"sv, "MM\0+"sv},
+                    readTiff,
+                    MapFormat::kTiff};
         case FileKind::kPsd:
             return {"PSD", {".psd"}, {"8BPS"}, readPsd, MapFormat::kPsd};
         case FileKind::kBmp:

@@ -1,3 +1,4 @@
+#include "files/Diagnosis.h"
 #include "files/Fields.h"
 
 namespace {
@@ -11,8 +12,9 @@ constexpr std::pair<const char*, const char*> kBlocks[] = {{"colour table bytes"
 
 // One plane per channel.
 std::optional<PixelLayout> psdLayout(const PictureFacts& picture, std::uint64_t start) {
-    if (picture.depth != 8 && picture.depth != 16) return std::nullopt;
-    auto layout = layoutOf(picture, picture.depth == 16 ? kBe16 : kByte, start);
+    if (picture.depth != 8 && picture.depth != 16 && picture.depth != 32) return std::nullopt;
+    const NumberKind sample = picture.depth == 32 ? kBeFloat : picture.depth == 16 ? kBe16 : kByte;
+    auto layout = layoutOf(picture, sample, start);
     if (!layout) return layout;
     layout->rowBytes /= layout->channels;
     layout->planes = true;
@@ -23,20 +25,23 @@ std::optional<PixelLayout> psdLayout(const PictureFacts& picture, std::uint64_t 
 
 void readPsd(Fields& fields) {
     PictureFacts& picture = fields.facts().picture.emplace();
+    PsdFacts psd;
     fields.text(0, 4, "signature");
-    fields.number(4, kBe16, "version");
+    psd.version = fields.number(4, kBe16, "version");
     picture.channels = fields.number(12, kBe16, "channels");
     picture.height = fields.number(14, kBe32, "height");
     picture.width = fields.number(18, kBe32, "width");
     picture.depth = fields.number(22, kBe16, "depth");
-    fields.number(24, kBe16, "colour mode");
+    psd.colourMode = fields.number(24, kBe16, "colour mode");
     std::uint64_t offset = 26;
     for (const auto& [lengthName, name] : kBlocks) {
         const auto bytes = static_cast<std::uint64_t>(fields.number(offset, kBe32, lengthName));
         fields.facts().details.push_back({offset + 4, bytes, name, ""});
+        psd.layerBytes = static_cast<std::int64_t>(bytes);  // the last of them
         offset += 4 + bytes;
     }
-    const std::int64_t compression = fields.number(offset, kBe16, "compression");
-    if (compression == 0) picture.pixels = psdLayout(picture, offset + 2);
+    psd.compression = fields.number(offset, kBe16, "compression");
+    if (psd.compression == 0) picture.pixels = psdLayout(picture, offset + 2);
     fields.rest(offset + 2, "image data");
+    fields.facts().notes = notesOn(fields.facts(), psd);
 }

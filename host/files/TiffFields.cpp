@@ -1,6 +1,7 @@
 #include <algorithm>
 #include <optional>
 
+#include "files/Diagnosis.h"
 #include "files/Fields.h"
 #include "tiff/TiffTags.h"
 
@@ -13,33 +14,74 @@ struct TagName {
     const char* name;
 };
 
-constexpr TagName kTags[] = {
-    {tiff_tag::kNewSubfileType, "subfile type"}, {tiff_tag::kImageWidth, "width"},
-    {tiff_tag::kImageLength, "length"},          {tiff_tag::kBitsPerSample, "bits per sample"},
-    {tiff_tag::kCompression, "compression"},     {tiff_tag::kPhotometric, "photometric"},
-    {tiff_tag::kStripOffsets, "strip offset"},   {tiff_tag::kSamplesPerPixel, "samples per pixel"},
-    {tiff_tag::kRowsPerStrip, "rows per strip"}, {tiff_tag::kStripByteCounts, "strip bytes"},
-    {tiff_tag::kXResolution, "x resolution"},    {tiff_tag::kYResolution, "y resolution"},
-    {tiff_tag::kPlanarConfiguration, "planes"},  {tiff_tag::kResolutionUnit, "resolution unit"},
-    {tiff_tag::kSampleFormat, "sample format"}};
+constexpr TagName kTags[] = {{tiff_tag::kNewSubfileType, "subfile type"},
+                             {tiff_tag::kImageWidth, "width"},
+                             {tiff_tag::kImageLength, "length"},
+                             {tiff_tag::kBitsPerSample, "bits per sample"},
+                             {tiff_tag::kCompression, "compression"},
+                             {tiff_tag::kPhotometric, "photometric"},
+                             {tiff_tag::kStripOffsets, "strip offset"},
+                             {tiff_tag::kSamplesPerPixel, "samples per pixel"},
+                             {tiff_tag::kRowsPerStrip, "rows per strip"},
+                             {tiff_tag::kStripByteCounts, "strip bytes"},
+                             {tiff_tag::kXResolution, "x resolution"},
+                             {tiff_tag::kYResolution, "y resolution"},
+                             {tiff_tag::kPlanarConfiguration, "planes"},
+                             {tiff_tag::kResolutionUnit, "resolution unit"},
+                             {kTileWidthTag, "tile width"},
+                             {tiff_tag::kSampleFormat, "sample format"}};
 
 constexpr std::int64_t kMaxChannels = 65535;  // as the tag 277 can count
 constexpr std::size_t kEntryBytes = 12;
+constexpr std::size_t kValueInEntry = 8;
+constexpr std::size_t kInlineBytes = 4;  // of the values that an entry can have in itself
+
+constexpr std::int64_t kBigTiffVersion = 43;
+
 constexpr Component kEntry[] = {
     {"tag", kLe16}, {"type", kLe16}, {"count", kLe32}, {"value", kLe32}};
+constexpr Component kBigEndianEntry[] = {
+    {"tag", kBe16}, {"type", kBe16}, {"count", kBe32}, {"value", kBe32}};
 
 constexpr Component kShort[] = {{nullptr, kLe16}};
 constexpr Component kLong[] = {{nullptr, kLe32}};
 constexpr Component kRational[] = {{"numerator", kLe32}, {"denominator", kLe32}};
 constexpr Component kFloat[] = {{nullptr, kLeFloat}};
 
+// Reads the numbers of a file in its own byte order.
+struct Reader {
+    Fields& fields;
+    bool bigEndian;
+
+    NumberKind kind(std::size_t bytes) const { return {bytes, NumberKind::kUnsigned, bigEndian}; }
+    std::uint32_t at(std::uint64_t offset, std::size_t bytes) const {
+        return static_cast<std::uint32_t>(integerIn(fields.part(offset, bytes), kind(bytes)));
+    }
+};
+
 // What an entry says.
 struct Entry {
     std::uint16_t tag;
     std::uint16_t type;
     std::uint32_t count;
-    std::uint32_t value;  // or the offset of the values
+    std::uint32_t value;       // the first one
+    std::uint64_t valuesFrom;  // where the values are: in the entry, or elsewhere
 };
+
+std::size_t bytesOfType(std::uint16_t type) {
+    constexpr std::size_t kBytes[] = {0, 1, 1, 2, 4, 8, 1, 1, 2, 4, 8, 4, 8};
+    return type < std::size(kBytes) ? kBytes[type] : 0;
+}
+
+Entry entryAt(const Reader& reader, std::uint64_t offset) {
+    const auto tag = static_cast<std::uint16_t>(reader.at(offset, 2));
+    const auto type = static_cast<std::uint16_t>(reader.at(offset + 2, 2));
+    const std::uint32_t count = reader.at(offset + 4, 4);
+    const bool isInline = std::uint64_t{count} * bytesOfType(type) <= kInlineBytes;
+    const std::uint64_t place = offset + kValueInEntry;
+    const std::uint64_t from = isInline ? place : reader.at(place, 4);
+    return {tag, type, count, reader.at(from, type == tiff_type::kShort ? 2 : 4), from};
+}
 
 // The components of one value; none for types that are not shown.
 std::span<const Component> componentsOf(std::uint16_t type) {
@@ -58,85 +100,96 @@ std::string nameOf(std::uint16_t tag) {
 }
 
 // Values that take more than the four bytes of an entry are elsewhere in the file.
-std::string valuesOf(Fields& fields, const Entry& entry) {
-    if (entry.count == 1 && entry.type == tiff_type::kShort)
-        return std::to_string(entry.value & 0xFFFFu);
-    if (entry.count == 1 && entry.type == tiff_type::kLong) return std::to_string(entry.value);
-    std::string text = std::to_string(entry.count) + " values at " + std::to_string(entry.value);
+std::string valuesOf(const Reader& reader, const Entry& entry) {
+    const bool isNumber = entry.type == tiff_type::kShort || entry.type == tiff_type::kLong;
+    if (entry.count == 1 && isNumber) return std::to_string(entry.value);
+    std::string text =
+        std::to_string(entry.count) + " values at " + std::to_string(entry.valuesFrom);
     if (entry.type != tiff_type::kShort || entry.count != 3) return text;
-    Bytes shorts = fields.part(entry.value, 6);
     for (std::size_t i = 0; i < 3; ++i) {
         text += i == 0 ? ": " : ", ";
-        text += std::to_string(shorts.le16(2 * i));
+        text += std::to_string(reader.at(entry.valuesFrom + 2 * i, 2));
     }
     return text;
 }
 
-void addEntry(Fields& fields, std::uint64_t offset, const Entry& entry) {
+// The components of values are those of a little-endian file.
+void addEntry(const Reader& reader, std::uint64_t offset, const Entry& entry) {
     const std::string name = nameOf(entry.tag);
-    Field field{offset, kEntryBytes, name, valuesOf(fields, entry), "entry " + name, kEntry};
-    fields.add(std::move(field));
+    Field field{offset, kEntryBytes, name, valuesOf(reader, entry), "entry " + name, kEntry};
+    if (reader.bigEndian) field.head = kBigEndianEntry;
+    reader.fields.add(std::move(field));
     const std::span<const Component> components = componentsOf(entry.type);
     const std::uint64_t bytes = bytesOf(components) * entry.count;
-    if (bytes <= 4) return;
-    Field values{entry.value, bytes, name, "", "values of entry " + name};
+    if (bytes <= kInlineBytes || reader.bigEndian) return;
+    Field values{entry.valuesFrom, bytes, name, "", "values of entry " + name};
     values.elements = {"value", entry.count, nullptr, 1, components};
-    fields.facts().details.push_back(std::move(values));
+    reader.fields.facts().details.push_back(std::move(values));
 }
 
-// What the entries say about the samples.
-struct Samples {
-    std::uint32_t strips = 0;
-    std::uint32_t start = 0;
-    std::uint32_t compression = 1;
-};
-
-void note(Fields& fields, const Entry& entry, Samples& samples) {
-    PictureFacts& picture = *fields.facts().picture;
-    if (entry.tag == tiff_tag::kImageWidth) picture.width = entry.value;
-    if (entry.tag == tiff_tag::kImageLength) picture.height = entry.value;
-    if (entry.tag == tiff_tag::kCompression) samples.compression = entry.value;
-    if (entry.tag == tiff_tag::kStripOffsets) {
-        samples.strips = entry.count;
-        samples.start = entry.value;
-    }
-    if (entry.tag == tiff_tag::kBitsPerSample) {
-        picture.channels = entry.count;
-        picture.depth = entry.count == 1 ? entry.value : fields.part(entry.value, 2).le16(0);
+void readDirectory(const Reader& reader, TiffFacts& tiff) {
+    const std::int64_t entries = reader.fields.number(tiff.directory, reader.kind(2), "entries");
+    for (std::int64_t i = 0; i < entries && !reader.fields.isFull(); ++i) {
+        const std::uint64_t offset =
+            tiff.directory + 2 + kEntryBytes * static_cast<std::uint64_t>(i);
+        Bytes bytes = reader.fields.part(offset, kEntryBytes);
+        bytes.u8(kEntryBytes - 1);
+        if (reader.fields.endsWithin("an entry", bytes, offset)) break;
+        const Entry entry = entryAt(reader, offset);
+        addEntry(reader, offset, entry);
+        tiff.tags[entry.tag] = {entry.count, entry.value, offset + kValueInEntry, entry.valuesFrom};
+        tiff.directoryEnd = offset + kEntryBytes;
     }
 }
 
-// One strip that is not compressed has its samples where they can be read. Those of 32 bits are
-// floats, as the library takes them, whatever the file says.
-std::optional<PixelLayout> tiffLayout(const PictureFacts& picture, const Samples& samples) {
-    const bool isPlain = samples.strips == 1 && samples.compression == 1;
-    if (!isPlain || picture.channels > kMaxChannels) return std::nullopt;
-    if (picture.depth == 8) return layoutOf(picture, kByte, samples.start);
-    if (picture.depth == 16) return layoutOf(picture, kLe16, samples.start);
-    if (picture.depth == 32) return layoutOf(picture, kLeFloat, samples.start);
-    return std::nullopt;
+PictureFacts pictureOf(const TiffFacts& tiff) {
+    using namespace tiff_tag;
+    PictureFacts picture;
+    picture.width = tiff.value(kImageWidth);
+    picture.height = tiff.value(kImageLength);
+    const bool hasDepth = tiff.has(kBitsPerSample);
+    picture.channels = hasDepth ? tiff.count(kBitsPerSample) : tiff.value(kSamplesPerPixel, 1);
+    picture.depth = tiff.value(kBitsPerSample, 1);
+    return picture;
+}
+
+// The kind of sample that can be read; nothing for others.
+std::optional<NumberKind> sampleKind(const TiffFacts& tiff, std::int64_t depth) {
+    constexpr std::uint32_t kSignedFormat = 2;
+    constexpr std::uint32_t kFloatFormat = 3;
+    const std::uint32_t format = tiff.value(tiff_tag::kSampleFormat, 1);
+    if (depth <= 0 || depth > 64 || depth % 8 != 0) return std::nullopt;
+    NumberKind kind{static_cast<std::size_t>(depth / 8), NumberKind::kUnsigned, tiff.bigEndian};
+    if (format == kSignedFormat) kind.type = NumberKind::kSigned;
+    if (format != kFloatFormat) return depth <= 32 ? std::optional(kind) : std::nullopt;
+    kind.type = NumberKind::kFloat;
+    const bool isFloat = depth == 16 || depth == 32 || depth == 64;
+    return isFloat ? std::optional(kind) : std::nullopt;
+}
+
+// One strip that is not compressed has its samples where they can be read.
+std::optional<PixelLayout> layoutIn(const PictureFacts& picture, const TiffFacts& tiff) {
+    using namespace tiff_tag;
+    const auto kind = sampleKind(tiff, picture.depth);
+    const bool isPlain = tiff.count(kStripOffsets) == 1 && tiff.value(kCompression, 1) == 1 &&
+                         tiff.value(kPlanarConfiguration, 1) == 1;
+    if (!isPlain || !kind || picture.channels > kMaxChannels) return std::nullopt;
+    return layoutOf(picture, *kind, tiff.value(kStripOffsets));
 }
 
 }  // namespace
 
 void readTiff(Fields& fields) {
     fields.text(0, 2, "byte order");
-    if (fields.lettersAt(0, 2) == "MM") {
-        fields.add({2, 0, "note", "big-endian, which Quillon does not read"});
-        return;
+    TiffFacts tiff;
+    tiff.bigEndian = fields.lettersAt(0, 2) == "MM";
+    const Reader reader{fields, tiff.bigEndian};
+    tiff.bigTiff = fields.number(2, reader.kind(2), "version") == kBigTiffVersion;
+    if (!tiff.bigTiff) {
+        tiff.directory = static_cast<std::uint64_t>(fields.number(4, reader.kind(4), "directory"));
+        readDirectory(reader, tiff);
+        PictureFacts& picture = fields.facts().picture.emplace(pictureOf(tiff));
+        picture.pixels = layoutIn(picture, tiff);
     }
-    fields.number(2, kLe16, "version");
-    const auto directory = static_cast<std::uint64_t>(fields.number(4, kLe32, "directory"));
-    const std::int64_t entries = fields.number(directory, kLe16, "entries");
-    PictureFacts& picture = fields.facts().picture.emplace();
-    Samples samples;
-    for (std::int64_t i = 0; i < entries && !fields.isFull(); ++i) {
-        const std::uint64_t offset = directory + 2 + kEntryBytes * static_cast<std::uint64_t>(i);
-        Bytes bytes = fields.part(offset, kEntryBytes);
-        const Entry entry{bytes.le16(0), bytes.le16(2), bytes.le32(4), bytes.le32(8)};
-        if (fields.endsWithin("an entry", bytes, offset)) break;
-        addEntry(fields, offset, entry);
-        note(fields, entry, samples);
-    }
-    picture.pixels = tiffLayout(picture, samples);
+    fields.facts().notes = notesOn(fields.facts(), tiff);
 }

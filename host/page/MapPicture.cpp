@@ -14,7 +14,9 @@ namespace {
 bool isReadable(const FileFacts& facts) {
     if (!facts.picture || !facts.picture->pixels) return false;
     const PixelLayout& layout = *facts.picture->pixels;
-    return layout.width <= 65535 && layout.height <= 65535 &&
+    const bool isKnown = layout.sample.type != NumberKind::kFloat ||
+                         (layout.sample.bytes == sizeof(float) && !layout.sample.bigEndian);
+    return isKnown && layout.width <= 65535 && layout.height <= 65535 &&
            (layout.channels == 1 || layout.channels == 3);
 }
 

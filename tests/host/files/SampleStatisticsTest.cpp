@@ -1,15 +1,12 @@
 // The range and the mean of samples that quillon inspect prints. All are worked out by hand; the
 // OpenEXR files are written by OpenEXR's own library.
 
-#include <ImfChannelList.h>
-#include <ImfFrameBuffer.h>
-#include <ImfHeader.h>
-#include <ImfOutputFile.h>
 #include <gmock/gmock.h>
 
 #include <limits>
 #include <nlohmann/json.hpp>
 
+#include "host/ExrFile.h"
 #include "host/Quillon.h"
 #include "support/BmpFile.h"
 #include "support/PsdFile.h"
@@ -21,7 +18,6 @@ using nlohmann::json;
 using ::testing::ElementsAre;
 using ::testing::HasSubstr;
 using ::testing::IsEmpty;
-using ::testing::StartsWith;
 
 constexpr float kNan = std::numeric_limits<float>::quiet_NaN();
 constexpr float kInfinity = std::numeric_limits<float>::infinity();
@@ -47,21 +43,6 @@ struct Statistics : ::testing::Test {
     Words samples(std::string_view name, const ByteList& bytes) const {
         return samples(dir.write(name, bytes));
     }
-    // A file in which each channel has a value for each of 2 x 70 pixels.
-    std::string writeExr(const std::map<std::string, std::vector<float>>& channels) const {
-        std::string path = dir.path("map.exr");
-        Imf::Header header(2, 70);
-        Imf::FrameBuffer buffer;
-        for (const auto& [name, values] : channels) {
-            header.channels().insert(name, Imf::Channel(Imf::FLOAT));
-            buffer.insert(name, Imf::Slice::Make(Imf::FLOAT, values.data(), {0, 0}, 2, 70));
-        }
-        Imf::OutputFile file(path.c_str(), header);
-        file.setFrameBuffer(buffer);
-        file.writePixels(70);
-        return path;
-    }
-
     TempDir dir;
 };
 
@@ -104,8 +85,8 @@ TEST_F(Statistics, OfTheChannelsOfAnOpenExrFile) {
         rising[i] = static_cast<float>(i);
     std::vector<float> depth(140, -0.25f);
     depth[139] = kNan;
-    const std::string file =
-        writeExr({{"Z", depth}, {"R", rising}, {"A", {rising.rbegin(), rising.rend()}}});
+    const std::string file = dir.path("map.exr");
+    writeExr(file, 2, 70, {{"Z", depth}, {"R", rising}, {"A", {rising.rbegin(), rising.rend()}}});
     EXPECT_THAT(samples(file), ElementsAre("A 0 139 69.5 140 0 0", "R 0 139 69.5 140 0 0",
                                            "Z -0.25 -0.25 -0.25 139 1 0"));
     ByteList cut = readBytes(file);
