@@ -8,7 +8,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <functional>
 #include <memory>
+#include <string_view>
 #include <utility>
 
 #include "terminal/Failure.h"
@@ -22,6 +24,18 @@ Failure failure(const char* action, const std::string& path) {
 int flagsOf(Access access) {
     if (access == Access::kRead) return O_RDONLY;
     return access == Access::kRewrite ? O_RDWR : O_RDWR | O_CREAT | O_TRUNC;
+}
+
+// Calls pread or pwrite until all bytes are moved; false if the system moves none.
+template <typename Move, typename Byte>
+bool moveAll(Move move, int file, std::uint64_t offset, std::span<Byte> bytes) {
+    while (!bytes.empty()) {
+        const ssize_t count = move(file, bytes.data(), bytes.size(), static_cast<off_t>(offset));
+        if (count <= 0) return false;
+        bytes = bytes.subspan(static_cast<std::size_t>(count));
+        offset += static_cast<std::uint64_t>(count);
+    }
+    return true;
 }
 
 }  // namespace
@@ -45,23 +59,11 @@ std::uint64_t OpenFile::size() const {
 }
 
 void OpenFile::readAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t count =
-            ::pread(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-        if (count <= 0) throw failure("read", path_);
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-        offset += static_cast<std::uint64_t>(count);
-    }
+    if (!moveAll(::pread, descriptor_, offset, bytes)) throw failure("read", path_);
 }
 
 void OpenFile::writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) const {
-    while (!bytes.empty()) {
-        const ssize_t count =
-            ::pwrite(descriptor_, bytes.data(), bytes.size(), static_cast<off_t>(offset));
-        if (count <= 0) throw failure("write", path_);
-        bytes = bytes.subspan(static_cast<std::size_t>(count));
-        offset += static_cast<std::uint64_t>(count);
-    }
+    if (!moveAll(::pwrite, descriptor_, offset, bytes)) throw failure("write", path_);
 }
 
 MappedFile::MappedFile(const std::string& path, Access access) {
@@ -103,16 +105,8 @@ void copyInPlace(const std::string& from, const std::string& to) {
 }
 
 std::uint64_t digestOf(std::span<const std::uint8_t> bytes, std::uint64_t seed) {
-    std::uint64_t digest = seed + bytes.size();
-    while (!bytes.empty()) {
-        const auto piece = bytes.first(std::min<std::size_t>(8, bytes.size()));
-        std::uint64_t word = 0;
-        std::memcpy(&word, piece.data(), piece.size());
-        digest = (digest ^ word) * 0x9E3779B97F4A7C15u;
-        digest ^= digest >> 29;
-        bytes = bytes.subspan(piece.size());
-    }
-    return digest;
+    const std::string_view text(reinterpret_cast<const char*>(bytes.data()), bytes.size());
+    return seed * 31 + std::hash<std::string_view>()(text);
 }
 
 std::uint64_t digestOf(const std::string& path) {

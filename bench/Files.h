@@ -33,7 +33,7 @@ private:
     int descriptor_;
 };
 
-// A whole file in memory, to read or to rewrite: what is written to it is written to the file.
+// A file mapped into memory, to read or to rewrite: what is written there is written to the file.
 class MappedFile {
 public:
     MappedFile(const std::string& path, Access access);

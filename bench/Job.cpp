@@ -40,10 +40,10 @@ std::vector<Contender> exportContenders(const Setup& setup, const std::string& e
     return contenders;
 }
 
-Contender limit(const std::vector<Traffic>& traffic, double target) {
-    const auto move = [traffic] {
-        moveBytes(traffic);
+Contender limit(const std::function<void()>& move, double target) {
+    const auto work = [move] {
+        move();
         return 0.0f;
     };
-    return {Role::kLimit, "limit", move, target, /*sameResult=*/false};
+    return {Role::kLimit, "limit", work, target, /*sameResult=*/false};
 }

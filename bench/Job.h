@@ -87,7 +87,7 @@ private:
     Race race_;
 };
 
-// Brings the race's files into the state in which the work finds them.
+// Restores the race's files to their state before the work.
 void reset(const Race& race);
 
 std::vector<Job> mapJobs();
@@ -97,5 +97,5 @@ std::vector<Job> meshJobs();
 std::vector<Contender> exportContenders(const Setup& setup, const std::string& exportName,
                                         const CallArguments& arguments);
 
-// The file traffic of a job as a contender.
-Contender limit(const std::vector<Traffic>& traffic, double target);
+// What moves the bytes of a job, as a contender.
+Contender limit(const std::function<void()>& move, double target);

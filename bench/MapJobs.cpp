@@ -15,16 +15,16 @@ enum class Work {
     kRead,
 };
 
-using MakeContender = std::function<Contender(const Maps&)>;
+struct MapJob;
+using MakeContender = std::function<Contender(const MapJob&, const Maps&)>;
 
 struct MapJob {
     std::string name;  // the export's, and what distinguishes its jobs
-    double value = 0;  // what the export is called with besides paths
+    double value = 0;  // what the export is called with, apart from paths
     Work work;
     MapType type;
-    double madeBytes = 0;    // of the new file, per pixel
-    double heldBytes = 0;    // of the map that the export may hold in memory, per pixel
-    double limitTarget = 0;  // for the traffic of the whole files; 0: that is not the limit
+    double madeBytes = 0;  // of the new file, per pixel
+    double heldBytes = 0;  // of the map that the export may hold in memory, per pixel
     std::vector<MakeContender> others;
     std::uint64_t (*digest)(const std::string& path) = digestOf;
     std::uint32_t largestSide = kLargestSide;
@@ -34,20 +34,41 @@ struct MapJob {
 
 MakeContender peer(const char* name, double target, float (*work)(const Maps&),
                    bool sameResult = true) {
-    return [=](const Maps& maps) {
+    return [=](auto&, auto& maps) {
         return Contender{Role::kPeer, name, [=] { return work(maps); }, target, sameResult};
     };
 }
 
 MakeContender numpy(const char* variant, double target) {
-    return [=](const Maps& maps) { return firstChannelByNumpy(maps, variant, target); };
+    return [=](auto&, auto& maps) { return firstChannelByNumpy(maps, variant, target); };
 }
 
-MakeContender thumbnailLimit(double target) {
-    return [=](const Maps& maps) {
-        return Contender{Role::kLimit, "limit", [=] { return thumbnailTraffic(maps); }, target,
-                         /*sameResult=*/false};
+std::vector<Traffic> trafficOf(const MapJob& job, const Maps& maps) {
+    const std::uint64_t bytes = OpenFile(maps.original, Access::kRead).size();
+    const Traffic readMap{Access::kRead, maps.map, bytes};
+    const Traffic rewriteMap{Access::kRewrite, maps.map, bytes};
+    const auto madeBytes = static_cast<std::uint64_t>(job.madeBytes) * maps.pixels();
+    switch (job.work) {
+        case Work::kMerge:
+            return {{Access::kRead, maps.tile, bytes}, rewriteMap};
+        case Work::kRewrite:
+            return {rewriteMap};
+        case Work::kMake:
+            return {readMap, {Access::kCreate, maps.made, madeBytes}};
+        case Work::kRead:
+            return {readMap};
+    }
+    return {};
+}
+
+MakeContender wholeFiles(double target) {
+    return [=](const MapJob& job, const Maps& maps) {
+        return limit([traffic = trafficOf(job, maps)] { moveBytes(traffic); }, target);
     };
+}
+
+MakeContender thumbnail(double target) {
+    return [=](auto&, auto& maps) { return limit([=] { thumbnailTraffic(maps); }, target); };
 }
 
 // The side of the largest float map that can be merged: its strip is shorter than 2 GiB.
@@ -57,47 +78,40 @@ std::vector<MapJob> tiffJobs() {
     return {{.name = "mergeMapsTIF 8-bit RGB",
              .work = Work::kMerge,
              .type = kTiff8,
-             .limitTarget = 1.5,
-             .others = {peer("libtiff", 0.5, mergeByLibtiff)}},
+             .others = {wholeFiles(1.5), peer("libtiff", 0.5, mergeByLibtiff)}},
             {.name = "mergeMapsTIF float RGB",
              .work = Work::kMerge,
              .type = kTiffFloat,
-             .limitTarget = 1.5,
-             .others = {peer("libtiff", 0.8, mergeByLibtiff)},
+             .others = {wholeFiles(1.5), peer("libtiff", 0.8, mergeByLibtiff)},
              .largestSide = kLargestStrip},
             {.name = "swapRGBTIF",
              .value = 2,
              .work = Work::kRewrite,
              .type = kTiff8,
-             .limitTarget = 1.7,
-             .others = {peer("libtiff", 0.6, swapByLibtiff)}},
+             .others = {wholeFiles(1.7), peer("libtiff", 0.6, swapByLibtiff)}},
             {.name = "convertTIFF16 mode 3",
              .value = 3,
              .work = Work::kMake,
              .type = kTiffFloat,
              .madeBytes = 6,
-             .limitTarget = 1.2,
-             .others = {peer("libtiff", 0.55, convertByLibtiff)},
+             .others = {wholeFiles(1.2), peer("libtiff", 0.55, convertByLibtiff)},
              .digest = digestOfPixels},
             {.name = "convertTIFFSingle",
              .work = Work::kMake,
              .type = kTiffFloat,
              .madeBytes = 4,
-             .limitTarget = 1.15,
-             .others = {numpy("whole", 0.75), numpy("pieces", 0.75)},
+             .others = {wholeFiles(1.15), numpy("whole", 0.75), numpy("pieces", 0.75)},
              .digest = digestOfPixels},
             {.name = "getScale",
              .value = 3,
              .work = Work::kRead,
              .type = kTiffFloat,
-             .limitTarget = 2.0,
-             .others = {peer("libtiff", 0.5, scaleByLibtiff)}},
+             .others = {wholeFiles(2.0), peer("libtiff", 0.5, scaleByLibtiff)}},
             {.name = "saveAsTarga",
              .work = Work::kMake,
              .type = kTiff8,
              .madeBytes = 3,
-             .limitTarget = 1.3,
-             .others = {peer("libtiff", 0.95, targaByLibtiff)}}};
+             .others = {wholeFiles(1.3), peer("libtiff", 0.95, targaByLibtiff)}}};
 }
 
 std::vector<MapJob> psdJobs() {
@@ -105,35 +119,31 @@ std::vector<MapJob> psdJobs() {
              .work = Work::kMerge,
              .type = kPsd,
              .heldBytes = 3,
-             .limitTarget = 1.4,
-             .others = {peer("C++, mapped", 0.75, mergeMappedPsd)}},
+             .others = {wholeFiles(1.4), peer("C++, mapped", 0.75, mergeMappedPsd)}},
             {.name = "swapRGBPSD",
              .value = 2,
              .work = Work::kRewrite,
              .type = kPsd,
              .heldBytes = 3,
-             .limitTarget = 1.2,
-             .others = {peer("C++, mapped", 1.0, rotateMappedPsd)}}};
+             .others = {wholeFiles(1.2), peer("C++, mapped", 1.0, rotateMappedPsd)}}};
 }
 
 std::vector<MapJob> bmpJobs() {
     return {{.name = "mergeMapsBMP",
              .work = Work::kMerge,
              .type = kBmp,
-             .limitTarget = 1.4,
-             .others = {peer("C++, mapped", 0.75, mergeMappedBmp)}},
+             .others = {wholeFiles(1.4), peer("C++, mapped", 0.75, mergeMappedBmp)}},
             {.name = "swapRGBBMP",
              .value = 2,
              .work = Work::kRewrite,
              .type = kBmp,
-             .limitTarget = 1.3,
-             .others = {peer("C++, mapped", 0.95, swapMappedBmp)}},
+             .others = {wholeFiles(1.3), peer("C++, mapped", 0.95, swapMappedBmp)}},
             {.name = "CreateThumbnailBMP",
              .value = kThumbSide,
              .work = Work::kRewrite,
              .type = kBmp,
              .heldBytes = 3,
-             .others = {thumbnailLimit(1.1), peer("C++, mapped", 0.9, shrinkMappedBmp)}},
+             .others = {thumbnail(1.1), peer("C++, mapped", 0.9, shrinkMappedBmp)}},
             {.name = "saveAsJpeg 50",
              .value = 50,
              .work = Work::kMake,
@@ -174,24 +184,6 @@ CallArguments argumentsFor(const MapJob& job, const Maps& maps) {
     return {maps.map, job.value};
 }
 
-std::vector<Traffic> trafficOf(const MapJob& job, const Maps& maps) {
-    const std::uint64_t bytes = OpenFile(maps.original, Access::kRead).size();
-    const Traffic readMap{Access::kRead, maps.map, bytes};
-    const Traffic rewriteMap{Access::kRewrite, maps.map, bytes};
-    const auto madeBytes = static_cast<std::uint64_t>(job.madeBytes) * maps.pixels();
-    switch (job.work) {
-        case Work::kMerge:
-            return {{Access::kRead, maps.tile, bytes}, rewriteMap};
-        case Work::kRewrite:
-            return {rewriteMap};
-        case Work::kMake:
-            return {readMap, {Access::kCreate, maps.made, madeBytes}};
-        case Work::kRead:
-            return {readMap};
-    }
-    return {};
-}
-
 Race raceOf(const MapJob& job, const Setup& setup) {
     const Maps maps = writeMaps(job, setup);
     const auto pixels = static_cast<double>(maps.pixels());
@@ -208,10 +200,8 @@ Race raceOf(const MapJob& job, const Setup& setup) {
         const std::string& result = job.work == Work::kMake ? maps.made : maps.map;
         race.resultDigest = [digest = job.digest, result] { return digest(result); };
     }
-    if (job.limitTarget > 0)
-        race.contenders.push_back(limit(trafficOf(job, maps), job.limitTarget));
     for (const MakeContender& make : job.others)
-        race.contenders.push_back(make(maps));
+        race.contenders.push_back(make(job, maps));
     return race;
 }
 

@@ -39,10 +39,10 @@ float rotateMappedPsd(const Maps& maps);
 inline constexpr std::uint32_t kThumbSide = 256;
 
 // The least that a thumbnail needs: reads the rows that it shows and writes a file of its size.
-float thumbnailTraffic(const Maps& maps);
+void thumbnailTraffic(const Maps& maps);
 
-// libjpeg-turbo: baseline, no subsampling, the quantization of quality 75, which is what the
-// export's 50 stands for.
+// libjpeg-turbo: baseline, no subsampling, the quantization of quality 75, which the export's
+// factor of 50 gives.
 float jpegByFastDct(const Maps& maps);
 float jpegByFloatDct(const Maps& maps);
 

@@ -1,4 +1,4 @@
-// Plain C++ for want of a library: files mapped, one pass over the pixels.
+// Plain C++, as no library edits these formats in place: files mapped, one pass over the pixels.
 
 #include <cstring>
 #include <vector>
@@ -20,13 +20,13 @@ float mergeMappedBmp(const Maps& maps) {
     const MappedFile tile(maps.tile, Access::kRead);
     const MappedFile map(maps.map, Access::kRewrite);
     const std::uint8_t* const pixels = tile.data() + kBmpHeadBytes;
-    plainMerge(map.data() + kBmpHeadBytes, pixels, pixels, maps.pixels(), 3);
+    plainMerge<3>(map.data() + kBmpHeadBytes, pixels, pixels, maps.pixels());
     return 0.0f;
 }
 
 float swapMappedBmp(const Maps& maps) {
     const MappedFile map(maps.map, Access::kRewrite);
-    plainSwap(map.data() + kBmpHeadBytes, maps.pixels(), 0, 2);
+    plainSwap(map.data() + kBmpHeadBytes, maps.pixels());
     return 0.0f;
 }
 
@@ -49,7 +49,7 @@ float shrinkMappedBmp(const Maps& maps) {
     return 0.0f;
 }
 
-float thumbnailTraffic(const Maps& maps) {
+void thumbnailTraffic(const Maps& maps) {
     const std::vector<std::uint8_t> thumb(kBmpHeadBytes + std::size_t{3} * kThumbSide * kThumbSide);
     std::vector<std::uint8_t> row(bmpRowBytes(maps.side));
     {
@@ -58,7 +58,6 @@ float thumbnailTraffic(const Maps& maps) {
             map.readAt(kBmpHeadBytes + y * row.size(), row);
     }
     OpenFile(maps.map, Access::kCreate).writeAt(0, thumb);
-    return 0.0f;
 }
 
 float mergeMappedPsd(const Maps& maps) {

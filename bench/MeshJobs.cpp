@@ -53,10 +53,12 @@ using Tile = std::pair<float, float>;
 
 // Plain C++ for want of a library: the mesh mapped, and read as often as needed.
 
-std::set<Tile> tilesIn(const std::uint8_t* first, const std::uint8_t* end) {
+std::set<Tile> tilesIn(const MappedFile& file, const MeshSize& size) {
     std::set<Tile> tiles;
     Tile last{NAN, NAN};
-    for (const std::uint8_t* face = first; face < end; face += kFaceUvBytes) {
+    const std::uint8_t* const end = file.data() + size.endOfUvs();
+    for (const std::uint8_t* face = file.data() + size.firstUv(); face < end;
+         face += kFaceUvBytes) {
         const Tile tile{placeOf(face).whole, placeOf(face + 4).whole};
         if (tile == last) continue;
         tiles.insert(tile);
@@ -67,9 +69,7 @@ std::set<Tile> tilesIn(const std::uint8_t* first, const std::uint8_t* end) {
 
 float countMapped(const Mesh& mesh) {
     const MappedFile file(mesh.path, Access::kRead);
-    const auto tiles =
-        tilesIn(file.data() + mesh.size.firstUv(), file.data() + mesh.size.endOfUvs());
-    return static_cast<float>(tiles.size());
+    return static_cast<float>(tilesIn(file, mesh.size).size());
 }
 
 void localUvs(std::uint8_t* to, const std::uint8_t* from, std::size_t corners, const Tile& tile) {
@@ -98,8 +98,7 @@ void writeTileMapped(const Mesh& mesh, const MappedFile& file, const std::string
 
 float splitMapped(const Mesh& mesh) {
     const MappedFile file(mesh.path, Access::kRead);
-    const auto tiles =
-        tilesIn(file.data() + mesh.size.firstUv(), file.data() + mesh.size.endOfUvs());
+    const std::set<Tile> tiles = tilesIn(file, mesh.size);
     std::vector<std::uint8_t> piece(kPieceBytes);
     for (const Tile& tile : tiles) {
         const auto number = static_cast<std::uint32_t>(tile.first + 10.0f * tile.second);
@@ -123,16 +122,10 @@ Race count(const Setup& setup) {
     race.contenders = exportContenders(setup, "getUVTile", {mesh.path, kNumberedNames});
     const std::size_t firstUv = mesh.size.firstUv();
     const std::size_t bytes = mesh.size.endOfUvs() - firstUv;
-    race.contenders.push_back(limit({{Access::kRead, mesh.path, bytes, firstUv}}, 1.3));
+    const std::vector<Traffic> traffic{{Access::kRead, mesh.path, bytes, firstUv}};
+    race.contenders.push_back(limit([=] { moveBytes(traffic); }, 1.3));
     race.contenders.push_back(mapped(countMapped, mesh));
     return race;
-}
-
-std::uint64_t digestOfAll(const std::vector<std::string>& paths) {
-    std::uint64_t digest = 0;
-    for (const std::string& path : paths)
-        digest = digest * 31 + digestOf(path);
-    return digest;
 }
 
 Race split(const Setup& setup) {
@@ -144,10 +137,15 @@ Race split(const Setup& setup) {
         race.created.push_back(mesh.tilePath(tile));
         traffic.push_back({Access::kCreate, mesh.tilePath(tile), mesh.tileBytes()});
     }
-    race.resultDigest = [tiles = race.created] { return digestOfAll(tiles); };
+    race.resultDigest = [tiles = race.created] {
+        std::uint64_t digest = 0;
+        for (const std::string& tile : tiles)
+            digest = digestOf(MappedFile(tile, Access::kRead).bytes(), digest);
+        return digest;
+    };
     race.contenders =
         exportContenders(setup, "getUVs", {mesh.path, kNumberedNames, mesh.outPath + ".tif"});
-    race.contenders.push_back(limit(traffic, 1.1));
+    race.contenders.push_back(limit([=] { moveBytes(traffic); }, 1.1));
     race.contenders.push_back(mapped(splitMapped, mesh));
     return race;
 }

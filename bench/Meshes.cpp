@@ -14,11 +14,6 @@ constexpr std::uint32_t kFaceUvBytes = 32;
 
 constexpr std::uint32_t kTilesInRow = 10;
 
-// A corner's place between the first and the last quad of its patch; patches keep a margin.
-float within(std::uint32_t corner, std::uint32_t first, std::uint32_t last) {
-    return 0.02f + 0.96f * static_cast<float>(corner - first) / static_cast<float>(last - first);
-}
-
 // The patches of a grid along one of its sides.
 struct Patches {
     std::uint32_t side;
@@ -26,8 +21,11 @@ struct Patches {
 
     std::uint32_t of(std::uint32_t quad) const { return quad * count / side; }
     std::uint32_t first(std::uint32_t patch) const { return (patch * side + count - 1) / count; }
+    // A corner's place between the first and the last quad of its patch; patches keep a margin.
     float local(std::uint32_t quad, std::uint32_t corner) const {
-        return within(corner, first(of(quad)), first(of(quad) + 1));
+        const std::uint32_t start = first(of(quad));
+        const auto quads = static_cast<float>(first(of(quad) + 1) - start);
+        return 0.02f + 0.96f * static_cast<float>(corner - start) / quads;
     }
 };
 

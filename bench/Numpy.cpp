@@ -11,7 +11,7 @@
 
 namespace {
 
-// The Python process. It works when it gets a line and answers with a line, both over one socket.
+// The Python process. It works when it gets a line and then sends one, both over one socket.
 class Helper {
 public:
     Helper(const Maps& maps, const std::string& variant) {

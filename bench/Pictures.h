@@ -5,7 +5,7 @@
 #include <cstdint>
 #include <string>
 
-// Islands of the second tile lie between those of the first, so that they do not overlap.
+// Islands of the second tile are between those of the first, so that they do not overlap.
 enum class Tile { kFirst, kSecond };
 
 struct MapType {

@@ -1,16 +1,26 @@
 #pragma once
 // The arithmetic of peers, written plainly and left to the compiler.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
+#include <cstring>
+#include <utility>
 
-// Replaces pixels of `map` that equal `background` by those of `tile`; a pixel has 3 or 12 bytes.
+// Replaces pixels of `map` that equal `background` by those of `tile`.
+template <std::size_t kPixelBytes>
 void plainMerge(std::uint8_t* map, const std::uint8_t* tile, const std::uint8_t* background,
-                std::size_t pixels, std::size_t pixelBytes);
+                std::size_t pixels) {
+    std::array<std::uint8_t, kPixelBytes> key;
+    std::memcpy(key.data(), background, kPixelBytes);
+    for (std::size_t i = 0; i < pixels * kPixelBytes; i += kPixelBytes) {
+        if (std::memcmp(map + i, key.data(), kPixelBytes) == 0)
+            std::memcpy(map + i, tile + i, kPixelBytes);
+    }
+}
 
-// Exchanges two of the three bytes of each pixel.
-void plainSwap(std::uint8_t* pixels, std::size_t count, std::size_t first, std::size_t second);
-
-// Stores the 16-bit levels of float samples, or marks in `seen`, of 65,536 bytes, which there are.
-void plainLevels(std::uint8_t* to, const std::uint8_t* samples, std::size_t count);
-void plainMark(std::uint8_t* seen, const std::uint8_t* samples, std::size_t count);
+// Exchanges the first and the last of the three bytes of each pixel.
+inline void plainSwap(std::uint8_t* pixels, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i, pixels += 3)
+        std::swap(pixels[0], pixels[2]);
+}

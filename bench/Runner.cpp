@@ -68,7 +68,7 @@ double medianOf(std::vector<double> values) {
     return (*middle + *std::max_element(values.begin(), middle)) / 2;
 }
 
-// What the times of one contender come to, beside those of quillon.
+// Sums up the times of one contender and their ratios to those of quillon.
 Result resultOf(const Contender& contender, const std::vector<Times>& times,
                 const std::vector<Times>& quillonTimes) {
     std::vector<double> cpu;

@@ -25,7 +25,7 @@ const Result* findResult(const Line& line, Role role) {
     return found == line.results.end() ? nullptr : &*found;
 }
 
-// Whether a target asks for less time than the file traffic takes by itself.
+// Whether a target allows less time than the file traffic takes by itself.
 bool isBelowLimit(const Line& line, const Result& result) {
     const Result* const limit = findResult(line, Role::kLimit);
     return limit != nullptr && result.role == Role::kPeer &&

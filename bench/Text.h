@@ -9,5 +9,5 @@
 
 using TableRow = std::vector<std::string>;
 
-// A Markdown table, the first row its head, padded so that it reads well as it stands.
+// A Markdown table, the first row its head, padded so that it also reads well as plain text.
 std::string aligned(const std::vector<TableRow>& rows);

@@ -76,12 +76,20 @@ void forEachStrip(const std::string& path, Use use) {
     }
 }
 
-void reversePixels(std::uint8_t* to, const std::uint8_t* from, std::size_t pixels) {
-    for (std::size_t i = 0; i < pixels; ++i, to += 3, from += 3) {
-        to[0] = from[2];
-        to[1] = from[1];
-        to[2] = from[0];
-    }
+// The 16-bit level of a float sample.
+int levelOf(const std::uint8_t* sample) {
+    const float q = loadLeFloat(sample) * 65535.0f;
+    return static_cast<int>((q >= 0.0f ? std::min(q, 65535.0f) : 0.0f) + 0.5f);
+}
+
+void storeLevels(std::uint16_t* to, const std::uint8_t* samples, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        to[i] = static_cast<std::uint16_t>(levelOf(samples + 4 * i));
+}
+
+void markLevels(std::uint8_t* seen, const std::uint8_t* samples, std::size_t count) {
+    for (std::size_t i = 0; i < count; ++i)
+        seen[levelOf(samples + 4 * i)] = 1;
 }
 
 }  // namespace
@@ -90,6 +98,7 @@ float mergeByLibtiff(const Maps& maps) {
     Strips source(maps.tile, "r");
     Strips target(maps.map, "r+");
     const std::size_t pixelBytes = target.pixelBytes();
+    const auto merge = pixelBytes == 3 ? plainMerge<3> : plainMerge<12>;
     ByteList tile = source.buffer();
     ByteList map = target.buffer();
     ByteList background;
@@ -97,7 +106,7 @@ float mergeByLibtiff(const Maps& maps) {
         source.read(strip, tile);
         target.read(strip, map);
         if (strip == 0) background.assign(tile.data(), tile.data() + pixelBytes);
-        plainMerge(map.data(), tile.data(), background.data(), map.size() / pixelBytes, pixelBytes);
+        merge(map.data(), tile.data(), background.data(), map.size() / pixelBytes);
         target.write(strip, map);
     }
     return 0.0f;
@@ -108,7 +117,7 @@ float swapByLibtiff(const Maps& maps) {
     ByteList map = strips.buffer();
     for (std::uint32_t strip = 0; strip < strips.count(); ++strip) {
         strips.read(strip, map);
-        plainSwap(map.data(), map.size() / 3, 0, 2);
+        plainSwap(map.data(), map.size() / 3);
         strips.write(strip, map);
     }
     return 0.0f;
@@ -123,11 +132,11 @@ float convertByLibtiff(const Maps& maps) {
     ::TIFFSetField(file.get(), TIFFTAG_ROWSPERSTRIP, maps.side);
     ::TIFFSetField(file.get(), TIFFTAG_PLANARCONFIG, PLANARCONFIG_CONTIG);
     ::TIFFSetField(file.get(), TIFFTAG_PHOTOMETRIC, PHOTOMETRIC_RGB);
-    ByteList levels;
+    std::vector<std::uint16_t> levels;
     forEachStrip(maps.map, [&](const ByteList& samples) {
-        levels.resize(samples.size() / 2);
-        plainLevels(levels.data(), samples.data(), samples.size() / 4);
-        const auto count = static_cast<tmsize_t>(levels.size());
+        levels.resize(samples.size() / 4);
+        storeLevels(levels.data(), samples.data(), levels.size());
+        const auto count = static_cast<tmsize_t>(2 * levels.size());
         // The output's one strip grows with each call.
         if (::TIFFWriteRawStrip(file.get(), 0, levels.data(), count) != count)
             throw Failure("libtiff cannot write a strip");
@@ -138,7 +147,7 @@ float convertByLibtiff(const Maps& maps) {
 float scaleByLibtiff(const Maps& maps) {
     ByteList seen(65536);
     forEachStrip(maps.map, [&](const ByteList& samples) {
-        plainMark(seen.data(), samples.data(), samples.size() / 4);
+        markLevels(seen.data(), samples.data(), samples.size() / 4);
     });
     const auto levels = static_cast<float>(std::count(seen.begin(), seen.end(), 1));
     return 18.49f * std::exp(1049.0f / levels + levels * -7.071e-05f);
@@ -155,14 +164,12 @@ float targaByLibtiff(const Maps& maps) {
     file.append(head);
     const std::size_t rowBytes = std::size_t{3} * maps.side;
     ByteList map = strips.buffer();
-    ByteList reversed(rowBytes);
     for (std::uint32_t strip = strips.count(); strip-- > 0;) {
         map.resize(map.capacity());
         strips.read(strip, map);
-        for (std::size_t row = map.size(); row > 0; row -= rowBytes) {
-            reversePixels(reversed.data(), &map[row - rowBytes], maps.side);
-            file.append(reversed);
-        }
+        plainSwap(map.data(), map.size() / 3);
+        for (std::size_t row = map.size(); row > 0; row -= rowBytes)
+            file.append({&map[row - rowBytes], rowBytes});
     }
     file.finish();
     return 0.0f;

@@ -1,5 +1,5 @@
-// quillon_bench: how fast the exports are, beside the best that other software does and the file
-// traffic alone.
+// quillon_bench: how fast the exports are, compared with the best that other software does and with
+// the file traffic alone.
 
 #include <CLI/CLI.hpp>
 #include <cstdio>
@@ -49,7 +49,7 @@ std::string sideError(const std::string& side) {
                        kLargestSide);
 }
 
-// The jobs asked for by name.
+// The jobs whose names match the filter.
 std::vector<Job> wantedJobs(const Options& options) {
     const std::regex wanted(options.filter, std::regex::icase);
     std::vector<Job> jobs;
