@@ -1,5 +1,5 @@
 #pragma once
-// An OpenEXR file of one channel of half floats, its attributes open to bending.
+// An OpenEXR file of one channel of half floats, whose attributes a test can change.
 
 #include <cstdint>
 #include <string>

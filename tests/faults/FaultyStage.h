@@ -10,11 +10,11 @@
 #include "faults/System.h"
 #include "support/CaptureStdout.h"
 
-// A stage on which system calls can be made to go wrong, and which keeps count of the heap.
+// A stage on which system calls can be made to fail, and which counts what the heap holds.
 class FaultyStage : public Stage {
 public:
-    // Makes the scenario's call with each system call of the fault's kind going wrong in turn, until it
-    // makes no more of them, and judges each result. Returns how many went wrong.
+    // Makes the scenario's call with each system call of the fault's kind failing in turn, until it
+    // makes no more of them, and passes each result to `judge`. Returns how many failed.
     template <typename Judge>
     std::size_t inject(const Scenario& scenario, Fault fault, Judge judge) {
         for (fault.position = 1;; ++fault.position) {
@@ -28,10 +28,10 @@ public:
         }
     }
 
-    // What the last call asked of the system.
+    // The system calls of the last call.
     const Asked& asked() const { return asked_; }
 
-    // Taken from the heap by all calls so far and not given back.
+    // Allocated by all calls so far and not freed.
     std::ptrdiff_t blocks() const { return blocks_; }
     std::ptrdiff_t bytes() const { return bytes_; }
 

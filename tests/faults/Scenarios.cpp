@@ -7,7 +7,6 @@
 
 #include <algorithm>
 #include <filesystem>
-#include <fstream>
 #include <stdexcept>
 
 #include "support/BmpFile.h"
@@ -270,17 +269,6 @@ std::vector<Scenario> allScenarios() {
     return list.all;
 }
 
-void writeBytes(const std::string& path, const ByteList& bytes) {
-    std::ofstream file(path, std::ios::binary);
-    file.write(reinterpret_cast<const char*>(bytes.data()),
-               static_cast<std::streamsize>(bytes.size()));
-    if (!file.flush()) throw std::runtime_error("cannot write " + path);
-}
-
-bool takesPath(const Call& call) {
-    return std::string_view(call.exportName) != "GetString";
-}
-
 }  // namespace
 
 void PrintTo(const Scenario& scenario, std::ostream* out) {
@@ -313,10 +301,9 @@ const std::vector<Scenario>& scenarios() {
 }
 
 const Scenario& scenarioNamed(std::string_view name) {
-    for (const Scenario& scenario : scenarios()) {
-        if (scenario.name == name) return scenario;
-    }
-    throw std::out_of_range("no such scenario");
+    const auto found = std::ranges::find(scenarios(), name, &Scenario::name);
+    if (found == scenarios().end()) throw std::out_of_range("no such scenario");
+    return *found;
 }
 
 ByteList bytesOf(std::string_view text) {
@@ -331,14 +318,15 @@ void Stage::prepare(const Scenario& scenario) {
         fs::remove_all(entry.path());
     for (const auto& [name, bytes] : scenario.files) {
         fs::create_directories(fs::path(path(name)).parent_path());
-        writeBytes(path(name), bytes);
+        dir_.write(path(name), bytes);
     }
     for (const Call& call : scenario.before)
         make(call);
 }
 
 Result Stage::make(const Call& call) {
-    const std::string text = takesPath(call) ? path(call.text) : call.text;
+    const bool takesPath = std::string_view(call.exportName) != "GetString";
+    const std::string text = takesPath ? path(call.text) : call.text;
     const std::string content = call.buffer1.empty() ? "untouched" : path(call.buffer1);
     std::vector<char> block(std::max<std::size_t>(4096, content.size() + 1));
     std::copy(content.begin(), content.end(), block.begin());

@@ -41,7 +41,7 @@ constinit Fault planned{};
 constinit bool isPlanned = false;
 constinit Asked asked{};
 
-// Counts a call; true if it is to go wrong.
+// Counts a call; true if it must fail.
 bool goesWrong(SystemCall call) {
     if (!watching) return false;
     const std::size_t position = ++asked.calls[static_cast<std::size_t>(call)];

@@ -52,10 +52,10 @@ public:
     ~SmallDisk();
 };
 
-// What was asked for while a Watch lived.
+// The calls that were made while a Watch lived.
 struct Asked {
     std::array<std::size_t, kSystemCalls> calls{};
-    std::ptrdiff_t blocks = 0;  // taken from the heap and not given back
+    std::ptrdiff_t blocks = 0;  // allocated and not freed
     std::ptrdiff_t bytes = 0;
     bool harmed = false;  // the fault has happened
 
