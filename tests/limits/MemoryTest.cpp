@@ -62,7 +62,7 @@ float statusWithLittleMemory(Stage& stage, const Call& call) {
     return status;
 }
 
-// A header of 32 bytes and one chunk that claims elements without number.
+// A header of 32 bytes and one chunk that claims a huge number of elements.
 ByteList greedyMesh(std::uint32_t id, std::uint32_t count) {
     return VemoBuilder().chunk(id, 0xFFFFFFFF, count, ByteList(64)).bytes();
 }

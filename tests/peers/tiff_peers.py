@@ -42,9 +42,9 @@ def levels(samples):
 
 def magick_pixels(path, shape):
     """What ImageMagick reads, as 16-bit samples."""
-    kind = "rgb" if len(shape) == 3 else "gray"
+    samples = "rgb" if len(shape) == 3 else "gray"
     raw = subprocess.run(["convert", str(path), "-auto-orient", "-depth", "16", "-endian", "LSB",
-                          f"{kind}:-"],
+                          f"{samples}:-"],
                          check=True, capture_output=True).stdout
     return np.frombuffer(raw, "<u2").reshape(shape)
 
