@@ -1,4 +1,4 @@
-// fuzz_replay TARGET FILE...: runs a target on inputs without a fuzzer; a folder stands for its files.
+// fuzz_replay TARGET FILE...: runs a target on inputs, or all inputs in a folder, without fuzzer.
 // Needs only a compiler, so every test run repeats the seeds and every finding.
 
 #include <cstdio>

@@ -1,5 +1,5 @@
 #pragma once
-// Recipe: what one fuzz input means: a few numbers and the files that an operation is given.
+// Recipe: the contents of one fuzz input: a few numbers and the files that an operation is given.
 //
 //   0  12 numbers, such as a mode or a size; each target says which it reads
 //   12    the files, each:

@@ -96,7 +96,7 @@ int lowestFreeDescriptor() {
 }
 
 struct Outcome {
-    std::uint32_t status = 0;  // the bits, so that one NaN equals another
+    std::uint32_t status;  // the bits, so that one NaN equals another
     std::map<std::string, FileState> files;
     bool operator==(const Outcome&) const = default;
 };
@@ -104,10 +104,14 @@ struct Outcome {
 Outcome runOnce(const Target& target, const Recipe& recipe) {
     Case files(recipe, folder().path());
     const int descriptor = lowestFreeDescriptor();
-    Outcome outcome;
-    outcome.status = std::bit_cast<std::uint32_t>(target.run(files));
+    const float status = target.run(files);
     if (lowestFreeDescriptor() != descriptor) fail("no file is left open");
+    if (status != 0.0f) {
+        for (std::size_t i = 0; i < recipe.files.size(); ++i)
+            files.expectUnchanged(i);
+    }
 
+    Outcome outcome{std::bit_cast<std::uint32_t>(status), {}};
     for (const std::string& name : folder().names()) {
         const std::string path = folder().path() + '/' + name;
         outcome.files.emplace(name, readFile(path));
@@ -161,7 +165,7 @@ void Case::expectStatus(float status, std::initializer_list<float> known) {
 
 void Case::expectUnchanged(std::size_t index) const {
     expect(readFile(paths_.at(index)).bytes == given(index),
-           "a file that is only read stays as it is");
+           "a file that is only read, or given to a call that is refused, stays as it is");
 }
 
 void Case::expectSameSize(std::size_t index) const {

@@ -1,7 +1,8 @@
 #pragma once
 // Target: an operation under fuzzing, and what must hold whatever files it is given. Sanitizers
 // watch memory; a target checks the rest: which statuses there are, which files stay as they were.
-// The harness itself checks that no file stays open and that the same call gives the same bytes.
+// The harness itself checks that no file stays open, that a call with another status than 0 changes
+// none of the files it is given, and that the same call gives the same bytes.
 
 #include <cstdint>
 #include <initializer_list>
@@ -53,7 +54,7 @@ struct Target {
     std::uint16_t seedFiller = 0;
 };
 
-// All targets, by name. Each source in targets/ adds its own.
+// All targets. Each source in targets/ adds its own.
 const std::vector<Target>& allTargets();
 const Target* findTarget(const std::string& name);
 

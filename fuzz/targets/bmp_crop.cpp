@@ -11,7 +11,7 @@ FUZZ_TARGET(bmp_crop, kBmp, 1) {
     const float status =
         cropBMP(files.file(0), replaces ? files.file(0) : files.output(), xOffset, width);
     Case::expectStatus(status, {0.0f, -7.0f, -9.0f});
-    if (!replaces || status != 0.0f) files.expectUnchanged(0);
+    if (!replaces) files.expectUnchanged(0);
     files.expectOutputs(!replaces && status == 0.0f ? 1 : 0);
     return status;
 }

@@ -8,6 +8,5 @@ FUZZ_TARGET(bmp_merge, kBmp, 2) {
     Case::expectStatus(status, {0.0f, -7.0f, -30.0f, -40.0f});
     files.expectUnchanged(0);
     files.expectSameSize(1);
-    if (status != 0.0f) files.expectUnchanged(1);
     return status;
 }

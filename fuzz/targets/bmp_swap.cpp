@@ -7,7 +7,6 @@ FUZZ_TARGET(bmp_swap, kBmp, 1) {
     const int mode = files.byte(0) % 5;
     const float status = swapChannelsBMP(files.file(0), mode);
     Case::expectStatus(status, {0.0f, -7.0f});
-    if (status != 0.0f) files.expectUnchanged(0);
     files.expectSameBytes(0);
     return status;
 }

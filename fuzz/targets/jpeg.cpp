@@ -22,7 +22,7 @@ FUZZ_TARGET(jpeg, kBmp, 1) {
     const float status =
         convertToJPEG(files.file(0), replaces ? files.file(0) : files.output(), files.number(0));
     Case::expectStatus(status, {0.0f, 4.0f, 5.0f, -9.0f});
-    if (!replaces || status != 0.0f) files.expectUnchanged(0);
+    if (!replaces) files.expectUnchanged(0);
     files.expectOutputs(!replaces && status == 0.0f ? 1 : 0);
     return status;
 }

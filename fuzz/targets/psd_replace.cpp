@@ -11,6 +11,5 @@ FUZZ_TARGET(psd_replace, kPsd, 1) {
     const float status = convertPSD(files.file(0), colour(0), colour(4), files.byte(8) % 2 == 1);
     Case::expectStatus(status, {0.0f, -1.0f, -2.0f, -3.0f, -4.0f});
     files.expectSameSize(0);
-    if (status != 0.0f) files.expectUnchanged(0);
     return status;
 }

@@ -8,6 +8,5 @@ FUZZ_TARGET(tiff_merge, kTiff, 2) {
     Case::expectStatus(status, {0.0f, -30.0f, -40.0f, 258.0f, -259.0f, -262.0f, -273.0f, -339.0f});
     files.expectUnchanged(0);
     files.expectSameSize(1);
-    if (status != 0.0f) files.expectUnchanged(1);
     return status;
 }

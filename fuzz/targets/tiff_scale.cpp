@@ -1,4 +1,4 @@
-// The scale of a displacement map, whose directory may lie anywhere.
+// The scale of a displacement map, whose directory may be anywhere.
 
 #include "harness/Target.h"
 #include "tiff/TiffOps.h"

@@ -7,7 +7,6 @@ FUZZ_TARGET(tiff_swap, kTiff, 1) {
     const int mode = files.byte(0) % 5;
     const float status = swapChannels(files.file(0), mode);
     Case::expectStatus(status, {0.0f, 258.0f, -259.0f, -262.0f, -273.0f, -339.0f});
-    if (status != 0.0f) files.expectUnchanged(0);
     files.expectSameBytes(0);
     return status;
 }
