@@ -29,9 +29,8 @@ ByteList bytesOf(std::string_view text) {
 }
 
 VemoBuilder twoFaces() {
-    VemoBuilder mesh;
-    mesh.vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0.5f}, {-2.5e-7f, 3e8f, 1}});
-    return mesh;
+    return VemoBuilder().vertices(
+        {{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0.5f}, {-2.5e-7f, 3e8f, 1}});
 }
 
 }  // namespace

@@ -47,8 +47,8 @@ struct Turn {
 };
 
 bool isSmall(const Scenario& scenario) {
-    return std::all_of(scenario.files.begin(), scenario.files.end(),
-                       [](const auto& file) { return file.second.size() <= kLargestFile; });
+    return std::ranges::all_of(scenario.files,
+                               [](const auto& file) { return file.second.size() <= kLargestFile; });
 }
 
 // The same call on files that are cut in half: what fails must leave nothing behind either.
