@@ -188,14 +188,4 @@ TEST(CommandLine, AMissingLibraryIsReported) {
     EXPECT_EQ(ended.out, "");
 }
 
-TEST(CommandLine, AnErrorOfCppIsPutIntoWords) {
-    const TempDir dir;
-    const Ended ended = quillonInShell("TMPDIR=/nowhere exec \"$@\"",
-                                       {"inspect", dir.write("two.Vemo", twoQuads())});
-    EXPECT_EQ(ended.exitStatus, 1);
-    EXPECT_THAT(ended.err, StartsWith("quillon: cannot "));
-    EXPECT_THAT(ended.err, HasSubstr("/nowhere: Not a directory"));
-    EXPECT_THAT(ended.err, Not(HasSubstr("filesystem")));
-}
-
 }  // namespace
