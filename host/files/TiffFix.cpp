@@ -285,8 +285,8 @@ FixedMap fixTiff(const std::string& in, const std::string& out, const FixOptions
     const TiffFacts& facts = image.facts();
     requireSides(in, facts.width, facts.height);
     const Plan plan = planOf(in, image, options);
-    requireTiffSize(in, plan.format);
     image.requirePlausible();
+    requireTiffSize(in, plan.format);
     FixedMap map{facts.width, facts.height, plan.format.channels, plan.format.bits, {}};
     addPlaceChanges(in, facts, map.changes);
     addSampleChanges(facts, plan, map.changes);

@@ -95,7 +95,10 @@ void TiffImage::readFacts() {
     std::uint16_t further = 0;
     const std::uint16_t* kinds = nullptr;
     TIFFGetFieldDefaulted(file, TIFFTAG_EXTRASAMPLES, &further, &kinds);
-    facts_.furtherChannels = further;
+    const bool isGrey = facts_.photometric <= PHOTOMETRIC_MINISBLACK;
+    const bool saysWhich = std::any_of(kinds, kinds + further, [](auto kind) { return kind != 0; });
+    // Three grey channels are a colour to the exports. libtiff counts all but the first as further.
+    facts_.furtherChannels = isGrey && facts_.channels == 3 && !saysWhich ? 0 : further;
     facts_.isPremultiplied =
         std::find(kinds, kinds + further, EXTRASAMPLE_ASSOCALPHA) != kinds + further;
 }
