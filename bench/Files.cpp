@@ -2,12 +2,12 @@
 
 #include <fcntl.h>
 #include <sys/mman.h>
-#include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <cerrno>
 #include <cstring>
+#include <filesystem>
 #include <functional>
 #include <memory>
 #include <string_view>
@@ -52,12 +52,6 @@ OpenFile::~OpenFile() {
     if (descriptor_ >= 0) ::close(descriptor_);
 }
 
-std::uint64_t OpenFile::size() const {
-    struct stat state {};
-    if (::fstat(descriptor_, &state) != 0) throw failure("measure", path_);
-    return static_cast<std::uint64_t>(state.st_size);
-}
-
 void OpenFile::readAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const {
     if (!moveAll(::pread, descriptor_, offset, bytes)) throw failure("read", path_);
 }
@@ -68,7 +62,7 @@ void OpenFile::writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes
 
 MappedFile::MappedFile(const std::string& path, Access access) {
     const OpenFile file(path, access);
-    const auto size = static_cast<std::size_t>(file.size());
+    const auto size = std::filesystem::file_size(path);
     const int protection = access == Access::kRead ? PROT_READ : PROT_READ | PROT_WRITE;
     void* const address = ::mmap(nullptr, size, protection, MAP_SHARED, file.descriptor(), 0);
     if (address == MAP_FAILED) throw failure("map", path);

@@ -23,7 +23,6 @@ public:
     OpenFile& operator=(OpenFile&& other) = delete;
     ~OpenFile();
 
-    std::uint64_t size() const;
     void readAt(std::uint64_t offset, std::span<std::uint8_t> bytes) const;
     void writeAt(std::uint64_t offset, std::span<const std::uint8_t> bytes) const;
     int descriptor() const { return descriptor_; }

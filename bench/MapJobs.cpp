@@ -1,5 +1,6 @@
 // The jobs on maps.
 
+#include <filesystem>
 #include <limits>
 
 #include "Job.h"
@@ -44,7 +45,7 @@ MakeContender numpy(const char* variant, double target) {
 }
 
 std::vector<Traffic> trafficOf(const MapJob& job, const Maps& maps) {
-    const std::uint64_t bytes = OpenFile(maps.original, Access::kRead).size();
+    const std::uint64_t bytes = std::filesystem::file_size(maps.original);
     const Traffic readMap{Access::kRead, maps.map, bytes};
     const Traffic rewriteMap{Access::kRewrite, maps.map, bytes};
     const auto madeBytes = static_cast<std::uint64_t>(job.madeBytes) * maps.pixels();
