@@ -43,7 +43,7 @@ public:
     }
     // One whose source or only file is refused.
     Scenario& add(const std::string& name, float status, const ByteList& source) {
-        return all.emplace_back(Scenario{name, call_, status}).on(call_.text, source);
+        return all.emplace_back(Scenario{name, call_, status, {{call_.text, source}}});
     }
     // One that is accepted, and the entries that are then created, changed or removed.
     void accept(const std::string& name, const ByteList& source,
@@ -57,11 +57,7 @@ public:
     // One of a merge.
     void add(const std::string& name, float status, const ByteList& source,
              const ByteList& target) {
-        add(name, status, source).on(call_.buffer1, target);
-    }
-    // One with other paths.
-    void addCall(const std::string& name, float status, const ByteList& source, const Call& call) {
-        all.emplace_back(Scenario{name, call, status}).on("one.map", source);
+        add(name, status, source).files[call_.buffer1] = target;
     }
 
     std::vector<Scenario> all;
@@ -74,7 +70,7 @@ private:
 void addDirectories(List& list, float channelCount, TiffFile (*map)(), const TiffFile* target) {
     const auto add = [&](const char* name, float status, const TiffFile& bent) {
         Scenario& added = list.add(name, status, bent.bytes());
-        if (target != nullptr) added.on("all.map", target->bytes());
+        if (target != nullptr) added.files["all.map"] = target->bytes();
     };
     add("two channels", channelCount, map().entry(258, 2, 8));
     add("compressed", -259, map().entry(259, 1, 5));
@@ -273,29 +269,10 @@ std::vector<Scenario> allAccepted() {
     return std::move(list.all);
 }
 
-std::vector<Scenario> allPaths() {
-    List list;
-    TiffFile directoryFirst(kSide, kSide, TiffFile::Order::kDirectoryFirst);
-    directoryFirst.entry(254, 1, 0).grey32(std::vector<float>(kSide * kSide, 0.5f));
-    list.addCall("onto itself", -201, directoryFirst.bytes(),
-                 {"convertTIFF16", "one.map", 1.0, "one.map"});
-    list.addCall("onto itself", -201, colourFloat().bytes(),
-                 {"convertTIFFSingle", "one.map", 0.0, "one.map"});
-    list.addCall("onto itself", -5, colour8().bytes(), {"saveAsTarga", "one.map", 0.0, "one.map"});
-    list.addCall("a long source", -1, bmp(),
-                 {"saveAsJpeg", std::string(512, 'x'), 50.0, "out.jpg"});
-    return std::move(list.all);
-}
-
 }  // namespace
 
 const std::vector<Scenario>& refusedFiles() {
     static const std::vector<Scenario> all = allFiles();
-    return all;
-}
-
-const std::vector<Scenario>& refusedPaths() {
-    static const std::vector<Scenario> all = allPaths();
     return all;
 }
 

@@ -8,6 +8,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <stdexcept>
+#include <utility>
 
 #include "support/BmpFile.h"
 #include "support/PsdFile.h"
@@ -101,198 +102,164 @@ ByteList exr(Imf::Compression compression) {
     return readBytes(path);
 }
 
-// The scenarios in the making.
-class List {
-public:
-    Scenario& add(const std::string& name, const Call& call, float status = 0.0f) {
-        return all.emplace_back(Scenario{name, call, status});
-    }
-    // One that is named after its export.
-    Scenario& add(const Call& call, float status = 0.0f) {
-        return add(call.exportName, call, status);
-    }
+using List = std::vector<Scenario>;
 
-    std::vector<Scenario> all;
-};
-
-void addFolderServices(List& list) {
+// Those without a name are named after their export.
+List folderServices() {
     const ByteList old = bytesOf("old");
-    list.add({"CreateFolder", "new"}).writes({"new/"});
-    list.add({"GetPublicFolder", "."}, 1.0f);
-    list.add({"CheckFolder", "."}).on("a.tif", old);
-    list.add({"OpenFolder", "."}).on("a.tif", old);
-    list.add({"GetFile", ""}).on("a.tif", old).precededBy({"OpenFolder", "."});
-    list.add({"CloseFolder", ""}).on("a.tif", old).precededBy({"OpenFolder", "."});
-    list.add({"EmptyFolder", "maps"})
-        .on("maps/a.tif", old)
-        .on("maps/b.psd", old)
-        .on("maps/noext", old)
-        .on("c.tif", old)
-        .writes({"maps/a.tif", "maps/b.psd"});
-    list.add({"FileDelete", "a.tif"}).on("a.tif", old).writes({"a.tif"});
-    list.add({"FileCopyTo", "a.tif", 0.0, "b.tif"})
-        .on("a.tif", bmp(60, 3))
-        .on("b.tif", old)
-        .writes({"b.tif"});
-    list.add({"FileRename", "a.tif", 0.0, "b.tif"})
-        .on("a.tif", bmp(8, 3))
-        .on("b.tif", old)
-        .writes({"a.tif", "b.tif"});
+    const Call open = {"OpenFolder", "."};
+    return {
+        {.call = {"CreateFolder", "new"}, .written = {"new/"}},
+        {.call = {"GetPublicFolder", "."}, .status = 1.0f},
+        {.call = {"CheckFolder", "."}, .files = {{"a.tif", old}}},
+        {.call = open, .files = {{"a.tif", old}}},
+        {.call = {"GetFile", ""}, .files = {{"a.tif", old}}, .before = {open}},
+        {.call = {"CloseFolder", ""}, .files = {{"a.tif", old}}, .before = {open}},
+        {.call = {"EmptyFolder", "maps"},
+         .files = {{"maps/a.tif", old}, {"maps/b.psd", old}, {"maps/noext", old}, {"c.tif", old}},
+         .written = {"maps/a.tif", "maps/b.psd"}},
+        {.call = {"FileDelete", "a.tif"}, .files = {{"a.tif", old}}, .written = {"a.tif"}},
+        {.call = {"FileCopyTo", "a.tif", 0.0, "b.tif"},
+         .files = {{"a.tif", bmp(60, 3)}, {"b.tif", old}},
+         .written = {"b.tif"}},
+        {.call = {"FileRename", "a.tif", 0.0, "b.tif"},
+         .files = {{"a.tif", bmp(8, 3)}, {"b.tif", old}},
+         .written = {"a.tif", "b.tif"}},
+    };
 }
 
-void addTextServices(List& list) {
-    list.add({"Version", ""}, 48.0f);
-    list.add({"GetString", "abcdefgh", 2.0});
+List textServices() {
+    return {{.call = {"Version", ""}, .status = 48.0f}, {.call = {"GetString", "abcdefgh", 2.0}}};
 }
 
-void addTileFilter(List& list) {
+List tileFilters() {
     const Call set = {"setUVtilesOutput", "tiles.txt"};
     const Call count = {"getUVTile", "mesh.vws", 2.0};
-    const ByteList tiles = bytesOf("1002-1005, 1001, a rather long name that no mesh has");
-    list.add(set).on("mesh.vws", mesh()).on("tiles.txt", tiles).shownBy(count);
-    list.add({"clearUVtilesOutput", ""})
-        .on("mesh.vws", mesh())
-        .on("tiles.txt", tiles)
-        .precededBy(set)
-        .shownBy(count);
-    list.add("getUVTileFiltered", count, 2.0f)
-        .on("mesh.vws", mesh())
-        .on("tiles.txt", tiles)
-        .precededBy(set);
+    const Entries files = {
+        {"mesh.vws", mesh()},
+        {"tiles.txt", bytesOf("1002-1005, 1001, a rather long name that no mesh has")}};
+    return {
+        {.call = set, .files = files, .after = {count}},
+        {.call = {"clearUVtilesOutput", ""}, .files = files, .before = {set}, .after = {count}},
+        {"getUVTileFiltered", count, 2.0f, files, {set}},
+    };
 }
 
-void addMeshServices(List& list) {
+List meshServices() {
     const Call firstTile = {"getUVString", "", 0.0};
     const Call secondTile = {"getUVString", "", 1.0};
     const Call write = {"getUVs", "mesh.vws", 2.0, "tile.tif"};
     const Call writeMasks = {"getUVsMask", "mesh.vws", 2.0, "tile.tif"};
+    const Entries files = {{"mesh.vws", mesh()}};
     const std::set<std::string> tiles = {"tile1001.Vemo", "tile1002.Vemo", "tile1011.Vemo"};
-    list.add({"getUVTile", "mesh.vws", 2.0}, 3.0f).on("mesh.vws", mesh());
-    list.add({"getUVGroups", "mesh.vws"}, 2.0f).on("mesh.vws", mesh());
-    list.add(secondTile).on("mesh.vws", mesh()).precededBy(write);
-    list.add({"clearUVString", ""}).on("mesh.vws", mesh()).precededBy(write).shownBy(firstTile);
-    for (const Call& call : {write, writeMasks}) {
-        list.add(call, 3.0f)
-            .on("mesh.vws", mesh())
-            .writes(tiles)
-            .shownBy(firstTile)
-            .shownBy(secondTile);
-    }
-    list.add("getUVsOverItself", {"getUVs", "tile1002.Vemo", 2.0, "tile.tif"}, 3.0f)
-        .on("tile1002.Vemo", mesh())
-        .writes(tiles);
-    list.add({"mergeCrease", "mesh.vws", 0.0, "all.vws"})
-        .on("mesh.vws", mesh())
-        .on("all.vws", mesh())
-        .writes({"all.vws"});
-}
-
-void addMergers(List& list) {
-    const auto add = [&](const char* kind, const char* exportName, const ByteList& tile,
-                         const ByteList& map) {
-        list.add(std::string(exportName) + kind, {exportName, "tile.map", 0.0, "all.map"})
-            .on("tile.map", tile)
-            .on("all.map", map)
-            .writes({"all.map"});
+    return {
+        {.call = {"getUVTile", "mesh.vws", 2.0}, .status = 3.0f, .files = files},
+        {.call = {"getUVGroups", "mesh.vws"}, .status = 2.0f, .files = files},
+        {.call = secondTile, .files = files, .before = {write}},
+        {.call = {"clearUVString", ""}, .files = files, .before = {write}, .after = {firstTile}},
+        {"getUVs", write, 3.0f, files, {}, {firstTile, secondTile}, tiles},
+        {"getUVsMask", writeMasks, 3.0f, files, {}, {firstTile, secondTile}, tiles},
+        {.name = "getUVsOverItself",
+         .call = {"getUVs", "tile1002.Vemo", 2.0, "tile.tif"},
+         .status = 3.0f,
+         .files = {{"tile1002.Vemo", mesh()}},
+         .written = tiles},
+        {.call = {"mergeCrease", "mesh.vws", 0.0, "all.vws"},
+         .files = {{"mesh.vws", mesh()}, {"all.vws", mesh()}},
+         .written = {"all.vws"}},
     };
-    add("", "mergeMapsTIF", tiff8(kSmall, 3), tiff8(kSmall, 5));
-    add("Large", "mergeMapsTIF", tiff8(kLarge, 3), tiff8(kLarge, 5));
-    add("", "mergeMapsPSD", psdRgb(kSmall, 3), psdRgb(kSmall, 5));
-    add("Grey", "mergeMapsPSD", psdGrey16(kLarge, 3), psdGrey16(kLarge, 5));
-    add("", "mergeMapsBMP", bmp(kSmall, 3), bmp(kSmall, 5));
-    add("Large", "mergeMapsBMP", bmp(kLarge, 3), bmp(kLarge, 5));
 }
 
-void addChangesInPlace(List& list) {
-    const auto add = [&](const char* kind, const char* exportName, double value,
-                         const ByteList& map) {
-        list.add(std::string(exportName) + kind, {exportName, "one.map", value})
-            .on("one.map", map)
-            .writes({"one.map"});
+// A call on a map, named after its export and `kind`; `other` is in the place of a second map.
+Scenario onMaps(const char* kind, const Call& call, const ByteList& map,
+                const ByteList& other = bytesOf("old")) {
+    const std::string& written = call.buffer1.empty() ? call.text : call.buffer1;
+    return {.name = std::string(call.exportName) + kind,
+            .call = call,
+            .files = {{call.text, map}, {written, other}},
+            .written = {written}};
+}
+
+List mergers() {
+    const auto merge = [](const char* kind, const char* exportName, const ByteList& tile,
+                          const ByteList& map) {
+        return onMaps(kind, {exportName, "tile.map", 0.0, "all.map"}, tile, map);
     };
-    add("", "swapRGBTIF", 2.0, tiff8(kSmall, 3));
-    add("Large", "swapRGBTIF", 1.0, tiff8(kLarge, 3));
-    add("", "swapRGBPSD", 2.0, psdRgb(kSmall, 3));
-    add("Large", "swapRGBPSD", 3.0, psdRgb(kLarge, 3));
-    add("", "swapRGBBMP", 2.0, bmp(kSmall, 3));
-    add("Large", "swapRGBBMP", 3.0, bmp(kLarge, 3));
-    add("", "CreateThumbnailBMP", 8.0, bmp(kSmall, 3));
-    add("Large", "CreateThumbnailBMP", 319.0, bmp(kLarge, 3));
+    return {
+        merge("", "mergeMapsTIF", tiff8(kSmall, 3), tiff8(kSmall, 5)),
+        merge("Large", "mergeMapsTIF", tiff8(kLarge, 3), tiff8(kLarge, 5)),
+        merge("", "mergeMapsPSD", psdRgb(kSmall, 3), psdRgb(kSmall, 5)),
+        merge("Grey", "mergeMapsPSD", psdGrey16(kLarge, 3), psdGrey16(kLarge, 5)),
+        merge("", "mergeMapsBMP", bmp(kSmall, 3), bmp(kSmall, 5)),
+        merge("Large", "mergeMapsBMP", bmp(kLarge, 3), bmp(kLarge, 5)),
+    };
 }
 
-void addConversions(List& list) {
-    const auto add = [&](const char* kind, const char* exportName, double value,
-                         const ByteList& map, const std::string& target,
-                         const ByteList& old = bytesOf("old")) {
-        list.add(std::string(exportName) + kind, {exportName, "one.map", value, target})
-            .on("one.map", map)
-            .on(target, old)
-            .writes({target});
+List changesInPlace() {
+    return {
+        onMaps("", {"swapRGBTIF", "one.map", 2.0}, tiff8(kSmall, 3)),
+        onMaps("Large", {"swapRGBTIF", "one.map", 1.0}, tiff8(kLarge, 3)),
+        onMaps("", {"swapRGBPSD", "one.map", 2.0}, psdRgb(kSmall, 3)),
+        onMaps("Large", {"swapRGBPSD", "one.map", 3.0}, psdRgb(kLarge, 3)),
+        onMaps("", {"swapRGBBMP", "one.map", 2.0}, bmp(kSmall, 3)),
+        onMaps("Large", {"swapRGBBMP", "one.map", 3.0}, bmp(kLarge, 3)),
+        onMaps("", {"CreateThumbnailBMP", "one.map", 8.0}, bmp(kSmall, 3)),
+        onMaps("Large", {"CreateThumbnailBMP", "one.map", 319.0}, bmp(kLarge, 3)),
+        onMaps("OverItself", {"saveAsJpeg", "one.map", 50.0, "one.map"}, bmp(kSmall, 3)),
+    };
+}
+
+List conversions() {
+    const auto convert = [](const char* kind, const char* exportName, double value,
+                            const ByteList& map, const char* target,
+                            const ByteList& old = bytesOf("old")) {
+        return onMaps(kind, {exportName, "one.map", value, target}, map, old);
     };
     const ByteList longer(20'000, 'o');
-    add("Grey", "convertTIFF16", 1.0, tiffFloat(kSmall, 1), "out.tif");
-    add("Colour", "convertTIFF16", 3.0, tiffFloat(kLarge, 3), "out.tif");
-    add("Psd", "convertTIFF16", 4.0, tiffFloat(kSmall, 3), "out.psd");
-    add("OverALongerFile", "convertTIFF16", 1.0, tiffFloat(kSmall, 1), "out.tif", longer);
-    add("", "convertTIFFSingle", 0.0, tiffFloat(kLarge, 3), "out.tif");
-    add("", "saveAsTarga", 0.0, tiff8(kSmall, 3), "out.tga");
-    add("Large", "saveAsTarga", 0.0, tiff8(kLarge, 3), "out.tga");
-    add("OverALongerFile", "saveAsTarga", 0.0, tiff8(kSmall, 3), "out.tga", longer);
-    add("", "saveAsJpeg", 50.0, bmp(kSmall, 3), "out.jpg");
-    add("Large", "saveAsJpeg", 0.0, bmp(kLarge, 3), "out.jpg");
-    list.add("saveAsJpegOverItself", {"saveAsJpeg", "one.map", 50.0, "one.map"})
-        .on("one.map", bmp(kSmall, 3))
-        .writes({"one.map"});
+    return {
+        convert("Grey", "convertTIFF16", 1.0, tiffFloat(kSmall, 1), "out.tif"),
+        convert("Colour", "convertTIFF16", 3.0, tiffFloat(kLarge, 3), "out.tif"),
+        convert("Psd", "convertTIFF16", 4.0, tiffFloat(kSmall, 3), "out.psd"),
+        convert("OverALongerFile", "convertTIFF16", 1.0, tiffFloat(kSmall, 1), "out.tif", longer),
+        convert("", "convertTIFFSingle", 0.0, tiffFloat(kLarge, 3), "out.tif"),
+        convert("", "saveAsTarga", 0.0, tiff8(kSmall, 3), "out.tga"),
+        convert("Large", "saveAsTarga", 0.0, tiff8(kLarge, 3), "out.tga"),
+        convert("OverALongerFile", "saveAsTarga", 0.0, tiff8(kSmall, 3), "out.tga", longer),
+        convert("", "saveAsJpeg", 50.0, bmp(kSmall, 3), "out.jpg"),
+        convert("Large", "saveAsJpeg", 0.0, bmp(kLarge, 3), "out.jpg"),
+    };
 }
 
-void addMeasurements(List& list) {
-    // Of 205 and 252 levels, worked out step by step in single precision by Python.
-    list.add("getScale", {"getScale", "one.map", 1.0}, 3040.59277f)
-        .on("one.map", tiffFloat(kSmall, 1));
-    list.add("getScaleLarge", {"getScale", "one.map", 3.0}, 1166.90405f)
-        .on("one.map", tiffFloat(kLarge, 3));
-    list.add("OpenEXR", {"OpenEXR", "one.exr"}, 1.0f).on("one.exr", exr(Imf::ZIP_COMPRESSION));
-    list.add("OpenEXRWavelets", {"OpenEXR", "one.exr"}, 1.0f)
-        .on("one.exr", exr(Imf::PIZ_COMPRESSION));
+List measurements() {
+    const Call range = {"OpenEXR", "one.exr"};
+    return {
+        // Of 205 and 252 levels, worked out step by step in single precision by Python.
+        {"getScale", {"getScale", "one.map", 1}, 3040.59277f, {{"one.map", tiffFloat(kSmall, 1)}}},
+        {"getScaleLarge",
+         {"getScale", "one.map", 3},
+         1166.90405f,
+         {{"one.map", tiffFloat(kLarge, 3)}}},
+        {"OpenEXR", range, 1.0f, {{"one.exr", exr(Imf::ZIP_COMPRESSION)}}},
+        {"OpenEXRWavelets", range, 1.0f, {{"one.exr", exr(Imf::PIZ_COMPRESSION)}}},
+    };
 }
 
-std::vector<Scenario> allScenarios() {
-    List list;
-    addFolderServices(list);
-    addTextServices(list);
-    addTileFilter(list);
-    addMeshServices(list);
-    addMergers(list);
-    addChangesInPlace(list);
-    addConversions(list);
-    addMeasurements(list);
-    return list.all;
+List allScenarios() {
+    List all;
+    for (const auto family : {folderServices, textServices, tileFilters, meshServices, mergers,
+                              changesInPlace, conversions, measurements}) {
+        for (Scenario& scenario : family()) {
+            if (scenario.name.empty()) scenario.name = scenario.call.exportName;
+            all.push_back(std::move(scenario));
+        }
+    }
+    return all;
 }
 
 }  // namespace
 
 void PrintTo(const Scenario& scenario, std::ostream* out) {
     *out << scenario.name;
-}
-
-Scenario& Scenario::on(const std::string& file, const ByteList& bytes) {
-    files[file] = bytes;
-    return *this;
-}
-
-Scenario& Scenario::writes(const std::set<std::string>& entries) {
-    written = entries;
-    return *this;
-}
-
-Scenario& Scenario::precededBy(const Call& earlier) {
-    before.push_back(earlier);
-    return *this;
-}
-
-Scenario& Scenario::shownBy(const Call& later) {
-    after.push_back(later);
-    return *this;
 }
 
 const std::vector<Scenario>& scenarios() {

@@ -17,8 +17,8 @@ using Entries = std::map<std::string, ByteList>;
 
 // A call whose paths are names in a folder.
 struct Call {
-    const char* exportName;
-    std::string text;  // "." is the folder itself
+    const char* exportName = nullptr;
+    std::string text = {};  // "." is the folder itself
     double value = 0.0;
     std::string buffer1 = {};  // empty: a block that takes a text
 };
@@ -41,18 +41,13 @@ struct Outcome {
 };
 
 struct Scenario {
-    std::string name;  // letters and digits
-    Call call;
-    float status;                        // when nothing goes wrong
+    std::string name = {};  // letters and digits
+    Call call = {};
+    float status = 0.0f;                 // when nothing goes wrong
     Entries files = {};                  // in the folder before
     std::vector<Call> before = {};       // calls that the host makes first
     std::vector<Call> after = {};        // calls that show what the library remembers
     std::set<std::string> written = {};  // entries that the call creates, changes or removes
-
-    Scenario& on(const std::string& file, const ByteList& bytes);
-    Scenario& writes(const std::set<std::string>& entries);
-    Scenario& precededBy(const Call& earlier);
-    Scenario& shownBy(const Call& later);
 };
 
 void PrintTo(const Scenario& scenario, std::ostream* out);
