@@ -48,11 +48,13 @@ public:
     // One that is accepted, and the entries that are then created, changed or removed.
     void accept(const std::string& name, const ByteList& source,
                 const std::set<std::string>& written, float status = 0.0f) {
-        add(name, status, source).writes(written);
+        add(name, status, source).written = written;
     }
     void accept(const std::string& name, const ByteList& source, const ByteList& target,
                 const std::set<std::string>& written) {
-        add(name, 0.0f, source).on(call_.buffer1, target).writes(written);
+        Scenario& accepted = add(name, 0.0f, source);
+        accepted.files[call_.buffer1] = target;
+        accepted.written = written;
     }
     // One of a merge.
     void add(const std::string& name, float status, const ByteList& source,
