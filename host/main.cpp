@@ -43,11 +43,12 @@ bool isPipeClosed() {
 int run(CommandLine& line, int argc, char** argv) {
     const bool succeeded = line.run(argc, argv);
     errno = 0;
-    if (std::fflush(stdout) == 0 && std::ferror(stdout) == 0)
-        return succeeded ? kSuccess : kFailure;
+    const bool isWritten = std::fflush(stdout) == 0 && std::ferror(stdout) == 0;
+    const int error = errno;  // 0 if it was an earlier write that failed
+    if (isWritten) return succeeded ? kSuccess : kFailure;
     if (isPipeClosed()) return kNobodyReads;
     throw Failure("the output could not be written" +
-                  (errno == 0 ? "" : std::string(": ") + std::strerror(errno)));
+                  (error == 0 ? "" : std::string(": ") + std::strerror(error)));
 }
 
 int stopped(const CommandLine& line, const std::string& sentence, int status) {
@@ -58,7 +59,9 @@ int stopped(const CommandLine& line, const std::string& sentence, int status) {
 
 // The text of such an exception names a function of C++.
 std::string sentenceOf(const std::filesystem::filesystem_error& error) {
-    return "cannot use " + error.path1().string() + ": " + error.code().message();
+    const std::string path = error.path1().string();
+    return "cannot use " + (path.empty() ? "a file or folder" : path) + ": " +
+           error.code().message();
 }
 
 }  // namespace

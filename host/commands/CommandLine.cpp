@@ -119,7 +119,7 @@ std::function<std::string(const std::string&)> CommandLine::wholeNumber(const st
 }
 
 void CommandLine::reportFailure(const std::string& sentence, int exitStatus) const {
-    if (report_.isJson()) report_.printFailure(sentence, exitStatus);
+    if (asksForJson_) report_.printFailure(sentence, exitStatus);
 }
 
 bool CommandLine::finishReport() const {
@@ -144,7 +144,7 @@ bool CommandLine::run(int argc, char** argv) {
             std::puts(word.c_str());
         return true;
     }
-    if (asksForJson(words)) report_.style = OutputStyle::kJson;
+    asksForJson_ = asksForJson(words);
     if (!parse(std::move(words))) return true;
     const auto isParsed = [](const Command& command) { return command.app->parsed(); };
     return std::ranges::find_if(commands_, isParsed)->work();

@@ -84,4 +84,5 @@ private:
     OptionChoices choices_;
     std::string library_;
     Report report_;
+    bool asksForJson_ = false;  // also where the options contradict each other
 };
