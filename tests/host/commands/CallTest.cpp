@@ -116,8 +116,8 @@ TEST(Call, AFailureHasTheReasonOfTheSystem) {
     }
 }
 
-// errno is set in each of them, or a path cannot be opened, but that is not why they fail: FileCopyTo
-// of a folder has found no target to delete.
+// Some of them leave an errno, or name a path that cannot be opened, but fail for another cause.
+// FileCopyTo of a folder leaves the errno of deleting a target that is not there.
 TEST(Call, AFailureOfAnotherCauseHasNoReasonOfTheSystem) {
     const TempDir dir;
     const std::string none = dir.path("none");

@@ -210,7 +210,8 @@ TEST_F(Place, NeedsANumber) {
         EXPECT_EQ(ended.out, "");
     }
     EXPECT_THAT(quillon({"inspect", file, "--at", "12x"}).err,
-                EndsWith("--at 12x is no offset; give a number such as 500 or 0x1F4\n"));
+                EndsWith("--at 12x is no offset; give a number such as 500 or 0x1F4; see quillon "
+                         "inspect --help\n"));
 }
 
 }  // namespace
