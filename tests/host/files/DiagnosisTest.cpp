@@ -98,7 +98,7 @@ TEST_F(Diagnosis, OfTiffFiles) {
          "! ~ x x x x ! !"},
         {"big.tif", {"The file is big-endian; the exports find no"}, "! ~ x x x x ! !"},
         {"bigtiff.tif", {"The file is a BigTIFF"}, "x ~ x x x ! !"},
-        {"tiles.tif", {"The pixels are in tiles"}, "x x ! ! ! ! ! x"},
+        {"tiles.tif", {"The pixels are in tiles"}, "x ! ! ! ! ! ! x"},
         {"strips.tif", {"The pixels are in 8 strips"}, "! ! ! ! ! ! ! !"},
         {"lzw.tif", {"The pixels are compressed, method 5 (LZW)"}, "! ! ! ! ! ! ! !"},
         {"cmyk.tif", {"The map has 4 channels", "of kind 5 (CMYK)"}, "! ! ! ! ! ! !"},

@@ -110,7 +110,7 @@ TEST_F(Page, SaysWhichGroupsATileHasAndHowManyFacesNoMapShows) {
     bytes.resize(bytes.size() - 16);  // the closing header
     bytes.insert(bytes.end(), groups.begin() + 32, groups.end());
     dir.write("two.Vemo", bytes);
-    picturesOf({});
+    EXPECT_EQ(quillon(words(), {"--page"}).exitStatus, 0);
     EXPECT_THAT(text(), HasSubstr("</span>1001: group 3</figcaption>"));
     EXPECT_THAT(text(), HasSubstr("</span>1002: group 7</figcaption>"));
     EXPECT_THAT(text(), HasSubstr(" ms. No map shows 1 face with corners in several tiles."));
