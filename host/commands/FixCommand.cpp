@@ -107,8 +107,7 @@ void addFixCommand(CommandLine& line) {
     CommandLine::addArgument(command, "OUT", options->out, "The map to write, of the same format");
     line.oneOf(command
                    .add_option("--bits", options->bits,
-                               "Bits of a sample, 32 for floats; by default those of the map "
-                               "that exports take: ")
+                               "Bits of a sample, 32 for floats; by default the map's own: ")
                    ->type_name("BITS"),
                {"8", "16", "32"});
     command.add_flag("--drop-alpha", options->fix.dropAlpha,

@@ -1,6 +1,6 @@
 #pragma once
-// Maps of other programs rewritten as the kind that the exports take: files as TiffWriter, PsdWriter
-// and BmpWriter write them, with the same samples as far as these files can hold them.
+// Maps of other programs rewritten as the kind that the exports take: files as TiffWriter,
+// PsdWriter and BmpWriter write them, with the same samples as far as these files can hold them.
 
 #include <cstdint>
 #include <optional>

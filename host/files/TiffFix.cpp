@@ -209,7 +209,8 @@ private:
     ByteList unpacked_, samples_, converted_;
 };
 
-// The tags up to the one of the strip's bytes, at whose places a conversion to 16 bits writes sizes.
+// The tags up to the one of the strip's bytes, at whose places a conversion to 16 bits writes
+// sizes.
 bool hasHostsTags(const std::string& path) {
     constexpr std::uint16_t kTags[] = {254, 256, 257, 258, 259, 262, 273, 277, 278, 279};
     InputFile file(path, "map");

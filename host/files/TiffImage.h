@@ -48,18 +48,20 @@ public:
 
     const TiffFacts& facts() const { return facts_; }
 
-    // Returns red, green and blue, 0 to 65535, of each number of a palette; nothing without a palette.
+    // Returns red, green and blue, 0 to 65535, of each number of a palette; nothing without a
+    // palette.
     std::vector<std::uint16_t> palette() const;
 
     // Makes row() return RGB for an image of YCbCr in JPEG.
     void decodeJpegAsRgb();
 
-    // Throws Failure if the directory claims more samples than the file can hold. Call it before row().
+    // Throws Failure if the directory claims more samples than the file can hold. Call it before
+    // row().
     void requirePlausible() const;
 
-    // Returns a row, whose samples are in the processor's byte order: those of all channels, or where
-    // planes are separate, those of one plane. Rows are asked for from the top one on. The row is valid
-    // until the next one of its plane. Throws Failure when the file is damaged there.
+    // Returns a row, whose samples are in the processor's byte order: those of all channels, or
+    // where planes are separate, those of one plane. Rows are asked for from the top one on. The
+    // row is valid until the next one of its plane. Throws Failure when the file is damaged there.
     std::span<const std::uint8_t> row(std::uint32_t y, std::uint16_t plane);
 
 private:

@@ -1,5 +1,5 @@
-"""Maps of Pillow, tifffile, ImageMagick and OpenImageIO, rewritten by quillon fix: the new map has the
-pixels that another program reads from the old one, and the exports take it.
+"""Maps of Pillow, tifffile, ImageMagick and OpenImageIO, rewritten by quillon fix: the new map has
+the pixels that another program reads from the old one, and the exports take it.
 
 Usage: fix_peers.py QUILLON
 """
@@ -24,7 +24,8 @@ def run(*words):
 def magick(path, bits):
     """What ImageMagick reads, as RGB; of a PSD the merged image."""
     width, height = map(int, run("identify", "-format", "%w %h\n", f"{path}[0]").split()[:2])
-    raw = run("convert", f"{path}[0]", "-auto-orient", "-alpha", "off", "-depth", bits, "-endian", "LSB", "rgb:-")
+    raw = run("convert", f"{path}[0]", "-auto-orient", "-alpha", "off", "-depth", bits, "-endian",
+              "LSB", "rgb:-")
     return np.frombuffer(raw, f"<u{bits // 8}").reshape(height, width, 3)
 
 
@@ -173,7 +174,7 @@ class FixPeers(unittest.TestCase):
             expected = magick(bmp, 8)
             out = self.fixed(bmp, "--drop-alpha")
             seen = magick(out, 8)
-            if "-define" in words:  # ImageMagick repeats the high bits, which rounds other than to the nearest
+            if "-define" in words:  # of 5 bits ImageMagick repeats the high ones
                 self.assertLessEqual(np.max(np.abs(seen.astype(int) - expected)), 1, words)
             else:
                 self.assertTrue(np.array_equal(seen, expected), words)

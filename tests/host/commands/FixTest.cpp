@@ -1,5 +1,5 @@
-// Maps of every layout rewritten as the kind that the exports take. tests/peers/fix_peers.py has files
-// of other programs.
+// Maps of every layout rewritten as the kind that the exports take. tests/peers/fix_peers.py has
+// files of other programs.
 
 #include <gmock/gmock.h>
 #include <tiffio.h>
@@ -114,7 +114,8 @@ ByteList counting(std::size_t count) {
 }
 
 struct Fix : ::testing::Test {
-    // Rewrites `in` as a file of the same extension; returns the lines below the first, joined by "|".
+    // Rewrites `in` as a file of the same extension; returns the lines below the first, joined by
+    // "|".
     std::string changes(const std::string& in, const Words& options = {}) {
         out = dir.path("out" + in.substr(in.rfind('.')));
         const Ended ended = quillon({"fix", in, out, "--force"}, options);
@@ -557,7 +558,7 @@ TEST_F(Fix, APsdBecomesItsMergedImage) {
     }
 }
 
-// Level 3 of 31 is 24.7 of 255, 1 of 63 is 4.05; no program agrees with every other about the first.
+// Level 3 of 31 is 24.7 of 255, and 1 of 63 is 4.05.
 TEST_F(Fix, ABmpOf16BitsIsRoundedToTheNearestLevels) {
     const ByteList masks = {0, 0xF8, 0, 0, 0xE0, 7, 0, 0, 0x1F, 0, 0, 0};
     ByteList behind = masks;
