@@ -22,12 +22,13 @@ constexpr const char* kExamples = R"(Examples:
   quillon inspect all.tif --at 0x1F4
 
 Notes say what the exports do not expect in the file, and what to do about it. Each export that
-works on such files is called to find out whether it accepts the file: `changes nothing` is an
-export that leaves a map as it is which it should change, `the result is wrong` one that takes the
-file for another kind. The file itself is only read: exports that change a file in place get a copy in a temporary
-folder, which takes as much space as the file and is deleted at the end; other output is
-dropped. Of maps of 16 bits or more, and of OpenEXR files, all samples are read: each channel's
-minimum, maximum and mean, and how many samples are NaN or infinite. --fields only reads headers.
+works on such files is called to find out whether it accepts the file. It "changes nothing" when
+it leaves a map as it is that it should change; "the result is wrong" when it takes the file for
+one of another kind. The file itself is only read: exports that change a file in place get a copy
+in the folder for temporary files, TMPDIR or /tmp, which takes as much space as the file and is
+deleted at the end; other output is dropped. Of maps of 16 bits or more, and of OpenEXR files,
+all samples are read: each channel's minimum, maximum and mean, and how many samples are NaN or
+infinite. --fields only reads headers.
 
 --at names the field at a byte: a field of the header, a pixel with its x, y and channel, or
 an element of a mesh. Bytes, pixels and elements count from 0, rows from the top. OFFSET is
