@@ -10,15 +10,15 @@
 
 namespace {
 
-constexpr std::string_view kBlanks = " \t";
 constexpr std::string_view kByteOrderMark = "\xEF\xBB\xBF";
 
 // Removes blanks and the word after them from the start of `text`, and returns the word.
 std::string_view takeWord(std::string_view& text) {
-    text.remove_prefix(std::min(text.find_first_not_of(kBlanks), text.size()));
-    const std::string_view word = text.substr(0, text.find_first_of(kBlanks));
-    text.remove_prefix(word.size());
-    return word;
+    const auto isBlank = [](char c) { return c == ' ' || c == '\t'; };
+    const auto begin = std::find_if_not(text.begin(), text.end(), isBlank);
+    const auto end = std::find_if(begin, text.end(), isBlank);
+    text = {end, text.end()};
+    return {begin, end};
 }
 
 bool isComment(std::string_view line) {

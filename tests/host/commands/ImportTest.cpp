@@ -221,7 +221,8 @@ TEST_F(Import, CornersAtTheEndOfATileAreReportedOrMoved) {
                 HasSubstr(R"("clampedCorners":3,"crossing":{"count":0,)"));
 }
 
-// Without --clamp-uv the map stays as the background, black. Its first pixel is background always.
+// Without --clamp-uv the map stays as the background, black. The pixel in the corner, from which merges
+// take the background, always does.
 TEST_F(Import, AClampedUnitSquareIsPaintedToItsEdges) {
     const std::string model = dir.write("square.obj", kUnitSquare);
     const Words words{"import", model, dir.path("m.Vemo")};
