@@ -147,7 +147,8 @@ TEST_F(Export, AMissingMeshNamesTheCallTheFileAndTheMeaning) {
     mesh = dir.path("none.Vemo");
     EXPECT_EQ(fail(), "quillon: getUVTile of " + mesh +
                           " returned -17: the mesh file cannot be opened or read, or there is "
-                          "too little memory (" + mesh + ": No such file or directory)\n");
+                          "too little memory (" +
+                          mesh + ": No such file or directory)\n");
 }
 
 TEST_F(Export, AMissingFilterIsReported) {
