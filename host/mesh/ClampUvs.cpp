@@ -15,8 +15,8 @@ bool isInOneTile(const Extent& extent) {
     return extent.liesInOneTile() && std::abs(extent.start()) < kFarthest;
 }
 
-// The lowest and the highest coordinate in the tile from `start` to `start` + 1. Below 0 they are those
-// of which the library, which first moves them down by 1 and rounds, finds the right place.
+// The lowest and the highest coordinate in the tile from `start` to `start` + 1. Below 0 they are
+// those of which the library, which first moves them down by 1 and rounds, finds the right place.
 std::pair<float, float> innerBorders(double start) {
     const auto border = static_cast<float>(start);
     if (border >= 0.0f) return {border, std::nextafter(border + 1.0f, border)};

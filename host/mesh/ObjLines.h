@@ -8,14 +8,15 @@
 #include <string_view>
 #include <vector>
 
-// UVs reach up to here, to either side: further out a 32-bit float has fewer than 16 places in a tile.
+// UVs reach up to here, to either side: further out a 32-bit float has fewer than 16 places in a
+// tile.
 inline constexpr double kFarthestUv = 1e6;
 
-// Hands out one line at a time, without a byte order mark. A line that ends with a backslash goes on
-// in the next one, except for a comment.
+// Hands out one line at a time, without a byte order mark. A line that ends with a backslash goes
+// on in the next one, except for a comment.
 //
-// Throws Failure, which names the line, if one of the three numbers of a vertex or the two of a UV is
-// missing, no finite number or, in a UV, beyond kFarthestUv.
+// Throws Failure, which names the line, if one of the three numbers of a vertex or the two of a UV
+// is missing, no finite number or, in a UV, beyond kFarthestUv.
 class ObjLines : public std::streambuf {
 public:
     explicit ObjLines(const std::string& path);

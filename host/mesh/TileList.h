@@ -14,8 +14,8 @@
 inline constexpr int kNamings = 4;       // the naming modes are 0 to 3
 inline constexpr int kNumberNaming = 2;  // 1001, 1002 and so on
 
-// Returns the column of a u, or the row of a v. A whole number begins a tile: 1.0 is in tile 1. What
-// is below 0 first moves down by 1, so that -0.5 is in tile -1, but -1.0 in tile -2.
+// Returns the column of a u, or the row of a v. A whole number begins a tile: 1.0 is in tile 1.
+// What is below 0 first moves down by 1, so that -0.5 is in tile -1, but -1.0 in tile -2.
 std::int32_t tileOf(float coordinate);
 
 struct FaceInGroup {
@@ -23,8 +23,8 @@ struct FaceInGroup {
     std::optional<std::int16_t> group;  // none if the mesh has no face groups
 };
 
-// Faces with corners in several tiles. Such a face belongs to the tile of its first corner, but no map
-// shows it.
+// Faces with corners in several tiles. Such a face belongs to the tile of its first corner, but no
+// map shows it.
 struct CrossingFaces {
     static constexpr std::size_t kNamed = 3;
 
@@ -45,20 +45,22 @@ struct UvTile {
     CrossingFaces crossing;  // of these faces
 };
 
-// Returns the tiles of a mesh in the order in which the library writes them in a naming mode: that of
-// their names as texts. Of tiles with the same name the one that comes first in the mesh is first.
+// Returns the tiles of a mesh in the order in which the library writes them in a naming mode: that
+// of their names as texts. Of tiles with the same name the one that comes first in the mesh is
+// first.
 std::vector<UvTile> tilesOf(const VemoMesh& mesh, int naming);
 
 std::string nameOf(const UvTile& tile, int naming);
 
-// Tiles with the same name. The library takes them for one tile, the first; no map shows the faces of
-// the others.
+// Tiles with the same name. The library takes them for one tile, the first; no map shows the faces
+// of the others.
 struct SharedName {
     std::string name;
     std::vector<UvTile> tiles;
 };
 
-// Returns the names that several tiles have. `tiles` are in the order of tilesOf for this naming mode.
+// Returns the names that several tiles have. `tiles` are in the order of tilesOf for this naming
+// mode.
 std::vector<SharedName> collisions(const std::vector<UvTile>& tiles, int naming);
 
 // Returns the crossing faces of all these tiles.

@@ -15,8 +15,8 @@ struct Uv {
     bool operator==(const Uv&) const = default;
 };
 
-// Whether a corner is in the tile that its mesh file is for: the library marks the others with -1 and
-// -1, which no corner in a tile has.
+// Whether a corner is in the tile that its mesh file is for: the library marks the others with -1
+// and -1, which no corner in a tile has.
 inline bool isInTile(const Uv& corner) {
     return corner != Uv{-1.0f, -1.0f};
 }
@@ -41,9 +41,9 @@ struct VemoMesh {
     std::vector<std::int16_t> groups;  // one per face; may be empty
 };
 
-// Reads vertices, faces and face UVs, and face groups if the file has one for each face. Checks every
-// size against the file's and every index against the vertices; throws Failure for a file that is
-// broken or lacks one of the first three.
+// Reads vertices, faces and face UVs, and face groups if the file has one for each face. Checks
+// every size against the file's and every index against the vertices; throws Failure for a file
+// that is broken or lacks one of the first three.
 VemoMesh readVemo(const std::string& path);
 
 // Writes a mesh with vertices, faces, face UVs and face groups, in this order.
