@@ -90,7 +90,7 @@ bool notesInterrupts(pid_t process) {
 TEST_F(Interrupt, AnImportLeavesAnEarlierMeshAndNothingOfItsOwn) {
     if (*QUILLON_EMULATOR != '\0') GTEST_SKIP() << "the system reports the emulator's handlers";
     std::string text = "vt 0 0\n";
-    for (int i = 0; i < 100'000; ++i)
+    for (int i = 0; i < 200'000; ++i)
         text += "v 0 0 0\nv 1 0 0\nv 1 1 0\nf -1/1 -2/1 -3/1\n";
     const std::string model = dir.write("model.obj", text);
     const auto interruptedImport = [&] {
