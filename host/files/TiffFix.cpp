@@ -54,7 +54,7 @@ SampleKind floatKind(const std::string& path, unsigned bits) {
                      " bits, which quillon fix does not read; write it with 32 bits");
 }
 
-SampleKind kindOf(const std::string& path, const TiffFacts& facts) {
+SampleKind kindOf(const std::string& path, const TiffImageFacts& facts) {
     if (facts.sampleFormat == SAMPLEFORMAT_UINT || facts.sampleFormat == SAMPLEFORMAT_VOID)
         return integerKind(path, facts.bits);
     if (facts.sampleFormat == SAMPLEFORMAT_IEEEFP) return floatKind(path, facts.bits);
@@ -78,12 +78,12 @@ std::string colourSpace(std::uint16_t photometric) {
            ", which is neither grey nor RGB; convert it to one of these";
 }
 
-bool isYCbCrInJpeg(const TiffFacts& facts) {
+bool isYCbCrInJpeg(const TiffImageFacts& facts) {
     return facts.photometric == PHOTOMETRIC_YCBCR && facts.compression == COMPRESSION_JPEG &&
            !facts.isSeparate;
 }
 
-void requireGreyOrRgb(const std::string& path, const TiffFacts& facts, unsigned colours) {
+void requireGreyOrRgb(const std::string& path, const TiffImageFacts& facts, unsigned colours) {
     const bool isKnown = facts.photometric <= PHOTOMETRIC_PALETTE || isYCbCrInJpeg(facts);
     if (!isKnown) refuse(path, colourSpace(facts.photometric));
     const bool isGrey = facts.photometric <= PHOTOMETRIC_MINISBLACK;
@@ -109,7 +109,7 @@ std::uint16_t bitsFor(const std::string& path, SampleKind kind, const FixOptions
 }
 
 Plan planOf(const std::string& path, const TiffImage& image, const FixOptions& options) {
-    const TiffFacts& facts = image.facts();
+    const TiffImageFacts& facts = image.facts();
     const unsigned colours =
         facts.channels - std::min<unsigned>(facts.channels, facts.furtherChannels);
     requireGreyOrRgb(path, facts, colours);
@@ -156,7 +156,7 @@ public:
 private:
     // Fills samples_ with the row's colours, interleaved.
     void gather(std::uint32_t y) {
-        const TiffFacts& facts = image_.facts();
+        const TiffImageFacts& facts = image_.facts();
         const std::uint16_t planes = facts.isSeparate ? plan_.readChannels : 1;
         samples_.resize(std::size_t{facts.width} * plan_.readChannels * sampleBytes());
         for (std::uint16_t plane = 0; plane < planes; ++plane) {
@@ -221,7 +221,7 @@ bool hasHostsTags(const std::string& path) {
     return true;
 }
 
-void addPlaceChanges(const std::string& path, const TiffFacts& facts,
+void addPlaceChanges(const std::string& path, const TiffImageFacts& facts,
                      std::vector<std::string>& changes) {
     if (facts.isBigEndian) changes.emplace_back("big-endian -> little-endian");
     if (facts.isBigTiff) changes.emplace_back("BigTIFF -> TIFF");
@@ -241,12 +241,13 @@ void addPlaceChanges(const std::string& path, const TiffFacts& facts,
     if (facts.isSeparate) changes.emplace_back("a plane per channel -> channels interleaved");
 }
 
-std::string bitsText(const TiffFacts& facts) {
+std::string bitsText(const TiffImageFacts& facts) {
     const bool isFloat = facts.sampleFormat == SAMPLEFORMAT_IEEEFP;
     return std::to_string(facts.bits) + (isFloat ? "-bit floats" : "-bit integers");
 }
 
-void addSampleChanges(const TiffFacts& facts, const Plan& plan, std::vector<std::string>& changes) {
+void addSampleChanges(const TiffImageFacts& facts, const Plan& plan,
+                      std::vector<std::string>& changes) {
     const unsigned bits = plan.format.bits;
     const bool staysFloat = facts.sampleFormat == SAMPLEFORMAT_IEEEFP || bits != 32;
     if (facts.photometric == PHOTOMETRIC_YCBCR) changes.emplace_back("YCbCr -> RGB");
@@ -262,7 +263,7 @@ void addSampleChanges(const TiffFacts& facts, const Plan& plan, std::vector<std:
         changes.emplace_back("3 grey channels -> RGB");
 }
 
-void addLosses(const TiffFacts& facts, std::vector<std::string>& changes) {
+void addLosses(const TiffImageFacts& facts, std::vector<std::string>& changes) {
     if (facts.furtherChannels > 0)
         changes.push_back(counted(facts.furtherChannels, "further channel", "further channels") +
                           " left out" +
@@ -283,7 +284,7 @@ void addLosses(const TiffFacts& facts, std::vector<std::string>& changes) {
 FixedMap fixTiff(const std::string& in, const std::string& out, const FixOptions& options) {
     TiffImage image(in);
     if (isYCbCrInJpeg(image.facts())) image.decodeJpegAsRgb();
-    const TiffFacts& facts = image.facts();
+    const TiffImageFacts& facts = image.facts();
     requireSides(in, facts.width, facts.height);
     const Plan plan = planOf(in, image, options);
     image.requirePlausible();

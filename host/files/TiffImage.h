@@ -10,7 +10,7 @@
 struct tiff;  // libtiff's own
 
 // What the first directory of a file says; tags by libtiff's numbers.
-struct TiffFacts {
+struct TiffImageFacts {
     std::uint32_t width = 0;
     std::uint32_t height = 0;
     std::uint16_t bits = 0;             // of a sample
@@ -46,7 +46,7 @@ public:
     TiffImage(const TiffImage&) = delete;
     TiffImage& operator=(const TiffImage&) = delete;
 
-    const TiffFacts& facts() const { return facts_; }
+    const TiffImageFacts& facts() const { return facts_; }
 
     // Returns red, green and blue, 0 to 65535, of each number of a palette; nothing without a
     // palette.
@@ -88,6 +88,6 @@ private:
     std::uint64_t maxPixelBytes_;  // that a file of this length can stand for
     TiffMessages messages_;
     bool decodesJpeg_ = false;
-    TiffFacts facts_;
+    TiffImageFacts facts_;
     std::vector<Plane> planes_;
 };

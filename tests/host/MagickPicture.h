@@ -21,8 +21,8 @@ inline ByteList samplesOf(const TempDir& dir, const std::string& path, const std
 }
 
 // A picture of 8-bit RGB.
-struct Picture {
-    Picture(const TempDir& dir, const std::string& path, std::size_t pixelsInARow)
+struct MagickPicture {
+    MagickPicture(const TempDir& dir, const std::string& path, std::size_t pixelsInARow)
         : width(pixelsInARow), samples(samplesOf(dir, path, "rgb:", "8")) {}
 
     Rgb at(std::size_t x, std::size_t y) const {

@@ -31,7 +31,7 @@ TEST_F(Format, EachIsMergedByItsOwnExport) {
         EXPECT_THAT(ended.out, HasSubstr(std::string("\n") + row.merge + "            0  "));
         EXPECT_THAT(ended.out,
                     EndsWith("\n\n" + out + '/' + row.file + "  " + row.size + " bytes\n"));
-        const Picture picture(dir, out + '/' + row.file, 16);
+        const MagickPicture picture(dir, out + '/' + row.file, 16);
         ASSERT_EQ(picture.samples.size(), 3u * 16 * 8);
         for (std::size_t i = 0; i < 16 * 8; ++i) {
             const std::size_t x = i % 16;
@@ -54,9 +54,9 @@ TEST_F(Format, TheSameModelHasTheSamePixelsInEach) {
     size = "410";
     for (const char* format : {"tiff", "psd", "bmp"})
         succeed({"--format", format});
-    const Picture tiff(dir, out + "/spider_normal.tif", 410);
-    const Picture psd(dir, out + "/spider_normal.psd", 410);
-    const Picture bmp(dir, out + "/spider_normal.bmp", 410);
+    const MagickPicture tiff(dir, out + "/spider_normal.tif", 410);
+    const MagickPicture psd(dir, out + "/spider_normal.psd", 410);
+    const MagickPicture bmp(dir, out + "/spider_normal.bmp", 410);
     ASSERT_EQ(tiff.samples.size(), 3u * 410 * 82);
     EXPECT_TRUE(tiff.samples == psd.samples);
     EXPECT_TRUE(tiff.samples == bmp.samples);
@@ -78,7 +78,7 @@ TEST_F(Format, AnOrderOfChannelsIsTheSameInEach) {
         for (const auto& row : kCases) {
             succeed({"--format", format, "--order", row.order});
             const std::string extension = format == std::string("tiff") ? "tif" : format;
-            const Picture picture(dir, out + "/two_normal." + extension, 16);
+            const MagickPicture picture(dir, out + "/two_normal." + extension, 16);
             EXPECT_EQ(picture.at(2, 2), row.z) << format << ' ' << row.order;
             EXPECT_EQ(picture.at(13, 5), row.x) << format << ' ' << row.order;
             EXPECT_EQ(picture.at(0, 0), kBackground) << format << ' ' << row.order;
@@ -137,7 +137,7 @@ TEST_F(Format, ATargaFileHasTheReorderedMap) {
     const Ended ended = succeed({"--targa", "--order", "bgr"});
     EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_normal.tif  608 bytes\n" + out +
                                     "/two_normal.tga  402 bytes\n"));
-    const Picture targa(dir, out + "/two_normal.tga", 16);
+    const MagickPicture targa(dir, out + "/two_normal.tga", 16);
     EXPECT_EQ(targa.at(2, 2), (Rgb{255, 128, 128}));
     EXPECT_EQ(targa.at(13, 5), (Rgb{128, 128, 255}));
     EXPECT_EQ(targa.at(6, 5), kBackground);
@@ -149,14 +149,14 @@ TEST_F(Format, ABmpAlsoGetsAThumbnail) {
     const Ended ended = succeed({"--format", "bmp", "--thumbnail", "16"});
     EXPECT_THAT(ended.out, EndsWith('\n' + out + "/two_normal.bmp  6198 bytes\n" + out +
                                     "/two_normal_thumbnail.bmp  438 bytes\n"));
-    const Picture thumbnail(dir, out + "/two_normal_thumbnail.bmp", 16);
+    const MagickPicture thumbnail(dir, out + "/two_normal_thumbnail.bmp", 16);
     EXPECT_EQ(thumbnail.samples.size(), 3u * 16 * 8);
     EXPECT_EQ(thumbnail.at(2, 2), kFacesZ);
     EXPECT_EQ(thumbnail.at(5, 5), kFacesZ);
     EXPECT_EQ(thumbnail.at(10, 2), kFacesX);
     EXPECT_EQ(thumbnail.at(1, 2), kBackground);
     EXPECT_EQ(thumbnail.at(6, 5), kBackground);
-    EXPECT_EQ(Picture(dir, out + "/two_normal.bmp", 64).at(8, 8), kFacesZ);
+    EXPECT_EQ(MagickPicture(dir, out + "/two_normal.bmp", 64).at(8, 8), kFacesZ);
 }
 
 // The library's own JPEG, as another decoder sees it: flat cells come close to their colours.
@@ -166,7 +166,7 @@ TEST_F(Format, ABmpIsAlsoSavedAsJpeg) {
     EXPECT_THAT(succeed({"--format", "bmp", "--jpeg", "0"}).out,
                 HasSubstr("saveAsJpeg              0  " + out + "/working/two_normal.bmp to " +
                           out + "/working/two_normal.jpg, quality 0\n"));
-    const Picture jpeg(dir, out + "/two_normal.jpg", 64);
+    const MagickPicture jpeg(dir, out + "/two_normal.jpg", 64);
     ASSERT_EQ(jpeg.samples.size(), 3u * 64 * 32);
     const Rgb pixel = jpeg.at(16, 16);
     for (std::size_t channel = 0; channel < 3; ++channel)

@@ -70,8 +70,8 @@ struct Page : ExportedQuads {
     Ended tour(const Words& options = {}) const {
         return quillon({"tour", mesh, "--out", out, "--size", size}, options);
     }
-    Picture decoded(const Shown& shown) const {
-        return Picture(dir, "inline:" + shown.file, shown.width);
+    MagickPicture decoded(const Shown& shown) const {
+        return MagickPicture(dir, "inline:" + shown.file, shown.width);
     }
 };
 
@@ -119,10 +119,10 @@ TEST_F(Page, SaysWhichGroupsATileHasAndHowManyFacesNoMapShows) {
 // The middles of the two tiles, before the second is there and after.
 TEST_F(Page, TheSheetGrowsByATileWithEveryMerge) {
     const std::vector<Shown> pictures = picturesOf({});
-    const Picture first = decoded(pictures.at(5));
+    const MagickPicture first = decoded(pictures.at(5));
     EXPECT_TRUE(isNear(first.at(16, 16), kFacesZ));
     EXPECT_TRUE(isNear(first.at(48, 16), kBackground));
-    const Picture second = decoded(pictures.at(6));
+    const MagickPicture second = decoded(pictures.at(6));
     EXPECT_TRUE(isNear(second.at(16, 16), kFacesZ));
     EXPECT_TRUE(isNear(second.at(48, 16), kFacesX));
 }
@@ -145,7 +145,7 @@ TEST_F(Page, ReadsEveryKindOfMap) {
     for (const auto& row : kCases) {
         const std::vector<Shown> pictures = picturesOf(row.options, row.page);
         ASSERT_GE(pictures.size(), 8u);
-        const Picture sheet = decoded(pictures.back());
+        const MagickPicture sheet = decoded(pictures.back());
         EXPECT_TRUE(isNear(sheet.at(16, 16), row.middle)) << row.options.back();
         EXPECT_TRUE(isNear(sheet.at(4, 16), kBackground)) << row.options.back();
     }
@@ -163,8 +163,8 @@ TEST_F(Page, ShowsALargeSheetInFewerPixels) {
 // A quad fills the middle half of each tile; between its lines is a third of its colour.
 TEST_F(Page, ATileShowsItsFacesInItsOwnColour) {
     const std::vector<Shown> pictures = picturesOf({});
-    const Picture first = decoded(pictures.at(1));
-    const Picture second = decoded(pictures.at(3));
+    const MagickPicture first = decoded(pictures.at(1));
+    const MagickPicture second = decoded(pictures.at(3));
     EXPECT_TRUE(isNear(first.at(20, 20), kBackdrop));
     EXPECT_FALSE(isNear(first.at(150, 100), kBackdrop));
     EXPECT_FALSE(isNear(first.at(150, 100), second.at(150, 100)));
@@ -177,7 +177,7 @@ TEST_F(Page, ATileShowsItsFacesInItsOwnColour) {
 TEST_F(Page, TheModelIsLitOnItsBackdrop) {
     const std::vector<Shown> pictures = picturesOf({});
     EXPECT_EQ(pictures.at(0).width, 1600u);
-    const Picture model = decoded(pictures.at(0));
+    const MagickPicture model = decoded(pictures.at(0));
     EXPECT_TRUE(isNear(model.at(5, 5), kBackdrop));
     std::size_t painted = 0;
     for (std::size_t x = 0; x < 1600; x += 10) {
