@@ -77,8 +77,10 @@ std::string statusesOf(const Export& entry) {
 std::string printedBy(const Export& entry) {
     if (entry.output != nullptr) return entry.output;
     const float status = entry.prints.status;
-    std::string lines = "status   " + statusText(status) +
-                        "\nmeaning  success: " + meaningOf(entry, {}, status).sentence + '\n';
+    const StatusMeaning* const row = rowOf(entry, status);
+    const std::string meaning =
+        row != nullptr ? row->sentence : meaningOf(entry, {}, status).sentence;
+    std::string lines = "status   " + statusText(status) + "\nmeaning  success: " + meaning + '\n';
     if (entry.prints.text != nullptr) lines += std::string("text     ") + entry.prints.text + '\n';
     return lines;
 }

@@ -15,7 +15,7 @@ void requireConsistent(const ExportOptions& options) {
         {options.out.empty(), "--out is empty; . is the current folder"},
         {!options.tiles.empty() && options.naming != 2, "--tiles needs --naming 2"},
         {height && format.heightBits == 0, "a " + title +
-                                               " has 8 bits per sample, too few for heights; "
+                                               " cannot hold a height map; "
                                                "choose another --format, or --map normal"},
         {height && !options.order.empty(),
          "--order needs --map normal: a height map has one channel"},

@@ -5,6 +5,7 @@
 #include <filesystem>
 
 #include "commands/StatisticsReport.h"
+#include "commands/TileReport.h"
 #include "exports/Meanings.h"
 
 namespace {
@@ -93,13 +94,11 @@ void reportPlan(const ExportOptions& options, const ExportPlan& plan, Report& re
 }
 
 std::string unpaintedSentence(const ExportOptions& options, const ExportPlan& plan) {
-    const CrossingFaces& faces = plan.crossing;
-    std::string sentence = options.mesh + ": " + std::to_string(faces.count) +
-                           (faces.count == 1 ? " face reaches" : " faces reach") +
-                           " out of the tile of the first corner and " +
-                           (faces.count == 1 ? "is" : "are") + " not painted: " + textOf(faces);
-    if (faces.touching > 0)
-        sentence += "; quillon import --clamp-uv mends " + std::to_string(faces.touching) +
-                    " of them, which end exactly at a border";
-    return sentence + "; see quillon tiles";
+    std::string sentence = options.mesh;
+    const char* separator = ": ";
+    for (const std::string& line : linesAbout(plan.crossing)) {
+        sentence += separator + line;
+        separator = "; ";
+    }
+    return sentence;
 }

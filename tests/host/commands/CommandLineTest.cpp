@@ -144,8 +144,7 @@ TEST(CommandLine, ExportOptionsThatContradictAreReported) {
         const char* sentence;
     } kCases[] = {
         {{"--naming", "0", "--tiles", "f.txt"}, "--tiles needs --naming 2"},
-        {{"--map", "height", "--format", "bmp"},
-         "a BMP has 8 bits per sample, too few for heights"},
+        {{"--map", "height", "--format", "bmp"}, "a BMP cannot hold a height map"},
         {{"--map", "height", "--order", "bgr"}, "--order needs --map normal: a height map"},
         {{"--map", "height", "--targa"}, "--targa needs --map normal: a Targa"},
         {{"--format", "psd", "--targa"}, "--targa needs --format tiff, from"},

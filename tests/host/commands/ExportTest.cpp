@@ -104,7 +104,7 @@ TEST_F(Export, AFilterChoosesTiles) {
 TEST_F(Export, AUnitSquareIsNotDrawnWhichTheExportSays) {
     dir.write("two.Vemo", twoQuads({0, 0, 1, 0, 1, 1, 0, 1}));
     const Ended ended = quillon(words());
-    EXPECT_THAT(ended.err, HasSubstr("quillon import --clamp-uv mends 1 of them"));
+    EXPECT_THAT(ended.err, HasSubstr("begins (1), import the model with --clamp-uv"));
     EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
 }
 
@@ -112,9 +112,11 @@ TEST_F(Export, AFaceAcrossTheBorderIsNotDrawn) {
     dir.write("two.Vemo", twoQuads({0.25f, 0.25f, 1.5f, 0.25f, 0.75f, 0.75f, 0.25f, 0.75f}));
     const Ended ended = quillon(words());
     EXPECT_EQ(ended.exitStatus, 0);
-    EXPECT_EQ(ended.err, "quillon: warning: " + mesh +
-                             ": 1 face reaches out of the tile of the first corner and is not "
-                             "painted: face 0; see quillon tiles\n");
+    EXPECT_EQ(ended.err,
+              "quillon: warning: " + mesh +
+                  ": 1 face reaches out of its tile and is not painted: face 0; to paint "
+                  "those that reach further (1), move their UVs into one tile, or import "
+                  "the model with --tile-per-group\n");
     EXPECT_EQ(Map(out + "/two_normal.tif").rgb(3, 3), kBackground);
 }
 
