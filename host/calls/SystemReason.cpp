@@ -94,7 +94,7 @@ std::string systemReason(const Export& entry, const CallArguments& arguments, fl
     if (endsWithSystemCall(entry)) return reasonOf(error);
     const bool isTile = entry.writesTiles && row->causes.contain(cause::kTargetNotWritten);
     if (isTile) return tileReason(arguments, error);
-    const std::string reason = pathReason(arguments, row->causes);
+    std::string reason = pathReason(arguments, row->causes);
     if (!reason.empty()) return reason;
     const bool mayBeFull = row->causes.contain(cause::kDiskFull);
     const bool isFull = isOneOf(error, {ENOSPC, EDQUOT, EFBIG, EIO});
