@@ -40,6 +40,7 @@ std::uint64_t planesOf(const PixelLayout& layout) {
 // Where the parts of a pixel are.
 std::vector<std::uint64_t> placesOf(const PixelLayout& layout, StoredPlace place) {
     std::vector<std::uint64_t> places;
+    places.reserve(planesOf(layout));
     for (std::uint64_t plane = 0; plane < planesOf(layout); ++plane)
         places.push_back(offsetOf(layout, plane, place));
     return places;

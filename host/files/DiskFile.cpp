@@ -173,7 +173,7 @@ std::vector<std::uint8_t> readWholeFile(const std::string& path, const char* wha
     return bytes;
 }
 
-OutputFile::OutputFile(std::string path) : path_(linkTarget(path)) {
+OutputFile::OutputFile(const std::string& path) : path_(linkTarget(path)) {
     stopIfInterrupted();
     std::error_code ignored;
     const fs::file_status earlier = fs::status(path_, ignored);

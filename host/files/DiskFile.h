@@ -73,7 +73,7 @@ private:
 // written or renamed.
 class OutputFile {
 public:
-    explicit OutputFile(std::string path);
+    explicit OutputFile(const std::string& path);
     OutputFile(const OutputFile&) = delete;
     OutputFile& operator=(const OutputFile&) = delete;
     ~OutputFile();

@@ -11,6 +11,7 @@
 #include "exports/Meanings.h"
 
 std::int64_t integerIn(Bytes bytes, NumberKind kind) {
+    if (kind.bytes == 0) return 0;
     std::uint64_t bits = 0;
     for (std::size_t i = 0; i < kind.bytes; ++i)
         bits = bits << 8 | bytes.u8(kind.bigEndian ? i : kind.bytes - 1 - i);

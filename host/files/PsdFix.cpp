@@ -90,7 +90,7 @@ void requireKind(const std::string& path, const Header& header, const FixOptions
     if (header.mode != kGrey && header.mode != kIndexed && header.mode != kRgb)
         throw Failure(path + " is in colour mode " + std::to_string(header.mode) +
                       ", which is neither grey, RGB nor a palette; convert it to RGB");
-    if (header.bits != 8 && !(header.bits == 16 && header.mode != kIndexed))
+    if (header.bits != 8 && (header.bits != 16 || header.mode == kIndexed))
         throw Failure(path + " has " + std::to_string(header.bits) +
                       " bits per sample; the exports take 8 and 16, so save it with these");
     if (header.compression > kRunLengths)

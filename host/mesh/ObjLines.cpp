@@ -4,6 +4,7 @@
 #include <charconv>
 #include <cmath>
 #include <limits>
+#include <span>
 
 #include "files/DiskFile.h"
 #include "terminal/Failure.h"
@@ -29,8 +30,9 @@ bool isComment(std::string_view line) {
 double numberOf(std::string_view word) {
     if (word.starts_with('+')) word.remove_prefix(1);
     double number = 0.0;
-    const char* const end = word.data() + word.size();
-    const auto read = std::from_chars(word.data(), end, number);
+    const std::span<const char> letters(word);
+    const char* const end = letters.data() + letters.size();
+    const auto read = std::from_chars(letters.data(), end, number);
     const bool isTooSmall =
         read.ec == std::errc::result_out_of_range && word.find('-', 1) != std::string_view::npos;
     if (read.ptr != end || (read.ec != std::errc() && !isTooSmall))

@@ -117,6 +117,7 @@ std::vector<MadeMap> makeMaps(ExportRun& run, const ExportPlan& plan,
                               const std::vector<Tile>& tiles) {
     if (!run.options.perTile) return {makeMap(run, plan.maps.front(), tiles)};
     std::vector<MadeMap> maps;
+    maps.reserve(tiles.size());
     for (std::size_t i = 0; i < tiles.size(); ++i)
         maps.push_back(makeMap(run, plan.maps[i], {&tiles[i], 1}));
     return maps;
