@@ -4,9 +4,11 @@
 
 #include <algorithm>
 #include <array>
+#include <utility>
 
 #include "bmp/BmpHeader.h"
 #include "files/Piece.h"
+#include "pixels/PaintedRuns.h"
 #include "pixels/Pixels.h"
 
 namespace {
@@ -35,28 +37,36 @@ StoredRows rowsWithin(const BmpHeader& header, std::uint64_t fileBytes) {
             isCut ? (available - rows * stride) / kBmpPixelBytes : 0};
 }
 
-// A run of whole rows, or of pixels of a single row, without the padding at its end.
-struct Run {
+// Some rows of pixels, each with padding behind it but the last.
+struct Rows {
     std::uint64_t offset;  // in the file
-    std::size_t rows;
-    std::size_t pixels;  // of each row
+    std::size_t count;
+    std::size_t pixels;  // of each
     std::size_t stride;
 
-    std::size_t bytes() const { return (rows - 1) * stride + kBmpPixelBytes * pixels; }
+    std::size_t rowBytes() const { return kBmpPixelBytes * pixels; }
+    std::size_t bytes() const { return (count - 1) * stride + rowBytes(); }
 };
 
-// Calls `use(run)` for runs of at most a piece, in order, as long as it returns true.
+// A part of a row, or several rows that have no padding.
+Rows oneRow(std::uint64_t offset, std::size_t pixels) {
+    return {offset, 1, pixels, kBmpPixelBytes * pixels};
+}
+
+// Calls `use(rows)` for at most a piece of them at a time, in order, as long as it returns true.
 template <typename Use>
-void forEachRun(const StoredRows& image, Use use) {
+void forEachRows(const StoredRows& image, Use use) {
     const auto stride = static_cast<std::size_t>(image.stride);
+    const auto width = static_cast<std::size_t>(image.width);
     const auto useRows = [&](std::uint64_t offset, std::size_t rows) {
-        return use(Run{offset, rows, static_cast<std::size_t>(image.width), stride});
+        const bool hasPadding = stride != kBmpPixelBytes * width;
+        return use(hasPadding ? Rows{offset, rows, width, stride} : oneRow(offset, rows * width));
     };
     const auto usePixels = [&](std::uint64_t offset, std::size_t pixels) {
-        return use(Run{offset, 1, pixels, stride});
+        return use(oneRow(offset, pixels));
     };
     const auto useLongRow = [&](std::uint64_t offset, std::size_t) {
-        return forEachPiece(offset, image.width, kBmpPixelBytes, usePixels);
+        return forEachPiece(offset, width, kBmpPixelBytes, usePixels);
     };
     const bool goesOn = stride <= kPieceBytes
                             ? forEachPiece(image.offset, image.rows, stride, useRows)
@@ -68,19 +78,51 @@ void forEachRun(const StoredRows& image, Use use) {
 
 using Background = std::array<std::uint8_t, kBmpPixelBytes>;
 
+// forEachRun for several rows. A run may go on from one row to the next.
+template <typename Use>
+bool forEachRunOfRows(const PaintedRuns<1>& painted, const std::uint8_t* tile, const Rows& rows,
+                      Use use) {
+    PaintedRun joined;
+    for (std::size_t at = 0; at < rows.bytes(); at += rows.stride) {
+        const bool goesOn =
+            forEachRun(painted, {tile + at}, rows.rowBytes(), [&](const PaintedRun& run) {
+                const PaintedRun found = {at + run.start, at + run.end};
+                const bool isNear = found.start - joined.end < kShortestGap && !joined.isEmpty();
+                const PaintedRun previous =
+                    std::exchange(joined, {isNear ? joined.start : found.start, found.end});
+                return isNear || previous.isEmpty() || use(previous);
+            });
+        if (!goesOn) return false;
+    }
+    return joined.isEmpty() || use(joined);
+}
+
+// Fills the background of a run, row by row. `map` is what the target has there.
+void fillRun(std::uint8_t* map, const std::uint8_t* tile, const Rows& rows, const PaintedRun& run,
+             const Background& background) {
+    std::size_t row = run.start / rows.stride * rows.stride;
+    for (; row < run.end; row += rows.stride) {
+        const std::size_t start = std::max(row, run.start);
+        const std::size_t end = std::min(row + rows.rowBytes(), run.end);
+        fillBackground(map + (start - run.start), tile + start, background.data(),
+                       (end - start) / kBmpPixelBytes, kBmpPixelBytes);
+    }
+}
+
+// A merge leaves the target as it is where the source has its background, so nothing is read or written
+// there.
 void mergeRows(const File& source, const File& target, const StoredRows& image,
                const Background& background) {
+    const PaintedRuns<1> painted({background.data()}, kBmpPixelBytes);
     Piece tile;
     Piece map;
-    forEachRun(image, [&](const Run& run) {
-        if (!tile.read(source, run.offset, run.bytes()) ||
-            !map.read(target, run.offset, run.bytes()))
-            return false;
-        for (std::size_t at = 0; at < run.bytes(); at += run.stride) {
-            fillBackground(map.data() + at, tile.data() + at, background.data(), run.pixels,
-                           kBmpPixelBytes);
-        }
-        return map.write(target);
+    forEachRows(image, [&](const Rows& rows) {
+        if (!tile.read(source, rows.offset, rows.bytes())) return false;
+        return forEachRunOfRows(painted, tile.data(), rows, [&](const PaintedRun& run) {
+            if (!map.read(target, rows.offset + run.start, run.size())) return false;
+            fillRun(map.data(), tile.data(), rows, run, background);
+            return map.write(target);
+        });
     });
 }
 
@@ -99,10 +141,10 @@ Exchange exchangeOf(std::int32_t mode) {
 
 void swapRows(const File& file, const StoredRows& image, Exchange exchange) {
     Piece piece;
-    forEachRun(image, [&](const Run& run) {
-        if (!piece.read(file, run.offset, run.bytes())) return false;
-        for (std::size_t at = 0; at < run.bytes(); at += run.stride)
-            exchangeSamples(piece.data() + at, run.pixels, exchange);
+    forEachRows(image, [&](const Rows& rows) {
+        if (!piece.read(file, rows.offset, rows.bytes())) return false;
+        for (std::size_t at = 0; at < rows.bytes(); at += rows.stride)
+            exchangeSamples(piece.data() + at, rows.pixels, exchange);
         return piece.write(file);
     });
 }
@@ -132,6 +174,7 @@ float mergeBMP(const char* source, const char* target) {
     if (sourceFile.readAt(rows.offset, background.data(), background.size()) < background.size())
         return bmp_status::kNotReopened;
     mergeRows(sourceFile, targetFile, rows, background);
+    targetFile.touch();
     return bmp_status::kOk;
 }
 

@@ -48,8 +48,9 @@ inline constexpr float kSourceNotOpened = -1770.0f;   // a merge's source
 // have a pixel the target's wins. Background: the source's first stored pixel, bottom left.
 //
 //   source   path, only read, though it must be writable
-//   target   path, rewritten in place and never made longer. Pixels that one of the files does not
-//            have are left alone.
+//   target   path, rewritten in place and never made longer. It is read and written only near the
+//            pixels that the source has painted; without any, its modification time still moves. Pixels that one of the
+//            files does not have are left alone.
 //   returns  kOk, also when the disk fails once rows are being rewritten, which ends the merge
 //            there; kNotOpened, kNotABmp (target first); kSourceNotOpened; kSizesDiffer;
 //            kLayoutsDiffer; kNotReopened (source), also when its background cannot be read;

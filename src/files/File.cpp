@@ -113,6 +113,10 @@ std::size_t File::writeUpTo(std::uint64_t offset, const std::uint8_t* bytes,
     });
 }
 
+void File::touch() const {
+    ::futimens(descriptor_, nullptr);
+}
+
 bool File::cut(std::uint64_t length) const {
     struct stat status {};
     const bool isKnown = ::fstat(descriptor_, &status) == 0;

@@ -43,6 +43,9 @@ public:
     // The same; returns how many bytes the disk took.
     std::size_t writeUpTo(std::uint64_t offset, const std::uint8_t* bytes, std::size_t count) const;
 
+    // Sets the modification time to now.
+    void touch() const;
+
     // Truncates the file to `length` bytes if it is longer. False on failure.
     bool cut(std::uint64_t length) const;
 

@@ -176,17 +176,22 @@ bool PlanePieces::read(const File& file, std::size_t start, std::size_t count) {
 }
 
 bool PlanePieces::write(const File& file, std::size_t to, std::size_t from) const {
-    const std::size_t place = planes_.placeOf(to, start_);
-    if (file.writeAt(place, pieces_[from].data(), pieces_[from].size())) return true;
-    file.cut(place);
-    return false;
+    return writeRun(file, to, from, {0, pieces_[from].size()});
 }
 
-bool PlanePieces::write(const File& file) const {
+bool PlanePieces::write(const File& file, const PaintedRun& run) const {
     for (std::size_t plane = 0; plane < planes_.count; ++plane) {
-        if (!write(file, plane, plane)) return false;
+        if (!writeRun(file, plane, plane, run)) return false;
     }
     return true;
+}
+
+bool PlanePieces::writeRun(const File& file, std::size_t to, std::size_t from,
+                           const PaintedRun& run) const {
+    const std::size_t place = planes_.placeOf(to, start_ + run.start);
+    if (file.writeAt(place, pieces_[from].data() + run.start, run.size())) return true;
+    file.cut(place);
+    return false;
 }
 
 float writePSD(const char* path, std::span<const std::uint8_t> bytes) {

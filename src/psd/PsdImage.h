@@ -8,6 +8,7 @@
 #include <vector>
 
 #include "files/Piece.h"
+#include "pixels/PaintedRuns.h"
 
 struct PsdHeader {
     std::uint32_t signature = 0;  // the first byte of the file is the lowest
@@ -127,15 +128,19 @@ public:
     // fewer bytes; the file then ends before them.
     bool write(const File& file, std::size_t to, std::size_t from) const;
 
-    // Writes each plane to its own place.
-    bool write(const File& file) const;
+    // Writes a run of each plane to its own place.
+    bool write(const File& file, const PaintedRun& run) const;
 
     std::uint8_t* at(std::size_t plane) const { return pieces_[plane].data(); }
+    std::size_t start() const { return start_; }  // in each plane
+    std::size_t size() const { return pieces_.front().size(); }
 
 private:
+    bool writeRun(const File& file, std::size_t to, std::size_t from, const PaintedRun& run) const;
+
     const Planes& planes_;
     std::vector<Piece> pieces_;  // one for each plane
-    std::size_t start_ = 0;      // in each plane
+    std::size_t start_ = 0;
 };
 
 // Writes a whole file.

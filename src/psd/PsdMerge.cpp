@@ -20,41 +20,75 @@ bool sameSize(const PsdHeader& a, const PsdHeader& b) {
     return a.width == b.width && a.height == b.height;
 }
 
+// Tiles are laid over maps of three planes, of one byte a sample, or of one plane, of two bytes.
+template <std::size_t kPlanes>
+constexpr std::size_t kSampleBytes = kPlanes == 1 ? 2 : 1;
+
+template <std::size_t kPlanes>
+typename PaintedRuns<kPlanes>::Places placesIn(const PlanePieces& pieces, std::size_t at = 0) {
+    typename PaintedRuns<kPlanes>::Places places;
+    for (std::size_t plane = 0; plane < kPlanes; ++plane)
+        places[plane] = pieces.at(plane) + at;
+    return places;
+}
+
+// Lays `count` bytes of each of the tile's planes over as many of the map's.
+void layOver(const PlanePieces& map, const PaintedRuns<3>::Places& tile,
+             const PlanePieces& background, std::size_t count) {
+    layOverPlanes({map.at(0), map.at(1), map.at(2)}, tile,
+                  {*background.at(0), *background.at(1), *background.at(2)}, count);
+}
+
+void layOver(const PlanePieces& map, const PaintedRuns<1>::Places& tile,
+             const PlanePieces& background, std::size_t count) {
+    layOverShorts(map.at(0), tile[0], background.at(0), count / 2);
+}
+
 void copyFirstSamples(const Planes& planes, std::size_t sampleBytes, const PlanePieces& from,
                       const PlanePieces& to) {
     for (std::size_t plane = 0; plane < planes.count; ++plane)
         std::copy_n(from.at(plane), sampleBytes, to.at(plane));
 }
 
-void layOver(const Planes& planes, const PlanePieces& map, const PlanePieces& tile,
-             const PlanePieces& background, std::size_t count) {
-    if (planes.count == 1) {
-        layOverShorts(map.at(0), tile.at(0), background.at(0), count / 2);
-        return;
-    }
-    layOverPlanes({map.at(0), map.at(1), map.at(2)}, {tile.at(0), tile.at(1), tile.at(2)},
-                  {*background.at(0), *background.at(1), *background.at(2)}, count);
+enum class End { kDone, kNotRead, kNotWritten };
+
+// Lays a run of the tile over the target, of which nothing is read where the tile hides all of it.
+template <std::size_t kPlanes>
+End mergeRun(const PaintedRuns<kPlanes>& painted, const PaintedRun& run, const PlanePieces& tile,
+             const PlanePieces& background, PlanePieces& map, const File& target) {
+    if (painted.isSolid(placesIn<kPlanes>(tile), run))
+        return tile.write(target, run) ? End::kDone : End::kNotWritten;
+    if (!map.read(target, tile.start() + run.start, run.size())) return End::kNotRead;
+    layOver(map, placesIn<kPlanes>(tile, run.start), background, run.size());
+    return map.write(target, {0, run.size()}) ? End::kDone : End::kNotWritten;
 }
 
-// Returns kNotOpened when a file cannot be read, else kOk. The map's first pixel, which tells the
-// background, is written last: a merge that ends halfway can be made again.
-float mergePlanes(const File& source, const File& target, const Planes& planes,
-                  std::size_t sampleBytes) {
+// Where the tile has the background, the target is neither read nor written. Its first pixel, which is
+// the background, is written last: a merge that ends halfway can be made again.
+//
+//   returns  kNotOpened when a file cannot be read; else kOk, also when the disk takes no more
+template <std::size_t kPlanes>
+float mergePlanes(const File& source, const File& target, const Planes& planes) {
+    constexpr std::size_t sampleBytes = kSampleBytes<kPlanes>;
     PlanePieces tile(planes);
     PlanePieces map(planes);
     PlanePieces background(planes);
     PlanePieces firstPixel(planes);
-    if (!background.read(target, 0, sampleBytes) || !firstPixel.read(target, 0, sampleBytes))
+    if (!background.read(target, 0, sampleBytes) || !firstPixel.read(source, 0, sampleBytes))
         return kNotOpened;
+
+    const PaintedRuns<kPlanes> painted(placesIn<kPlanes>(background), sampleBytes);
     for (std::size_t start = 0; start < planes.bytes; start += PlanePieces::kBytes) {
-        const std::size_t count = std::min(PlanePieces::kBytes, planes.bytes - start);
-        if (!tile.read(source, start, count) || !map.read(target, start, count)) return kNotOpened;
-        layOver(planes, map, tile, background, count);
-        if (start == 0) {
-            copyFirstSamples(planes, sampleBytes, map, firstPixel);
-            copyFirstSamples(planes, sampleBytes, background, map);
-        }
-        if (!map.write(target)) return kOk;
+        if (!tile.read(source, start, std::min(PlanePieces::kBytes, planes.bytes - start)))
+            return kNotOpened;
+        if (start == 0) copyFirstSamples(planes, sampleBytes, background, tile);
+        const auto row = placesIn<kPlanes>(tile);
+        End end = End::kDone;
+        forEachRun(painted, row, tile.size(), [&](const PaintedRun& run) {
+            end = mergeRun(painted, painted.trimmed(row, run), tile, background, map, target);
+            return end == End::kDone;
+        });
+        if (end != End::kDone) return end == End::kNotRead ? kNotOpened : kOk;
     }
     for (std::size_t plane = 0; plane < planes.count; ++plane)
         target.writeAt(planes.placeOf(plane, 0), firstPixel.at(plane), sampleBytes);
@@ -110,8 +144,8 @@ float mergePSD(const char* source, const char* target) {
     if (!rewritten.isOpen()) return kNotWritten;
     const auto pixels = static_cast<std::size_t>(map.pixels());
     if (pixels == 0) return kOk;
-    if (kind == kGray16) return mergePlanes(tile.file, rewritten, {offset, 2 * pixels, 1}, 2);
-    return mergePlanes(tile.file, rewritten, {offset, pixels, 3}, 1);
+    if (kind == kGray16) return mergePlanes<1>(tile.file, rewritten, {offset, 2 * pixels, 1});
+    return mergePlanes<3>(tile.file, rewritten, {offset, pixels, 3});
 }
 
 float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) {

@@ -59,7 +59,8 @@ inline constexpr float kNotThreeBytes = -56.0f;   // swapping: not three channel
 // Planes beyond the third, and bytes beyond the planes, stay the target's.
 //
 //   source   path, only read
-//   target   path, rewritten
+//   target   path, rewritten near the pixels that the source has painted; at least its first pixel is
+//            written
 //   returns  kOk; kNotOpened, kBadVersion, kHasColourTable, kCompressed (target first);
 //            kSizesDiffer; kUnknownKind; kNotWritten
 float mergePSD(const char* source, const char* target);

@@ -7,6 +7,7 @@
 #include <cstdio>
 
 #include "files/Piece.h"
+#include "pixels/PaintedRuns.h"
 #include "pixels/Pixels.h"
 #include "tiff/TiffHeader.h"
 #include "tiff/TiffStrip.h"
@@ -41,18 +42,25 @@ Strip stripToMerge(const TiffInfo& info) {
     return strip;
 }
 
+// A merge leaves the target as it is where the source has its background, so nothing is read or written
+// there.
 bool mergePixels(const File& source, const File& target, const Strip& strip) {
     std::array<std::uint8_t, kLargestPixelBytes> background{};
     if (source.readAt(strip.offset, background.data(), strip.pixelBytes) < strip.pixelBytes)
         return false;
 
+    const PaintedRuns<1> painted({background.data()}, strip.pixelBytes);
     Piece tile;
     Piece map;
     return forEachPiece(strip, [&](std::uint64_t offset, std::size_t pixels) {
         const std::size_t bytes = pixels * strip.pixelBytes;
-        if (!tile.read(source, offset, bytes) || !map.read(target, offset, bytes)) return false;
-        fillBackground(map.data(), tile.data(), background.data(), pixels, strip.pixelBytes);
-        return map.write(target);
+        if (!tile.read(source, offset, bytes)) return false;
+        return forEachRun(painted, {tile.data()}, bytes, [&](const PaintedRun& run) {
+            if (!map.read(target, offset + run.start, run.size())) return false;
+            fillBackground(map.data(), tile.data() + run.start, background.data(),
+                           run.size() / strip.pixelBytes, strip.pixelBytes);
+            return map.write(target);
+        });
     });
 }
 
@@ -100,8 +108,9 @@ float mergeTiff(const char* source, const char* target) {
 
     const Strip strip = wholeRowsWithin(stripToMerge(from.info), from.info,
                                         std::min(sourceFile.size(), targetFile.size()));
-    if (strip.pixels > 0 && !mergePixels(sourceFile, targetFile, strip))
-        return tiff_status::kTargetNotWritten;
+    if (strip.pixels == 0) return tiff_status::kOk;
+    if (!mergePixels(sourceFile, targetFile, strip)) return tiff_status::kTargetNotWritten;
+    targetFile.touch();
     return tiff_status::kOk;
 }
 

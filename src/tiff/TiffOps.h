@@ -43,9 +43,10 @@ inline constexpr float kBadSampleFormatCount = -339.0f;
 // float -0.0 is not +0.0.
 //
 //   source   path, only read
-//   target   path, rewritten in place and never made longer. Its strip is taken to start where
-//            the source has it. Rows that one of the files does not have are left alone; rows already
-//            written stay if a later one fails.
+//   target   path, rewritten in place and never made longer. It is read and written only near the
+//            pixels that the source has painted; without any, its modification time still moves. Its strip is taken to
+//            start where the source has it. Rows that one of the files does not have are left alone;
+//            pixels already written stay if a later one fails.
 //   returns  kOk, also when the depth is not 8, 16 or 32 bits or when the strip does not start
 //            below its own length, which leaves the target as it is; kNotOpened;
 //            kTargetNotOpened, also printed; a refused tag (source first); kSizesDiffer;

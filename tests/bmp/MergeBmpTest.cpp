@@ -8,6 +8,7 @@
 #include "support/Append.h"
 #include "support/BmpFile.h"
 #include "support/Faults.h"
+#include "support/PaintedPart.h"
 
 namespace {
 
@@ -95,6 +96,35 @@ TEST_F(MergeBmp, WorksThroughImagesOfManyPieces) {
         expectMerged(BmpFile(width, height), BmpFile(width, height).plain(1, 2, 3).padding(7),
                      BmpFile(width, height).padding(7));
     }
+}
+
+// A piece holds 87380 pixels of rows of four, and 217 rows of 401, which have a byte of padding.
+TEST_F(MergeBmp, APaintedPartIsExactWhereverItBeginsAndEnds) {
+    for (const auto& [width, border] : {std::pair(4u, 87380u), std::pair(401u, 217u * 401u)}) {
+        forEachPaintedPart(width, border, [&](std::size_t pixels, auto start, auto end) {
+            const PaintedPart part = paintedPart(pixels, start, end);
+            const auto file = [&](const ByteList& map) -> ByteList {
+                const auto height = static_cast<std::int32_t>(pixels / width);
+                return BmpFile(static_cast<std::int32_t>(width), height)
+                    .pixels(repeatedEach(map, 3))
+                    .padding(9);
+            };
+            EXPECT_EQ(merge(file(part.tile), file(part.map)), 0.0f);
+            EXPECT_TRUE(readBytes(map()) == file(part.filled)) << start << " to " << end;
+        });
+    }
+}
+
+TEST_F(MergeBmp, ASourceThatIsAllBackgroundWritesNoPixel) {
+    const ByteList painted = BmpFile(2, 3);
+    dir_.write("tile.bmp", BmpFile(2, 3).plain(1, 2, 3));
+    makeOld(dir_.write("map.bmp", painted));
+    {
+        const FullDisk nothingFits(0);
+        EXPECT_EQ(mergeAgain(), 0.0f);
+    }
+    EXPECT_EQ(readBytes(map()), painted);
+    EXPECT_FALSE(isOld(map()));
 }
 
 TEST_F(MergeBmp, RefusesPairsThatDoNotMatchAndLeavesThemAsTheyAre) {

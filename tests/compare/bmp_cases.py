@@ -29,7 +29,7 @@ def bmp(rng, shape, palette):
     layout.put("bits", 2, shape.bits).put("compression", 4, 0).put("image size", 4, size)
     layout.raw(rng.randbytes(16 + shape.offset - 54))
     for _ in range(shape.height):
-        layout.raw(b"".join(rng.choices(palette, k=shape.width)) + rng.randbytes(padding))
+        layout.raw(b"".join(rng.pixels(palette, shape.width)) + rng.randbytes(padding))
     return layout.raw(rng.randbytes(shape.extra))
 
 
@@ -80,8 +80,8 @@ RECIPES = [(merge, 4), (swap, 3), (crop, 4), (thumb, 4)]
 def edges(rng):
     rng.sound = True  # the shapes are those named here
 
-    def one(sides, name, *rest, **changes):
-        files = [bmp(rng, Shape(rng).resized(*sides), colours(rng)) for _ in "ab"]
+    def one(sides, name, *rest, palette=None, **changes):
+        files = [bmp(rng, Shape(rng).resized(*sides), palette or colours(rng)) for _ in "ab"]
         for layout in files:
             for field, value in changes.items():
                 layout.set(field.replace("_", " "), value)
@@ -105,3 +105,7 @@ def edges(rng):
     yield from unreadable(*operations, ("CreateThumbnailBMP", 0.0))
     yield from nulls(("mergeMapsBMP", 0.0), ("swapRGBBMP", 1.0), ("CreateThumbnailBMP", 8.0),
                      ("CreateThumbnailBMP", 0.0))
+    rng.sheet = True
+    for _ in range(100):
+        palette, sides = colours(rng), rng.sides()
+        yield one(sides, "mergeMapsBMP", 0.0, b"b.bmp", palette=palette)

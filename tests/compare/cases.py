@@ -11,6 +11,7 @@ class Draw(random.Random):
 
     most = 9  # the longest side of an image, and about as many faces as a mesh has
     sound = False
+    sheet = False  # makes images that are background but for a few painted stretches
 
     def odd(self, chance):
         """Whether something out of the ordinary is wanted."""
@@ -19,6 +20,24 @@ class Draw(random.Random):
     def side(self):
         """A side of an image, now and then 0."""
         return 0 if self.odd(0.07) else self.randint(1, self.most)
+
+    def sides(self):
+        """The sides of an image that merges read in several parts."""
+        sides = (300, 300) if self.random() < 0.1 else (self.randint(500, 5000), self.randint(1, 5))
+        return self.sample(sides, 2)
+
+    def pixels(self, palette, count):
+        """The pixels of an image. The palette's first is the background."""
+        if not self.sheet:
+            return self.choices(palette, k=count)
+        background, *colours = dict.fromkeys(palette)
+        pixels = [background] * count
+        for _ in range(self.randint(0, 4)):
+            start, length = self.randrange(count), self.choice([1, 90, 1000, 5000])
+            length = min(self.randint(1, length), count - start)
+            holes = [background] * self.choice([0, 0, 1, 20])
+            pixels[start : start + length] = self.choices(colours + holes, k=length)
+        return pixels
 
 
 class Layout:

@@ -35,7 +35,7 @@ def psd(rng, shape, palette):
     layout.put("depth", 2, shape.depth).put("colour mode", 2, shape.mode).put("colour data", 4, 0)
     layout.put("resources", 4, shape.resources).raw(rng.randbytes(shape.resources))
     layout.put("layers", 4, shape.layers).raw(rng.randbytes(shape.layers)).put("compression", 2, 0)
-    pixels = rng.choices(palette, k=shape.width * shape.height)
+    pixels = rng.pixels(palette, shape.width * shape.height)
     for channel in range(shape.channels):
         layout.raw(b"".join((pixel * 3)[channel:][: shape.depth // 8] for pixel in pixels))
     return layout.raw(rng.randbytes(shape.extra))
@@ -149,3 +149,8 @@ def edges(rng):
         yield case.call("swapRGBPSD", b"a.psd", value)
     yield from unreadable(*operations, ("mergeSeamlessPSD", b"empty", 1))
     yield from nulls(("mergeMapsPSD", 0.0), ("swapRGBPSD", 1.0))
+    rng.sheet = True
+    for number in range(150):
+        shape, palette = Shape(rng, number % 3 == 0).resized(*rng.sides()), colours(rng)
+        files = [(name, psd(rng, shape, palette)) for name in (b"a.psd", b"b.psd")]
+        yield Case(*files).call("mergeMapsPSD", b"a.psd", 0.0, b"b.psd")

@@ -72,7 +72,7 @@ def painted(rng, shape, key=None):
     near = bytearray(key)
     near[rng.randrange(size)] ^= rng.choice([1, 128])
     palette = [key] * 5 + [bytes(near)] + [rng.randbytes(size) for _ in range(4)]
-    pixels = rng.choices(palette, k=shape.width * shape.length)
+    pixels = rng.pixels(palette, shape.width * shape.length)
     if pixels and not rng.odd(0.1):
         pixels[0] = key
     return b"".join(pixels)
@@ -192,3 +192,9 @@ def edges(rng):
     shape = Shape(rng, 8, 1)
     case = Case((b"a", tiff(shape, painted(rng, shape))))
     yield case.call("mergeMapsTIF", b"a", 0.0, b"missing")
+    rng.sheet = rng.sound = True
+    for _ in range(150):
+        shape, key = Shape(rng), rng.choice(KEYS)
+        shape.width, shape.length = rng.sides()
+        files = [(name, tiff(shape, painted(rng, shape, key))) for name in (b"a", b"b")]
+        yield Case(*files).call("mergeMapsTIF", b"a", 0.0, b"b")

@@ -215,10 +215,11 @@ constexpr const char* kNeverCalled[] = {
 
 // The same functions of the C library on both systems.
 constexpr const char* kShared[] = {
-    "___cxa_atexit", "_abort",   "_aligned_alloc", "_bzero",     "_calloc", "_close",   "_closedir",
-    "_fflush",       "_fputc",   "_free",          "_ftruncate", "_fwrite", "_malloc",  "_memchr",
-    "_nextafterf",   "_opendir", "_pread",         "_puts",      "_pwrite", "_realloc", "_remove",
-    "_rename",       "_strcmp",  "_strncpy",       "_strnlen",
+    "___cxa_atexit", "_abort",   "_aligned_alloc", "_bzero",      "_calloc",    "_close",
+    "_closedir",     "_fflush",  "_fputc",         "_free",       "_ftruncate", "_futimens",
+    "_fwrite",       "_malloc",  "_memchr",        "_nextafterf", "_opendir",   "_pread",
+    "_puts",         "_pwrite",  "_realloc",       "_remove",     "_rename",    "_strcmp",
+    "_strncpy",      "_strnlen",
 };
 
 using StandIns = std::map<std::string, void*>;

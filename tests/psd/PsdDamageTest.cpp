@@ -180,7 +180,7 @@ TEST(PsdDamage, AFileThatMayNotBeWrittenStays) {
 TEST(PsdDamage, AFullDiskIsNotReportedAndLeavesNoHandleOpen) {
     const TempDir dir;
     const ByteList bytes = PsdFile(100, 100).filled(30000, 9);
-    const std::string other = dir.write("other", bytes);
+    const std::string other = dir.write("other", PsdFile(100, 100).filled(30000, 7));
     std::vector<Operation> operations(std::begin(kOperations) + 1, std::end(kOperations));
     operations.push_back(
         {"seams", [](auto path, auto good) { return mergeSeamlessPSD(path, good, true); }});

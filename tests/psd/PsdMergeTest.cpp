@@ -1,6 +1,7 @@
 #include <gmock/gmock.h>
 
 #include "psd/PsdOps.h"
+#include "support/PaintedPart.h"
 #include "support/PsdFile.h"
 
 namespace {
@@ -65,6 +66,52 @@ TEST_F(MergePsd, AMapOfManyPiecesIsMergedWhole) {
     }
     expectMerged(PsdFile(300, 300).pixels(tile), PsdFile(300, 300).pixels(map),
                  PsdFile(300, 300).pixels(expected));
+}
+
+// A piece holds 65536 bytes of each plane: as many pixels, or half as many of 16 bits.
+TEST_F(MergePsd, APaintedPartIsExactWhereverItBeginsAndEnds) {
+    for (const bool grey16 : {false, true}) {
+        const auto check = [&](std::size_t pixels, std::size_t start, std::size_t end) {
+            const PaintedPart part = paintedPart(pixels, start, end);
+            const auto file = [&](const ByteList& map) {
+                PsdFile psd(4, static_cast<std::uint32_t>(pixels / 4));
+                if (grey16) return psd.grey16().planes(repeatedEach(map, 2)).bytes();
+                ByteList planes = map;
+                planes.insert(planes.end(), map.begin(), map.end());
+                planes.insert(planes.end(), map.begin(), map.end());
+                return psd.planes(planes).bytes();
+            };
+            EXPECT_EQ(merge(file(part.tile), file(part.map)), 0.0f);
+            EXPECT_TRUE(readBytes(dir.path("all.psd")) == file(part.laidOver))
+                << start << " to " << end;
+        };
+        forEachPaintedPart(4, grey16 ? 32768 : 65536, check);
+    }
+}
+
+// The background is the target's first pixel. A source that has nothing else changes no byte, yet the
+// target counts as rewritten.
+TEST_F(MergePsd, ASourceThatIsAllBackgroundLeavesTheTargetsBytes) {
+    const ByteList painted = PsdFile(4, 1).pixels({{9, 9, 9}, {1, 2, 3}, {7, 7, 7}, {4, 5, 6}});
+    const std::string tile = dir.write("1001.psd", PsdFile(4, 1).filled(12, 9));
+    const std::string all = dir.write("all.psd", painted);
+    makeOld(all);
+    EXPECT_EQ(mergePSD(tile.c_str(), all.c_str()), 0.0f);
+    EXPECT_EQ(readBytes(all), painted);
+    EXPECT_FALSE(isOld(all));
+}
+
+// A pixel of the background within a painted part shows what the target has there.
+TEST_F(MergePsd, AHoleInAPaintedPartIsNotLaidOver) {
+    ByteList tile(300, 5);
+    tile[0] = tile[100] = tile[200] = 9;
+    tile[77] = tile[177] = tile[277] = 9;
+    ByteList map(300, 7);
+    map[0] = map[100] = map[200] = 9;
+    ByteList expected = tile;
+    expected[77] = expected[177] = expected[277] = 7;
+    expectMerged(PsdFile(10, 10).planes(tile), PsdFile(10, 10).planes(map),
+                 PsdFile(10, 10).planes(expected));
 }
 
 TEST_F(MergePsd, HeaderFurtherPlanesAndBytesStayTheTargets) {

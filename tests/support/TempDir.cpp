@@ -4,6 +4,7 @@
 #include <stdlib.h>
 
 #include <algorithm>
+#include <chrono>
 #include <fstream>
 #include <iterator>
 #include <stdexcept>
@@ -76,4 +77,12 @@ std::string readText(const std::string& path) {
 ByteList firstBytes(const ByteList& bytes, std::size_t count) {
     const auto end = bytes.begin() + static_cast<std::ptrdiff_t>(std::min(count, bytes.size()));
     return {bytes.begin(), end};
+}
+
+void makeOld(const std::string& path) {
+    fs::last_write_time(path, fs::file_time_type::clock::now() - std::chrono::hours(1));
+}
+
+bool isOld(const std::string& path) {
+    return fs::file_time_type::clock::now() - fs::last_write_time(path) > std::chrono::minutes(30);
 }

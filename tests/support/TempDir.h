@@ -38,3 +38,7 @@ std::string readText(const std::string& path);
 
 // As many bytes as there are, `count` at most: a truncated file.
 ByteList firstBytes(const ByteList& bytes, std::size_t count);
+
+// Makes a file's last change an hour old; whether it still is.
+void makeOld(const std::string& path);
+bool isOld(const std::string& path);

@@ -8,6 +8,7 @@
 
 #include "support/CaptureStdout.h"
 #include "support/Faults.h"
+#include "support/PaintedPart.h"
 #include "support/TempDir.h"
 #include "support/TiffFile.h"
 #include "tiff/TiffOps.h"
@@ -85,6 +86,33 @@ TEST_F(MergeTiff, AMapOfManyPiecesIsMergedWhole) {
     };
     EXPECT_EQ(merge(map(tileSamples), map(allSamples)), 0.0f);
     EXPECT_TRUE(targetBytes() == map(expected));
+}
+
+// A piece holds 87381 pixels of three bytes.
+TEST_F(MergeTiff, APaintedPartIsExactWhereverItBeginsAndEnds) {
+    forEachPaintedPart(4, 87381, [&](std::size_t pixels, std::size_t start, std::size_t end) {
+        const PaintedPart part = paintedPart(pixels, start, end);
+        const auto file = [&](const ByteList& map) -> ByteList {
+            return TiffFile(static_cast<std::uint32_t>(pixels / 4), 4, kDirectoryFirst)
+                .rgb8(repeatedEach(map, 3));
+        };
+        EXPECT_EQ(merge(file(part.tile), file(part.map)), 0.0f);
+        EXPECT_TRUE(targetBytes() == file(part.filled)) << start << " to " << end;
+    });
+}
+
+// The key is the source's first pixel, whatever the target has: of a source of one colour not a byte is
+// written, though the target counts as rewritten.
+TEST_F(MergeTiff, ASourceThatIsAllBackgroundWritesNoPixel) {
+    const TiffFile painted = TiffFile(4, 3).grey8({9, 1, 5, 5, 5, 5, 5, 5, 5, 5, 5, 9});
+    dir.write("tile.tif", TiffFile(4, 3).grey8(ByteList(12, 9)).bytes());
+    makeOld(dir.write("all.tif", painted.bytes()));
+    {
+        const FullDisk nothingFits(0);
+        EXPECT_EQ(mergeFiles("tile.tif", "all.tif"), 0.0f);
+    }
+    EXPECT_EQ(targetBytes(), painted.bytes());
+    EXPECT_FALSE(isOld(dir.path("all.tif")));
 }
 
 TEST_F(MergeTiff, PairsThatDoNotMatchAreRefusedTheSourceFirst) {
