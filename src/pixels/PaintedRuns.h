@@ -19,7 +19,7 @@ struct PaintedRun {
 
 // Less background than this between two painted parts is not worth leaving out: reading and writing
 // it costs less than two calls of the system.
-inline constexpr std::size_t kShortestGap = 64 * kBlockBytes;
+inline constexpr std::size_t kShortestGap = 100 * kBlockBytes;
 
 // The runs of a row of pixels, which is one row of bytes in memory or, as planes, several.
 template <std::size_t kPlanes>

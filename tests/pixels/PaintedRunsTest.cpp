@@ -49,16 +49,14 @@ TEST(PaintedRuns, AByteAnywhereMakesItsBlockARun) {
     }
 }
 
-// 3072 bytes of background are left out, 3024 are not.
+// 4800 bytes of background are left out, 4752 are not.
 TEST(PaintedRuns, ALongGapSeparatesTwoRunsAShortOneDoesNot) {
     ByteList row = emptyRow(9000, 3);
-    row[100] = 0;
-    row[100 + 48 + 3024] = 0;
-    EXPECT_EQ(runsOf(row), (Runs{{96, 3216}}));
-    row[100 + 48 + 3024] = row[100];
+    row[100] = row[100 + 48 + 4752] = 0;
+    EXPECT_EQ(runsOf(row), (Runs{{96, 4944}}));
     row = emptyRow(9000, 3);
-    row[100] = row[100 + 48 + 3072] = 0;
-    EXPECT_EQ(runsOf(row), (Runs{{96, 144}, {3216, 3264}}));
+    row[100] = row[100 + 48 + 4800] = 0;
+    EXPECT_EQ(runsOf(row), (Runs{{96, 144}, {4944, 4992}}));
 }
 
 TEST(PaintedRuns, APaintedRowIsOneRun) {
