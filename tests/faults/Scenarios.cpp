@@ -10,6 +10,7 @@
 #include <stdexcept>
 #include <utility>
 
+#include "support/Append.h"
 #include "support/BmpFile.h"
 #include "support/PsdFile.h"
 #include "support/TiffFile.h"
@@ -66,6 +67,32 @@ ByteList psdGrey16(std::uint32_t side, std::uint32_t seed) {
 ByteList bmp(std::uint32_t side, std::uint32_t seed) {
     return BmpFile(static_cast<std::int32_t>(side), static_cast<std::int32_t>(side))
         .pixels(paintedSamples<std::uint8_t>(side, 3, seed));
+}
+
+// A large map that is painted in two places far apart, one of them with holes in it.
+ByteList tilePixels(std::size_t pixelBytes) {
+    ByteList bytes;
+    for (std::size_t pixel = 0; pixel < kLarge * kLarge; ++pixel) {
+        const bool solid = pixel / 2000 == 3;
+        const bool holed = pixel / 2000 == 30 && pixel % 4 != 0;
+        bytes.insert(bytes.end(), pixelBytes, solid ? 9 : holed ? 5 : 7);
+    }
+    return bytes;
+}
+
+ByteList tileTiff() {
+    return TiffFile(kLarge, kLarge, TiffFile::Order::kDirectoryFirst).rgb8(tilePixels(3)).bytes();
+}
+
+ByteList tilePsd() {
+    ByteList planes;
+    for (int plane = 0; plane < 3; ++plane)
+        append(planes, tilePixels(1));
+    return PsdFile(kLarge, kLarge).resources(12).planes(planes);
+}
+
+ByteList tileBmp() {
+    return BmpFile(kLarge, kLarge).pixels(tilePixels(3));
 }
 
 // Three faces in the tiles 1001, 1002 and 1011, of two groups.
@@ -188,10 +215,13 @@ List mergers() {
     return {
         merge("", "mergeMapsTIF", tiff8(kSmall, 3), tiff8(kSmall, 5)),
         merge("Large", "mergeMapsTIF", tiff8(kLarge, 3), tiff8(kLarge, 5)),
+        merge("Tile", "mergeMapsTIF", tileTiff(), tiff8(kLarge, 5)),
         merge("", "mergeMapsPSD", psdRgb(kSmall, 3), psdRgb(kSmall, 5)),
         merge("Grey", "mergeMapsPSD", psdGrey16(kLarge, 3), psdGrey16(kLarge, 5)),
+        merge("Tile", "mergeMapsPSD", tilePsd(), psdRgb(kLarge, 5)),
         merge("", "mergeMapsBMP", bmp(kSmall, 3), bmp(kSmall, 5)),
         merge("Large", "mergeMapsBMP", bmp(kLarge, 3), bmp(kLarge, 5)),
+        merge("Tile", "mergeMapsBMP", tileBmp(), bmp(kLarge, 5)),
     };
 }
 
