@@ -40,10 +40,11 @@ std::vector<Contender> exportContenders(const Setup& setup, const std::string& e
     return contenders;
 }
 
-Contender limit(const std::function<void()>& move, double target) {
+Contender mover(Role role, const std::function<void()>& move, double target) {
     const auto work = [move] {
         move();
         return 0.0f;
     };
-    return {Role::kLimit, "limit", work, target, /*sameResult=*/false};
+    const char* const name = role == Role::kLimit ? "limit" : "sources";
+    return {role, name, work, target, /*sameResult=*/false};
 }

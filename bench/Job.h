@@ -10,12 +10,14 @@
 
 #include "Files.h"
 #include "calls/Library.h"
+#include "terminal/Interrupt.h"
 
 enum class Role {
     kQuillon,
-    kBefore,  // another build of the library, to compare with
-    kPeer,    // the best that other software does
-    kLimit,   // the same file traffic without any computing
+    kBefore,   // another build of the library, to compare with
+    kPeer,     // the best that other software does
+    kLimit,    // the same file traffic without any computing
+    kSources,  // of that the maps which are only read
 };
 
 struct Contender {
@@ -40,6 +42,11 @@ struct Race {
     double bytesWritten = 0;  // by the export to all its files, one per tile
     double bytesHeld = 0;     // of its input, which the export may hold in memory
 
+    // How often a contender works in each run, and what makes the files ready for each time, which
+    // does not count.
+    std::uint32_t steps = 1;
+    std::function<void(std::uint32_t step)> makeReady = [](std::uint32_t) {};
+
     // A file that the work changes; it becomes a copy of the original before each run.
     std::string rewritten = {};
     std::string original = {};
@@ -51,10 +58,10 @@ struct Race {
 
 struct Setup {
     const Library& library;
-    const Library* before;     // null if there is none
-    std::string folder;        // for the job's files
-    std::uint32_t side;        // of the maps, in pixels; a mesh has side * side / 16 faces
-    std::uint32_t tiles = 12;  // of a mesh
+    const Library* before;  // null if there is none
+    std::string folder;     // for the job's files
+    std::uint32_t side;     // of the maps, in pixels; a mesh has side * side / 16 faces
+    std::uint32_t tiles;    // of a mesh, or of a sheet of maps
 };
 
 inline constexpr std::uint32_t kLargestSide = 16384;
@@ -90,6 +97,17 @@ private:
 // Restores the race's files to their state before the work.
 void reset(const Race& race);
 
+// Restores them and calls `work` for each step.
+template <typename Work>
+void forEachStep(const Race& race, Work work) {
+    reset(race);
+    for (std::uint32_t step = 0; step < race.steps; ++step) {
+        stopIfInterrupted();
+        race.makeReady(step);
+        work();
+    }
+}
+
 std::vector<Job> mapJobs();
 std::vector<Job> meshJobs();
 
@@ -97,5 +115,5 @@ std::vector<Job> meshJobs();
 std::vector<Contender> exportContenders(const Setup& setup, const std::string& exportName,
                                         const CallArguments& arguments);
 
-// What moves the bytes of a job, as a contender.
-Contender limit(const std::function<void()>& move, double target);
+// What moves the bytes of a job, as a contender; `role` is kLimit or kSources.
+Contender mover(Role role, const std::function<void()>& move, double target);

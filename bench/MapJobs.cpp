@@ -1,8 +1,11 @@
 // The jobs on maps.
 
+#include <algorithm>
 #include <filesystem>
 #include <limits>
+#include <utility>
 
+#include "Grid.h"
 #include "Job.h"
 #include "MapPeers.h"
 #include "Pictures.h"
@@ -16,6 +19,10 @@ enum class Work {
     kRead,
 };
 
+// What a merge folds into what: the maps are painted in islands, in all their pixels, or as a sheet,
+// where each source is painted in the cell of its tile alone.
+enum class Sources { kHalf, kAll, kSheet };
+
 struct MapJob;
 using MakeContender = std::function<Contender(const MapJob&, const Maps&)>;
 
@@ -27,14 +34,16 @@ struct MapJob {
     double madeBytes = 0;  // of the new file, per pixel
     double heldBytes = 0;  // of the map that the export may hold in memory, per pixel
     std::vector<MakeContender> others;
+    Sources sources = Sources::kHalf;
     std::uint64_t (*digest)(const std::string& path) = digestOf;
     std::uint32_t largestSide = kLargestSide;
 
     bool changesMap() const { return work == Work::kMerge || work == Work::kRewrite; }
 };
 
-MakeContender peer(const char* name, double target, float (*work)(const Maps&),
-                   bool sameResult = true) {
+using PeerWork = float (*)(const Maps&);
+
+MakeContender peer(const char* name, double target, PeerWork work, bool sameResult = true) {
     return [=](auto&, auto& maps) {
         return Contender{Role::kPeer, name, [=] { return work(maps); }, target, sameResult};
     };
@@ -64,28 +73,69 @@ std::vector<Traffic> trafficOf(const MapJob& job, const Maps& maps) {
 
 MakeContender wholeFiles(double target) {
     return [=](const MapJob& job, const Maps& maps) {
-        return limit([traffic = trafficOf(job, maps)] { moveBytes(traffic); }, target);
+        const auto move = [traffic = trafficOf(job, maps)] { moveBytes(traffic); };
+        return mover(Role::kLimit, move, target);
+    };
+}
+
+MakeContender sourcesAlone(double target) {
+    return [=](const MapJob& job, const Maps& maps) {
+        const auto move = [source = trafficOf(job, maps).front()] { moveBytes({source}); };
+        return mover(Role::kSources, move, target);
     };
 }
 
 MakeContender thumbnail(double target) {
-    return [=](auto&, auto& maps) { return limit([=] { thumbnailTraffic(maps); }, target); };
+    return [=](auto&, auto& maps) {
+        return mover(
+            Role::kLimit, [=] { thumbnailTraffic(maps); }, target);
+    };
 }
 
 // The side of the largest float map that can be merged: its strip is shorter than 2 GiB.
 constexpr std::uint32_t kLargestStrip = 13312;
 
+// The merges of one type of map.
+struct Merge {
+    const char* name;
+    MapType type;
+    double limitTarget;
+    const char* peerName;
+    double peerTarget;
+    PeerWork peerWork;
+    std::uint32_t largestSide = kLargestSide;
+
+    MapJob job(const char* suffix, Sources sources, std::vector<MakeContender> others) const {
+        return {.name = std::string(name) + suffix,
+                .work = Work::kMerge,
+                .type = type,
+                .others = std::move(others),
+                .sources = sources,
+                .largestSide = largestSide};
+    }
+};
+
+std::vector<MapJob> mergeJobs() {
+    const Merge merges[] = {
+        {"mergeMapsTIF 8-bit RGB", kTiff8, 1.1, "libtiff", 0.0, mergeByLibtiff},
+        {"mergeMapsTIF float RGB", kTiffFloat, 1.1, "libtiff", 0.0, mergeByLibtiff, kLargestStrip},
+        {"mergeMapsPSD", kPsd, 1.4, "C++, mapped", 0.75, mergeMappedPsd},
+        {"mergeMapsBMP", kBmp, 1.4, "C++, mapped", 0.75, mergeMappedBmp}};
+    std::vector<MapJob> jobs;
+    for (const Merge& merge : merges) {
+        const std::vector<MakeContender> others = {
+            wholeFiles(merge.limitTarget), peer(merge.peerName, merge.peerTarget, merge.peerWork)};
+        jobs.push_back(merge.job("", Sources::kHalf, others));
+        jobs.push_back(merge.job(", all painted", Sources::kAll, others));
+        jobs.push_back(merge.job(
+            ", sheet", Sources::kSheet,
+            {sourcesAlone(1.6), wholeFiles(0.0), peer(merge.peerName, 0.4, merge.peerWork)}));
+    }
+    return jobs;
+}
+
 std::vector<MapJob> tiffJobs() {
-    return {{.name = "mergeMapsTIF 8-bit RGB",
-             .work = Work::kMerge,
-             .type = kTiff8,
-             .others = {wholeFiles(1.5), peer("libtiff", 0.5, mergeByLibtiff)}},
-            {.name = "mergeMapsTIF float RGB",
-             .work = Work::kMerge,
-             .type = kTiffFloat,
-             .others = {wholeFiles(1.5), peer("libtiff", 0.8, mergeByLibtiff)},
-             .largestSide = kLargestStrip},
-            {.name = "swapRGBTIF",
+    return {{.name = "swapRGBTIF",
              .value = 2,
              .work = Work::kRewrite,
              .type = kTiff8,
@@ -95,13 +145,13 @@ std::vector<MapJob> tiffJobs() {
              .work = Work::kMake,
              .type = kTiffFloat,
              .madeBytes = 6,
-             .others = {wholeFiles(1.2), peer("libtiff", 0.55, convertByLibtiff)},
+             .others = {wholeFiles(1.1), peer("libtiff", 0.0, convertByLibtiff)},
              .digest = digestOfPixels},
             {.name = "convertTIFFSingle",
              .work = Work::kMake,
              .type = kTiffFloat,
              .madeBytes = 4,
-             .others = {wholeFiles(1.15), numpy("whole", 0.75), numpy("pieces", 0.75)},
+             .others = {wholeFiles(1.1), numpy("whole", 0.0), numpy("pieces", 0.0)},
              .digest = digestOfPixels},
             {.name = "getScale",
              .value = 3,
@@ -116,25 +166,16 @@ std::vector<MapJob> tiffJobs() {
 }
 
 std::vector<MapJob> psdJobs() {
-    return {{.name = "mergeMapsPSD",
-             .work = Work::kMerge,
-             .type = kPsd,
-             .heldBytes = 3,
-             .others = {wholeFiles(1.4), peer("C++, mapped", 0.75, mergeMappedPsd)}},
-            {.name = "swapRGBPSD",
+    return {{.name = "swapRGBPSD",
              .value = 2,
              .work = Work::kRewrite,
              .type = kPsd,
              .heldBytes = 3,
-             .others = {wholeFiles(1.2), peer("C++, mapped", 1.0, rotateMappedPsd)}}};
+             .others = {wholeFiles(1.1), peer("C++, mapped", 0.0, rotateMappedPsd)}}};
 }
 
 std::vector<MapJob> bmpJobs() {
-    return {{.name = "mergeMapsBMP",
-             .work = Work::kMerge,
-             .type = kBmp,
-             .others = {wholeFiles(1.4), peer("C++, mapped", 0.75, mergeMappedBmp)}},
-            {.name = "swapRGBBMP",
+    return {{.name = "swapRGBBMP",
              .value = 2,
              .work = Work::kRewrite,
              .type = kBmp,
@@ -170,13 +211,51 @@ std::vector<MapJob> exrJobs() {
              .others = {peer("OpenEXR", 0.8, rangeByOpenExr)}}};
 }
 
+// The cell that tile number `tile` of a sheet has in each of its maps.
+Area cellOf(std::uint32_t tile, const Setup& setup) {
+    const Grid grid = gridOf(setup.tiles);
+    const std::uint32_t column = tile % grid.columns;
+    const std::uint32_t row = tile / grid.columns;
+    return {setup.side * column / grid.columns, setup.side * row / grid.rows,
+            setup.side * (column + 1) / grid.columns, setup.side * (row + 1) / grid.rows};
+}
+
+Painting paintingOfTarget(const MapJob& job, const Setup& setup) {
+    if (job.sources != Sources::kSheet) return {Painting::Shape::kIslands};
+    if (setup.tiles == 1) return {Painting::Shape::kNothing};
+    return {Painting::Shape::kArea, cellOf(0, setup)};
+}
+
+Painting paintingOfSource(const MapJob& job, const Setup& setup) {
+    if (job.sources == Sources::kHalf) return {Painting::Shape::kIslandsBetween};
+    if (job.sources == Sources::kSheet) return {Painting::Shape::kNothing};
+    return {Painting::Shape::kArea, {0, 0, setup.side, setup.side}};
+}
+
 Maps writeMaps(const MapJob& job, const Setup& setup) {
     const auto path = [&](const char* name) { return setup.folder + name + job.type.extension; };
     const Maps maps{setup.side, path("/tile"), path("/map"),
                     path(job.changesMap() ? "/original" : "/map"), setup.folder + "/made"};
-    job.type.write(maps.original, setup.side, Tile::kFirst);
-    if (job.work == Work::kMerge) job.type.write(maps.tile, setup.side, Tile::kSecond);
+    job.type.write(maps.original, setup.side, paintingOfTarget(job, setup));
+    if (job.work == Work::kMerge)
+        job.type.write(maps.tile, setup.side, paintingOfSource(job, setup));
     return maps;
+}
+
+// A merge for each tile but the first, whose map is the target. All sources are one file: before each
+// merge the cell of the tile before is cleared and that of the tile painted. A single tile is folded
+// into a map of nothing.
+void addSheet(Race& race, const MapJob& job, const Maps& maps, const Setup& setup) {
+    const std::uint32_t steps = std::max(setup.tiles - 1, 1u);
+    race.steps = steps;
+    const std::uint32_t firstTile = setup.tiles - steps;
+    race.makeReady = [=](std::uint32_t step) {
+        const Area before = cellOf(firstTile + (step + steps - 1) % steps, setup);
+        const Area now = cellOf(firstTile + step, setup);
+        job.type.repaint(maps.tile, maps.side, before, {Painting::Shape::kNothing});
+        job.type.repaint(maps.tile, maps.side, now, {Painting::Shape::kArea, now});
+    };
+    race.amount *= steps;
 }
 
 CallArguments argumentsFor(const MapJob& job, const Maps& maps) {
@@ -188,10 +267,11 @@ CallArguments argumentsFor(const MapJob& job, const Maps& maps) {
 Race raceOf(const MapJob& job, const Setup& setup) {
     const Maps maps = writeMaps(job, setup);
     const auto pixels = static_cast<double>(maps.pixels());
-    const std::string exportName = job.name.substr(0, job.name.find(' '));
+    const std::string exportName = job.name.substr(0, job.name.find_first_of(" ,"));
     Race race{.amount = pixels * 1e-6,
               .bytesHeld = job.heldBytes * pixels,
               .contenders = exportContenders(setup, exportName, argumentsFor(job, maps))};
+    if (job.sources == Sources::kSheet) addSheet(race, job, maps, setup);
     if (job.changesMap()) {
         race.rewritten = maps.map;
         race.original = maps.original;
@@ -216,7 +296,7 @@ double diskBytes(const MapJob& job) {
 
 std::vector<Job> mapJobs() {
     std::vector<Job> jobs;
-    for (const auto& family : {tiffJobs, psdJobs, bmpJobs, exrJobs}) {
+    for (const auto& family : {mergeJobs, tiffJobs, psdJobs, bmpJobs, exrJobs}) {
         for (const MapJob& job : family())
             jobs.push_back({.name = job.name,
                             .unit = "MP",

@@ -62,8 +62,10 @@ Peak peakOf(const Job& job, const Setup& setup) {
     small.side = kSmallSide;
     const PreparedRace warmUp(job, small);
     const PreparedRace measured(job, setup);
-    reset(warmUp.race());
-    reset(measured.race());
+    for (const PreparedRace* prepared : {&warmUp, &measured}) {
+        reset(prepared->race());
+        prepared->race().makeReady(0);
+    }
     const double taken = inChild([&] {
         warmUp.race().contenders.front().work();
         return takenBy(measured.race().contenders.front());

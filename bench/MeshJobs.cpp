@@ -108,8 +108,8 @@ float splitMapped(const Mesh& mesh) {
     return static_cast<float>(tiles.size());
 }
 
-Contender mapped(float (*work)(const Mesh&), const Mesh& mesh) {
-    return {Role::kPeer, "C++, mapped", [=] { return work(mesh); }, 0.75};
+Contender mapped(float (*work)(const Mesh&), const Mesh& mesh, double target) {
+    return {Role::kPeer, "C++, mapped", [=] { return work(mesh); }, target};
 }
 
 Race raceOf(const Mesh& mesh) {
@@ -124,8 +124,9 @@ Race count(const Setup& setup) {
     const std::size_t firstUv = mesh.size.firstUv();
     const std::size_t bytes = mesh.size.endOfUvs() - firstUv;
     const std::vector<Traffic> traffic{{Access::kRead, mesh.path, bytes, firstUv}};
-    race.contenders.push_back(limit([=] { moveBytes(traffic); }, 1.3));
-    race.contenders.push_back(mapped(countMapped, mesh));
+    race.contenders.push_back(mover(
+        Role::kLimit, [=] { moveBytes(traffic); }, 1.1));
+    race.contenders.push_back(mapped(countMapped, mesh, 0.0));
     return race;
 }
 
@@ -146,8 +147,9 @@ Race split(const Setup& setup) {
     };
     race.contenders =
         exportContenders(setup, "getUVs", {mesh.path, kNumberedNames, mesh.outPath + ".tif"});
-    race.contenders.push_back(limit([=] { moveBytes(traffic); }, 1.1));
-    race.contenders.push_back(mapped(splitMapped, mesh));
+    race.contenders.push_back(mover(
+        Role::kLimit, [=] { moveBytes(traffic); }, 1.1));
+    race.contenders.push_back(mapped(splitMapped, mesh, 0.75));
     return race;
 }
 

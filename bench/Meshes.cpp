@@ -2,6 +2,7 @@
 
 #include <cmath>
 
+#include "Grid.h"
 #include "mesh/VemoMesh.h"
 
 namespace {
@@ -63,10 +64,9 @@ std::size_t MeshSize::endOfUvs() const {
 }
 
 void writeMesh(const std::string& path, const MeshSize& size) {
-    const auto patchesInRow =
-        static_cast<std::uint32_t>(std::ceil(std::sqrt(static_cast<double>(size.tiles))));
-    const Patches columns{size.side, patchesInRow};
-    const Patches rows{size.side, size.tiles / patchesInRow};
+    const Grid grid = gridOf(size.tiles);
+    const Patches columns{size.side, grid.columns};
+    const Patches rows{size.side, grid.rows};
     VemoMesh mesh;
     for (std::uint32_t y = 0; y <= size.side; ++y) {
         for (std::uint32_t x = 0; x <= size.side; ++x)

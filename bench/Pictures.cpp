@@ -12,11 +12,16 @@
 #include <span>
 #include <vector>
 
+#include "Files.h"
 #include "files/BmpWriter.h"
 #include "files/PsdWriter.h"
 #include "files/TiffWriter.h"
 
 namespace {
+
+// Where the pixels start in a file of the writers.
+constexpr std::uint64_t kBmpPixelOffset = 54;
+constexpr std::uint64_t kPsdPixelOffset = 40;
 
 constexpr std::uint32_t kCell = 512;  // pixels between the centres of two islands
 constexpr double kReach = 0.5 * kCell;
@@ -66,23 +71,47 @@ void paintIsland(std::span<Sample> row, std::uint32_t y, double cx, double cy) {
 }
 
 template <typename Sample>
-void fillRow(std::span<Sample> row, std::uint32_t y, Tile tile) {
-    for (std::size_t i = 0; i < row.size(); i += 3)
-        std::copy(kBackground<Sample>.begin(), kBackground<Sample>.end(), &row[i]);
+void paintIslands(std::span<Sample> row, std::uint32_t y, std::uint32_t firstCell) {
     const std::uint32_t cells = static_cast<std::uint32_t>(row.size() / 3) / kCell + 1;
     const std::uint32_t cellY = y / kCell;
-    const std::uint32_t first = (cellY + (tile == Tile::kFirst ? 0 : 1)) % 2;
-    for (std::uint32_t cellX = first; cellX < cells; cellX += 2)
+    for (std::uint32_t cellX = (cellY + firstCell) % 2; cellX < cells; cellX += 2)
         paintIsland(row, y, (cellX + 0.5) * kCell, (cellY + 0.5) * kCell);
 }
 
-// Passes rows to `append`, from the top one on.
-template <typename Sample, typename Append>
-void forEachRow(std::uint32_t side, Tile tile, Append append) {
+template <typename Sample>
+void paintArea(std::span<Sample> row, std::uint32_t y, const Area& area) {
+    if (y < area.top || y >= area.bottom) return;
+    const auto width = static_cast<std::uint32_t>(row.size() / 3);
+    const std::uint32_t first = area.left == 0 ? (y == 0 ? 1 : 0) : area.left + noise(1, y) % 8;
+    const std::uint32_t last = area.right == width ? width : area.right - noise(2, y) % 8;
+    for (std::uint32_t x = first; x < last; ++x)
+        paint(&row[std::size_t{3} * x], x, y);
+}
+
+template <typename Sample>
+void fillRow(std::span<Sample> row, std::uint32_t y, const Painting& painting) {
+    for (std::size_t i = 0; i < row.size(); i += 3)
+        std::copy(kBackground<Sample>.begin(), kBackground<Sample>.end(), &row[i]);
+    switch (painting.shape) {
+        case Painting::Shape::kNothing:
+            return;
+        case Painting::Shape::kIslands:
+            return paintIslands(row, y, 0);
+        case Painting::Shape::kIslandsBetween:
+            return paintIslands(row, y, 1);
+        case Painting::Shape::kArea:
+            return paintArea(row, y, painting.area);
+    }
+}
+
+// Passes an area's part of each row to `use`, from the top one on.
+template <typename Sample, typename Use>
+void forEachRow(std::uint32_t side, const Area& area, const Painting& painting, Use use) {
     std::vector<Sample> row(std::size_t{3} * side);
-    for (std::uint32_t y = 0; y < side; ++y) {
-        fillRow(std::span<Sample>(row), y, tile);
-        append(std::span<const Sample>(row));
+    for (std::uint32_t y = area.top; y < area.bottom; ++y) {
+        fillRow(std::span<Sample>(row), y, painting);
+        use(y, std::span<const Sample>(&row[std::size_t{3} * area.left],
+                                       std::size_t{3} * (area.right - area.left)));
     }
 }
 
@@ -91,36 +120,69 @@ std::span<const std::uint8_t> bytesOf(std::span<const Sample> samples) {
     return {reinterpret_cast<const std::uint8_t*>(samples.data()), samples.size_bytes()};
 }
 
+std::span<const std::uint8_t> planeOf(std::span<const std::uint8_t> row, std::size_t channel,
+                                      std::vector<std::uint8_t>& plane) {
+    plane.resize(row.size() / 3);
+    for (std::size_t x = 0; x < plane.size(); ++x)
+        plane[x] = row[3 * x + channel];
+    return plane;
+}
+
 template <typename Sample>
-void writeTiff(const std::string& path, std::uint32_t side, Tile tile) {
+void writeTiff(const std::string& path, std::uint32_t side, const Painting& painting) {
     TiffWriter file(path, {side, side, 3, 8 * sizeof(Sample)});
-    forEachRow<Sample>(side, tile, [&](std::span<const Sample> row) { file.append(bytesOf(row)); });
+    forEachRow<Sample>(
+        side, {0, 0, side, side}, painting,
+        [&](std::uint32_t, std::span<const Sample> row) { file.append(bytesOf(row)); });
     file.finish();
 }
 
-void writePsd(const std::string& path, std::uint32_t side, Tile tile) {
+void writePsd(const std::string& path, std::uint32_t side, const Painting& painting) {
     PsdWriter file(path, {side, side, 3, 8});
-    std::vector<std::uint8_t> plane(side);
+    std::vector<std::uint8_t> plane;
     for (std::size_t channel = 0; channel < 3; ++channel) {
-        forEachRow<std::uint8_t>(side, tile, [&](std::span<const std::uint8_t> row) {
-            for (std::size_t x = 0; x < plane.size(); ++x)
-                plane[x] = row[3 * x + channel];
-            file.append(plane);
-        });
+        forEachRow<std::uint8_t>(side, {0, 0, side, side}, painting,
+                                 [&](std::uint32_t, std::span<const std::uint8_t> row) {
+                                     file.append(planeOf(row, channel, plane));
+                                 });
     }
     file.finish();
 }
 
 // Sides are multiples of four, so rows have no padding.
-void writeBmp(const std::string& path, std::uint32_t side, Tile tile) {
+void writeBmp(const std::string& path, std::uint32_t side, const Painting& painting) {
     BmpWriter file(path, side, side);
-    forEachRow<std::uint8_t>(side, tile,
-                             [&](std::span<const std::uint8_t> row) { file.append(row); });
+    forEachRow<std::uint8_t>(
+        side, {0, 0, side, side}, painting,
+        [&](std::uint32_t, std::span<const std::uint8_t> row) { file.append(row); });
     file.finish();
 }
 
+template <typename Sample, std::uint64_t kPixelOffset>
+void repaintInterleaved(const std::string& path, std::uint32_t side, const Area& area,
+                        const Painting& painting) {
+    const OpenFile file(path, Access::kRewrite);
+    forEachRow<Sample>(side, area, painting, [&](std::uint32_t y, std::span<const Sample> row) {
+        const std::uint64_t pixel = std::uint64_t{y} * side + area.left;
+        file.writeAt(kPixelOffset + pixel * 3 * sizeof(Sample), bytesOf(row));
+    });
+}
+
+void repaintPsd(const std::string& path, std::uint32_t side, const Area& area,
+                const Painting& painting) {
+    const OpenFile file(path, Access::kRewrite);
+    std::vector<std::uint8_t> plane;
+    forEachRow<std::uint8_t>(
+        side, area, painting, [&](std::uint32_t y, std::span<const std::uint8_t> row) {
+            for (std::uint64_t channel = 0; channel < 3; ++channel) {
+                const std::uint64_t pixel = (channel * side + y) * side + area.left;
+                file.writeAt(kPsdPixelOffset + pixel, planeOf(row, channel, plane));
+            }
+        });
+}
+
 template <typename Sample>
-void writeExr(const std::string& path, std::uint32_t side, Tile tile) {
+void writeExr(const std::string& path, std::uint32_t side, const Painting& painting) {
     constexpr Imf::PixelType kType = sizeof(Sample) == 2 ? Imf::HALF : Imf::FLOAT;
     Imf::Header header(static_cast<int>(side), static_cast<int>(side));
     header.compression() = Imf::ZIP_COMPRESSION;
@@ -135,17 +197,19 @@ void writeExr(const std::string& path, std::uint32_t side, Tile tile) {
     }
     Imf::OutputFile file(path.c_str(), header);
     file.setFrameBuffer(pixels);
-    forEachRow<float>(side, tile, [&](std::span<const float> row) {
-        std::copy(row.begin(), row.end(), samples.begin());
-        file.writePixels(1);
-    });
+    forEachRow<float>(side, {0, 0, side, side}, painting,
+                      [&](std::uint32_t, std::span<const float> row) {
+                          std::copy(row.begin(), row.end(), samples.begin());
+                          file.writePixels(1);
+                      });
 }
 
 }  // namespace
 
-const MapType kTiff8{".tif", 3, writeTiff<std::uint8_t>};
-const MapType kTiffFloat{".tif", 12, writeTiff<float>};
-const MapType kPsd{".psd", 3, writePsd};
-const MapType kBmp{".bmp", 3, writeBmp};
-const MapType kExrHalf{".exr", 6, writeExr<half>};
-const MapType kExrFloat{".exr", 12, writeExr<float>};
+const MapType kTiff8{".tif", 3, writeTiff<std::uint8_t>,
+                     repaintInterleaved<std::uint8_t, kTiffPixelOffset>};
+const MapType kTiffFloat{".tif", 12, writeTiff<float>, repaintInterleaved<float, kTiffPixelOffset>};
+const MapType kPsd{".psd", 3, writePsd, repaintPsd};
+const MapType kBmp{".bmp", 3, writeBmp, repaintInterleaved<std::uint8_t, kBmpPixelOffset>};
+const MapType kExrHalf{".exr", 6, writeExr<half>, nullptr};
+const MapType kExrFloat{".exr", 12, writeExr<float>, nullptr};

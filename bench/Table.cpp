@@ -10,6 +10,8 @@ namespace {
 
 constexpr double kMiB = 1024.0 * 1024.0;
 
+constexpr const char* kNone = "-";
+
 bool isMet(const Result& result) {
     return result.target == 0.0 || result.ratio <= result.target;
 }
@@ -19,24 +21,10 @@ bool isMet(const Line& line) {
            std::ranges::all_of(line.results, [](const Result& result) { return isMet(result); });
 }
 
-// Returns null if the line has none of that role.
-const Result* findResult(const Line& line, Role role) {
-    const auto found = std::ranges::find(line.results, role, &Result::role);
-    return found == line.results.end() ? nullptr : &*found;
-}
-
-// Whether a target allows less time than the file traffic takes by itself.
-bool isBelowLimit(const Line& line, const Result& result) {
-    const Result* const limit = findResult(line, Role::kLimit);
-    return limit != nullptr && result.role == Role::kPeer &&
-           result.target * limit->ratio < result.ratio;
-}
-
-std::string ratioOf(const Line& line, const Result& result) {
+std::string ratioOf(const Result& result) {
     const std::string ratio = text("%.2f", result.ratio);
     if (result.target == 0.0) return ratio;
-    return ratio + text(" (%s %g%s)", isMet(result) ? "≤" : "not ≤", result.target,
-                        isBelowLimit(line, result) ? ", below the limit" : "");
+    return ratio + text(" (%s %g)", isMet(result) ? "≤" : "not ≤", result.target);
 }
 
 // The ratios to all contenders of one role.
@@ -46,9 +34,9 @@ std::string ratiosTo(const Line& line, Role role) {
         if (result.role != role) continue;
         if (!cell.empty()) cell += "; ";
         if (role == Role::kPeer) cell += result.name + ' ';
-        cell += ratioOf(line, result);
+        cell += ratioOf(result);
     }
-    return cell.empty() ? "-" : cell;
+    return cell.empty() ? kNone : cell;
 }
 
 std::string memoryOf(const Line& line) {
@@ -63,6 +51,7 @@ TableRow rowOf(const Line& line) {
             text("%.1f ms", quillon.cpu * 1e3),
             text("%.0f %s/s", line.amount / quillon.cpu, line.unit),
             ratiosTo(line, Role::kLimit),
+            ratiosTo(line, Role::kSources),
             ratiosTo(line, Role::kPeer),
             memoryOf(line),
             isMet(line) ? "met" : "not met",
@@ -85,17 +74,23 @@ nlohmann::ordered_json jsonOf(const Line& line) {
     return json;
 }
 
+void dropEmptyColumns(std::vector<TableRow>& rows) {
+    for (std::size_t column = rows.front().size(); column-- > 0;) {
+        const auto isEmpty = [=](const TableRow& row) { return row[column] == kNone; };
+        if (!std::all_of(rows.begin() + 1, rows.end(), isEmpty)) continue;
+        for (TableRow& row : rows)
+            row.erase(row.begin() + static_cast<std::ptrdiff_t>(column));
+    }
+}
+
 }  // namespace
 
 std::string tableOf(const std::vector<Line>& lines) {
-    std::vector<TableRow> rows{
-        {"job", "CPU", "rate", "/ limit", "/ peer", "memory, MiB", "targets", "/ before"}};
+    std::vector<TableRow> rows{{"job", "CPU", "rate", "/ limit", "/ sources", "/ peer",
+                                "memory, MiB", "targets", "/ before"}};
     for (const Line& line : lines)
         rows.push_back(rowOf(line));
-    if (findResult(lines.front(), Role::kBefore) == nullptr) {
-        for (TableRow& row : rows)
-            row.pop_back();
-    }
+    dropEmptyColumns(rows);
     return aligned(rows);
 }
 

@@ -32,6 +32,7 @@ struct Options {
     bool quick = false;
     bool growth = false;
     std::uint32_t side = 0;
+    std::uint32_t tiles = 12;
     int rounds = 0;
     std::string json;
     std::string library;
@@ -114,7 +115,8 @@ int runJobs(const Options& options) {
     std::optional<Library> before;
     if (!options.before.empty()) before.emplace(options.before);
 
-    const Setup setup{library, before ? &*before : nullptr, options.folder, options.side};
+    const Setup setup{library, before ? &*before : nullptr, options.folder, options.side,
+                      options.tiles};
     options.growth ? grow(options, setup) : race(options, setup);
     return 0;
 }
@@ -130,6 +132,8 @@ int main(int argc, char** argv) {
                  "Instead: whether time grows with the work and no faster");
     app.add_option("--size", options.side, "Side of the maps in pixels, a multiple of 256")
         ->check(sideError);
+    app.add_option("--tiles", options.tiles, "UV tiles of meshes and of sheets of maps")
+        ->check(CLI::Range(1, 100));
     app.add_option("--rounds", options.rounds, "How often each contender runs")
         ->check(CLI::PositiveNumber);
     app.add_option("--json", options.json, "File for all numbers");
