@@ -23,7 +23,7 @@ Failure failure(const char* action, const std::string& path) {
 
 int flagsOf(Access access) {
     if (access == Access::kRead) return O_RDONLY;
-    return access == Access::kRewrite ? O_RDWR : O_RDWR | O_CREAT | O_TRUNC;
+    return access == Access::kCreate ? O_RDWR | O_CREAT | O_TRUNC : O_RDWR;
 }
 
 // Calls pread or pwrite until all bytes are moved; false if the system moves none.
@@ -80,22 +80,27 @@ void moveBytes(const std::vector<Traffic>& parts) {
         files.emplace_back(part.path, part.access);
         pieces = std::max(pieces, (part.bytes + kPieceBytes - 1) / kPieceBytes);
     }
-    const auto buffer = std::make_unique<std::uint8_t[]>(kPieceBytes);
+    const auto buffer = std::make_unique_for_overwrite<std::uint8_t[]>(kPieceBytes);
     for (std::uint64_t piece = 0; piece < pieces; ++piece) {
         for (std::size_t i = 0; i < files.size(); ++i) {
             const std::uint64_t first = parts[i].bytes * piece / pieces;
             const std::uint64_t last = parts[i].bytes * (piece + 1) / pieces;
             const std::uint64_t offset = parts[i].offset + first;
             const std::span bytes(buffer.get(), static_cast<std::size_t>(last - first));
-            if (parts[i].access != Access::kCreate) files[i].readAt(offset, bytes);
-            if (parts[i].access != Access::kRead) files[i].writeAt(offset, bytes);
+            const Access access = parts[i].access;
+            if (access == Access::kRead || access == Access::kRewrite)
+                files[i].readAt(offset, bytes);
+            if (access != Access::kRead) files[i].writeAt(offset, bytes);
         }
     }
 }
 
 void copyInPlace(const std::string& from, const std::string& to) {
     const MappedFile source(from, Access::kRead);
-    OpenFile(to, Access::kRewrite).writeAt(0, source.bytes());
+    const OpenFile target(to, Access::kOverwrite);
+    target.writeAt(0, source.bytes());
+    if (::ftruncate(target.descriptor(), static_cast<off_t>(source.bytes().size())) != 0)
+        throw failure("truncate", to);
 }
 
 std::uint64_t digestOf(std::span<const std::uint8_t> bytes, std::uint64_t seed) {

@@ -12,8 +12,9 @@ inline constexpr std::size_t kPieceBytes = std::size_t{256} * 1024;
 
 enum class Access {
     kRead,
-    kRewrite,  // an existing file, read and written
-    kCreate,   // emptied if it exists
+    kRewrite,    // an existing file, read and written
+    kOverwrite,  // an existing file, written only
+    kCreate,     // emptied if it exists
 };
 
 class OpenFile {
@@ -47,7 +48,7 @@ private:
     std::span<std::uint8_t> bytes_;
 };
 
-// A part of a file that the limit moves: reads, writes to a new file, or reads and writes back.
+// A part of a file that the limit moves: reads, writes, or reads and writes back.
 struct Traffic {
     Access access;
     std::string path;
@@ -58,7 +59,7 @@ struct Traffic {
 // Moves all parts in turn, piece by piece, through one buffer.
 void moveBytes(const std::vector<Traffic>& parts);
 
-// Makes `to`, which is not larger, equal to `from` without giving back the pages that it has.
+// Makes `to` equal to `from` without giving back the pages that it needs again.
 void copyInPlace(const std::string& from, const std::string& to);
 
 // A number that distinguishes files by their bytes.

@@ -15,7 +15,7 @@ constexpr double kEven = 1.2;  // costs that differ by no more than this factor 
 constexpr double kShareOfMemory = 0.4;
 
 bool fits(const Job& job, const Setup& setup) {
-    const double bytes = job.diskPerPixel * setup.side * setup.side;
+    const double bytes = diskBytes(job, setup);
     const auto free = static_cast<double>(std::filesystem::space(setup.folder).available);
     const double memory = memoryField("/proc/meminfo", "MemAvailable:");
     return bytes < kShareOfMemory * std::min(free, memory);
@@ -35,6 +35,11 @@ GrowthLine::Step stepOf(const Job& job, const Setup& setup, int rounds, const st
     const double seconds = results.front().leastCpu;
     return {size, seconds * 1e9 / workOf(race),
             results.size() > 1 ? seconds / results.back().leastCpu : 0.0};
+}
+
+// What there are millions of: "face" for Mfaces.
+std::string perUnit(const std::string& unit) {
+    return unit == "MP" ? "pixel" : unit.substr(1, unit.size() - 2);
 }
 
 // How numbers vary from one size to the next larger ones. All 0 where there are none.
@@ -74,7 +79,7 @@ std::string verdictOf(const Variation& cost, const Variation& toLimit) {
 }  // namespace
 
 GrowthLine growthWithSide(const Job& job, Setup setup, int rounds) {
-    GrowthLine line{job.name, job.unit == std::string("MP") ? "pixel" : "face", {}, ""};
+    GrowthLine line{job.name, perUnit(job.unit), {}, ""};
     for (const std::uint32_t side : {1024u, 4096u, job.largestSide}) {
         const std::string size = std::to_string(side);
         setup.side = side;

@@ -7,6 +7,18 @@
 
 #include "terminal/Failure.h"
 
+namespace {
+
+Contender mover(Role role, const char* name, const std::function<void()>& move, double target) {
+    const auto work = [move] {
+        move();
+        return 0.0f;
+    };
+    return {role, name, work, target, /*sameResult=*/false};
+}
+
+}  // namespace
+
 PreparedRace::PreparedRace(const std::string& parent) : folder_(parent + "/quillon_bench.XXXXXX") {
     if (::mkdtemp(folder_.data()) == nullptr) throw Failure("cannot make a folder in " + parent);
 }
@@ -27,24 +39,44 @@ void reset(const Race& race) {
     if (!race.rewritten.empty()) copyInPlace(race.original, race.rewritten);
     for (const std::string& path : race.created)
         ::unlink(path.c_str());
+    race.restore();
 }
 
-std::vector<Contender> exportContenders(const Setup& setup, const std::string& exportName,
-                                        const CallArguments& arguments) {
-    const auto callOf = [&](const Library* library) {
-        return [=] { return library->call(exportName, arguments).result.status; };
-    };
-    std::vector<Contender> contenders{{Role::kQuillon, "quillon", callOf(&setup.library)}};
-    if (setup.before != nullptr)
-        contenders.push_back({Role::kBefore, "before", callOf(setup.before)});
+double diskBytes(const Job& job, const Setup& setup) {
+    const double perPixel = job.diskPerPixel + job.diskPerPixelAndTile * setup.tiles;
+    return perPixel * setup.side * setup.side;
+}
+
+std::vector<Contender> quillonContenders(const Setup& setup,
+                                         const std::function<Build::Call(const Build&)>& callOf) {
+    const Build::Call call = callOf(setup.build);
+    if (!call) throw Failure("the library, or the module beside it, lacks what is called");
+    std::vector<Contender> contenders{{Role::kQuillon, "quillon", call}};
+    const Build::Call before = setup.before != nullptr ? callOf(*setup.before) : Build::Call();
+    if (before) contenders.push_back({Role::kBefore, "before", before});
     return contenders;
 }
 
-Contender mover(Role role, const std::function<void()>& move, double target) {
-    const auto work = [move] {
-        move();
-        return 0.0f;
-    };
-    const char* const name = role == Role::kLimit ? "limit" : "sources";
-    return {role, name, work, target, /*sameResult=*/false};
+std::vector<Contender> quillonContenders(const Setup& setup, const std::string& name,
+                                         const CallArguments& arguments) {
+    return quillonContenders(setup,
+                             [&](const Build& build) { return build.call(name, arguments); });
+}
+
+Contender limit(const std::function<void()>& move, double bytes, double target) {
+    Contender contender = mover(Role::kLimit, "limit", move, target);
+    contender.bytes = bytes;
+    return contender;
+}
+
+Contender limit(const std::vector<Traffic>& traffic, double target) {
+    double bytes = 0.0;
+    for (const Traffic& part : traffic)
+        bytes += static_cast<double>(part.bytes) * (part.access == Access::kRewrite ? 2 : 1);
+    return limit([=] { moveBytes(traffic); }, bytes, target);
+}
+
+Contender sources(const std::vector<Traffic>& traffic, double target) {
+    return mover(
+        Role::kSources, "sources", [=] { moveBytes(traffic); }, target);
 }

@@ -1,5 +1,5 @@
 #pragma once
-// A job: one export working on large files, and what else does the same work.
+// A job: one export or operation working on large files, and what else does the same work.
 
 #include <sys/types.h>
 
@@ -8,8 +8,8 @@
 #include <string>
 #include <vector>
 
+#include "Build.h"
 #include "Files.h"
-#include "calls/Library.h"
 #include "terminal/Interrupt.h"
 
 enum class Role {
@@ -32,6 +32,9 @@ struct Contender {
     // round differently.
     bool sameResult = true;
 
+    // That a limit moves: read, and written.
+    double bytes = 0.0;
+
     // Returns the process that does the work for this one, whose time counts; empty if there is none.
     std::function<pid_t()> helper = {};
 };
@@ -52,29 +55,36 @@ struct Race {
     std::string original = {};
     std::vector<std::string> created = {};  // files that the work makes; deleted before each run
 
+    // Brings back whatever else the work changes.
+    std::function<void()> restore = [] {};
+
     std::function<std::uint64_t()> resultDigest = [] { return std::uint64_t{0}; };
     std::vector<Contender> contenders = {};  // quillon first
 };
 
 struct Setup {
-    const Library& library;
-    const Library* before;  // null if there is none
-    std::string folder;     // for the job's files
-    std::uint32_t side;     // of the maps, in pixels; a mesh has side * side / 16 faces
-    std::uint32_t tiles;    // of a mesh, or of a sheet of maps
+    const Build& build;
+    const Build* before;  // null if there is none
+    std::string folder;   // for the job's files
+    std::uint32_t side;   // of the maps, in pixels; a mesh has side * side / 16 faces
+    std::uint32_t tiles;  // of a mesh, or of a sheet of maps
 };
 
 inline constexpr std::uint32_t kLargestSide = 16384;
 
 struct Job {
     std::string name;
-    const char* unit;  // of amounts: MP or Mfaces
+    std::string unit;  // of amounts: MP, or millions such as Mfaces
     std::function<Race(const Setup&)> prepare;
 
-    double diskPerPixel;  // bytes that all its files take, per pixel of its maps
+    // Bytes that all its files take, per pixel of its maps; and those for each tile.
+    double diskPerPixel = 0.0;
+    double diskPerPixelAndTile = 0.0;
     std::uint32_t largestSide = kLargestSide;  // that the export takes
     bool growsWithTiles = false;               // writes one file per tile
 };
+
+double diskBytes(const Job& job, const Setup& setup);
 
 // A race with its files, in a folder that is deleted with it.
 class PreparedRace {
@@ -110,10 +120,20 @@ void forEachStep(const Race& race, Work work) {
 
 std::vector<Job> mapJobs();
 std::vector<Job> meshJobs();
+std::vector<Job> folderJobs();
 
-// The export as a contender, once for each library.
-std::vector<Contender> exportContenders(const Setup& setup, const std::string& exportName,
-                                        const CallArguments& arguments);
+// What quillon does, as a contender for each build. `callOf` makes it of a build's functions; it
+// returns nothing for a build that lacks one of them.
+std::vector<Contender> quillonContenders(const Setup& setup,
+                                         const std::function<Build::Call(const Build&)>& callOf);
 
-// What moves the bytes of a job, as a contender; `role` is kLimit or kSources.
-Contender mover(Role role, const std::function<void()>& move, double target);
+// The same for one call.
+std::vector<Contender> quillonContenders(const Setup& setup, const std::string& name,
+                                         const CallArguments& arguments);
+
+// What moves the bytes of a job, as a contender.
+Contender limit(const std::vector<Traffic>& traffic, double target);
+Contender limit(const std::function<void()>& move, double bytes, double target);
+
+// The same for the files that are only read.
+Contender sources(const std::vector<Traffic>& traffic, double target);

@@ -12,9 +12,14 @@
 
 namespace {
 
+// Targets for what only moves bytes, and for what mostly computes or is only there for comparison.
+constexpr double kMoved = 1.25;
+constexpr double kNoTarget = 0.0;
+
 enum class Work {
     kMerge,    // folds the tile into the map
     kRewrite,  // changes the map in place
+    kReplace,  // replaces the map by the tile, but for a few pixels
     kMake,     // makes a new file from the map
     kRead,
 };
@@ -27,18 +32,21 @@ struct MapJob;
 using MakeContender = std::function<Contender(const MapJob&, const Maps&)>;
 
 struct MapJob {
-    std::string name;  // the export's, and what distinguishes its jobs
-    double value = 0;  // what the export is called with, apart from paths
+    std::string name;        // the export's, and what distinguishes its jobs
+    double value = 0;        // what the export is called with, apart from paths
+    double valueOfSide = 0;  // added to that for each pixel of a side
     Work work;
     MapType type;
-    double madeBytes = 0;  // of the new file, per pixel
+    double madeBytes = 0;  // of the new file, per pixel, at most
     double heldBytes = 0;  // of the map that the export may hold in memory, per pixel
     std::vector<MakeContender> others;
     Sources sources = Sources::kHalf;
     std::uint64_t (*digest)(const std::string& path) = digestOf;
     std::uint32_t largestSide = kLargestSide;
+    const char* made = "/made.tif";  // the new file
 
-    bool changesMap() const { return work == Work::kMerge || work == Work::kRewrite; }
+    bool hasTile() const { return work == Work::kMerge || work == Work::kReplace; }
+    bool changesMap() const { return hasTile() || work == Work::kRewrite; }
 };
 
 using PeerWork = float (*)(const Maps&);
@@ -57,14 +65,15 @@ std::vector<Traffic> trafficOf(const MapJob& job, const Maps& maps) {
     const std::uint64_t bytes = std::filesystem::file_size(maps.original);
     const Traffic readMap{Access::kRead, maps.map, bytes};
     const Traffic rewriteMap{Access::kRewrite, maps.map, bytes};
-    const auto madeBytes = static_cast<std::uint64_t>(job.madeBytes) * maps.pixels();
     switch (job.work) {
         case Work::kMerge:
             return {{Access::kRead, maps.tile, bytes}, rewriteMap};
+        case Work::kReplace:
+            return {{Access::kRead, maps.tile, bytes}, {Access::kOverwrite, maps.map, bytes}};
         case Work::kRewrite:
             return {rewriteMap};
         case Work::kMake:
-            return {readMap, {Access::kCreate, maps.made, madeBytes}};
+            return {readMap, {Access::kCreate, maps.made, std::filesystem::file_size(maps.made)}};
         case Work::kRead:
             return {readMap};
     }
@@ -72,24 +81,17 @@ std::vector<Traffic> trafficOf(const MapJob& job, const Maps& maps) {
 }
 
 MakeContender wholeFiles(double target) {
-    return [=](const MapJob& job, const Maps& maps) {
-        const auto move = [traffic = trafficOf(job, maps)] { moveBytes(traffic); };
-        return mover(Role::kLimit, move, target);
-    };
+    return [=](const MapJob& job, const Maps& maps) { return limit(trafficOf(job, maps), target); };
 }
 
 MakeContender sourcesAlone(double target) {
     return [=](const MapJob& job, const Maps& maps) {
-        const auto move = [source = trafficOf(job, maps).front()] { moveBytes({source}); };
-        return mover(Role::kSources, move, target);
+        return sources({trafficOf(job, maps).front()}, target);
     };
 }
 
-MakeContender thumbnail(double target) {
-    return [=](auto&, auto& maps) {
-        return mover(
-            Role::kLimit, [=] { thumbnailTraffic(maps); }, target);
-    };
+MakeContender thumbnail(const Layout& layout, double target) {
+    return [=](auto&, auto& maps) { return thumbnailLimit(maps, layout, target); };
 }
 
 // The side of the largest float map that can be merged: its strip is shorter than 2 GiB.
@@ -117,8 +119,9 @@ struct Merge {
 
 std::vector<MapJob> mergeJobs() {
     const Merge merges[] = {
-        {"mergeMapsTIF 8-bit RGB", kTiff8, 1.1, "libtiff", 0.0, mergeByLibtiff},
-        {"mergeMapsTIF float RGB", kTiffFloat, 1.1, "libtiff", 0.0, mergeByLibtiff, kLargestStrip},
+        {"mergeMapsTIF 8-bit RGB", kTiff8, 1.1, "libtiff", kNoTarget, mergeByLibtiff},
+        {"mergeMapsTIF float RGB", kTiffFloat, 1.1, "libtiff", kNoTarget, mergeByLibtiff,
+         kLargestStrip},
         {"mergeMapsPSD", kPsd, 1.4, "C++, mapped", 0.75, mergeMappedPsd},
         {"mergeMapsBMP", kBmp, 1.4, "C++, mapped", 0.75, mergeMappedBmp}};
     std::vector<MapJob> jobs;
@@ -129,9 +132,19 @@ std::vector<MapJob> mergeJobs() {
         jobs.push_back(merge.job(", all painted", Sources::kAll, others));
         jobs.push_back(merge.job(
             ", sheet", Sources::kSheet,
-            {sourcesAlone(1.6), wholeFiles(0.0), peer(merge.peerName, 0.4, merge.peerWork)}));
+            {sourcesAlone(1.6), wholeFiles(kNoTarget), peer(merge.peerName, 0.4, merge.peerWork)}));
     }
     return jobs;
+}
+
+MapJob greyConversion(const char* name, double mode, const MapType& type, const char* made) {
+    return {.name = name,
+            .value = mode,
+            .work = Work::kMake,
+            .type = type,
+            .madeBytes = 2,
+            .others = {wholeFiles(kMoved)},
+            .made = made};
 }
 
 std::vector<MapJob> tiffJobs() {
@@ -145,13 +158,17 @@ std::vector<MapJob> tiffJobs() {
              .work = Work::kMake,
              .type = kTiffFloat,
              .madeBytes = 6,
-             .others = {wholeFiles(1.1), peer("libtiff", 0.0, convertByLibtiff)},
+             .others = {wholeFiles(1.1), peer("libtiff", kNoTarget, convertByLibtiff)},
              .digest = digestOfPixels},
+            greyConversion("convertTIFF16 mode 1", 1, kTiffFloatGrey, "/made.tif"),
+            greyConversion("convertTIFF16 mode 1, PSD", 1, kTiffFloatGrey, "/made.psd"),
+            greyConversion("convertTIFF16 mode 4", 4, kTiffFloat, "/made.tif"),
+            greyConversion("convertTIFF16 mode 4, PSD", 4, kTiffFloat, "/made.psd"),
             {.name = "convertTIFFSingle",
              .work = Work::kMake,
              .type = kTiffFloat,
              .madeBytes = 4,
-             .others = {wholeFiles(1.1), numpy("whole", 0.0), numpy("pieces", 0.0)},
+             .others = {wholeFiles(1.1), numpy("whole", kNoTarget), numpy("pieces", kNoTarget)},
              .digest = digestOfPixels},
             {.name = "getScale",
              .value = 3,
@@ -166,12 +183,46 @@ std::vector<MapJob> tiffJobs() {
 }
 
 std::vector<MapJob> psdJobs() {
-    return {{.name = "swapRGBPSD",
+    return {{.name = "mergeMapsPSD 16-bit grey",
+             .work = Work::kMerge,
+             .type = kPsdGrey16,
+             .others = {wholeFiles(kMoved)}},
+            {.name = "swapRGBPSD",
              .value = 2,
              .work = Work::kRewrite,
              .type = kPsd,
              .heldBytes = 3,
-             .others = {wholeFiles(1.1), peer("C++, mapped", 0.0, rotateMappedPsd)}}};
+             .others = {wholeFiles(1.1), peer("C++, mapped", kNoTarget, rotateMappedPsd)}},
+            {.name = "mergeSeamlessPSD, rows",
+             .work = Work::kReplace,
+             .type = kPsd,
+             .heldBytes = 6,
+             .others = {wholeFiles(kMoved)}},
+            {.name = "mergeSeamlessPSD, columns",
+             .value = 1,
+             .work = Work::kReplace,
+             .type = kPsd,
+             .heldBytes = 6,
+             .others = {wholeFiles(kMoved)}},
+            {.name = "GrayscalePSD",
+             .value = 10,  // the black point
+             .work = Work::kMake,
+             .type = kPsd,
+             .madeBytes = 1,
+             .heldBytes = 3,
+             .others = {wholeFiles(kMoved)}},
+            {.name = "convertPSD",
+             .value = 0x8080FF,  // the background
+             .work = Work::kRewrite,
+             .type = kPsd,
+             .heldBytes = 3,
+             .others = {wholeFiles(kMoved)}},
+            {.name = "createThumb",
+             .value = kThumbSide,
+             .work = Work::kRewrite,
+             .type = kPsd,
+             .heldBytes = 3,
+             .others = {thumbnail(kPsdLayout, kMoved)}}};
 }
 
 std::vector<MapJob> bmpJobs() {
@@ -185,14 +236,27 @@ std::vector<MapJob> bmpJobs() {
              .work = Work::kRewrite,
              .type = kBmp,
              .heldBytes = 3,
-             .others = {thumbnail(1.1), peer("C++, mapped", 0.9, shrinkMappedBmp)}},
+             .others = {thumbnail(kBmpLayout, 1.1), peer("C++, mapped", 0.9, shrinkMappedBmp)}},
+            {.name = "cropBMP",
+             .valueOfSide = 0.5,
+             .work = Work::kMake,
+             .type = kBmp,
+             .madeBytes = 1.5,
+             .heldBytes = 3,
+             .others = {wholeFiles(kMoved)}},
+            {.name = "FileCopyTo",
+             .work = Work::kMake,
+             .type = kBmp,
+             .madeBytes = 3,
+             .others = {wholeFiles(kMoved)}},
             {.name = "saveAsJpeg 50",
              .value = 50,
              .work = Work::kMake,
              .type = kBmp,
              .madeBytes = 1,
              .heldBytes = 3,
-             .others = {peer("libjpeg-turbo, fast DCT", 0.8, jpegByFastDct, /*sameResult=*/false),
+             .others = {wholeFiles(kNoTarget),
+                        peer("libjpeg-turbo, fast DCT", 0.8, jpegByFastDct, /*sameResult=*/false),
                         peer("float DCT", 0.7, jpegByFloatDct, /*sameResult=*/false)}}};
 }
 
@@ -203,12 +267,12 @@ std::vector<MapJob> exrJobs() {
              .work = Work::kRead,
              .type = kExrHalf,
              .heldBytes = kAnyNumber,
-             .others = {peer("OpenEXR", 0.8, rangeByOpenExr)}},
+             .others = {wholeFiles(kNoTarget), peer("OpenEXR", 0.8, rangeByOpenExr)}},
             {.name = "OpenEXR float ZIP",
              .work = Work::kRead,
              .type = kExrFloat,
              .heldBytes = kAnyNumber,
-             .others = {peer("OpenEXR", 0.8, rangeByOpenExr)}}};
+             .others = {wholeFiles(kNoTarget), peer("OpenEXR", 0.8, rangeByOpenExr)}}};
 }
 
 // The cell that tile number `tile` of a sheet has in each of its maps.
@@ -235,10 +299,9 @@ Painting paintingOfSource(const MapJob& job, const Setup& setup) {
 Maps writeMaps(const MapJob& job, const Setup& setup) {
     const auto path = [&](const char* name) { return setup.folder + name + job.type.extension; };
     const Maps maps{setup.side, path("/tile"), path("/map"),
-                    path(job.changesMap() ? "/original" : "/map"), setup.folder + "/made"};
+                    path(job.changesMap() ? "/original" : "/map"), setup.folder + job.made};
     job.type.write(maps.original, setup.side, paintingOfTarget(job, setup));
-    if (job.work == Work::kMerge)
-        job.type.write(maps.tile, setup.side, paintingOfSource(job, setup));
+    if (job.hasTile()) job.type.write(maps.tile, setup.side, paintingOfSource(job, setup));
     return maps;
 }
 
@@ -259,18 +322,19 @@ void addSheet(Race& race, const MapJob& job, const Maps& maps, const Setup& setu
 }
 
 CallArguments argumentsFor(const MapJob& job, const Maps& maps) {
-    if (job.work == Work::kMerge) return {maps.tile, job.value, maps.map};
-    if (job.work == Work::kMake) return {maps.map, job.value, maps.made};
-    return {maps.map, job.value};
+    const double value = job.value + job.valueOfSide * maps.side;
+    if (job.hasTile()) return {maps.tile, value, maps.map};
+    if (job.work == Work::kMake) return {maps.map, value, maps.made};
+    return {maps.map, value};
 }
 
 Race raceOf(const MapJob& job, const Setup& setup) {
     const Maps maps = writeMaps(job, setup);
     const auto pixels = static_cast<double>(maps.pixels());
-    const std::string exportName = job.name.substr(0, job.name.find_first_of(" ,"));
+    const std::string name = job.name.substr(0, job.name.find_first_of(" ,"));
     Race race{.amount = pixels * 1e-6,
               .bytesHeld = job.heldBytes * pixels,
-              .contenders = exportContenders(setup, exportName, argumentsFor(job, maps))};
+              .contenders = quillonContenders(setup, name, argumentsFor(job, maps))};
     if (job.sources == Sources::kSheet) addSheet(race, job, maps, setup);
     if (job.changesMap()) {
         race.rewritten = maps.map;
@@ -281,14 +345,17 @@ Race raceOf(const MapJob& job, const Setup& setup) {
         const std::string& result = job.work == Work::kMake ? maps.made : maps.map;
         race.resultDigest = [digest = job.digest, result] { return digest(result); };
     }
-    for (const MakeContender& make : job.others)
+    if (job.work == Work::kMake) race.contenders.front().work();  // shows how long the new file is
+    for (const MakeContender& make : job.others) {
         race.contenders.push_back(make(job, maps));
+        race.contenders.back().bytes *= race.steps;
+    }
     return race;
 }
 
 // Of all files, per pixel.
-double diskBytes(const MapJob& job) {
-    const int maps = job.work == Work::kMerge ? 3 : job.work == Work::kRewrite ? 2 : 1;
+double diskPerPixel(const MapJob& job) {
+    const int maps = job.hasTile() ? 3 : job.changesMap() ? 2 : 1;
     return maps * job.type.bytesPerPixel + job.madeBytes;
 }
 
@@ -301,7 +368,7 @@ std::vector<Job> mapJobs() {
             jobs.push_back({.name = job.name,
                             .unit = "MP",
                             .prepare = [job](const Setup& setup) { return raceOf(job, setup); },
-                            .diskPerPixel = diskBytes(job),
+                            .diskPerPixel = diskPerPixel(job),
                             .largestSide = job.largestSide});
     }
     return jobs;

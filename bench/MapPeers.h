@@ -16,6 +16,14 @@ struct Maps {
     std::size_t pixels() const { return std::size_t{side} * side; }
 };
 
+// How the three colours of an 8-bit map are stored.
+struct Layout {
+    std::uint32_t headBytes;
+    std::uint32_t planes;  // 1: interleaved
+};
+inline constexpr Layout kBmpLayout{54, 1};
+inline constexpr Layout kPsdLayout{40, 3};
+
 // A competent program on libtiff.
 float mergeByLibtiff(const Maps& maps);
 float swapByLibtiff(const Maps& maps);
@@ -39,7 +47,7 @@ float rotateMappedPsd(const Maps& maps);
 inline constexpr std::uint32_t kThumbSide = 256;
 
 // The least that a thumbnail needs: reads the rows that it shows and writes a file of its size.
-void thumbnailTraffic(const Maps& maps);
+Contender thumbnailLimit(const Maps& maps, const Layout& layout, double target);
 
 // libjpeg-turbo: baseline, no subsampling, the quantization of quality 75, which the export's
 // factor of 50 gives.

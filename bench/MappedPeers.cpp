@@ -9,8 +9,29 @@
 
 namespace {
 
-constexpr std::uint32_t kBmpHeadBytes = 54;
-constexpr std::uint32_t kPsdHeadBytes = 40;
+constexpr std::uint32_t kBmpHeadBytes = kBmpLayout.headBytes;
+constexpr std::uint32_t kPsdHeadBytes = kPsdLayout.headBytes;
+
+std::size_t rowBytes(const Maps& maps, const Layout& layout) {
+    return std::size_t{3} / layout.planes * maps.side;
+}
+
+std::size_t thumbnailBytes(const Layout& layout) {
+    return layout.headBytes + std::size_t{3} * kThumbSide * kThumbSide;
+}
+
+void moveThumbnail(const Maps& maps, const Layout& layout) {
+    std::vector<std::uint8_t> row(rowBytes(maps, layout));
+    const std::vector<std::uint8_t> thumb(thumbnailBytes(layout));
+    {
+        const OpenFile map(maps.map, Access::kRead);
+        for (std::uint64_t plane = 0; plane < layout.planes; ++plane) {
+            for (std::uint64_t y = 0; y < maps.side; y += maps.side / kThumbSide)
+                map.readAt(layout.headBytes + (plane * maps.side + y) * row.size(), row);
+        }
+    }
+    OpenFile(maps.map, Access::kCreate).writeAt(0, thumb);
+}
 
 }  // namespace
 
@@ -49,15 +70,10 @@ float shrinkMappedBmp(const Maps& maps) {
     return 0.0f;
 }
 
-void thumbnailTraffic(const Maps& maps) {
-    const std::vector<std::uint8_t> thumb(kBmpHeadBytes + std::size_t{3} * kThumbSide * kThumbSide);
-    std::vector<std::uint8_t> row(bmpRowBytes(maps.side));
-    {
-        const OpenFile map(maps.map, Access::kRead);
-        for (std::uint64_t y = 0; y < maps.side; y += maps.side / kThumbSide)
-            map.readAt(kBmpHeadBytes + y * row.size(), row);
-    }
-    OpenFile(maps.map, Access::kCreate).writeAt(0, thumb);
+Contender thumbnailLimit(const Maps& maps, const Layout& layout, double target) {
+    const std::size_t bytes =
+        rowBytes(maps, layout) * layout.planes * kThumbSide + thumbnailBytes(layout);
+    return limit([=] { moveThumbnail(maps, layout); }, static_cast<double>(bytes), target);
 }
 
 float mergeMappedPsd(const Maps& maps) {

@@ -16,6 +16,8 @@ namespace {
 
 constexpr std::size_t kCornerBytes = 8;
 constexpr std::size_t kFaceUvBytes = 32;
+constexpr std::size_t kFaceGroupBytes = 2;
+constexpr std::size_t kChunkHeaderBytes = 16;
 constexpr std::size_t kClosingBytes = 16;
 constexpr int kNumberedNames = 2;  // the naming mode
 
@@ -27,7 +29,6 @@ struct Mesh {
     std::string tilePath(std::uint32_t tile) const {
         return outPath + std::to_string(1001 + tile) + ".Vemo";
     }
-    std::size_t tileBytes() const { return size.endOfUvs() + kClosingBytes; }
 };
 
 Mesh makeMesh(const Setup& setup) {
@@ -112,32 +113,43 @@ Contender mapped(float (*work)(const Mesh&), const Mesh& mesh, double target) {
     return {Role::kPeer, "C++, mapped", [=] { return work(mesh); }, target};
 }
 
+constexpr double kMoved = 1.25;  // the target for what only moves bytes
+
 Race raceOf(const Mesh& mesh) {
     return {.amount = static_cast<double>(mesh.size.faces()) * 1e-6,
             .bytesHeld = static_cast<double>(std::filesystem::file_size(mesh.path))};
 }
 
-Race count(const Setup& setup) {
+Race countTiles(const Setup& setup) {
     const Mesh mesh = makeMesh(setup);
     Race race = raceOf(mesh);
-    race.contenders = exportContenders(setup, "getUVTile", {mesh.path, kNumberedNames});
+    race.contenders = quillonContenders(setup, "getUVTile", {mesh.path, kNumberedNames});
     const std::size_t firstUv = mesh.size.firstUv();
     const std::size_t bytes = mesh.size.endOfUvs() - firstUv;
-    const std::vector<Traffic> traffic{{Access::kRead, mesh.path, bytes, firstUv}};
-    race.contenders.push_back(mover(
-        Role::kLimit, [=] { moveBytes(traffic); }, 1.1));
+    race.contenders.push_back(limit({{Access::kRead, mesh.path, bytes, firstUv}}, 1.1));
     race.contenders.push_back(mapped(countMapped, mesh, 0.0));
     return race;
 }
 
-Race split(const Setup& setup) {
+Race countGroups(const Setup& setup) {
     const Mesh mesh = makeMesh(setup);
     Race race = raceOf(mesh);
-    race.bytesWritten = static_cast<double>(mesh.tileBytes()) * mesh.size.tiles;
-    std::vector<Traffic> traffic{{Access::kRead, mesh.path, mesh.size.endOfUvs()}};
+    race.contenders = quillonContenders(setup, "getUVGroups", {mesh.path});
+    const std::size_t firstGroup = mesh.size.endOfUvs() + kChunkHeaderBytes;
+    const std::size_t bytes = kFaceGroupBytes * mesh.size.faces();
+    race.contenders.push_back(limit({{Access::kRead, mesh.path, bytes, firstGroup}}, kMoved));
+    return race;
+}
+
+// An export that writes a file of `tileBytes` for each tile after it has read `readBytes` of the mesh.
+Race writeTiles(const Setup& setup, const Mesh& mesh, const char* exportName, std::size_t readBytes,
+                std::size_t tileBytes, double target) {
+    Race race = raceOf(mesh);
+    race.bytesWritten = static_cast<double>(tileBytes) * mesh.size.tiles;
+    std::vector<Traffic> traffic{{Access::kRead, mesh.path, readBytes}};
     for (std::uint32_t tile = 0; tile < mesh.size.tiles; ++tile) {
         race.created.push_back(mesh.tilePath(tile));
-        traffic.push_back({Access::kCreate, mesh.tilePath(tile), mesh.tileBytes()});
+        traffic.push_back({Access::kCreate, mesh.tilePath(tile), tileBytes});
     }
     race.resultDigest = [tiles = race.created] {
         std::uint64_t digest = 0;
@@ -146,10 +158,93 @@ Race split(const Setup& setup) {
         return digest;
     };
     race.contenders =
-        exportContenders(setup, "getUVs", {mesh.path, kNumberedNames, mesh.outPath + ".tif"});
-    race.contenders.push_back(mover(
-        Role::kLimit, [=] { moveBytes(traffic); }, 1.1));
+        quillonContenders(setup, exportName, {mesh.path, kNumberedNames, mesh.outPath + ".tif"});
+    race.contenders.push_back(limit(traffic, target));
+    return race;
+}
+
+Race split(const Setup& setup) {
+    const Mesh mesh = makeMesh(setup);
+    const std::size_t tileBytes = mesh.size.endOfUvs() + kClosingBytes;
+    Race race = writeTiles(setup, mesh, "getUVs", mesh.size.endOfUvs(), tileBytes, 1.1);
     race.contenders.push_back(mapped(splitMapped, mesh, 0.75));
+    return race;
+}
+
+Race mask(const Setup& setup) {
+    const Mesh mesh = makeMesh(setup);
+    const std::size_t meshBytes = std::filesystem::file_size(mesh.path);
+    const std::size_t tileBytes = meshBytes + kChunkHeaderBytes + mesh.size.points();
+    return writeTiles(setup, mesh, "getUVsMask", meshBytes, tileBytes, kMoved);
+}
+
+// The least is to append the first mesh to the second, over its closing header.
+Race append(const Setup& setup) {
+    const Mesh mesh = makeMesh(setup);
+    Race race = raceOf(mesh);
+    race.bytesHeld *= 2.0;
+    race.original = setup.folder + "/second.Vemo";
+    race.rewritten = setup.folder + "/merged.Vemo";
+    std::filesystem::copy(mesh.path, race.original);
+    race.resultDigest = [merged = race.rewritten] { return digestOf(merged); };
+    race.contenders = quillonContenders(setup, "mergeCrease", {mesh.path, 0.0, race.rewritten});
+    const std::size_t bytes = std::filesystem::file_size(mesh.path) - (kClosingBytes - 2);
+    race.contenders.push_back(limit(
+        {{Access::kRead, mesh.path, bytes}, {Access::kOverwrite, race.rewritten, bytes, bytes}},
+        kMoved));
+    return race;
+}
+
+constexpr double kSubdivisions = 3.0;
+
+Race countFaces(const Setup& setup) {
+    const Mesh mesh{setup.folder + "/base.Vemo", "", {setup.side / 4, 1}};
+    writeFaces(mesh.path, mesh.size);
+    Race race = raceOf(mesh);
+    race.contenders = quillonContenders(setup, "GetFaceIDsVemo", {mesh.path, kSubdivisions});
+    const std::size_t bytes = std::filesystem::file_size(mesh.path);
+    race.contenders.push_back(limit({{Access::kRead, mesh.path, bytes}}, kMoved));
+    return race;
+}
+
+// A text made of the mesh files `read`. Its length is that of what quillon writes.
+void addText(Race& race, const std::vector<std::string>& read, const std::string& text) {
+    race.created = {text};
+    race.resultDigest = [=] { return digestOf(text); };
+    race.contenders.front().work();
+    std::vector<Traffic> traffic;
+    for (const std::string& path : read)
+        traffic.push_back({Access::kRead, path, std::filesystem::file_size(path)});
+    traffic.push_back({Access::kCreate, text, std::filesystem::file_size(text)});
+    race.contenders.push_back(limit(traffic, kMoved));
+}
+
+Race writeObj(const Setup& setup) {
+    const Mesh mesh{setup.folder + "/mesh.Vemo", setup.folder + "/mesh.obj", {setup.side / 4, 1}};
+    writePaintedMesh(mesh.path, mesh.size);
+    const std::string base = setup.folder + "/base.Vemo";
+    writeFaces(base, {mesh.size.side / 8, 1});  // each face is divided three times
+    Race race = raceOf(mesh);
+    race.contenders = quillonContenders(setup, [&](const Build& build) -> Build::Call {
+        const auto countFaces = build.call("GetFaceIDsVemo", {base, kSubdivisions});
+        const auto write = build.call("writeOBJfromVemo", {mesh.path, 0.0, mesh.outPath});
+        if (!countFaces || !write) return {};
+        return [=] {
+            countFaces();
+            return write();
+        };
+    });
+    addText(race, {base, mesh.path}, mesh.outPath);
+    return race;
+}
+
+Race writeColourText(const Setup& setup) {
+    const Mesh mesh{setup.folder + "/mesh.Vemo", setup.folder + "/mesh.txt", {setup.side / 4, 1}};
+    writeColours(mesh.path, mesh.size);
+    Race race = raceOf(mesh);
+    race.amount = static_cast<double>(mesh.size.points()) * 1e-6;
+    race.contenders = quillonContenders(setup, "ReadVertColorVemo", {mesh.path, 0.0, mesh.outPath});
+    addText(race, {mesh.path}, mesh.outPath);
     return race;
 }
 
@@ -157,11 +252,24 @@ Race split(const Setup& setup) {
 
 std::vector<Job> meshJobs() {
     constexpr std::uint32_t kLargestSplit = 8192;  // twelve files of 250 MB
-    return {{.name = "getUVTile", .unit = "Mfaces", .prepare = count, .diskPerPixel = 4},
-            {.name = "getUVs",
-             .unit = "Mfaces",
-             .prepare = split,
-             .diskPerPixel = 50,
-             .largestSide = kLargestSplit,
-             .growsWithTiles = true}};
+    const auto tileJob = [](const char* name, Race (*prepare)(const Setup&)) {
+        return Job{.name = name,
+                   .unit = "Mfaces",
+                   .prepare = prepare,
+                   .diskPerPixel = 4,
+                   .diskPerPixelAndTile = 4,
+                   .largestSide = kLargestSplit,
+                   .growsWithTiles = true};
+    };
+    return {{.name = "getUVTile", .unit = "Mfaces", .prepare = countTiles, .diskPerPixel = 4},
+            {.name = "getUVGroups", .unit = "Mfaces", .prepare = countGroups, .diskPerPixel = 4},
+            tileJob("getUVs", split),
+            tileJob("getUVsMask", mask),
+            {.name = "mergeCrease", .unit = "Mfaces", .prepare = append, .diskPerPixel = 16},
+            {.name = "GetFaceIDsVemo", .unit = "Mfaces", .prepare = countFaces, .diskPerPixel = 1},
+            {.name = "writeOBJfromVemo", .unit = "Mfaces", .prepare = writeObj, .diskPerPixel = 9},
+            {.name = "ReadVertColorVemo",
+             .unit = "Mpoints",
+             .prepare = writeColourText,
+             .diskPerPixel = 1}};
 }

@@ -12,6 +12,12 @@ struct MeshSize {
     std::size_t faces() const { return std::size_t{side} * side; }
     std::size_t firstUv() const;  // where the face UVs start in the file
     std::size_t endOfUvs() const;
+    std::size_t points() const { return std::size_t{side + 1} * (side + 1); }
 };
 
 void writeMesh(const std::string& path, const MeshSize& size);
+
+// The same points and faces in meshes of other chunks.
+void writePaintedMesh(const std::string& path, const MeshSize& size);  // points, colours, faces
+void writeFaces(const std::string& path, const MeshSize& size);
+void writeColours(const std::string& path, const MeshSize& size);

@@ -149,6 +149,31 @@ void writePsd(const std::string& path, std::uint32_t side, const Painting& paint
     file.finish();
 }
 
+void writeGreyTiff(const std::string& path, std::uint32_t side, const Painting& painting) {
+    TiffWriter file(path, {side, side, 1, 32});
+    std::vector<float> greys(side);
+    forEachRow<float>(side, {0, 0, side, side}, painting,
+                      [&](std::uint32_t, std::span<const float> row) {
+                          for (std::size_t x = 0; x < greys.size(); ++x)
+                              greys[x] = row[3 * x];
+                          file.append(bytesOf(std::span<const float>(greys)));
+                      });
+    file.finish();
+}
+
+// Two of the three colours are the bytes of a sample.
+void writeGreyPsd(const std::string& path, std::uint32_t side, const Painting& painting) {
+    PsdWriter file(path, {side, side, 1, 16});
+    std::vector<std::uint8_t> greys(std::size_t{2} * side);
+    forEachRow<std::uint8_t>(side, {0, 0, side, side}, painting,
+                             [&](std::uint32_t, std::span<const std::uint8_t> row) {
+                                 for (std::size_t x = 0; x < side; ++x)
+                                     std::copy_n(&row[3 * x], 2, &greys[2 * x]);
+                                 file.append(greys);
+                             });
+    file.finish();
+}
+
 // Sides are multiples of four, so rows have no padding.
 void writeBmp(const std::string& path, std::uint32_t side, const Painting& painting) {
     BmpWriter file(path, side, side);
@@ -209,7 +234,9 @@ void writeExr(const std::string& path, std::uint32_t side, const Painting& paint
 const MapType kTiff8{".tif", 3, writeTiff<std::uint8_t>,
                      repaintInterleaved<std::uint8_t, kTiffPixelOffset>};
 const MapType kTiffFloat{".tif", 12, writeTiff<float>, repaintInterleaved<float, kTiffPixelOffset>};
+const MapType kTiffFloatGrey{".tif", 4, writeGreyTiff, nullptr};
 const MapType kPsd{".psd", 3, writePsd, repaintPsd};
+const MapType kPsdGrey16{".psd", 2, writeGreyPsd, nullptr};
 const MapType kBmp{".bmp", 3, writeBmp, repaintInterleaved<std::uint8_t, kBmpPixelOffset>};
 const MapType kExrHalf{".exr", 6, writeExr<half>, nullptr};
 const MapType kExrFloat{".exr", 12, writeExr<float>, nullptr};

@@ -39,7 +39,9 @@ struct MapType {
 
 extern const MapType kTiff8;
 extern const MapType kTiffFloat;
+extern const MapType kTiffFloatGrey;
 extern const MapType kPsd;
+extern const MapType kPsdGrey16;
 extern const MapType kBmp;
 extern const MapType kExrHalf;
 extern const MapType kExrFloat;

@@ -55,6 +55,8 @@ void verify(const Race& race) {
         forEachStep(race, [&] { status = contender.work(); });
         if (!contender.sameResult) continue;
         const Outcome own{status, race.resultDigest()};
+        if (own.status < 0.0f)
+            throw Failure(contender.name + " fails with " + std::to_string(status));
         if (!expected) expected = own;
         if (!(std::abs(expected->status - status) <= 1e-5f * std::abs(expected->status)))
             throw Failure(contender.name + " returns " + std::to_string(status) + ", quillon " +
@@ -82,13 +84,9 @@ Result resultOf(const Contender& contender, const std::vector<Times>& times,
         wall.push_back(times[round].wall);
         ratios.push_back(quillonTimes[round].cpu / times[round].cpu);
     }
-    return {contender.role,
-            contender.name,
-            contender.target,
-            medianOf(cpu),
-            *std::min_element(cpu.begin(), cpu.end()),
-            medianOf(wall),
-            medianOf(ratios)};
+    return {contender.role,  contender.name,  contender.target,
+            contender.bytes, medianOf(cpu),   *std::min_element(cpu.begin(), cpu.end()),
+            medianOf(wall),  medianOf(ratios)};
 }
 
 }  // namespace

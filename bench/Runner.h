@@ -9,6 +9,7 @@ struct Result {
     Role role;
     std::string name;
     double target;
+    double bytes;     // that a limit moves; else 0
     double cpu;       // seconds, median over the rounds
     double leastCpu;  // of the rounds
     double wall;      // median

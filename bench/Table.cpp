@@ -45,12 +45,25 @@ std::string memoryOf(const Line& line) {
     return text("%.1f (%s %.0f)", taken / kMiB, taken <= allowed ? "≤" : "not ≤", allowed / kMiB);
 }
 
+std::string rateOf(const Line& line) {
+    const double rate = line.amount / line.results.front().cpu;
+    return text(rate < 10.0 ? "%.1f %s/s" : "%.0f %s/s", rate, line.unit.c_str());
+}
+
+// What the export takes beyond the limit, for each byte that the limit moves.
+std::string computingOf(const Line& line) {
+    const auto limit = std::ranges::find(line.results, Role::kLimit, &Result::role);
+    if (limit == line.results.end() || limit->bytes == 0.0) return kNone;
+    return text("%.3f", (line.results.front().cpu - limit->cpu) * 1e9 / limit->bytes);
+}
+
 TableRow rowOf(const Line& line) {
     const Result& quillon = line.results.front();
     return {line.job,
             text("%.1f ms", quillon.cpu * 1e3),
-            text("%.0f %s/s", line.amount / quillon.cpu, line.unit),
+            rateOf(line),
             ratiosTo(line, Role::kLimit),
+            computingOf(line),
             ratiosTo(line, Role::kSources),
             ratiosTo(line, Role::kPeer),
             memoryOf(line),
@@ -70,7 +83,8 @@ nlohmann::ordered_json jsonOf(const Line& line) {
                                       {"cpu", result.cpu},
                                       {"wall", result.wall},
                                       {"ratio", result.ratio},
-                                      {"target", result.target}});
+                                      {"target", result.target},
+                                      {"bytes", result.bytes}});
     return json;
 }
 
@@ -86,8 +100,8 @@ void dropEmptyColumns(std::vector<TableRow>& rows) {
 }  // namespace
 
 std::string tableOf(const std::vector<Line>& lines) {
-    std::vector<TableRow> rows{{"job", "CPU", "rate", "/ limit", "/ sources", "/ peer",
-                                "memory, MiB", "targets", "/ before"}};
+    std::vector<TableRow> rows{{"job", "CPU", "rate", "/ limit", "beyond it, ns/byte", "/ sources",
+                                "/ peer", "memory, MiB", "targets", "/ before"}};
     for (const Line& line : lines)
         rows.push_back(rowOf(line));
     dropEmptyColumns(rows);

@@ -15,7 +15,7 @@ struct Peak {
 
 struct Line {
     std::string job;
-    const char* unit;
+    std::string unit;
     double amount;
     std::vector<Result> results;
     Peak peak;

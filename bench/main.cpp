@@ -15,6 +15,7 @@
 #include "Runner.h"
 #include "Table.h"
 #include "Text.h"
+#include "calls/Library.h"
 #include "terminal/Failure.h"
 #include "terminal/Interrupt.h"
 
@@ -54,7 +55,7 @@ std::string sideError(const std::string& side) {
 std::vector<Job> wantedJobs(const Options& options) {
     const std::regex wanted(options.filter, std::regex::icase);
     std::vector<Job> jobs;
-    for (const auto& family : {mapJobs, meshJobs}) {
+    for (const auto& family : {mapJobs, meshJobs, folderJobs}) {
         for (Job& job : family()) {
             if (std::regex_search(job.name, wanted)) jobs.push_back(std::move(job));
         }
@@ -79,7 +80,7 @@ void forEachJob(const Options& options, Work work) {
 void requireMapsFit(const Job& job, const Setup& setup) {
     if (setup.side > job.largestSide)
         throw Failure(text("takes maps of at most %u pixels a side", job.largestSide));
-    const double wanted = job.diskPerPixel * setup.side * setup.side;
+    const double wanted = diskBytes(job, setup);
     const auto available = static_cast<double>(std::filesystem::space(setup.folder).available);
     if (wanted > available)
         throw Failure(setup.folder +
@@ -111,11 +112,11 @@ void grow(const Options& options, const Setup& setup) {
 }
 
 int runJobs(const Options& options) {
-    const Library library(options.library.empty() ? libraryBesideProgram() : options.library);
-    std::optional<Library> before;
+    const Build build(options.library.empty() ? libraryBesideProgram() : options.library);
+    std::optional<Build> before;
     if (!options.before.empty()) before.emplace(options.before);
 
-    const Setup setup{library, before ? &*before : nullptr, options.folder, options.side,
+    const Setup setup{build, before ? &*before : nullptr, options.folder, options.side,
                       options.tiles};
     options.growth ? grow(options, setup) : race(options, setup);
     return 0;
