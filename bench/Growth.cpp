@@ -1,7 +1,6 @@
 #include "Growth.h"
 
 #include <algorithm>
-#include <filesystem>
 
 #include "Memory.h"
 #include "Runner.h"
@@ -16,9 +15,7 @@ constexpr double kShareOfMemory = 0.4;
 
 bool fits(const Job& job, const Setup& setup) {
     const double bytes = diskBytes(job, setup);
-    const auto free = static_cast<double>(std::filesystem::space(setup.folder).available);
-    const double memory = memoryField("/proc/meminfo", "MemAvailable:");
-    return bytes < kShareOfMemory * std::min(free, memory);
+    return bytes < kShareOfMemory * roomIn(setup.folder);
 }
 
 // The least of the rounds: disturbances only add to it, and most to large files, whose pages a

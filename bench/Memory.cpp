@@ -1,9 +1,12 @@
 #include "Memory.h"
 
+#include <linux/magic.h>
 #include <malloc.h>
+#include <sys/vfs.h>
 #include <sys/wait.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <array>
 #include <fstream>
 #include <string>
@@ -55,6 +58,14 @@ double memoryField(const std::string& file, const std::string& field) {
         if (word == field && lines >> kibibytes) return kibibytes * 1024;
     }
     throw Failure("cannot read " + field + " from " + file);
+}
+
+double roomIn(const std::string& folder) {
+    struct statfs disk {};
+    if (::statfs(folder.c_str(), &disk) != 0) throw Failure("cannot look at " + folder);
+    const double left = static_cast<double>(disk.f_bavail) * static_cast<double>(disk.f_bsize);
+    if (disk.f_type != TMPFS_MAGIC) return left;
+    return std::min(left, memoryField("/proc/meminfo", "MemAvailable:"));
 }
 
 Peak peakOf(const Job& job, const Setup& setup) {

@@ -8,5 +8,9 @@
 // memory, then on the setup's, and measures the second run.
 Peak peakOf(const Job& job, const Setup& setup);
 
+// How many bytes files in a folder may take: what its disk has left, or, where files are kept in
+// memory, what that has left, if it is less.
+double roomIn(const std::string& folder);
+
 // Reads the bytes from a line such as "VmHWM:   1234 kB" of a file below /proc.
 double memoryField(const std::string& file, const std::string& field);

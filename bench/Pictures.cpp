@@ -89,9 +89,15 @@ void paintArea(std::span<Sample> row, std::uint32_t y, const Area& area) {
 }
 
 template <typename Sample>
-void fillRow(std::span<Sample> row, std::uint32_t y, const Painting& painting) {
+std::vector<Sample> backgroundRow(std::uint32_t side) {
+    std::vector<Sample> row(std::size_t{3} * side);
     for (std::size_t i = 0; i < row.size(); i += 3)
         std::copy(kBackground<Sample>.begin(), kBackground<Sample>.end(), &row[i]);
+    return row;
+}
+
+template <typename Sample>
+void paintRow(std::span<Sample> row, std::uint32_t y, const Painting& painting) {
     switch (painting.shape) {
         case Painting::Shape::kNothing:
             return;
@@ -107,9 +113,11 @@ void fillRow(std::span<Sample> row, std::uint32_t y, const Painting& painting) {
 // Passes an area's part of each row to `use`, from the top one on.
 template <typename Sample, typename Use>
 void forEachRow(std::uint32_t side, const Area& area, const Painting& painting, Use use) {
-    std::vector<Sample> row(std::size_t{3} * side);
+    const std::vector<Sample> background = backgroundRow<Sample>(side);
+    std::vector<Sample> row(background.size());
     for (std::uint32_t y = area.top; y < area.bottom; ++y) {
-        fillRow(std::span<Sample>(row), y, painting);
+        std::copy(background.begin(), background.end(), row.begin());
+        paintRow(std::span<Sample>(row), y, painting);
         use(y, std::span<const Sample>(&row[std::size_t{3} * area.left],
                                        std::size_t{3} * (area.right - area.left)));
     }

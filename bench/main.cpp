@@ -2,9 +2,9 @@
 // the file traffic alone.
 
 #include <CLI/CLI.hpp>
+#include <algorithm>
 #include <cstdio>
 #include <cstdlib>
-#include <filesystem>
 #include <fstream>
 #include <optional>
 #include <regex>
@@ -78,10 +78,8 @@ void forEachJob(const Options& options, Work work) {
 }
 
 void requireMapsFit(const Job& job, const Setup& setup) {
-    if (setup.side > job.largestSide)
-        throw Failure(text("takes maps of at most %u pixels a side", job.largestSide));
     const double wanted = diskBytes(job, setup);
-    const auto available = static_cast<double>(std::filesystem::space(setup.folder).available);
+    const double available = roomIn(setup.folder);
     if (wanted > available)
         throw Failure(setup.folder +
                       text(" is short: %.0f MB are needed, %.0f MB are left; ", wanted * 1e-6,
@@ -92,11 +90,15 @@ void requireMapsFit(const Job& job, const Setup& setup) {
 void race(const Options& options, const Setup& setup) {
     std::vector<Line> lines;
     forEachJob(options, [&](const Job& job) {
-        requireMapsFit(job, setup);
-        const Peak peak = peakOf(job, setup);
-        const PreparedRace prepared(job, setup);
-        lines.push_back({job.name, job.unit, prepared.race().amount,
-                         run(prepared.race(), options.rounds), peak});
+        Setup own = setup;
+        own.side = std::min(setup.side, job.largestSide);
+        requireMapsFit(job, own);
+        const Peak peak = peakOf(job, own);
+        const PreparedRace prepared(job, own);
+        const bool isSmaller = own.side < setup.side;
+        const std::string name = job.name + (isSmaller ? text(", %u", own.side) : "");
+        lines.push_back(
+            {name, job.unit, prepared.race().amount, run(prepared.race(), options.rounds), peak});
     });
     std::fputs(tableOf(lines).c_str(), stdout);
     if (!options.json.empty()) std::ofstream(options.json) << jsonOf(lines);
