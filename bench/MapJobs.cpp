@@ -182,6 +182,15 @@ std::vector<MapJob> tiffJobs() {
              .others = {wholeFiles(1.3), peer("libtiff", 0.95, targaByLibtiff)}}};
 }
 
+MapJob seamRepair(const char* name, double horizontal) {
+    return {.name = name,
+            .value = horizontal,
+            .work = Work::kReplace,
+            .type = kPsd,
+            .heldBytes = 6,
+            .others = {wholeFiles(kMoved)}};
+}
+
 std::vector<MapJob> psdJobs() {
     return {{.name = "mergeMapsPSD 16-bit grey",
              .work = Work::kMerge,
@@ -193,17 +202,8 @@ std::vector<MapJob> psdJobs() {
              .type = kPsd,
              .heldBytes = 3,
              .others = {wholeFiles(1.1), peer("C++, mapped", kNoTarget, rotateMappedPsd)}},
-            {.name = "mergeSeamlessPSD, rows",
-             .work = Work::kReplace,
-             .type = kPsd,
-             .heldBytes = 6,
-             .others = {wholeFiles(kMoved)}},
-            {.name = "mergeSeamlessPSD, columns",
-             .value = 1,
-             .work = Work::kReplace,
-             .type = kPsd,
-             .heldBytes = 6,
-             .others = {wholeFiles(kMoved)}},
+            seamRepair("mergeSeamlessPSD, rows", 0),
+            seamRepair("mergeSeamlessPSD, columns", 1),
             {.name = "GrayscalePSD",
              .value = 10,  // the black point
              .work = Work::kMake,
