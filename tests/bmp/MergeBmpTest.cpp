@@ -100,18 +100,22 @@ TEST_F(MergeBmp, WorksThroughImagesOfManyPieces) {
 
 // A piece holds 87380 pixels of rows of four, and 217 rows of 401, which have a byte of padding.
 TEST_F(MergeBmp, APaintedPartIsExactWhereverItBeginsAndEnds) {
-    for (const auto& [width, border] : {std::pair(4u, 87380u), std::pair(401u, 217u * 401u)}) {
-        forEachPaintedPart(width, border, [&](std::size_t pixels, auto start, auto end) {
+    const struct {
+        std::int32_t width;
+        std::size_t border;
+    } images[] = {{4, 87380}, {401, 217 * 401}};
+    for (const auto& image : images) {
+        const auto check = [&](std::size_t pixels, std::size_t start, std::size_t end) {
             const PaintedPart part = paintedPart(pixels, start, end);
             const auto file = [&](const ByteList& map) -> ByteList {
-                const auto height = static_cast<std::int32_t>(pixels / width);
-                return BmpFile(static_cast<std::int32_t>(width), height)
+                return BmpFile(image.width, static_cast<std::int32_t>(pixels) / image.width)
                     .pixels(repeatedEach(map, 3))
                     .padding(9);
             };
             EXPECT_EQ(merge(file(part.tile), file(part.map)), 0.0f);
             EXPECT_TRUE(readBytes(map()) == file(part.filled)) << start << " to " << end;
-        });
+        };
+        forEachPaintedPart(static_cast<std::size_t>(image.width), image.border, check);
     }
 }
 
