@@ -4,6 +4,7 @@
 #include <bit>
 
 #include "bytes/Bytes.h"
+#include "files/LargeMemory.h"
 #include "mesh/VemoOps.h"
 
 namespace {
@@ -47,7 +48,7 @@ VemoFile::VemoFile(const char* path) : file_(File::openForReading(path)) {
 
 bool VemoFile::keep() {
     if (!isGood()) return false;
-    kept_.reset(new (std::nothrow) std::uint8_t[size_]);
+    kept_ = largeMemory(size_);
     failed_ = kept_ == nullptr || file_.readAt(0, kept_.get(), size_ - 1) < size_ - 1;
     if (!failed_) kept_[size_ - 1] = last_;
     return !failed_;
@@ -92,13 +93,14 @@ std::optional<ChunkElements> VemoFile::findElements(std::uint32_t id, ZeroLength
     return elementsOf(*chunk, elementBytes);
 }
 
+const std::uint8_t* VemoFile::bytesAt(std::uint64_t at, std::size_t count) {
+    if (kept_ != nullptr) return kept_.get() + at;
+    return read(at, count) ? piece_.data() : nullptr;
+}
+
 // The bytes are there, with the last one repeated.
 bool VemoFile::read(std::uint64_t at, std::size_t count) {
     std::uint8_t* const bytes = piece_.moveTo(at, count);
-    if (kept_ != nullptr) {
-        std::copy_n(kept_.get() + at, count, bytes);
-        return true;
-    }
     const bool repeatsLast = at + count == size_;
     const std::size_t stored = repeatsLast ? count - 1 : count;
     if (repeatsLast) bytes[stored] = last_;

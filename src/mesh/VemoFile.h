@@ -88,9 +88,9 @@ public:
     bool forEachElement(std::uint64_t start, std::uint64_t elements, std::size_t elementBytes,
                         Use use) {
         const auto readAndUse = [&](std::uint64_t offset, std::size_t count) {
-            if (!read(offset, count * elementBytes)) return false;
-            use(static_cast<const std::uint8_t*>(piece_.data()), count);
-            return true;
+            const std::uint8_t* const bytes = bytesAt(offset, count * elementBytes);
+            if (bytes != nullptr) use(bytes, count);
+            return bytes != nullptr;
         };
         return forEachPiece(start, elements, elementBytes, readAndUse);
     }
@@ -99,6 +99,8 @@ public:
     bool isSameAs(const char* path) const { return file_.isSameAs(path); }
 
 private:
+    // Of the kept file, or read now; null when they cannot be read.
+    const std::uint8_t* bytesAt(std::uint64_t at, std::size_t count);
     bool read(std::uint64_t at, std::size_t count);
 
     bool failed_ = false;

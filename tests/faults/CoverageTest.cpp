@@ -31,7 +31,7 @@ const char kFaulty[] =
 // Cannot fail, or their failure does not matter.
 const char kHarmless[] =
     "bcmp memchr memcmp memcpy memmove memset strcmp strlen strncpy strnlen printf snprintf puts "
-    "fflush futimens stdout environ exp exp2 fmodf nextafterf __cxa_atexit __cxa_finalize "
+    "fflush futimens madvise stdout environ exp exp2 fmodf nextafterf __cxa_atexit __cxa_finalize "
     "__environ "
     "__errno_location __memcpy_chk __printf_chk __snprintf_chk __stack_chk_fail";
 
