@@ -70,13 +70,18 @@ bool TileFilter::contains(const std::string& name) const {
 void TileFilter::addPiece(const std::string& piece) {
     if (piece.empty()) return;
     const std::size_t dash = piece.find('-');
-    if (dash == std::string::npos) {
-        names_.insert(piece);
-        return;
-    }
+    if (dash == std::string::npos) return addName(piece);
     const std::string_view text(piece);
     const Range range{leadingNumber(text.substr(0, dash)), leadingNumber(text.substr(dash + 1))};
     if (range.first <= range.last) ranges_.push_back(range);
+}
+
+void TileFilter::addName(const std::string& name) {
+    std::int32_t number = 0;
+    if (isNumber(name, number))
+        ranges_.push_back({number, number});
+    else
+        names_.insert(name);
 }
 
 void TileFilter::joinRanges() {

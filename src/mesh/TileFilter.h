@@ -28,8 +28,9 @@ private:
     };
 
     void addPiece(const std::string& piece);
+    void addName(const std::string& name);
     void joinRanges();
 
-    std::set<std::string> names_;
-    std::vector<Range> ranges_;  // in order, none touching another
+    std::set<std::string> names_;  // that are not numbers
+    std::vector<Range> ranges_;    // in order, none touching another
 };
