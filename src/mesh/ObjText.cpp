@@ -1,29 +1,33 @@
 #include "mesh/ObjText.h"
 
+#include <algorithm>
 #include <array>
 #include <charconv>
 #include <cmath>
 #include <cstdio>
 
+#include "bytes/Bytes.h"
 #include "mesh/VemoFile.h"
 
 namespace {
 
 constexpr std::uint32_t kColoursPerLine = 32;
 
-// A space and "RRGGBB".
-std::array<char, 7> colourEntry(const std::uint8_t* colour) {
-    constexpr char kDigits[] = "0123456789abcdef";
-    const std::uint8_t blue = colour[0];
-    const std::uint8_t green = colour[1];
-    const std::uint8_t red = colour[2];
-    return {' ',
-            kDigits[red >> 4],
-            kDigits[red & 15],
-            kDigits[green >> 4],
-            kDigits[green & 15],
-            kDigits[blue >> 4],
-            kDigits[blue & 15]};
+constexpr std::string_view kLineStart = "#RGB ";
+constexpr std::size_t kEntryBytes = 7;
+constexpr std::size_t kLineBytes = kLineStart.size() + kColoursPerLine * kEntryBytes + 1;
+
+// Stores a space and "RRGGBB", all six digits at once, and a byte more, which anything may follow on.
+void storeEntry(std::uint8_t* to, const std::uint8_t* colour) {
+    constexpr std::uint64_t kEach = 0x010101010101u;
+    const std::uint64_t red = colour[2];
+    const std::uint64_t green = colour[1];
+    const std::uint64_t blue = colour[0];
+    const std::uint64_t pairs = red | green << 16 | blue << 32;
+    const std::uint64_t values = (pairs >> 4 & 0xF000F000Fu) | (pairs & 0xF000F000Fu) << 8;
+    const std::uint64_t letters = (values + 6 * kEach) >> 4 & kEach;  // 1 from ten on
+    const std::uint64_t digits = values + '0' * kEach + ('a' - '0' - 10) * letters;
+    storeLe64(to, digits << 8 | ' ');
 }
 
 }  // namespace
@@ -53,12 +57,17 @@ void ObjText::addColourBlock(const std::uint8_t* colours, std::uint32_t count) {
         "hexadecimal "
         "values per vertex. The vertex color format is RRGGBB with up to 32 entries per RGB "
         "line.\n");
-    for (std::uint32_t i = 0; i < count; ++i, colours += kColourBytes) {
-        const std::uint32_t place = i % kColoursPerLine;
-        if (place == 0) add("#RGB ");
-        const std::array<char, 7> entry = colourEntry(colours);
-        add({entry.data(), entry.size()});
-        if (place == kColoursPerLine - 1) add("\n");
-    }
+    for (std::uint32_t i = 0; i < count; i += std::min(kColoursPerLine, count - i))
+        addColourLine(colours + std::size_t{i} * kColourBytes,
+                      std::min(kColoursPerLine, count - i));
     add("\n# End of RGB block\n");
+}
+
+void ObjText::addColourLine(const std::uint8_t* colours, std::uint32_t count) {
+    std::uint8_t* const line = out_.room(kLineBytes);
+    std::uint8_t* end = std::copy(kLineStart.begin(), kLineStart.end(), line);
+    for (std::uint32_t i = 0; i < count; ++i, colours += kColourBytes, end += kEntryBytes)
+        storeEntry(end, colours);
+    if (count == kColoursPerLine) *end++ = '\n';
+    out_.giveBack(kLineBytes - static_cast<std::size_t>(end - line));
 }

@@ -28,5 +28,7 @@ public:
     void addColourBlock(const std::uint8_t* colours, std::uint32_t count);
 
 private:
+    void addColourLine(const std::uint8_t* colours, std::uint32_t count);
+
     PieceWriter out_;  // its memory is there before the file is touched
 };

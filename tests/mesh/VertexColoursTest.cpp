@@ -34,6 +34,21 @@ TEST_F(VertexColours, AreTheColoursOfTheFirstChunk) {
     EXPECT_EQ(text(), kColourBlockStart + "#RGB  302010 ffffff 00ff00\n# End of RGB block\n");
 }
 
+TEST_F(VertexColours, HaveEachDigitInEachPlace) {
+    std::vector<VemoBuilder::Colour> colours;
+    for (std::uint8_t i = 0; i < 8; ++i) {
+        const auto low = static_cast<std::uint8_t>(0x10 * (2 * i) + 2 * i + 1);
+        const auto high = static_cast<std::uint8_t>(0x10 * (2 * i + 1) + 2 * i);
+        colours.push_back({low, high, low, high});
+        colours.push_back({high, low, high, low});
+    }
+    EXPECT_EQ(write(VemoBuilder().vertexColours(colours).bytes()), 0.0f);
+    EXPECT_EQ(text(), kColourBlockStart +
+                          "#RGB  011001 100110 233223 322332 455445 544554 677667 766776"
+                          " 899889 988998 abbaab baabba cddccd dccddc effeef feeffe"
+                          "\n# End of RGB block\n");
+}
+
 // A full last row is followed by an empty line.
 TEST_F(VertexColours, Are32ARow) {
     std::string row = "#RGB ";
