@@ -1,6 +1,6 @@
 #include "mesh/UVTiles.h"
 
-#include <bitset>
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 #include <utility>
@@ -71,6 +71,37 @@ std::size_t facesWithin(const TileBorders& u, const TileBorders& v, const std::u
            v.hold(loadLeFloat(faces + i * kFaceUvBytes + 4)))
         ++i;
     return i;
+}
+
+// Which group ids occur, taken as unsigned.
+using GroupIds = std::array<bool, 65536>;
+
+constexpr std::size_t kIdsAtOnce = 32;
+
+// Whether kIdsAtOnce ids are all that one.
+bool areAll(std::uint16_t id, const std::uint8_t* ids) {
+    const Lanes<std::uint16_t> wanted = Lanes<std::uint16_t>{} + id;
+    Lanes<std::uint16_t> differing{};
+    for (std::size_t at = 0; at < kIdsAtOnce * kFaceGroupBytes; at += kLanesBytes)
+        differing |= loadLanes<std::uint16_t>(ids + at) ^ wanted;
+    return everyBitIs<std::uint16_t>(0, differing);
+}
+
+// Meshes keep the faces of a group together, so that most blocks need no more than a comparison.
+void addIds(GroupIds& met, const std::uint8_t* ids, std::size_t count) {
+    std::uint16_t last = 0;
+    const auto addOne = [&](std::size_t i) {
+        last = loadLe16(ids + i * kFaceGroupBytes);
+        met[last] = true;
+    };
+    std::size_t i = 0;
+    for (; i + kIdsAtOnce <= count; i += kIdsAtOnce) {
+        if (met[last] && areAll(last, ids + i * kFaceGroupBytes)) continue;
+        for (std::size_t k = 0; k < kIdsAtOnce; ++k)
+            addOne(i + k);
+    }
+    for (; i < count; ++i)
+        addOne(i);
 }
 
 std::string placeName(const char* beforeU, std::int64_t u, const char* beforeV, std::int64_t v) {
@@ -172,13 +203,10 @@ float GetUVGroup(const char* path) {
         vemo.findElements(kFaceGroupChunk, ZeroLength::kCountsAs16, kFaceGroupBytes);
     if (!groups) return whyMissing(vemo, vemo_status::kMeshNotOpened);
 
-    std::bitset<65536> ids;
-    const auto add = [&](const std::uint8_t* group, std::size_t count) {
-        for (std::size_t i = 0; i < count; ++i, group += kFaceGroupBytes)
-            ids.set(loadLe16(group));
-    };
+    GroupIds met{};
+    const auto add = [&](const std::uint8_t* ids, std::size_t count) { addIds(met, ids, count); };
     if (!vemo.forEachElement(*groups, kFaceGroupBytes, add)) return vemo_status::kMeshNotOpened;
-    return static_cast<float>(ids.count());
+    return static_cast<float>(std::count(met.begin(), met.end(), true));
 }
 
 float setUVtilesOut(const char* path) {

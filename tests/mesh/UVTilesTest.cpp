@@ -202,6 +202,17 @@ TEST_F(UVTiles, GroupsAreCountedByTheirSignedIds) {
     EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups({})).c_str()), 0.0f);
 }
 
+TEST_F(UVTiles, AGroupOfOneFaceIsCountedWhereverItIs) {
+    for (const std::int16_t most : {std::int16_t{0}, std::int16_t{-7}}) {
+        for (std::size_t odd = 0; odd < 100; ++odd) {
+            std::vector<std::int16_t> groups(100, most);
+            EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups(groups)).c_str()), 1.0f);
+            groups[odd] = 256;
+            EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups(groups)).c_str()), 2.0f) << odd;
+        }
+    }
+}
+
 TEST_F(UVTiles, GroupsAreFoundAfterAZeroLength) {
     EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().chunk(9, 0, 0).groups({1, 2})).c_str()), 2.0f);
 }
