@@ -5,7 +5,7 @@
 #include <utility>
 
 #include "bytes/Bytes.h"
-#include "mesh/UVTiles.h"
+#include "pixels/Lanes.h"
 
 namespace {
 
@@ -65,6 +65,24 @@ void splitAny(const std::uint8_t* coordinates, std::size_t count, std::int32_t* 
     }
 }
 
+// The same for corners that all lie surely in one tile, in fewer steps: meshes keep the faces of a
+// tile together. False when they do not, or do not fill whole lanes.
+bool splitWithin(TileAt tile, const std::uint8_t* corners, std::size_t count,
+                 std::uint8_t* locals) {
+    if (count % kLanes<std::uint64_t> != 0) return false;
+    const TileBorders u(tile.u);
+    const TileBorders v(tile.v);
+    const Lanes<float> low{u.low, v.low, u.low, v.low};
+    const Lanes<float> high{u.high, v.high, u.high, v.high};
+    Lanes<std::int32_t> within = ~Lanes<std::int32_t>{};
+    for (std::size_t at = 0; at < count * kCornerBytes; at += kLanesBytes) {
+        const auto coordinates = loadLanes<float>(corners + at);
+        within &= (coordinates >= low) & (coordinates < high);
+        storeLanes<float>(locals + at, coordinates - low);
+    }
+    return everyBitIs<std::int32_t>(~std::uint64_t{0}, within);
+}
+
 // The corners that lie in the tile keep their places; the others show that they are outside.
 void selectCorners(const std::int32_t* tiles, TileAt tile, const std::uint32_t* locals,
                    std::uint32_t* out, std::size_t corners) {
@@ -82,10 +100,13 @@ void CornerPiece::split(const std::uint8_t* corners, std::size_t count, std::uin
     locals_.moveFor(offset);
     seen_.moveFor(offset);
     if (outside_.moveFor(offset)) std::fill_n(outside_.data, 2 * kPieceCorners, kOutsideBits);
+
+    lowest_ = highest_ = tileAt(corners);
+    if (tileAt(corners + (count - 1) * kCornerBytes) == lowest_ &&
+        splitWithin(lowest_, corners, count, locals_.bytes()))
+        return;
     const auto splitAll = allNear(corners, 2 * count) ? splitNear : splitAny;
     splitAll(corners, 2 * count, tiles_.data(), locals_.data);
-
-    lowest_ = highest_ = {tiles_[0], tiles_[1]};
     for (std::size_t i = 0; i < 2 * count; i += 2) {
         lowest_ = {std::min(lowest_.u, tiles_[i]), std::min(lowest_.v, tiles_[i + 1])};
         highest_ = {std::max(highest_.u, tiles_[i]), std::max(highest_.v, tiles_[i + 1])};
@@ -107,6 +128,6 @@ bool CornerPiece::Coordinates::moveFor(std::uint64_t offset) {
     return data != before;
 }
 
-const std::uint8_t* CornerPiece::Coordinates::bytes() const {
-    return reinterpret_cast<const std::uint8_t*>(data);
+std::uint8_t* CornerPiece::Coordinates::bytes() const {
+    return reinterpret_cast<std::uint8_t*>(data);
 }

@@ -1,22 +1,16 @@
 #pragma once
 // CornerPiece: a run of UV corners, taken apart once and then shown as each tile sees them. A corner
-// is a pair of 32-bit floats, u and v; placeOf (UVTiles.h) gives its tile and its place in that.
+// is a pair of 32-bit floats, u and v; placeOf gives its tile and its place in that.
 
 #include <array>
 #include <cstddef>
 #include <cstdint>
 
 #include "files/Piece.h"
+#include "mesh/UVTiles.h"
 
 inline constexpr std::size_t kCornerBytes = 8;
 inline constexpr std::size_t kPieceCorners = 8192;
-
-// A tile's column and row.
-struct TileAt {
-    std::int32_t u;
-    std::int32_t v;
-    bool operator==(const TileAt&) const = default;
-};
 
 class CornerPiece {
 public:
@@ -39,13 +33,13 @@ private:
         // Takes the place from which they are written to `offset`. True when it is another one
         // than before, with other bytes.
         bool moveFor(std::uint64_t offset);
-        const std::uint8_t* bytes() const;
+        std::uint8_t* bytes() const;
     };
 
     std::size_t count_ = 0;
     TileAt lowest_{};  // of the tiles in the piece, column and row for themselves
     TileAt highest_{};
-    Tiles tiles_;          // the column and the row of each corner
+    Tiles tiles_;          // the column and the row of each corner, if they are not all the same
     Coordinates locals_;   // the places within the tiles
     Coordinates outside_;  // corners that all lie in other tiles
     Coordinates seen_;     // by the tile asked for last

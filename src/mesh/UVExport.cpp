@@ -36,14 +36,6 @@ constexpr std::size_t kMaxOpenTiles = 32;
 constexpr std::size_t kFaceCorners = 4;
 constexpr std::size_t kPieceFaces = kPieceCorners / kFaceCorners;
 
-TileAt tileAt(const UV_tile& tile) {
-    return {tile.u, tile.v};
-}
-
-TileAt tileAt(const std::uint8_t* corner) {
-    return {placeOf(loadLeFloat(corner)).tile, placeOf(loadLeFloat(corner + 4)).tile};
-}
-
 std::string tilePath(const char* outPath, const UV_tile& tile) {
     return FileNameExtract(outPath, 3) + tile.name + ".Vemo";
 }
@@ -63,7 +55,7 @@ float tileNotWritten(std::size_t position) {
 class TileFile {
 public:
     TileFile(const char* outPath, const UV_tile& tile)
-        : tile_(tileAt(tile)), path_(tilePath(outPath, tile)), file_(File::create(path_.c_str())) {}
+        : tile_(tile.at()), path_(tilePath(outPath, tile)), file_(File::create(path_.c_str())) {}
     TileFile(TileFile&&) = default;
     TileFile& operator=(TileFile&&) = delete;
     ~TileFile() {
@@ -160,6 +152,8 @@ struct MaskInput {
     ChunkElements faceUvs;
 };
 
+constexpr std::uint32_t kIndices = 0x80000000u;  // there are no more that are not negative
+
 // The vertex indices of a face that a mask marks: the fourth of a triangle is left out.
 template <typename Use>
 void forEachVertex(const std::uint8_t* face, Use use) {
@@ -170,12 +164,20 @@ void forEachVertex(const std::uint8_t* face, Use use) {
     }
 }
 
+// Without a branch: the sign of `beyond` is that of an index below 0 or of its distance to the last.
 bool facesNameVertices(const VemoFile& vemo, const MaskInput& input) {
-    std::uint32_t highest = 0;  // a negative index is the highest of all
+    const std::uint32_t last = std::min(input.vertices.count, kIndices) - 1;
+    std::uint32_t beyond = 0;
     const std::uint8_t* face = vemo.data() + input.faces.offset;
-    for (std::uint32_t i = 0; i < input.faces.count; ++i, face += kFaceBytes)
-        forEachVertex(face, [&](std::uint32_t index) { highest = std::max(highest, index); });
-    return input.faces.count == 0 || highest < input.vertices.count;
+    for (std::uint32_t i = 0; i < input.faces.count; ++i, face += kFaceBytes) {
+        for (std::size_t corner = 0; corner < kFaceCorners - 1; ++corner) {
+            const std::uint32_t index = loadLe32(face + 4 * corner);
+            beyond |= index | (last - index);
+        }
+        const auto fourth = static_cast<std::int32_t>(loadLe32(face + 4 * (kFaceCorners - 1)));
+        beyond |= last - static_cast<std::uint32_t>(std::max(fourth, 0));
+    }
+    return beyond < kIndices;
 }
 
 MaskInput readMaskInput(VemoFile& vemo) {
@@ -209,37 +211,71 @@ std::vector<std::uint8_t> emptyMaskChunk(std::uint32_t vertices) {
     return chunk;
 }
 
-void maskTile(std::uint8_t* mask, TileAt tile, const std::vector<TileAt>& faceTiles,
-              const VemoFile& vemo, const MaskInput& input) {
-    std::fill_n(mask, input.vertices.count, kOutsideTile);
-    const std::uint8_t* face = vemo.data() + input.faces.offset;
-    for (std::size_t i = 0; i < faceTiles.size(); ++i, face += kFaceBytes) {
-        if (faceTiles[i] == tile)
-            forEachVertex(face, [&](std::uint32_t index) { mask[index] = kInsideTile; });
-    }
-}
+// The tiles that each vertex is used in: a bit for each of some tiles that are written one after the
+// other, so that faces and UVs are gone through once for all of them.
+class VertexTiles {
+public:
+    static constexpr std::size_t kTiles = 32;
 
-std::vector<TileAt> tilesOfFaces(const VemoFile& vemo, const ChunkElements& faceUvs) {
-    std::vector<TileAt> tiles(faceUvs.count);
-    const std::uint8_t* face = vemo.data() + faceUvs.offset;
-    for (TileAt& tile : tiles) {
-        tile = tileAt(face);
-        face += kFaceUvBytes;
+    explicit VertexTiles(std::uint32_t vertices) : bits_(vertices) {}
+
+    // Takes up to kTiles tiles from `next` on. The first one has the lowest bit.
+    void take(TileSet::const_iterator next, TileSet::const_iterator end, const VemoFile& vemo,
+              const MaskInput& input) {
+        tiles_.clear();
+        for (; next != end && tiles_.size() < kTiles; ++next)
+            tiles_.push_back(next->at());
+        std::fill(bits_.begin(), bits_.end(), 0u);
+
+        const std::uint8_t* face = vemo.data() + input.faces.offset;
+        const std::uint8_t* uvs = vemo.data() + input.faceUvs.offset;
+        for (std::size_t left = input.faces.count; left > 0;) {
+            const TileAt tile = tileAt(uvs);
+            const std::size_t run = facesInTile(tile, uvs, left);
+            mark(face, run, bitOf(tile));
+            face += run * kFaceBytes;
+            uvs += run * kFaceUvBytes;
+            left -= run;
+        }
     }
-    return tiles;
-}
+
+    // The mask of the tile at a position among those taken: a byte a vertex.
+    void mask(std::size_t position, std::uint8_t* mask) const {
+        std::transform(bits_.begin(), bits_.end(), mask, [position](std::uint32_t bits) {
+            return (bits >> position & 1) != 0 ? kInsideTile : kOutsideTile;
+        });
+    }
+
+private:
+    // 0 for a tile that is not among them.
+    std::uint32_t bitOf(TileAt tile) const {
+        const auto found = std::find(tiles_.begin(), tiles_.end(), tile);
+        return found == tiles_.end() ? 0u : 1u << (found - tiles_.begin());
+    }
+
+    void mark(const std::uint8_t* face, std::size_t count, std::uint32_t bit) {
+        if (bit == 0) return;
+        for (std::size_t i = 0; i < count; ++i, face += kFaceBytes)
+            forEachVertex(face, [&](std::uint32_t index) { bits_[index] |= bit; });
+    }
+
+    std::vector<TileAt> tiles_;
+    std::vector<std::uint32_t> bits_;
+};
 
 float writeTilesWithMask(const TileSet& tiles, const char* outPath, const VemoFile& vemo,
                          const MaskInput& input) {
-    const std::vector<TileAt> faceTiles = tilesOfFaces(vemo, input.faceUvs);
+    VertexTiles vertexTiles(input.vertices.count);
     std::vector<std::uint8_t> maskChunk = emptyMaskChunk(input.vertices.count);
     const std::size_t meshBytes = vemo.size() - 1 - kClosingHeader.size();
     for (auto tile = tiles.begin(); tile != tiles.end(); ++tile) {
         const std::size_t position = UVTileStr.size();
+        const std::size_t bit = position % VertexTiles::kTiles;
+        if (bit == 0) vertexTiles.take(tile, tiles.end(), vemo, input);
         TileFile out(outPath, *tile);
         if (!out.isOpen()) return tileNotWritten(position);
         UVTileStr.push_back(tile->name);
-        maskTile(&maskChunk[kChunkHeaderBytes], out.tile(), faceTiles, vemo, input);
+        vertexTiles.mask(bit, &maskChunk[kChunkHeaderBytes]);
         if (!out.append(vemo.data(), meshBytes) || !out.append(maskChunk.data(), maskChunk.size()))
             return tileNotWritten(position);
         out.keep();

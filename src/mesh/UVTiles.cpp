@@ -20,20 +20,6 @@ constexpr std::int32_t kFirstWholeFloat = 1 << 23;  // from here on a float has 
 // Filled by setUVtilesOut, emptied by clearUVtilesOut; lives as long as the library is loaded.
 TileFilter UVtilesOut;
 
-// The coordinates that surely lie in a tile: from `low` to below `high`. None for tiles below 0,
-// where rounding moves the borders, and for those too far out for each float to have a fraction.
-struct TileBorders {
-    explicit TileBorders(std::int32_t tile) {
-        if (tile < 0 || tile >= kFirstWholeFloat) return;
-        low = static_cast<float>(tile);
-        high = low + 1.0f;
-    }
-    bool hold(float coordinate) const { return coordinate >= low && coordinate < high; }
-
-    float low = 0.0f;
-    float high = 0.0f;
-};
-
 constexpr std::size_t kFacesAtOnce = 8;
 
 // The first corners of two faces: u, v, u, v.
@@ -62,8 +48,7 @@ std::size_t facesInBlocks(const TileBorders& u, const TileBorders& v, const std:
     return i;
 }
 
-// The same to the last face. Meshes keep the faces of a tile together, so that long runs of faces
-// need no more than this comparison.
+// The same to the last face.
 std::size_t facesWithin(const TileBorders& u, const TileBorders& v, const std::uint8_t* faces,
                         std::size_t count) {
     std::size_t i = facesInBlocks(u, v, faces, count);
@@ -114,6 +99,12 @@ std::string placeName(const char* beforeU, std::int64_t u, const char* beforeV, 
 
 }  // namespace
 
+TileBorders::TileBorders(std::int32_t tile) {
+    if (tile < 0 || tile >= kFirstWholeFloat) return;
+    low = static_cast<float>(tile);
+    high = low + 1.0f;
+}
+
 TilePlace placeOf(float coordinate) {
     const float moved = coordinate < 0.0f ? coordinate - 1.0f : coordinate;
     if (std::isnan(moved)) return {0, coordinate};
@@ -123,6 +114,15 @@ TilePlace placeOf(float coordinate) {
     const float whole = hasFraction ? static_cast<float>(tile) : moved;
     const float fraction = std::isinf(moved) ? 0.0f : moved - whole;
     return {tile, fraction < 0.0f ? fraction + 1.0f : std::copysign(fraction, moved)};
+}
+
+TileAt tileAt(const std::uint8_t* corner) {
+    return {placeOf(loadLeFloat(corner)).tile, placeOf(loadLeFloat(corner + 4)).tile};
+}
+
+std::size_t facesInTile(TileAt tile, const std::uint8_t* faces, std::size_t count) {
+    return 1 +
+           facesWithin(TileBorders(tile.u), TileBorders(tile.v), faces + kFaceUvBytes, count - 1);
 }
 
 std::string tileName(std::int32_t u, std::int32_t v, int mode) {
@@ -146,24 +146,23 @@ TileFinder::TileFinder(int mode, const TileFilter& filter)
 void TileFinder::add(const std::uint8_t* faces, std::size_t count) {
     for (std::size_t i = 0; i < count;) {
         const std::uint8_t* face = faces + i * kFaceUvBytes;
-        addTile(placeOf(loadLeFloat(face)).tile, placeOf(loadLeFloat(face + 4)).tile);
-        ++i;
-        i += facesWithin(TileBorders(u_), TileBorders(v_), face + kFaceUvBytes, count - i);
+        const TileAt tile = tileAt(face);
+        addTile(tile);
+        i += facesInTile(tile, face, count - i);
     }
 }
 
-void TileFinder::addTile(std::int32_t u, std::int32_t v) {
-    any_ = true;
-    u_ = u;
-    v_ = v;
-    if (!isNew(u, v)) return;
-    std::string name = tileName(u, v, mode_);
-    if (filter_ == nullptr || filter_->contains(name)) tiles_.insert({std::move(name), u, v});
+void TileFinder::addTile(TileAt tile) {
+    last_ = tile;
+    if (!isNew(tile)) return;
+    std::string name = tileName(tile.u, tile.v, mode_);
+    if (filter_ == nullptr || filter_->contains(name))
+        tiles_.insert({std::move(name), tile.u, tile.v});
 }
 
-bool TileFinder::isNew(std::int32_t u, std::int32_t v) {
-    const std::uint64_t column = static_cast<std::uint32_t>(u);
-    const std::uint64_t row = static_cast<std::uint32_t>(v);
+bool TileFinder::isNew(TileAt tile) {
+    const std::uint64_t column = static_cast<std::uint32_t>(tile.u);
+    const std::uint64_t row = static_cast<std::uint32_t>(tile.v);
     if (column >= 64 || row >= near_.size()) return far_.insert(row << 32 | column).second;
     const std::uint64_t before = near_[row];
     near_[row] |= std::uint64_t{1} << column;
@@ -171,12 +170,16 @@ bool TileFinder::isNew(std::int32_t u, std::int32_t v) {
 }
 
 TilesFound TileFinder::found() && {
-    std::string last = any_ ? tileName(u_, v_, mode_) : std::string();
+    std::string last = last_ ? tileName(last_->u, last_->v, mode_) : std::string();
     return {std::move(tiles_), std::move(last)};
 }
 
+TileFinder tileFinder(int mode) {
+    return {mode, UVtilesOut};
+}
+
 std::optional<TilesFound> findTiles(VemoFile& vemo, const ChunkElements& faceUvs, int mode) {
-    TileFinder finder(mode, UVtilesOut);
+    TileFinder finder = tileFinder(mode);
     const auto add = [&](const std::uint8_t* faces, std::size_t count) {
         finder.add(faces, count);
     };

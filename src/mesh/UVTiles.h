@@ -23,10 +23,36 @@ struct TilePlace {
 // tile 0; beyond the range of tiles the outermost one takes all.
 TilePlace placeOf(float coordinate);
 
+// The coordinates that surely lie in a tile: from `low` to below `high`. None for tiles below 0,
+// where rounding moves the borders, and for those too far out for each float to have a fraction.
+struct TileBorders {
+    explicit TileBorders(std::int32_t tile);
+    bool hold(float coordinate) const { return coordinate >= low && coordinate < high; }
+
+    float low = 0.0f;
+    float high = 0.0f;
+};
+
+// A tile's column and row.
+struct TileAt {
+    std::int32_t u;
+    std::int32_t v;
+    bool operator==(const TileAt&) const = default;
+};
+
+// The tile of a corner: two floats of a mesh file.
+TileAt tileAt(const std::uint8_t* corner);
+
+// How many of `count` face UVs, 1 or more, are in the tile that the first of them is in: at least 1,
+// and all up to the next that may be in another. Meshes keep the faces of a tile together.
+std::size_t facesInTile(TileAt tile, const std::uint8_t* faces, std::size_t count);
+
 struct UV_tile {
     std::string name;
     std::int32_t u;
     std::int32_t v;
+
+    TileAt at() const { return {u, v}; }
 };
 
 struct OrderByName {
@@ -51,22 +77,26 @@ public:
     // The next `count` elements of the face UV chunk.
     void add(const std::uint8_t* faces, std::size_t count);
 
+    // Those found so far that count.
+    const TileSet& tiles() const { return tiles_; }
+
     TilesFound found() &&;
 
 private:
-    bool isNew(std::int32_t u, std::int32_t v);
-    void addTile(std::int32_t u, std::int32_t v);
+    bool isNew(TileAt tile);
+    void addTile(TileAt tile);
 
     int mode_;
-    const TileFilter* filter_;  // null when every tile counts
-    bool any_ = false;
-    std::int32_t u_ = 0;  // the tile of the last face
-    std::int32_t v_ = 0;
+    const TileFilter* filter_;    // null when every tile counts
+    std::optional<TileAt> last_;  // the tile of the last face
     // The tiles met: most meshes stay within the first tiles, which have a bit each, a word a row.
     std::array<std::uint64_t, 64> near_{};
     std::unordered_set<std::uint64_t> far_;
     TileSet tiles_;
 };
+
+// One with the current filter.
+TileFinder tileFinder(int mode);
 
 // The tiles of all faces, as the current filter lets them pass. Nothing when the disk fails.
 std::optional<TilesFound> findTiles(VemoFile& vemo, const ChunkElements& faceUvs, int mode);

@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include <bit>
+#include <cmath>
 #include <limits>
 #include <memory>
 #include <random>
@@ -89,6 +90,25 @@ TEST(CornerPiece, BordersAndSpecialValuesAreAsOneByOne) {
         std::vector<float> coordinates = near;
         coordinates.insert(coordinates.end(), {special, 0.5f, 0.5f, special});
         expectAsOneByOne(coordinates);
+    }
+}
+
+// Long runs in one tile are taken apart in another way, up to an odd corner anywhere among them.
+TEST(CornerPiece, ManyCornersInOneTileAreAsOneByOne) {
+    for (const float low : {0.0f, 2.0f, -1.0f, 8388608.0f}) {
+        std::vector<float> coordinates;
+        for (int i = 0; i < 32; ++i)
+            coordinates.push_back(low + static_cast<float>(i) / 32.0f);
+        coordinates[2] = low == 0.0f ? -0.0f : low;
+        expectAsOneByOne(coordinates, 3);
+        for (std::size_t odd = 0; odd < 32; ++odd) {
+            for (const float elsewhere :
+                 {low + 1.0f, low - 0.5f, std::nextafter(low + 1.0f, 0.0f)}) {
+                std::vector<float> with = coordinates;
+                with[odd] = elsewhere;
+                expectAsOneByOne(with);
+            }
+        }
     }
 }
 

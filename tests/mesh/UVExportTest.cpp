@@ -187,6 +187,33 @@ TEST_F(UVExport, AMaskFileIsTheMeshWithAMaskBeforeItsClosing) {
     EXPECT_EQ(nameAt(1), "1002");
 }
 
+// Tiles of two faces each: the one vertex that they do not share shows which of them are in a tile.
+TEST_F(UVExport, ManyTilesHaveAMaskEach) {
+    constexpr std::size_t kTiles = 70;
+    std::vector<std::array<float, 2>> uvs;
+    std::vector<VemoBuilder::Face> faces;
+    for (std::size_t i = 0; i < 2 * kTiles; ++i) {
+        const std::size_t tile = i % kTiles;
+        uvs.push_back({static_cast<float>(tile % 10) + 0.5f, static_cast<float>(tile / 10) + 0.5f});
+        faces.push_back({0, 1, static_cast<std::int32_t>(2 + i), -1});
+    }
+    const VemoBuilder mesh =
+        VemoBuilder()
+            .vertices(std::vector<VemoBuilder::Vertex>(2 * kTiles + 2, {1, 2, 3}))
+            .faces(faces)
+            .flatFaceUvs(uvs);
+    EXPECT_EQ(writeMasks(VemoBuilder(mesh).closing()), static_cast<float>(kTiles));
+    for (std::size_t tile = 0; tile < kTiles; ++tile) {
+        ByteList mask(2 * kTiles + 2, 255);
+        for (const std::size_t vertex :
+             {std::size_t{0}, std::size_t{1}, 2 + tile, 2 + kTiles + tile})
+            mask[vertex] = 0;
+        EXPECT_EQ(written("out" + std::to_string(1001 + tile) + ".Vemo"),
+                  VemoBuilder(mesh).chunk(30001, 16 + 142, 142, mask).closing().bytes())
+            << tile;
+    }
+}
+
 TEST_F(UVExport, AMaskFollowsTheFirstCornerOfEachFace) {
     const VemoBuilder mesh = VemoBuilder()
                                  .vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}})
