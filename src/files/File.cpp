@@ -74,6 +74,11 @@ File File::createOver(const char* path) {
     return File(openPatiently(path, O_WRONLY | O_CREAT, 0666));
 }
 
+File File::createNew(const char* path) {
+    if (path == nullptr) return {};
+    return File(openPatiently(path, O_WRONLY | O_CREAT | O_EXCL, 0666));
+}
+
 File::File(File&& other) noexcept
     : descriptor_(std::exchange(other.descriptor_, -1)), size_(std::exchange(other.size_, 0)) {}
 

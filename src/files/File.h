@@ -15,6 +15,7 @@ public:
     static File openForRewriting(const char* path);  // an existing regular file, read and written
     static File create(const char* path);            // emptied if it exists; never waits on a pipe
     static File createOver(const char* path);        // the same, but keeping what it holds
+    static File createNew(const char* path);  // only where there is nothing, not even a dead link
 
     File() = default;
     File(File&& other) noexcept;

@@ -54,8 +54,9 @@ float tileNotWritten(std::size_t position) {
 // A tile's file while it is written. One that goes before it is kept is removed from the disk.
 class TileFile {
 public:
-    TileFile(const char* outPath, const UV_tile& tile)
-        : tile_(tile.at()), path_(tilePath(outPath, tile)), file_(File::create(path_.c_str())) {}
+    using Create = File(const char* path);
+    TileFile(const char* outPath, const UV_tile& tile, Create create = File::create)
+        : tile_(tile.at()), path_(tilePath(outPath, tile)), file_(create(path_.c_str())) {}
     TileFile(TileFile&&) = default;
     TileFile& operator=(TileFile&&) = delete;
     ~TileFile() {
@@ -82,66 +83,150 @@ private:
     FileWriter file_;
 };
 
+// The files of some tiles, filled side by side: what goes to all of them is read and worked out
+// once. On a full disk the last file goes, as often as it takes, and so makes room for the ones before
+// it. Those that are not finished are removed.
+class TileFiles {
+public:
+    explicit TileFiles(CornerPiece& piece) : piece_(&piece) {}
+
+    // False for one that could not be created.
+    bool take(TileFile file) {
+        if (!file.isOpen()) return false;
+        files_.push_back(std::move(file));
+        return true;
+    }
+
+    std::size_t count() const { return files_.size(); }
+    void remove() { files_.clear(); }
+
+    // Copies all that the mesh has before its face UVs. False when it cannot be read.
+    bool copyUpTo(const ChunkElements& faceUvs, VemoFile& vemo) {
+        const auto copy = [this](const std::uint8_t* bytes, std::size_t count) {
+            appendToEach([&](TileAt) { return bytes; }, count);
+        };
+        return files_.empty() || vemo.forEachElement(0, faceUvs.offset, 1, copy);
+    }
+
+    // Appends the UVs of the next faces.
+    void add(const std::uint8_t* faces, std::size_t count) {
+        for (std::size_t face = 0; face < count && !files_.empty(); face += kPieceFaces) {
+            const std::size_t corners = kFaceCorners * std::min(kPieceFaces, count - face);
+            piece_->split(faces + face * kFaceUvBytes, corners, files_.front().length());
+            appendToEach([this](TileAt tile) { return piece_->seenFrom(tile); },
+                         corners * kCornerBytes);
+        }
+    }
+
+    void finish() {
+        appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
+        for (TileFile& file : files_)
+            file.keep();
+    }
+
+private:
+    template <typename BytesFor>
+    void appendToEach(BytesFor bytesFor, std::size_t count) {
+        for (std::size_t i = 0; i < files_.size();) {
+            if (files_[i].append(bytesFor(files_[i].tile()), count))
+                ++i;
+            else
+                files_.pop_back();
+        }
+    }
+
+    CornerPiece* piece_;
+    std::vector<TileFile> files_;
+};
+
 // Creates the files of the tiles from `next` on, as many as may be open at once, and advances
 // `next` past them.
-std::vector<TileFile> createTileFiles(TileSet::const_iterator& next, TileSet::const_iterator end,
-                                      const char* outPath) {
-    std::vector<TileFile> files;
-    for (; next != end && files.size() < kMaxOpenTiles; ++next) {
-        TileFile created(outPath, *next);
-        if (!created.isOpen()) break;
+TileFiles createTileFiles(TileSet::const_iterator& next, TileSet::const_iterator end,
+                          const char* outPath, CornerPiece& piece) {
+    TileFiles files(piece);
+    for (; next != end && files.count() < kMaxOpenTiles; ++next) {
+        if (!files.take(TileFile(outPath, *next))) break;
         UVTileStr.push_back(next->name);
-        files.push_back(std::move(created));
     }
     return files;
 }
 
-// Fills the files of some tiles. What goes to all of them is read and worked out once, piece by
-// piece. On a full disk the last file goes, as often as it takes, and so makes room for the ones
-// before it. Those that are left in the end are whole and kept; none when the mesh cannot be read.
-void fillTileFiles(std::vector<TileFile>& files, VemoFile& vemo, const ChunkElements& faceUvs,
-                   CornerPiece& piece) {
-    const auto appendToEach = [&](auto bytesFor, std::size_t count) {
-        for (std::size_t i = 0; i < files.size();) {
-            if (files[i].append(bytesFor(files[i].tile()), count))
-                ++i;
-            else
-                files.pop_back();
-        }
-    };
-    const auto copy = [&](const std::uint8_t* bytes, std::size_t count) {
-        appendToEach([&](TileAt) { return bytes; }, count);
-    };
-    const auto split = [&](const std::uint8_t* faces, std::size_t count) {
-        for (std::size_t face = 0; face < count && !files.empty(); face += kPieceFaces) {
-            const std::size_t corners = kFaceCorners * std::min(kPieceFaces, count - face);
-            piece.split(faces + face * kFaceUvBytes, corners, files.front().length());
-            appendToEach([&](TileAt tile) { return piece.seenFrom(tile); }, corners * kCornerBytes);
-        }
-    };
-    const bool isRead = vemo.forEachElement(0, faceUvs.offset, 1, copy) &&
-                        vemo.forEachElement(faceUvs, kFaceUvBytes, split);
-    if (!isRead) files.clear();
-    appendToEach([](TileAt) { return kClosingHeader.data(); }, kClosingHeader.size());
-    for (TileFile& file : files)
-        file.keep();
+// Those that are left in the end are whole; none when the mesh cannot be read.
+void fillTileFiles(TileFiles& files, VemoFile& vemo, const ChunkElements& faceUvs) {
+    const auto add = [&](const std::uint8_t* faces, std::size_t count) { files.add(faces, count); };
+    const bool isRead =
+        files.copyUpTo(faceUvs, vemo) && vemo.forEachElement(faceUvs, kFaceUvBytes, add);
+    if (!isRead) files.remove();
+    files.finish();
 }
 
 float writeTilesWithLocalUvs(const TileSet& tiles, const char* outPath, VemoFile& vemo,
-                             const ChunkElements& faceUvs) {
-    const auto piece = std::make_unique<CornerPiece>();
+                             const ChunkElements& faceUvs, CornerPiece& piece) {
     std::size_t position = 0;
     for (auto next = tiles.begin(); next != tiles.end();) {
-        std::vector<TileFile> files = createTileFiles(next, tiles.end(), outPath);
-        if (files.empty()) return tileNotWritten(position);
-        const std::size_t begun = files.size();
-        fillTileFiles(files, vemo, faceUvs, *piece);
-        position += files.size();
-        if (files.size() == begun) continue;
+        TileFiles files = createTileFiles(next, tiles.end(), outPath, piece);
+        if (files.count() == 0) return tileNotWritten(position);
+        const std::size_t begun = files.count();
+        fillTileFiles(files, vemo, faceUvs);
+        position += files.count();
+        if (files.count() == begun) continue;
         UVTileStr.resize(position + 1);  // the one that failed counts as begun
         return vemo.isGood() ? tileNotWritten(position) : vemo_status::kUvExportMeshNotOpened;
     }
     return static_cast<float>(tiles.size());
+}
+
+// The tile that a few faces from all over the mesh are in, if it is the same one; those that the
+// filter keeps out do not count.
+std::optional<UV_tile> likelyOnlyTile(VemoFile& vemo, const ChunkElements& faceUvs, int mode) {
+    constexpr std::uint64_t kSamples = 16;
+    TileFinder finder = tileFinder(mode);
+    const auto add = [&](const std::uint8_t* face, std::size_t count) { finder.add(face, count); };
+    for (std::uint64_t i = 0; i < kSamples && faceUvs.count > 0; ++i) {
+        const std::uint64_t face = (faceUvs.count - 1) * i / (kSamples - 1);
+        vemo.forEachElement(faceUvs.offset + face * kFaceUvBytes, 1, kFaceUvBytes, add);
+    }
+    if (finder.tiles().size() != 1) return {};
+    return *finder.tiles().begin();
+}
+
+bool isAnyBut(const UV_tile& tile, const TileSet& tiles) {
+    return std::any_of(tiles.begin(), tiles.end(),
+                       [&](const UV_tile& other) { return other.at() != tile.at(); });
+}
+
+struct TileSearch {
+    TileSet tiles;
+    bool areWritten = false;
+};
+
+// Finds the tiles; nothing when the mesh cannot be read. The file of a tile that is likely to be the
+// only one is written meanwhile, so that the UVs are read once. That is tried only where there is no
+// file yet: if there are more tiles, or if anything goes wrong, the new one is removed and the disk is
+// as it was.
+std::optional<TileSearch> findTilesAndTryToWrite(VemoFile& vemo, const ChunkElements& faceUvs,
+                                                 int mode, const char* outPath,
+                                                 CornerPiece& piece) {
+    const auto likely = likelyOnlyTile(vemo, faceUvs, mode);
+    std::vector<std::string> names;
+    TileFiles trial(piece);
+    if (likely) {
+        names.push_back(likely->name);
+        trial.take(TileFile(outPath, *likely, File::createNew));
+    }
+    if (!trial.copyUpTo(faceUvs, vemo)) trial.remove();
+
+    TileFinder finder = tileFinder(mode);
+    const auto add = [&](const std::uint8_t* faces, std::size_t count) {
+        finder.add(faces, count);
+        if (likely && isAnyBut(*likely, finder.tiles())) trial.remove();
+        trial.add(faces, count);
+    };
+    if (!vemo.forEachElement(faceUvs, kFaceUvBytes, add)) return {};
+    trial.finish();
+    const bool isWritten = trial.count() > 0;
+    if (isWritten) UVTileStr.swap(names);
+    return TileSearch{std::move(finder).found().tiles, isWritten};
 }
 
 // The three chunks that a mask needs, of which faces and face UVs belong together one by one.
@@ -293,10 +378,13 @@ float GetUVsFromVemo(const char* path, const char* outPath, int mode) {
     const auto faceUvs = vemo.findElements(kFaceUvChunk, ZeroLength::kEndsSearch, kFaceUvBytes);
     if (!faceUvs) return whyMissing(vemo, kNotOpened);
 
-    const auto found = findTiles(vemo, *faceUvs, mode);
-    if (!found) return kNotOpened;
-    if (areWrittenOver(vemo, found->tiles, outPath) && !vemo.keep()) return kNotOpened;
-    return writeTilesWithLocalUvs(found->tiles, outPath, vemo, *faceUvs);
+    const auto piece = std::make_unique<CornerPiece>();
+    const auto search = findTilesAndTryToWrite(vemo, *faceUvs, mode, outPath, *piece);
+    if (!search) return kNotOpened;
+    const TileSet& tiles = search->tiles;
+    if (search->areWritten) return static_cast<float>(UVTileStr.size());
+    if (areWrittenOver(vemo, tiles, outPath) && !vemo.keep()) return kNotOpened;
+    return writeTilesWithLocalUvs(tiles, outPath, vemo, *faceUvs, *piece);
 }
 
 float GetUVsFromVemoMASK(const char* path, const char* outPath, int mode) {

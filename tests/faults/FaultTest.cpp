@@ -304,6 +304,17 @@ TEST_P(Faults, ThatMatterAreReportedAndHarmNothing) {
 INSTANTIATE_TEST_SUITE_P(Scenarios, Faults, testing::ValuesIn(scenarios()),
                          [](const auto& scenario) { return scenario.param.name; });
 
+// The face UVs are 8 MiB, 32 pieces; the rest takes fewer reads than as many.
+TEST(UVExportOfOneTile, ReadsTheUvsOnce) {
+    FaultyStage stage;
+    const std::vector<std::array<float, 2>> uvs(262144, {0.5f, 0.25f});
+    const Call write = {"getUVs", "mesh.vws", 2.0, "tile.tif"};
+    stage.prepare({"", write, 1.0f, {{"mesh.vws", VemoBuilder().flatFaceUvs(uvs).bytes()}}});
+    EXPECT_EQ(stage.make(write).status, 1.0f);
+    EXPECT_GE(stage.asked().of(kRead), 32u);
+    EXPECT_LT(stage.asked().of(kRead), 64u);
+}
+
 // Half a filter would drop tiles from every later export without any error.
 TEST(FaultyTileFilter, IsNotKept) {
     FaultyStage stage;

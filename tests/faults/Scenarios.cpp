@@ -106,6 +106,12 @@ ByteList mesh() {
         .bytes();
 }
 
+// More faces than are read at once.
+ByteList meshOfOneTile() {
+    const std::vector<std::array<float, 2>> uvs(10000, {0.5f, 0.25f});
+    return VemoBuilder().vertices({{1, 2, 3}}).flatFaceUvs(uvs).closing().bytes();
+}
+
 // An image of one channel of half floats, 0 to 1, packed.
 ByteList exr(Imf::Compression compression) {
     constexpr int kSide = 40;
@@ -178,6 +184,7 @@ List meshServices() {
     const Call write = {"getUVs", "mesh.vws", 2.0, "tile.tif"};
     const Call writeMasks = {"getUVsMask", "mesh.vws", 2.0, "tile.tif"};
     const Entries files = {{"mesh.vws", mesh()}};
+    const Entries oneTile = {{"mesh.vws", meshOfOneTile()}};
     const std::set<std::string> tiles = {"tile1001.Vemo", "tile1002.Vemo", "tile1011.Vemo"};
     return {
         {.call = {"getUVTile", "mesh.vws", 2.0}, .status = 3.0f, .files = files},
@@ -185,6 +192,7 @@ List meshServices() {
         {.call = secondTile, .files = files, .before = {write}},
         {.call = {"clearUVString", ""}, .files = files, .before = {write}, .after = {firstTile}},
         {"getUVs", write, 3.0f, files, {}, {firstTile, secondTile}, tiles},
+        {"getUVsOfOneTile", write, 1.0f, oneTile, {}, {firstTile}, {"tile1001.Vemo"}},
         {"getUVsMask", writeMasks, 3.0f, files, {}, {firstTile, secondTile}, tiles},
         {.name = "getUVsOverItself",
          .call = {"getUVs", "tile1002.Vemo", 2.0, "tile.tif"},

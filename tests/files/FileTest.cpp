@@ -50,12 +50,24 @@ TEST(File, IsCreatedNowhereButInAFolder) {
     const TempDir dir;
     const std::string pipe = dir.path("pipe");
     ASSERT_EQ(::mkfifo(pipe.c_str(), 0600), 0);
-    for (const auto create : {File::create, File::createOver}) {
+    for (const auto create : {File::create, File::createOver, File::createNew}) {
         EXPECT_FALSE(create(nullptr).isOpen());
         for (const std::string& path : {dir.path(), pipe, dir.path("missing/f")})
             EXPECT_FALSE(create(path.c_str()).isOpen()) << path;
     }
     EXPECT_THAT(dir.names(), ElementsAre("pipe"));
+}
+
+TEST(File, IsCreatedNewOnlyWhereThereIsNothing) {
+    const TempDir dir;
+    dir.write("old", "kept");
+    std::filesystem::create_symlink(dir.path("nowhere"), dir.path("link"));
+    dir.makeFolder("folder");
+    for (const char* name : {"old", "link", "folder"})
+        EXPECT_FALSE(File::createNew(dir.path(name).c_str()).isOpen()) << name;
+    EXPECT_TRUE(File::createNew(dir.path("new").c_str()).isOpen());
+    EXPECT_THAT(dir.names(), ElementsAre("folder", "link", "new", "old"));
+    EXPECT_EQ(readText(dir.path("old")), "kept");
 }
 
 TEST(File, ReadsWhatIsInsideTheFile) {

@@ -110,6 +110,73 @@ TEST_F(UVExport, AMeshOfManyPiecesIsWrittenWhole) {
     EXPECT_EQ(written("out1001.Vemo"), VemoBuilder().flatFaceUvs(expected).closing().bytes());
 }
 
+// A mesh of one tile is written while its tiles are sought, unless there is a file already.
+TEST_F(UVExport, AMeshOfOneTileIsWrittenTheSameOverAnOldFile) {
+    std::vector<std::array<float, 2>> uvs;
+    std::vector<std::array<float, 2>> expected;
+    for (int i = 0; i < 20000; ++i) {
+        const float within = static_cast<float>(i) / 32768.0f;
+        uvs.push_back({1.0f + within, within});
+        expected.push_back({within, within});
+    }
+    const ByteList whole = VemoBuilder().flatFaceUvs(expected).closing().bytes();
+    const VemoBuilder mesh = VemoBuilder().flatFaceUvs(uvs).groups({1});
+    for (const ByteList& old : {ByteList(), ByteList(3), ByteList(whole.size() + 5)}) {
+        if (!old.empty()) dir.write("out1002.Vemo", old);
+        clearUVTileString();
+        EXPECT_EQ(writeUvs(mesh), 1.0f);
+        EXPECT_EQ(written("out1002.Vemo"), whole);
+        EXPECT_EQ(nameAt(0), "1002");
+        EXPECT_EQ(nameAt(1), "none");
+    }
+}
+
+// The mesh seems to have one tile until the odd face comes.
+TEST_F(UVExport, AFaceOfAnotherTileIsNoticedWhereverItIs) {
+    const std::vector<std::array<float, 2>> uvs(20000, {1.5f, 0.5f});
+    const std::vector<std::array<float, 2>> inside(uvs.size(), {0.5f, 0.5f});
+    for (const std::size_t odd : {0u, 1u, 1332u, 8191u, 8192u, 10001u, 19998u, 19999u}) {
+        SCOPED_TRACE(odd);
+        std::vector<std::array<float, 2>> faces = uvs;
+        std::vector<std::array<float, 2>> first(uvs.size(), {-1, -1});
+        std::vector<std::array<float, 2>> second = inside;
+        faces[odd] = {0.25f, 0.5f};
+        first[odd] = {0.25f, 0.5f};
+        second[odd] = {-1, -1};
+        EXPECT_EQ(writeUvs(VemoBuilder().flatFaceUvs(faces)), 2.0f);
+        EXPECT_EQ(written("out1001.Vemo"), VemoBuilder().flatFaceUvs(first).closing().bytes());
+        EXPECT_EQ(written("out1002.Vemo"), VemoBuilder().flatFaceUvs(second).closing().bytes());
+        EXPECT_EQ(nameAt(0) + nameAt(1) + nameAt(2), "10011002none");
+        for (const char* tile : {"out1001.Vemo", "out1002.Vemo"})
+            std::filesystem::remove(dir.path(tile));
+    }
+}
+
+// Face 1, which comes before all others of its number, is in another place than they.
+TEST_F(UVExport, OfManyTilesWithOneNumberTheFirstIsWritten) {
+    ASSERT_EQ(setUVtilesOut(dir.write("filter.txt", "1011").c_str()), 0.0f);
+    std::vector<std::array<float, 2>> uvs(1000, {0.25f, 1.5f});
+    std::vector<std::array<float, 2>> expected(1000, {-1, -1});
+    uvs[0] = {0.5f, 0.5f};
+    uvs[1] = {10.5f, 0.5f};
+    expected[1] = {0.5f, 0.5f};
+    EXPECT_EQ(writeUvs(VemoBuilder().flatFaceUvs(uvs)), 1.0f);
+    clearUVtilesOut();
+    EXPECT_EQ(written("out1011.Vemo"), VemoBuilder().flatFaceUvs(expected).closing().bytes());
+}
+
+TEST_F(UVExport, ALinkThatLeadsNowhereBecomesTheFileThatItNames) {
+    for (const auto& uvs : {std::vector<std::array<float, 2>>{{0.5f, 0.5f}},
+                            std::vector<std::array<float, 2>>{{0.5f, 0.5f}, {1.5f, 0.5f}}}) {
+        const TempDir other;
+        std::filesystem::remove(dir.path("out1001.Vemo"));
+        std::filesystem::create_symlink(other.path("real"), dir.path("out1001.Vemo"));
+        EXPECT_EQ(writeUvs(VemoBuilder().flatFaceUvs(uvs)), static_cast<float>(uvs.size()));
+        EXPECT_TRUE(std::filesystem::is_symlink(dir.path("out1001.Vemo")));
+        EXPECT_EQ(readBytes(other.path("real")).size(), 64 + 32 * uvs.size());
+    }
+}
+
 TEST_F(UVExport, AMeshWithoutFacesWritesNothing) {
     EXPECT_EQ(writeUvs(VemoBuilder().faceUvs({})), 0.0f);
     EXPECT_THAT(dir.names(), ElementsAre("mesh.in"));
