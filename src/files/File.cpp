@@ -7,8 +7,9 @@
 #include <algorithm>
 #include <cerrno>
 #include <limits>
-#include <new>
 #include <utility>
+
+#include "files/LargeMemory.h"
 
 namespace {
 
@@ -141,7 +142,7 @@ FileBytes loadFile(const char* path, std::size_t spare) {
 
     const auto length = static_cast<std::size_t>(size);
     FileBytes loaded;
-    loaded.data.reset(new (std::nothrow) std::uint8_t[length + spare]);
+    loaded.data = largeMemory(length + spare);
     if (loaded.data == nullptr) return {};
     loaded.size = file.readAt(0, loaded.data.get(), length);
     if (loaded.size < length) return {};

@@ -1,6 +1,7 @@
 #include "pixels/Samples.h"
 
-#include <cstring>
+#include <algorithm>
+#include <array>
 
 #include "bytes/Bytes.h"
 #include "pixels/Avx2Kernels.h"
@@ -17,16 +18,16 @@ float heldLevel(float sample) {
 }
 
 template <ByteOrder kOrder>
-void quantise(std::uint8_t* to, const float* from, std::size_t count, std::size_t step) {
+void quantise(std::uint8_t* to, const float* from, std::size_t count) {
     constexpr auto store = kOrder == ByteOrder::kLittle ? storeLe16 : storeBe16;
-    std::size_t i = step == 1 ? quantiseAvx2(to, from, count, kOrder) : 0;
-    for (; step == 1 && i + kRunSamples <= count; i += kRunSamples) {
+    std::size_t i = quantiseAvx2(to, from, count, kOrder);
+    for (; i + kRunSamples <= count; i += kRunSamples) {
         const Lanes<std::uint16_t> levels = levelsOfRun(from + i);
         storeLanes<std::uint16_t>(
             to + 2 * i, kOrder == ByteOrder::kLittle ? levels : levels << 8 | levels >> 8);
     }
     for (; i < count; ++i)
-        store(to + 2 * i, levelOf(from[i * step]));
+        store(to + 2 * i, levelOf(from[i]));
 }
 
 }  // namespace
@@ -49,10 +50,19 @@ std::uint16_t levelOf(float sample) {
     return static_cast<std::uint16_t>(static_cast<std::int32_t>(heldLevel(sample)));
 }
 
-void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
-                ByteOrder order) {
+void quantise16(std::uint8_t* to, const float* from, std::size_t count, ByteOrder order) {
     if (order == ByteOrder::kLittle)
-        quantise<ByteOrder::kLittle>(to, from, count, step);
+        quantise<ByteOrder::kLittle>(to, from, count);
     else
-        quantise<ByteOrder::kBig>(to, from, count, step);
+        quantise<ByteOrder::kBig>(to, from, count);
+}
+
+void quantiseFirst16(std::uint8_t* to, const float* from, std::size_t pixels, ByteOrder order) {
+    constexpr std::size_t kBlock = 1024;
+    std::array<float, kBlock> samples;
+    for (std::size_t done = 0; done < pixels; done += kBlock) {
+        const std::size_t count = std::min(kBlock, pixels - done);
+        takeFirstSamples(reinterpret_cast<std::uint8_t*>(samples.data()), from + 3 * done, count);
+        quantise16(to + 2 * done, samples.data(), count, order);
+    }
 }

@@ -15,6 +15,6 @@ std::uint16_t levelOf(float sample);
 
 enum class ByteOrder { kLittle, kBig };
 
-// Writes the levels of `count` samples, each `step` floats after the one before.
-void quantise16(std::uint8_t* to, const float* from, std::size_t count, std::size_t step,
-                ByteOrder order);
+// Writes the levels of all samples, or of the first of each pixel's three.
+void quantise16(std::uint8_t* to, const float* from, std::size_t count, ByteOrder order);
+void quantiseFirst16(std::uint8_t* to, const float* from, std::size_t pixels, ByteOrder order);

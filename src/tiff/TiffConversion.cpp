@@ -110,9 +110,10 @@ float convertTiff(const char* in, const char* out, int mode, int isPsd) {
     if (header.empty()) return tiff_status::kSizeNotPlaced;
     return writeConverted(map, out, header, outPixelBytes,
                           [&](std::uint8_t* to, const float* samples, std::size_t pixels) {
-                              // Grey takes the first sample of a pixel, colour all of them.
-                              const std::size_t step = channelsIn / channelsOut;
-                              quantise16(to, samples, pixels * channelsOut, step,
-                                         psd ? ByteOrder::kBig : ByteOrder::kLittle);
+                              const auto order = psd ? ByteOrder::kBig : ByteOrder::kLittle;
+                              if (channelsIn == channelsOut)
+                                  quantise16(to, samples, pixels * channelsIn, order);
+                              else
+                                  quantiseFirst16(to, samples, pixels, order);
                           });
 }

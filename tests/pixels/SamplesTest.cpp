@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <vector>
 
 namespace {
 
@@ -40,13 +41,24 @@ TEST(LevelOf, RoundsHalfUpAtEveryBorder) {
     }
 }
 
-TEST(Quantise16, TakesEachStepsSampleInTheOrderOfBytesWanted) {
-    const float samples[] = {0.5f, 9.0f, 0.25f, 9.0f};
+TEST(Quantise16, WritesTheOrderOfBytesWanted) {
+    const float samples[] = {0.5f, 0.25f};
     std::array<std::uint8_t, 4> out{};
-    quantise16(out.data(), samples, 2, 2, ByteOrder::kLittle);
+    quantise16(out.data(), samples, 2, ByteOrder::kLittle);
     EXPECT_THAT(out, ElementsAre(0x00, 0x80, 0x00, 0x40));
-    quantise16(out.data(), samples, 2, 2, ByteOrder::kBig);
+    quantise16(out.data(), samples, 2, ByteOrder::kBig);
     EXPECT_THAT(out, ElementsAre(0x80, 0x00, 0x40, 0x00));
+}
+
+// Worked on in blocks of 1024 pixels.
+TEST(QuantiseFirst16, TakesTheFirstOfThreeSamplesOfEveryPixel) {
+    std::vector<float> samples(3 * 2050, 9.0f);
+    for (std::size_t pixel = 0; pixel < 2050; ++pixel)
+        samples[3 * pixel] = static_cast<float>(pixel) / 65535.0f;
+    std::vector<std::uint8_t> out(2 * 2050);
+    quantiseFirst16(out.data(), samples.data(), 2050, ByteOrder::kBig);
+    for (std::size_t pixel = 0; pixel < 2050; ++pixel)
+        ASSERT_EQ(out[2 * pixel] << 8 | out[2 * pixel + 1], static_cast<int>(pixel));
 }
 
 }  // namespace
