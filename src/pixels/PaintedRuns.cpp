@@ -95,9 +95,9 @@ bool PaintedRuns<kPlanes>::isBackgroundPixel(const Places& row, std::size_t at) 
 
 template <std::size_t kPlanes>
 PaintedRun PaintedRuns<kPlanes>::trimmed(const Places& row, PaintedRun run) const {
-    while (!run.isEmpty() && isBackgroundPixel(row, run.start))
+    while (isBackgroundPixel(row, run.start))
         run.start += sampleBytes_;
-    while (!run.isEmpty() && isBackgroundPixel(row, run.end - sampleBytes_))
+    while (isBackgroundPixel(row, run.end - sampleBytes_))
         run.end -= sampleBytes_;
     return run;
 }

@@ -35,7 +35,7 @@ public:
     // painted pixel is in one of the runs, beside it some background.
     PaintedRun next(const Places& row, std::size_t from, std::size_t bytes) const;
 
-    // A run from its first painted pixel to its last.
+    // A run, as next gives it, from its first painted pixel to its last.
     PaintedRun trimmed(const Places& row, PaintedRun run) const;
 
     // Whether a run has no pixel of the background. Samples are of 1 or 2 bytes here.
