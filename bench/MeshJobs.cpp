@@ -188,10 +188,11 @@ Race append(const Setup& setup) {
     std::filesystem::copy(mesh.path, race.original);
     race.resultDigest = [merged = race.rewritten] { return digestOf(merged); };
     race.contenders = quillonContenders(setup, "mergeCrease", {mesh.path, 0.0, race.rewritten});
-    const std::size_t bytes = std::filesystem::file_size(mesh.path) - (kClosingBytes - 2);
-    race.contenders.push_back(limit(
-        {{Access::kRead, mesh.path, bytes}, {Access::kOverwrite, race.rewritten, bytes, bytes}},
-        kMoved));
+    const std::size_t bytes = std::filesystem::file_size(mesh.path);
+    race.contenders.push_back(limit({{Access::kRead, mesh.path, bytes},
+                                     {Access::kRead, race.original, bytes},
+                                     {Access::kCreate, race.rewritten, 2 * bytes}},
+                                    kMoved));
     return race;
 }
 

@@ -4,6 +4,7 @@
 #include <cmath>
 #include <limits>
 #include <optional>
+#include <utility>
 #include <vector>
 
 #include "bytes/Bytes.h"
@@ -118,19 +119,21 @@ void addFaceGroups(ObjText& obj, const std::uint8_t* face, std::uint32_t count) 
 float GetFaceIDsVemo(const char* in_path, double level) {
     faceID.clear();
     VemoFile vemo(in_path);
-    if (!vemo.keep()) return vemo_status::kObjMeshNotOpened;
+    if (!vemo.isGood()) return vemo_status::kObjMeshNotOpened;
     const auto faces = vemo.elementsOf(kFirstChunk, kFaceBytes);
-    if (!faces) return vemo_status::kChunkMissing;
+    if (!faces) return whyMissing(vemo, vemo_status::kObjMeshNotOpened);
 
     const std::uint32_t perCorner = facesPerCorner(level);
     const std::uint32_t fromQuad = saturatedProduct(4, perCorner);
     const std::uint32_t fromTriangle = saturatedProduct(3, perCorner);
-    const std::uint8_t* face = vemo.data() + faces->offset;
-    faceID.resize(faces->count);
-    for (std::uint32_t& count : faceID) {
-        count = isQuad(face) ? fromQuad : fromTriangle;
-        face += kFaceBytes;
-    }
+    std::vector<std::uint32_t> counts(faces->count);
+    auto next = counts.begin();
+    const auto add = [&](const std::uint8_t* face, std::size_t count) {
+        for (std::size_t i = 0; i < count; ++i, face += kFaceBytes)
+            *next++ = isQuad(face) ? fromQuad : fromTriangle;
+    };
+    if (!vemo.forEachElement(*faces, kFaceBytes, add)) return vemo_status::kObjMeshNotOpened;
+    faceID = std::move(counts);
     return static_cast<float>(faceID.size());
 }
 
