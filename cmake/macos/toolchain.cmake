@@ -15,6 +15,13 @@ set(CMAKE_CXX_COMPILER_TARGET ${target})
 find_program(CMAKE_AR llvm-ar-19 REQUIRED)
 find_program(CMAKE_RANLIB llvm-ranlib-19 REQUIRED)
 find_program(QUILLON_LD64 ld64.lld-19 REQUIRED)
+find_program(QUILLON_STRIP llvm-strip-19 REQUIRED)
+
+# The compiler's headers of the C++ library as Xcode's are: for the library that macOS 11.0 has, not for
+# archives of the compiler's own, whose features are all there and whose symbols are hidden.
+string(JOIN " " CMAKE_CXX_FLAGS_INIT
+  -U_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS -D_LIBCPP_HAS_VENDOR_AVAILABILITY_ANNOTATIONS=1
+  -U_LIBCPP_DISABLE_VISIBILITY_ANNOTATIONS -U_LIBCXXABI_DISABLE_VISIBILITY_ANNOTATIONS)
 
 # Checks of the compiler end before the linker, whose rule is made for the plug-in alone.
 set(CMAKE_TRY_COMPILE_TARGET_TYPE STATIC_LIBRARY)

@@ -136,6 +136,17 @@ int converted(int result, const struct stat& status, MacStat* mac) {
     return 0;
 }
 
+// What the library puts at the end of its stack frames and looks for before it returns from them. Linux
+// programs have another such value of their own.
+std::uintptr_t stackGuard = 0x5A17'C0DE'0DDB'A1A5;
+
+[[noreturn]] void stackIsSmashed() {
+    std::fputs("the library found its stack smashed\n", stderr);
+    std::abort();
+}
+
+bool overrunsNextFstat = false;
+
 int statMac(const char* path, MacStat* mac) {
     struct stat status {};
     return converted(::stat(path, &status), status, mac);
@@ -143,7 +154,14 @@ int statMac(const char* path, MacStat* mac) {
 
 int fstatMac(int descriptor, MacStat* mac) {
     struct stat status {};
-    return converted(::fstat(descriptor, &status), status, mac);
+    const int result = converted(::fstat(descriptor, &status), status, mac);
+    std::uintptr_t word = 0;
+    for (char* at = reinterpret_cast<char*>(mac + 1); overrunsNextFstat; at += sizeof word) {
+        std::memcpy(&word, at, sizeof word);
+        std::memset(at, 0xAA, sizeof word);
+        overrunsNextFstat = word != stackGuard;
+    }
+    return result;
 }
 
 struct MacEntry {
@@ -215,11 +233,12 @@ constexpr const char* kNeverCalled[] = {
 
 // The same functions of the C library on both systems.
 constexpr const char* kShared[] = {
-    "___cxa_atexit", "_abort",   "_aligned_alloc", "_bzero",      "_calloc",    "_close",
-    "_closedir",     "_fflush",  "_fputc",         "_free",       "_ftruncate", "_futimens",
-    "_fwrite",       "_malloc",  "_memchr",        "_nextafterf", "_opendir",   "_pread",
-    "_puts",         "_pwrite",  "_realloc",       "_remove",     "_rename",    "_strcmp",
-    "_strncpy",      "_strnlen",
+    "___cxa_atexit", "_abort",     "_aligned_alloc", "_bzero",   "_calloc",     "_ceilf",
+    "_close",        "_closedir",  "_exp",           "_fflush",  "_fmodf",      "_fputc",
+    "_free",         "_ftruncate", "_futimens",      "_fwrite",  "_malloc",     "_memchr",
+    "_memcmp",       "_memcpy",    "_memmove",       "_memset",  "_nextafterf", "_opendir",
+    "_pread",        "_puts",      "_pwrite",        "_realloc", "_remove",     "_rename",
+    "_strcmp",       "_strlen",    "_strncpy",       "_strnlen",
 };
 
 using StandIns = std::map<std::string, void*>;
@@ -258,6 +277,9 @@ StandIns makeStandIns() {
         {"_printf", code(std::printf)},
 #endif
 
+        {"___stack_chk_guard", &stackGuard},
+        {"___stack_chk_fail", code(stackIsSmashed)},
+
         // Only on macOS.
         {"_memset_pattern4", code(fillWithPattern<4>)},
         {"_memset_pattern8", code(fillWithPattern<8>)},
@@ -291,4 +313,8 @@ void* macStandIn(const std::string& symbol) {
     static const StandIns standIns = makeStandIns();
     const auto found = standIns.find(symbol.substr(0, symbol.find('$')));
     return found == standIns.end() ? nullptr : found->second;
+}
+
+void overrunNextFstat() {
+    overrunsNextFstat = true;
 }

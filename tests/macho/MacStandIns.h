@@ -9,3 +9,7 @@
 // A few symbols that the C++ library imports, and no export leads to, have a stand-in that ends the
 // program.
 void* macStandIn(const std::string& symbol);
+
+// Lets the next fstat() of the library write on behind the caller's buffer, up to and over the value that
+// guards the caller's stack frame.
+void overrunNextFstat();

@@ -13,9 +13,11 @@ constexpr std::uint32_t kDylib = 6;
 constexpr std::size_t kHeaderBytes = 32;
 constexpr std::size_t kSegmentBytes = 72;
 constexpr std::size_t kSectionBytes = 80;
+constexpr std::size_t kSymbolBytes = 16;
 constexpr std::uint64_t kPointerBytes = 8;
 
 constexpr std::uint32_t kSegmentCommand = 0x19;
+constexpr std::uint32_t kSymbolTableCommand = 0x2;
 constexpr std::uint32_t kDyldInfoCommand = 0x8000'0022;
 constexpr std::uint32_t kChainedFixupsCommand = 0x8000'0034;
 constexpr std::uint32_t kReexportCommand = 0x8000'001F;
@@ -23,6 +25,12 @@ constexpr std::uint32_t kReexportCommand = 0x8000'001F;
 constexpr std::uint32_t kProtectWrite = 2;
 constexpr std::uint32_t kProtectExecute = 4;
 constexpr std::uint32_t kSegmentReadOnly = 0x10;
+
+constexpr std::uint64_t kReplaceable = 4;  // by another library's, such as operator new
+
+constexpr std::uint8_t kForDebugger = 0xE0;
+constexpr std::uint8_t kSymbolKind = 0x0E;
+constexpr std::uint8_t kInSection = 0x0E;
 
 constexpr std::uint8_t kInitialiserPointers = 0x9;
 constexpr std::uint8_t kThreadLocalRegular = 0x11;
@@ -56,6 +64,17 @@ public:
     std::uint64_t number() {
         const std::uint8_t part = byte();
         return part < 0x80 ? part : (part & 0x7Fu) | number() << 7;
+    }
+
+    // The same with a sign, which is the highest bit of the last byte.
+    std::uint64_t signedNumber() {
+        std::uint64_t value = 0;
+        for (unsigned shift = 0;; shift += 7) {
+            const std::uint8_t part = byte();
+            value |= std::uint64_t{part & 0x7Fu} << shift;
+            if (part < 0x40) return value;
+            if (part < 0x80) return value | ~std::uint64_t{0x7F} << shift;
+        }
     }
 
     std::string text() {
@@ -118,6 +137,9 @@ private:
             case kBind | 0x40:
                 symbol_ = program_.text();
                 return;
+            case kBind | 0x60:
+                addend_ = program_.signedNumber();
+                return;
             case kRebase | 0x10:
             case kBind | 0x50:
                 return demand(small == 1, "a pointer of an unknown kind");
@@ -162,7 +184,7 @@ private:
             if (kind_ == kRebase)
                 file_.rebases.push_back(address_);
             else
-                file_.binds.push_back({address_, symbol_});
+                file_.binds.push_back({address_, symbol_, addend_});
         }
     }
 
@@ -170,6 +192,7 @@ private:
     Kind kind_;
     Cursor program_;
     std::uint64_t address_ = 0;
+    std::uint64_t addend_ = 0;
     std::string symbol_;
 };
 
@@ -210,6 +233,7 @@ private:
         demand(kind != kChainedFixupsCommand, "chained fixups");
         demand(kind != kReexportCommand, "a re-exported library");
         if (kind == kSegmentCommand) readSegment(at);
+        if (kind == kSymbolTableCommand) readSymbols(at);
         if (kind == kDyldInfoCommand) readDyldInfo(at);
     }
 
@@ -250,13 +274,24 @@ private:
         values.size = zeros.address + zeros.size - values.address;
     }
 
+    void readSymbols(std::uint64_t at) {
+        Cursor names(bytes_, u32(at + 16), u32(at + 20));
+        for (std::uint64_t i = 0; i < u32(at + 12); ++i) {
+            const std::uint64_t entry = u32(at + 8) + i * kSymbolBytes;
+            const std::uint8_t kind = bytes_.u8(entry + 4);
+            if ((kind & kForDebugger) != 0 || (kind & kSymbolKind) != kInSection) continue;
+            names.moveTo(u32(entry));
+            file_.symbols[names.text()] = u64(entry + 8);
+        }
+    }
+
     void readDyldInfo(std::uint64_t at) {
         const auto table = [&](std::uint64_t field) {
             return Cursor(bytes_, u32(at + field), u32(at + field + 4));
         };
-        demand(u32(at + 28) == 0, "weak symbols");
         PointerProgram(file_, PointerProgram::kRebase, table(8)).run(true);
         PointerProgram(file_, PointerProgram::kBind, table(16)).run(true);
+        PointerProgram(file_, PointerProgram::kBind, table(24)).run(true);  // replaceable, if bound
         PointerProgram(file_, PointerProgram::kBind, table(32)).run(false);
         readExports(table(40), "");
     }
@@ -266,7 +301,7 @@ private:
         const std::uint64_t size = tree.number();
         const std::uint64_t edges = tree.position() + size;
         if (size > 0) {
-            demand(tree.number() == 0, "an export that is not plain");
+            demand((tree.number() & ~kReplaceable) == 0, "an export that is not plain");
             file_.exports[name] = tree.number();
         }
         tree.moveTo(edges);

@@ -26,10 +26,11 @@ struct MachOSegment {
     bool isFixedUpOnce = false;  // read-only once its pointers are set
 };
 
-// A pointer to be set to the address of a symbol of another library.
+// A pointer to be set to the address of a symbol of another library, or so far behind it.
 struct MachOBind {
     std::uint64_t address = 0;
     std::string symbol;
+    std::uint64_t addend = 0;
 };
 
 struct MachOFile {
@@ -38,6 +39,7 @@ struct MachOFile {
     std::vector<std::uint64_t> rebases;  // addresses of pointers into the library itself
     std::vector<MachOBind> binds;
     std::map<std::string, std::uint64_t> exports;
+    std::map<std::string, std::uint64_t> symbols;  // all that the symbol table has, also local ones
     std::vector<std::uint64_t> initialisers;  // addresses of pointers to functions, in their order
     MachORange threadVariables;               // descriptors, three pointers each
     MachORange threadValues;                  // the initial values of each thread's variables
@@ -51,5 +53,5 @@ struct MachOFile {
 // Reads the slice for the processor `cpu` from the bytes of a universal file or of a plain library.
 //
 // Throws std::runtime_error if the slice is missing or uses what this loader does not support: chained
-// fixups, weak symbols, re-exports, addends, symbols that are made on demand.
+// fixups, re-exports, symbols that are made on demand.
 MachOFile readMachO(const std::vector<std::uint8_t>& file, std::uint32_t cpu);

@@ -54,13 +54,16 @@ public:
 
     std::uint8_t* memory() const { return memory_; }
 
-    void setPointers() {
+    void setPointers(const MachOImage* imported) {
         for (const std::uint64_t address : file_.rebases)
             store(address, load(address) + base());
         for (const MachOBind& bind : file_.binds) {
             void* target = macStandIn(bind.symbol);
+            if (target == nullptr && imported != nullptr) target = imported->defined(bind.symbol);
+            const auto own = file_.symbols.find(bind.symbol);  // replaceable, and not replaced
+            if (target == nullptr && own != file_.symbols.end()) target = memory_ + own->second;
             if (target == nullptr) throw std::runtime_error("no stand-in for " + bind.symbol);
-            store(bind.address, reinterpret_cast<Address>(target));
+            store(bind.address, reinterpret_cast<Address>(target) + bind.addend);
         }
     }
 
@@ -127,20 +130,26 @@ private:
 
 }  // namespace
 
-MachOImage::MachOImage(const std::string& path) {
+MachOImage::MachOImage(const std::string& path, const MachOImage* imported) {
     const MachOFile file = readFile(path);
     Loading loading(file);
-    loading.setPointers();
+    loading.setPointers(imported);
     loading.setThreadVariables();
     loading.protect();
     loading.registerFrames();
     loading.runInitialisers();
     memory_ = loading.memory();
     exports_ = file.exports;
+    symbols_ = file.symbols;
 }
 
 void* MachOImage::symbol(const std::string& name) const {
     const auto found = exports_.find("_" + name);
     if (found == exports_.end()) throw std::runtime_error("no export " + name);
     return memory_ + found->second;
+}
+
+void* MachOImage::defined(const std::string& name) const {
+    const auto found = symbols_.find(name);
+    return found == symbols_.end() ? nullptr : memory_ + found->second;
 }

@@ -12,6 +12,7 @@
 
 #include "export/Quillon.h"
 #include "macho/MacFoundation.h"
+#include "macho/MacStandIns.h"
 #include "support/Plugin.h"
 #include "support/TempDir.h"
 
@@ -19,9 +20,13 @@ namespace {
 
 using testing::ThrowsMessage;
 
-// One for all tests: the library stays loaded as in the host.
+// One for all tests: the libraries stay loaded as in the host.
+const MachOImage& cppLibrary() {
+    static const MachOImage loaded(QUILLON_MACHO_CPP_LIBRARY);
+    return loaded;
+}
 const MachOImage& image() {
-    static const MachOImage loaded(QUILLON_MACHO);
+    static const MachOImage loaded(QUILLON_MACHO, &cppLibrary());
     return loaded;
 }
 
@@ -74,6 +79,31 @@ TEST(MachOImage, LetsExceptionsTravel) {
     Block noDot("map");
     EXPECT_ANY_THROW(call("convertTIFF16", {.text = "a.tif", .value = 1, .buffer1 = noDot}));
     EXPECT_EQ(call("Version"), 48.0f);
+}
+
+// The plug-in's std::out_of_range is the C++ library's, as that of another program of macOS is: Catcher.cpp.
+TEST(MachOImage, ThrowsWhatAHostCatchesByItsType) {
+    const MachOImage host(QUILLON_MACHO_CATCHER, &cppLibrary());
+    const auto callAndCatch =
+        reinterpret_cast<int (*)(ExportFunction*, const char*, double, char*)>(
+            host.symbol("callAndCatch"));
+    const auto convert = reinterpret_cast<ExportFunction*>(image().symbol("convertTIFF16"));
+    Block noDot("map");
+    EXPECT_EQ(callAndCatch(convert, "a.tif", 1, noDot), 1);
+    Block withDot("map.tif");
+    EXPECT_EQ(callAndCatch(convert, "/no/a.tif", 1, withDot), 0);
+}
+
+TEST(MachOImageDeathTest, NoticesASmashedStack) {
+    const TempDir dir;
+    const std::string map = dir.write("map.tif", {1, 2, 3});
+    EXPECT_LT(call("getScale", {.text = map.c_str(), .value = 1}), 0.0f);
+    EXPECT_DEATH(
+        {
+            overrunNextFstat();
+            call("getScale", {.text = map.c_str(), .value = 1});
+        },
+        "the library found its stack smashed");
 }
 
 }  // namespace

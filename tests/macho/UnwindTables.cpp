@@ -210,11 +210,17 @@ private:
 
 std::vector<std::uint8_t> dwarfTables(const MachOFile& file, const std::uint8_t* memory) {
     const WordTables tables = WordReader(memory, file.unwindWords).read();
-    if (tables.personalities.size() != 1 || tables.personalities[0] > file.memorySize() - 8)
-        throw std::runtime_error("not one way to handle exceptions");
+    if (tables.personalities.size() > 1)
+        throw std::runtime_error("more than one way to handle exceptions");
+    std::uint64_t personality = 0;  // none: every function that catches is described in DWARF
+    for (const std::uint32_t place : tables.personalities) {
+        if (place > file.memorySize() - 8)
+            throw std::runtime_error("a handler outside the library");
+        personality = loadLe64(memory + place);
+    }
 
     const auto base = reinterpret_cast<std::uintptr_t>(memory);
-    DwarfWriter writer(loadLe64(memory + tables.personalities[0]));
+    DwarfWriter writer(personality);
     for (std::size_t i = 0; i + 1 < tables.functions.size(); ++i) {
         const auto& [start, word] = tables.functions[i];
         if ((word >> 24 & 0xF) != kWithFramePointer) continue;
