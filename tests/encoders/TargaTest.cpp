@@ -4,6 +4,7 @@
 
 #include "encoders/TargaOps.h"
 #include "support/Faults.h"
+#include "support/FullDevice.h"
 #include "support/TempDir.h"
 #include "support/TiffFile.h"
 
@@ -148,6 +149,7 @@ TEST_F(Targa, TheDepthIsIgnored) {
 TEST_F(Targa, AnOutputThatCannotBeWrittenIsReported) {
     const std::string in = dir.write("map.tif", map(1, 1).rgb8({1, 2, 3}).bytes());
     EXPECT_EQ(convertToTarga(in.c_str(), dir.path("no/map.tga").c_str()), -5.0f);
+    NEEDS_FULL_DEVICE();
     EXPECT_EQ(convertToTarga(in.c_str(), "/dev/full"), -5.0f);
 }
 

@@ -80,6 +80,9 @@ TEST(ExportList, HoldsEveryExportThatTheHeaderDeclares) {
 }
 
 TEST(Symbols, AreTheExportListAndNothingElse) {
+#ifdef __APPLE__
+    GTEST_SKIP() << "nm takes other options there, and scripts/check-macos makes this comparison";
+#endif
     EXPECT_EQ(sorted(symbolsOf(QUILLON_LIBRARY)), sorted(exportList()));
 }
 

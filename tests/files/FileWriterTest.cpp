@@ -3,6 +3,7 @@
 #include <gmock/gmock.h>
 
 #include "support/Faults.h"
+#include "support/FullDevice.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -49,6 +50,7 @@ TEST(FileWriter, WritesAgainFromWhereItWentBackTo) {
 }
 
 TEST(FileWriter, DoesNotTruncateADevice) {
+    NEEDS_FULL_DEVICE();
     FileWriter file(File::createOver("/dev/full"));
     EXPECT_TRUE(file.isOpen());
     EXPECT_FALSE(file.append(ByteList{1}.data(), 1));

@@ -10,6 +10,7 @@
 
 #include "mesh/VemoOps.h"
 #include "support/ColourBlock.h"
+#include "support/FullDevice.h"
 #include "support/TempDir.h"
 #include "support/VemoBuilder.h"
 
@@ -131,6 +132,7 @@ TEST_F(ObjExport, AnObjThatCannotBeCreatedIsReported) {
 }
 
 TEST_F(ObjExport, ADiskThatIsFullIsNotReported) {
+    NEEDS_FULL_DEVICE();
     std::filesystem::create_symlink("/dev/full", dir.path("out.obj"));
     EXPECT_EQ(write(paintedMesh()), 0.0f);
 }

@@ -5,6 +5,7 @@
 
 #include "mesh/VemoOps.h"
 #include "support/ColourBlock.h"
+#include "support/FullDevice.h"
 #include "support/TempDir.h"
 #include "support/VemoBuilder.h"
 
@@ -82,6 +83,7 @@ TEST_F(VertexColours, ATextThatCannotBeCreatedIsReported) {
 }
 
 TEST_F(VertexColours, ADiskThatIsFullIsNotReported) {
+    NEEDS_FULL_DEVICE();
     std::filesystem::create_symlink("/dev/full", dir.path("out.txt"));
     EXPECT_EQ(write(VemoBuilder().vertexColours({{1, 2, 3, 4}}).bytes()), 0.0f);
 }

@@ -6,6 +6,7 @@
 #include "bytes/Bytes.h"
 #include "support/Append.h"
 #include "support/CaptureStdout.h"
+#include "support/FullDevice.h"
 #include "support/TempDir.h"
 #include "support/TiffFile.h"
 #include "tiff/TiffOps.h"
@@ -193,6 +194,7 @@ TEST_F(Conversion, RefusalsComeBeforeTheOutputIsCreated) {
 }
 
 TEST_F(Conversion, AMissingMapAndAnOutputThatCannotBeWrittenHaveTheirStatuses) {
+    NEEDS_FULL_DEVICE();
     const CaptureStdout captured;
     const std::string map = dir.write("map.tif", hostMap(1, 1).rgb32({1, 2, 3}));
     const std::string missing = dir.path("missing");

@@ -1,0 +1,11 @@
+#pragma once
+// /dev/full, on which every write fails as on a full disk.
+
+#include <gtest/gtest.h>
+
+// Skips a test that needs it where there is none.
+#ifdef __linux__
+#define NEEDS_FULL_DEVICE() static_cast<void>(0)
+#else
+#define NEEDS_FULL_DEVICE() GTEST_SKIP() << "only Linux has /dev/full"
+#endif
