@@ -1,54 +1,46 @@
 #include "pixels/Planes.h"
 
-#include <algorithm>
 #include <cstring>
 
 #include "pixels/Lanes.h"
 
 namespace {
 
-// Pictures are worked on in blocks: first a mark for each pixel, then plane by plane. Both loops
-// handle many bytes at a time, and the block's marks stay in the cache.
-constexpr std::size_t kBlockPixels = 4096;
-using Marks = std::array<std::uint8_t, kBlockPixels>;
-
-constexpr std::uint8_t kMarked = 0xFF;
-
-// Marks the pixels of a block that differ from `colour`.
-void markOthers(Marks& marks, const std::uint8_t* block, const Rgb& colour, std::size_t planeBytes,
-                std::size_t count) {
-    const std::uint8_t* const green = block + planeBytes;
-    const std::uint8_t* const blue = green + planeBytes;
-    for (std::size_t i = 0; i < count; ++i) {
-        const bool differs =
-            (block[i] != colour.red) | (green[i] != colour.green) | (blue[i] != colour.blue);
-        marks[i] = differs ? kMarked : 0;
-    }
-}
-
-// Calls `work(start, count)` for each block of the planes.
-template <typename Work>
-void forEachBlock(std::size_t pixels, Work work) {
-    for (std::size_t start = 0; start < pixels; start += kBlockPixels)
-        work(start, std::min(kBlockPixels, pixels - start));
-}
-
-// Below, a byte is read and written whatever its mark, so that the compiler may take many at a
-// time.
-
-void fillWhere(std::uint8_t mark, std::uint8_t* to, std::uint8_t value, const Marks& marks,
-               std::size_t count) {
-    for (std::size_t i = 0; i < count; ++i) {
-        const std::uint8_t below = to[i];
-        to[i] = marks[i] == mark ? value : below;
-    }
-}
-
 using ByteLanes = Lanes<std::uint8_t>;
+
+// 16 pixels.
+struct PixelLanes {
+    ByteLanes red;
+    ByteLanes green;
+    ByteLanes blue;
+};
+
+PixelLanes repeated(const Rgb& colour) {
+    return {ByteLanes{} + colour.red, ByteLanes{} + colour.green, ByteLanes{} + colour.blue};
+}
+
+template <typename Byte>
+PixelLanes loadPixels(const std::array<Byte*, 3>& planes, std::size_t at) {
+    return {loadLanes<std::uint8_t>(planes[0] + at), loadLanes<std::uint8_t>(planes[1] + at),
+            loadLanes<std::uint8_t>(planes[2] + at)};
+}
+
+// All bits of a pixel are set where the two are equal.
+ByteLanes areEqual(const PixelLanes& a, const PixelLanes& b) {
+    return reinterpret_cast<ByteLanes>((a.red == b.red) & (a.green == b.green) &
+                                       (a.blue == b.blue));
+}
 
 // Stores bytes, except where all bits of `kept` are set.
 void storeMixed(std::uint8_t* to, const ByteLanes& bytes, const ByteLanes& kept) {
     storeLanes<std::uint8_t>(to, (loadLanes<std::uint8_t>(to) & kept) | (bytes & ~kept));
+}
+
+void storeMixed(const std::array<std::uint8_t*, 3>& planes, std::size_t at,
+                const PixelLanes& pixels, const ByteLanes& kept) {
+    storeMixed(planes[0] + at, pixels.red, kept);
+    storeMixed(planes[1] + at, pixels.green, kept);
+    storeMixed(planes[2] + at, pixels.blue, kept);
 }
 
 // What layOverPlanes does, from pixel `first` on.
@@ -64,24 +56,35 @@ void layOverPlain(const std::array<std::uint8_t*, 3>& planes,
     }
 }
 
+void extend(PaintedRun& run, std::size_t start, std::size_t end) {
+    if (run.isEmpty()) run.start = start;
+    run.end = end;
+}
+
+// What replaceInPlanes does, from pixel `first` on.
+void replacePlain(const std::array<std::uint8_t*, 3>& planes, const Rgb& from, const Rgb& to,
+                  bool invert, std::size_t first, std::size_t pixels, PaintedRun& replaced) {
+    for (std::size_t i = first; i < pixels; ++i) {
+        const bool differs =
+            planes[0][i] != from.red || planes[1][i] != from.green || planes[2][i] != from.blue;
+        if (differs != invert) continue;
+        planes[0][i] = to.red;
+        planes[1][i] = to.green;
+        planes[2][i] = to.blue;
+        extend(replaced, i, i + 1);
+    }
+}
+
 }  // namespace
 
 void layOverPlanes(const std::array<std::uint8_t*, 3>& planes,
                    const std::array<const std::uint8_t*, 3>& source, const Rgb& background,
                    std::size_t pixels) {
-    const ByteLanes red = ByteLanes{} + background.red;
-    const ByteLanes green = ByteLanes{} + background.green;
-    const ByteLanes blue = ByteLanes{} + background.blue;
+    const PixelLanes key = repeated(background);
     std::size_t i = 0;
     for (; i + kLanesBytes <= pixels; i += kLanesBytes) {
-        const ByteLanes newRed = loadLanes<std::uint8_t>(source[0] + i);
-        const ByteLanes newGreen = loadLanes<std::uint8_t>(source[1] + i);
-        const ByteLanes newBlue = loadLanes<std::uint8_t>(source[2] + i);
-        const auto kept =
-            reinterpret_cast<ByteLanes>((newRed == red) & (newGreen == green) & (newBlue == blue));
-        storeMixed(planes[0] + i, newRed, kept);
-        storeMixed(planes[1] + i, newGreen, kept);
-        storeMixed(planes[2] + i, newBlue, kept);
+        const PixelLanes above = loadPixels(source, i);
+        storeMixed(planes, i, above, areEqual(above, key));
     }
     layOverPlain(planes, source, background, i, pixels);
 }
@@ -100,17 +103,21 @@ void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, const std::u
     }
 }
 
-void replaceInPlanes(std::uint8_t* planes, const Rgb& from, const Rgb& to, bool invert,
-                     std::size_t pixels) {
-    const std::uint8_t replaced = invert ? kMarked : 0;
-    Marks others;
-    forEachBlock(pixels, [&](std::size_t start, std::size_t count) {
-        std::uint8_t* const block = planes + start;
-        markOthers(others, block, from, pixels, count);
-        fillWhere(replaced, block, to.red, others, count);
-        fillWhere(replaced, block + pixels, to.green, others, count);
-        fillWhere(replaced, block + 2 * pixels, to.blue, others, count);
-    });
+PaintedRun replaceInPlanes(const std::array<std::uint8_t*, 3>& planes, const Rgb& from,
+                           const Rgb& to, bool invert, std::size_t pixels) {
+    const PixelLanes old = repeated(from);
+    const PixelLanes replacement = repeated(to);
+    const ByteLanes flipped = invert ? ~ByteLanes{} : ByteLanes{};
+    PaintedRun replaced;
+    std::size_t i = 0;
+    for (; i + kLanesBytes <= pixels; i += kLanesBytes) {
+        const ByteLanes changing = areEqual(loadPixels(planes, i), old) ^ flipped;
+        if (everyBitIs<std::uint8_t>(0, changing)) continue;
+        storeMixed(planes, i, replacement, ~changing);
+        extend(replaced, i, i + kLanesBytes);
+    }
+    replacePlain(planes, from, to, invert, i, pixels, replaced);
+    return replaced;
 }
 
 void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones,

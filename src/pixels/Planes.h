@@ -6,6 +6,8 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "pixels/PaintedRuns.h"
+
 // A colour of one byte a channel.
 struct Rgb {
     std::uint8_t red;
@@ -24,12 +26,12 @@ void layOverPlanes(const std::array<std::uint8_t*, 3>& planes,
 void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, const std::uint8_t* background,
                    std::size_t samples);
 
-// Below, `planes` are three planes, red, green and blue, of `pixels` bytes each, one behind the
-// other.
+// Below, `planes` are red, green and blue, of `pixels` bytes each.
 
-// Replaces the pixels of the colour `from`, or with `invert` all pixels but those.
-void replaceInPlanes(std::uint8_t* planes, const Rgb& from, const Rgb& to, bool invert,
-                     std::size_t pixels);
+// Replaces the pixels of the colour `from`, or with `invert` all pixels but those. Returns a run that
+// has all of the pixels replaced; empty if there were none.
+PaintedRun replaceInPlanes(const std::array<std::uint8_t*, 3>& planes, const Rgb& from,
+                           const Rgb& to, bool invert, std::size_t pixels);
 
 // Turns the first plane into the grey of all three, 0.333 of each, rounded half up, then looked up
 // in `tones`.

@@ -127,14 +127,23 @@ float GrayscalePSD(const char* input, const char* output, std::int32_t level) {
 }
 
 float convertPSD(const char* path, float fromColour, float toColour, bool invert) {
-    const ImgInUse inUse;
-    const float status = loadPSD(path);
+    PsdOnDisk map;
+    const float status = openPSD(path, map);
     if (status != kOk) return status;
-    const PsdLayout file = layoutOfImg();
-    if (!file.holdsColourPlanes()) return kNotOpened;
+    if (!map.holdsColourPlanes()) return kNotOpened;
 
-    std::uint8_t* const planes = img.data() + file.dataOffset;
-    const auto pixels = static_cast<std::size_t>(file.pixels());
-    replaceInPlanes(planes, unpacked(fromColour), unpacked(toColour), invert, pixels);
-    return writePSD(path, img);
+    const File rewritten = File::openForRewriting(path);
+    if (!rewritten.isOpen()) return kNotWritten;
+    const Planes planes{map.dataOffset, static_cast<std::size_t>(map.pixels()), 3};
+    PlanePieces pieces(planes);
+    const Rgb from = unpacked(fromColour);
+    const Rgb to = unpacked(toColour);
+    for (std::size_t start = 0; start < planes.bytes; start += PlanePieces::kBytes) {
+        const std::size_t count = std::min(PlanePieces::kBytes, planes.bytes - start);
+        if (!pieces.read(rewritten, start, count)) return kNotOpened;
+        const PaintedRun run = replaceInPlanes(pieces.colours(), from, to, invert, count);
+        if (!pieces.write(rewritten, run)) return kOk;
+    }
+    rewritten.touch();  // a map in which no pixel changes counts as rewritten, too
+    return kOk;
 }

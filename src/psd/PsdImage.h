@@ -2,6 +2,7 @@
 // PsdImage: the file that a PSD operation works on: loading it, reading its header, asking whether
 // its planes are there, writing it. The layout is in PsdOps.h. Only src/psd includes this.
 
+#include <array>
 #include <cstddef>
 #include <cstdint>
 #include <span>
@@ -131,6 +132,8 @@ public:
     // Writes a run of each plane to its own place.
     bool write(const File& file, const PaintedRun& run) const;
 
+    // Where red, green and blue are in memory.
+    std::array<std::uint8_t*, 3> colours() const { return {at(0), at(1), at(2)}; }
     std::uint8_t* at(std::size_t plane) const { return pieces_[plane].data(); }
     std::size_t start() const { return start_; }  // in each plane
     std::size_t size() const { return pieces_.front().size(); }

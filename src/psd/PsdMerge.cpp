@@ -35,8 +35,8 @@ typename PaintedRuns<kPlanes>::Places placesIn(const PlanePieces& pieces, std::s
 // Lays `count` bytes of each of the tile's planes over as many of the map's.
 void layOver(const PlanePieces& map, const PaintedRuns<3>::Places& tile,
              const PlanePieces& background, std::size_t count) {
-    layOverPlanes({map.at(0), map.at(1), map.at(2)}, tile,
-                  {*background.at(0), *background.at(1), *background.at(2)}, count);
+    layOverPlanes(map.colours(), tile, {*background.at(0), *background.at(1), *background.at(2)},
+                  count);
 }
 
 void layOver(const PlanePieces& map, const PaintedRuns<1>::Places& tile,

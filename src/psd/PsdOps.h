@@ -27,11 +27,11 @@
 // is refused as kNotOpened before anything is written. Planes that the header announces beyond those
 // need not be there.
 //
-// Every operation may be given the same path twice. Merging and swapping write over the planes on
-// disk, piece by piece; any other file is rewritten as a whole, the old one gone once the new one is
-// opened. A disk that then takes fewer bytes is not reported: the file ends there. One that fails to
-// be read halfway is, as kNotOpened: a swap is then undone, and what a merge has done by then stays,
-// so that the same call again completes it.
+// Every operation may be given the same path twice. Merging, swapping and replacing a colour write over
+// the planes on disk, piece by piece; any other file is rewritten as a whole, the old one gone once the
+// new one is opened. A disk that then takes fewer bytes is not reported: the file ends there. One that
+// fails to be read halfway is, as kNotOpened: a swap is then undone; what a merge or a replacement has
+// done by then stays, so that the same call again completes it.
 
 #include <cstdint>
 
@@ -116,7 +116,8 @@ float GrayscalePSD(const char* input, const char* output, std::int32_t level);
 // Replaces one colour, or with `invert` all others, by another. Planes are taken as 8-bit; any
 // beyond the third stay.
 //
-//   path        rewritten
+//   path        rewritten near the pixels that are replaced; its modification time is set even where
+//               there are none
 //   fromColour  red x 65536 + green x 256 + blue, each 0 to 255. Of a number beyond the range each
 //               part keeps its low eight bits; NaN is black.
 //   toColour    the same

@@ -20,6 +20,12 @@ void layOver(ByteList& planes, const ByteList& source, const Rgb& background, st
                   background, pixels);
 }
 
+PaintedRun replace(ByteList& planes, const Rgb& from, const Rgb& to, bool invert,
+                   std::size_t pixels) {
+    std::uint8_t* const red = planes.data();
+    return replaceInPlanes({red, red + pixels, red + 2 * pixels}, from, to, invert, pixels);
+}
+
 TEST(Planes, PaintedPixelsAreLaidOver) {
     ByteList planes = {5, 5, 5, 6, 6, 6, 7, 7, 7};
     const ByteList source = {1, 9, 9, 1, 9, 8, 1, 9, 9};
@@ -27,9 +33,9 @@ TEST(Planes, PaintedPixelsAreLaidOver) {
     EXPECT_THAT(planes, ElementsAre(1, 5, 9, 1, 6, 8, 1, 7, 9));
 }
 
-// Pictures are worked on in blocks of 4096 pixels: every length around their borders.
+// Sixteen pixels are handled at a time, and the rest one by one.
 TEST(Planes, NoPixelIsLeftOutAndNoneBeyondTheLastIsTouched) {
-    for (const std::size_t pixels : {0u, 1u, 4095u, 4096u, 4097u, 8193u}) {
+    for (const std::size_t pixels : {0u, 1u, 15u, 16u, 17u, 33u}) {
         ByteList planes(3 * pixels + 1, 5);
         const ByteList source(3 * pixels + 1, 1);
         layOver(planes, source, {9, 9, 9}, pixels);
@@ -37,7 +43,7 @@ TEST(Planes, NoPixelIsLeftOutAndNoneBeyondTheLastIsTouched) {
         expected.push_back(5);
         EXPECT_TRUE(planes == expected) << pixels;
 
-        replaceInPlanes(planes.data(), {1, 1, 1}, {2, 2, 2}, false, pixels);
+        replace(planes, {1, 1, 1}, {2, 2, 2}, false, pixels);
         expected.assign(3 * pixels, 2);
         expected.push_back(5);
         EXPECT_TRUE(planes == expected) << pixels;
@@ -79,8 +85,43 @@ TEST(Planes, ShortsThatDifferInEitherByteAreLaidOver) {
 
 TEST(Planes, InvertedAllOtherColoursAreReplaced) {
     ByteList planes = {1, 1, 2, 2, 3, 0};
-    replaceInPlanes(planes.data(), {1, 2, 3}, {7, 8, 9}, true, 2);
+    replace(planes, {1, 2, 3}, {7, 8, 9}, true, 2);
     EXPECT_THAT(planes, ElementsAre(1, 7, 2, 8, 3, 9));
+}
+
+// Every length, and one pixel of another colour at every place.
+TEST(Planes, AreReplacedAlikeWhereverTheyStartAndEnd) {
+    for (std::size_t pixels = 1; pixels < 40; ++pixels) {
+        for (std::size_t other = 0; other < pixels; ++other) {
+            for (const bool invert : {false, true}) {
+                ByteList planes(3 * pixels, 4);
+                planes[other + (other % 3) * pixels] = 5;
+                ByteList expected = planes;
+                for (std::size_t i = 0; i < pixels; ++i) {
+                    if ((i == other) != invert) continue;
+                    expected[i] = 1;
+                    expected[i + pixels] = 2;
+                    expected[i + 2 * pixels] = 3;
+                }
+                replace(planes, {4, 4, 4}, {1, 2, 3}, invert, pixels);
+                ASSERT_TRUE(planes == expected) << other << " of " << pixels;
+            }
+        }
+    }
+}
+
+TEST(Planes, TheRunOfWhatWasReplacedIsReturned) {
+    ByteList planes(3 * 90, 4);
+    EXPECT_TRUE(replace(planes, {7, 7, 7}, {1, 2, 3}, false, 90).isEmpty());
+    for (const std::size_t changed : {20u, 50u, 250u})  // the pixels 20, 50 and 70
+        planes[changed] = 5;
+    const PaintedRun lanes = replace(planes, {4, 4, 4}, {4, 4, 4}, true, 90);
+    EXPECT_EQ(lanes.start, 16u);
+    EXPECT_EQ(lanes.end, 80u);
+    planes[2 * 90 + 85] = 5;  // after the last whole lanes
+    const PaintedRun rest = replace(planes, {4, 4, 4}, {4, 4, 4}, true, 90);
+    EXPECT_EQ(rest.start, 85u);
+    EXPECT_EQ(rest.end, 86u);
 }
 
 TEST(Planes, GreyIsLookedUpAndTheOtherPlanesStay) {

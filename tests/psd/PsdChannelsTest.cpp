@@ -1,6 +1,8 @@
 #include <gmock/gmock.h>
 
 #include <algorithm>
+#include <chrono>
+#include <filesystem>
 #include <limits>
 #include <utility>
 
@@ -188,16 +190,37 @@ TEST_F(ConvertPsd, NumbersThatAreNoColoursDoNotHurt) {
     EXPECT_THAT(converted(0.0f, std::numeric_limits<float>::infinity(), false)[0], 255);
 }
 
-TEST_F(ConvertPsd, AColourThatIsNotThereRewritesTheSameBytes) {
+// A map counts as rewritten even where no pixel changes.
+TEST_F(ConvertPsd, AColourThatIsNotThereChangesNothingButTheTime) {
     const ByteList before = PsdFile(2, 1).resources(3).layers(2).planes({1, 2, 3, 4, 5, 6, 99});
-    EXPECT_EQ(convertPSD(write(before), 0.0f, 255.0f, false), 0.0f);
+    const char* const map = write(before);
+    const auto hourAgo = std::filesystem::last_write_time(map) - std::chrono::hours(1);
+    std::filesystem::last_write_time(map, hourAgo);
+    EXPECT_EQ(convertPSD(map, 0.0f, 255.0f, false), 0.0f);
     EXPECT_EQ(bytes(), before);
+    EXPECT_GT(std::filesystem::last_write_time(map), hourAgo);
 }
 
-// A block of the work is 4096 pixels.
-TEST_F(ConvertPsd, EveryPixelOfALargeMapIsLookedAt) {
-    EXPECT_EQ(convertPSD(write(PsdFile(9001, 1).filled(27003, 4)), 263172.0f, 0.0f, false), 0.0f);
-    EXPECT_EQ(bytes(), PsdFile(9001, 1).filled(27003, 0).bytes());
+// A piece holds 65536 bytes of each plane. One pixel of another colour is replaced, or left, at
+// the first and the last place of each, and at none of one.
+TEST_F(ConvertPsd, AMapOfManyPiecesIsConvertedWhole) {
+    constexpr std::size_t kPixels = 200000;
+    const std::size_t others[] = {0, 65535, 65536, 196608, 199999};
+    ByteList planes(3 * kPixels, 4);
+    ByteList whitened = planes;
+    ByteList blackened(3 * kPixels, 0);
+    for (const std::size_t pixel : others) {
+        planes[pixel] = 5;
+        for (std::size_t plane = 0; plane < 3; ++plane) {
+            whitened[plane * kPixels + pixel] = 255;
+            blackened[plane * kPixels + pixel] = planes[plane * kPixels + pixel];
+        }
+    }
+    const auto map = [](const ByteList& data) { return PsdFile(500, 400).planes(data).bytes(); };
+    EXPECT_EQ(convertPSD(write(map(planes)), 0x040404, 0xFFFFFF, true), 0.0f);
+    EXPECT_TRUE(bytes() == map(whitened));
+    EXPECT_EQ(convertPSD(write(map(planes)), 0x040404, 0, false), 0.0f);
+    EXPECT_TRUE(bytes() == map(blackened));
 }
 
 }  // namespace
