@@ -7,6 +7,7 @@
 namespace {
 
 using ByteLanes = Lanes<std::uint8_t>;
+using ShortLanes = Lanes<std::uint16_t>;
 
 // 16 pixels.
 struct PixelLanes {
@@ -54,6 +55,29 @@ void layOverPlain(const std::array<std::uint8_t*, 3>& planes,
         for (std::size_t plane = 0; plane < 3; ++plane)
             planes[plane][i] = source[plane][i];
     }
+}
+
+// 333 thousandths of this sum of three colours are a half above a whole number, of any other sum at
+// least one thousandth away from that: there the sum alone decides the grey.
+constexpr std::uint16_t kSumOnHalf = 500;
+
+// What a pixel of 16 has in its lane of one of these: the sum of its colours.
+struct PixelSums {
+    ShortLanes even;
+    ShortLanes odd;
+};
+
+PixelSums sumsOf(const PixelLanes& pixels) {
+    const auto red = reinterpret_cast<ShortLanes>(pixels.red);
+    const auto green = reinterpret_cast<ShortLanes>(pixels.green);
+    const auto blue = reinterpret_cast<ShortLanes>(pixels.blue);
+    const ShortLanes low = ShortLanes{} + 0xFF;
+    return {(red & low) + (green & low) + (blue & low), (red >> 8) + (green >> 8) + (blue >> 8)};
+}
+
+bool isAnyOnHalf(const PixelSums& sums) {
+    return !everyBitIs<std::uint16_t>(
+        0, reinterpret_cast<ShortLanes>((sums.even == kSumOnHalf) | (sums.odd == kSumOnHalf)));
 }
 
 void extend(PaintedRun& run, std::size_t start, std::size_t end) {
@@ -120,16 +144,47 @@ PaintedRun replaceInPlanes(const std::array<std::uint8_t*, 3>& planes, const Rgb
     return replaced;
 }
 
-void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones,
-                std::size_t pixels) {
-    constexpr double kWeight = 0.333;
-    const std::uint8_t* const green = planes + pixels;
-    const std::uint8_t* const blue = green + pixels;
-    for (std::size_t i = 0; i < pixels; ++i) {
-        // At most 255.245. The order of the sums decides where it lies right on a half.
-        const double grey = planes[i] * kWeight + green[i] * kWeight + blue[i] * kWeight + 0.5;
-        planes[i] = tones[static_cast<std::size_t>(static_cast<int>(grey))];
+Greys::Greys(const std::array<std::uint8_t, 256>& tones) : tones_(tones) {
+    for (std::size_t sum = 0; sum < toneOfSum_.size(); ++sum)
+        toneOfSum_[sum] = tones[(333 * sum + 500) / 1000];
+}
+
+void Greys::replaceRed(const std::array<std::uint8_t*, 3>& planes, std::size_t pixels) const {
+    std::size_t i = 0;
+    for (; i + kLanesBytes <= pixels; i += kLanesBytes) {
+        const PixelSums sums = sumsOf(loadPixels(planes, i));
+        if (isAnyOnHalf(sums))
+            replacePlain(planes, i, i + kLanesBytes);
+        else
+            storeTones(planes[0] + i, sums.even, sums.odd);
     }
+    replacePlain(planes, i, pixels);
+}
+
+// Of 16 pixels, by the sums of their colours: the even ones, counted from 0, and the odd ones.
+void Greys::storeTones(std::uint8_t* to, const ShortLanes& even, const ShortLanes& odd) const {
+    for (std::size_t first = 0; first < kLanesBytes; first += 8) {
+        std::uint64_t tones = 0;
+        for (std::size_t i = 4; i-- > 0;) {
+            tones = tones << 8 | toneOfSum_[odd[first / 2 + i]];
+            tones = tones << 8 | toneOfSum_[even[first / 2 + i]];
+        }
+        std::memcpy(to + first, &tones, sizeof tones);
+    }
+}
+
+void Greys::replacePlain(const std::array<std::uint8_t*, 3>& planes, std::size_t first,
+                         std::size_t end) const {
+    for (std::size_t i = first; i < end; ++i)
+        planes[0][i] = toneOf(planes, i);
+}
+
+// The tone of one pixel. The order of the sums decides where it lies right on a half.
+std::uint8_t Greys::toneOf(const std::array<std::uint8_t*, 3>& planes, std::size_t at) const {
+    constexpr double kWeight = 0.333;
+    const double grey =
+        planes[0][at] * kWeight + planes[1][at] * kWeight + planes[2][at] * kWeight + 0.5;
+    return tones_[static_cast<std::size_t>(static_cast<int>(grey))];  // at most 255.245
 }
 
 void gatherBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* indices,

@@ -6,6 +6,7 @@
 #include <cstddef>
 #include <cstdint>
 
+#include "pixels/Lanes.h"
 #include "pixels/PaintedRuns.h"
 
 // A colour of one byte a channel.
@@ -33,10 +34,25 @@ void layOverShorts(std::uint8_t* plane, const std::uint8_t* source, const std::u
 PaintedRun replaceInPlanes(const std::array<std::uint8_t*, 3>& planes, const Rgb& from,
                            const Rgb& to, bool invert, std::size_t pixels);
 
-// Turns the first plane into the grey of all three, 0.333 of each, rounded half up, then looked up
-// in `tones`.
-void greyPlanes(std::uint8_t* planes, const std::array<std::uint8_t, 256>& tones,
-                std::size_t pixels);
+// The grey of pixels, 0.333 of each colour, rounded half up, then looked up in a table.
+class Greys {
+public:
+    explicit Greys(const std::array<std::uint8_t, 256>& tones);
+
+    // Turns the first plane into the grey of all three.
+    void replaceRed(const std::array<std::uint8_t*, 3>& planes, std::size_t pixels) const;
+
+private:
+    using ShortLanes = Lanes<std::uint16_t>;
+
+    void storeTones(std::uint8_t* to, const ShortLanes& even, const ShortLanes& odd) const;
+    void replacePlain(const std::array<std::uint8_t*, 3>& planes, std::size_t first,
+                      std::size_t end) const;
+    std::uint8_t toneOf(const std::array<std::uint8_t*, 3>& planes, std::size_t at) const;
+
+    std::array<std::uint8_t, 256> tones_;
+    std::array<std::uint8_t, 3 * 255 + 1> toneOfSum_{};
+};
 
 // Copies the bytes at the places `indices` of `from`.
 void gatherBytes(std::uint8_t* to, const std::uint8_t* from, const std::size_t* indices,

@@ -4,6 +4,7 @@
 #include <array>
 
 #include "bytes/Numbers.h"
+#include "files/FileWriter.h"
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
 #include "psd/PsdOps.h"
@@ -78,6 +79,42 @@ std::array<std::uint8_t, 256> tonesFor(std::int32_t level) {
     return tones;
 }
 
+// Calls `append(bytes, count)` for the grey of each piece of a map, as long as it returns true.
+// False when the map cannot be read to its end.
+template <typename Append>
+bool forEachGrey(const PsdOnDisk& map, const Greys& greys, Append append) {
+    const Planes planes{map.dataOffset, static_cast<std::size_t>(map.pixels()), 3};
+    PlanePieces pieces(planes);
+    for (std::size_t start = 0; start < planes.bytes; start += PlanePieces::kBytes) {
+        const std::size_t count = std::min(PlanePieces::kBytes, planes.bytes - start);
+        if (!pieces.read(map.file, start, count)) return false;
+        greys.replaceRed(pieces.colours(), count);
+        if (!append(pieces.at(0), count)) return true;
+    }
+    return true;
+}
+
+// Writes `img` and the grey of a map.
+float writeGrey(const PsdOnDisk& map, const Greys& greys, const char* output) {
+    FileWriter file(File::createOver(output));
+    if (!file.isOpen()) return kNotWritten;
+    if (!file.append(img.data(), img.size())) return kOk;
+    const auto append = [&](const std::uint8_t* bytes, std::size_t count) {
+        return file.append(bytes, count);
+    };
+    return forEachGrey(map, greys, append) ? kOk : kNotOpened;
+}
+
+// The same over the map itself, which stays as it was if it cannot be read to its end.
+float replaceByGrey(const PsdOnDisk& map, const Greys& greys, const char* output) {
+    img.reserve(img.size() + static_cast<std::size_t>(map.pixels()));
+    const auto append = [](const std::uint8_t* bytes, std::size_t count) {
+        img.insert(img.end(), bytes, bytes + count);
+        return true;
+    };
+    return forEachGrey(map, greys, append) ? writePSD(output, img) : kNotOpened;
+}
+
 Rgb unpacked(double colour) {
     const std::int32_t red = saturatedInt(colour / 65536.0);
     const std::int32_t green = saturatedInt(colour / 256.0);
@@ -112,18 +149,20 @@ float swapChannelsPSD(const char* path, int mode) {
 }
 
 float GrayscalePSD(const char* input, const char* output, std::int32_t level) {
-    const ImgInUse inUse;
-    const float status = loadPSD(input);
+    PsdOnDisk map;
+    float status = openPSD(input, map);
     if (status != kOk) return status;
-    if (fHeader.colourMode != kRgbMode) return kGrayscaleNotRgb;
-    const PsdLayout file = layoutOfImg();
-    if (!file.holdsColourPlanes()) return kNotOpened;
+    if (map.header.colourMode != kRgbMode) return kGrayscaleNotRgb;
+    if (!map.holdsColourPlanes()) return kNotOpened;
 
+    const ImgInUse inUse;
+    status = loadHead(map);
+    if (status != kOk) return status;
     writeShort(kChannelsField, kOneGrey);
     writeShort(kColourModeField, kOneGrey);
-    const auto pixels = static_cast<std::size_t>(file.pixels());
-    greyPlanes(img.data() + file.dataOffset, tonesFor(level), pixels);
-    return writePSD(output, {img.data(), file.dataOffset + pixels});
+    const Greys greys(tonesFor(level));
+    return map.file.isSameAs(output) ? replaceByGrey(map, greys, output)
+                                     : writeGrey(map, greys, output);
 }
 
 float convertPSD(const char* path, float fromColour, float toColour, bool invert) {

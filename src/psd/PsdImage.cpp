@@ -158,6 +158,13 @@ float openPSD(const char* path, PsdOnDisk& psd) {
     return status;
 }
 
+float loadHead(const PsdOnDisk& psd) {
+    emptyImg();
+    img.resize(psd.dataOffset);
+    if (psd.file.readAt(0, img.data(), img.size()) != img.size()) return kNotOpened;
+    return readPSDHeader();
+}
+
 PsdLayout layoutOfImg() {
     return {fHeader, static_cast<std::size_t>(offst), img.size()};
 }

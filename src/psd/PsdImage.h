@@ -101,6 +101,11 @@ struct PsdOnDisk : PsdLayout {
 //   returns  as readPSDHeader
 float openPSD(const char* path, PsdOnDisk& psd);
 
+// Loads what precedes the image data of an accepted file into `img` and reads the header there.
+//
+//   returns  kNotOpened when it cannot be read, else as readPSDHeader
+float loadHead(const PsdOnDisk& psd);
+
 // The layout of the file in `img`.
 PsdLayout layoutOfImg();
 

@@ -108,7 +108,8 @@ float swapChannelsPSD(const char* path, int mode);
 // (255 - level), in 32-bit integers that wrap, cut at 0.
 //
 //   input    path, only read
-//   output   path, created or rewritten
+//   output   path, created, or written over and then cut to the new length. Ends where `input` could
+//            not be read on; `input` itself then stays as it was.
 //   returns  kOk, kNotOpened, kBadVersion, kHasColourTable, kCompressed, kGrayscaleNotRgb,
 //            kNotWritten
 float GrayscalePSD(const char* input, const char* output, std::int32_t level);

@@ -2,6 +2,7 @@
 
 #include <gmock/gmock.h>
 
+#include <algorithm>
 #include <random>
 #include <vector>
 
@@ -124,13 +125,46 @@ TEST(Planes, TheRunOfWhatWasReplacedIsReturned) {
     EXPECT_EQ(rest.end, 86u);
 }
 
+void makeGrey(ByteList& planes, const std::array<std::uint8_t, 256>& tones, std::size_t pixels) {
+    std::uint8_t* const red = planes.data();
+    Greys(tones).replaceRed({red, red + pixels, red + 2 * pixels}, pixels);
+}
+
 TEST(Planes, GreyIsLookedUpAndTheOtherPlanesStay) {
     std::array<std::uint8_t, 256> tones{};
     tones[20] = 77;
     tones[255] = 88;
     ByteList planes = {10, 255, 20, 255, 30, 255};
-    greyPlanes(planes.data(), tones, 2);
+    makeGrey(planes, tones, 2);
     EXPECT_THAT(planes, ElementsAre(77, 88, 20, 255, 30, 255));
+}
+
+// Sixteen pixels at a time, and those of the sum 500 one at a time, must give what the formula gives.
+// The blue is that which brings the sum nearest to the one wanted.
+TEST(Planes, GreyIsThatOfTheFormulaForEveryRedAndGreen) {
+    std::array<std::uint8_t, 256> tones{};
+    for (std::size_t grey = 0; grey < 256; ++grey)
+        tones[grey] = static_cast<std::uint8_t>(255 - grey);
+    constexpr std::size_t kPixels = 65536 + 7;
+    for (const std::size_t wanted : {100u, 500u, 501u, 700u}) {
+        ByteList planes(3 * kPixels);
+        ByteList expected(kPixels);
+        for (std::size_t i = 0; i < kPixels; ++i) {
+            const std::size_t red = i % 256;
+            const std::size_t green = i / 256 % 256;
+            const std::size_t sum = std::clamp(wanted, red + green, red + green + 255);
+            const std::size_t blue = sum - red - green;
+            planes[i] = static_cast<std::uint8_t>(red);
+            planes[kPixels + i] = static_cast<std::uint8_t>(green);
+            planes[2 * kPixels + i] = static_cast<std::uint8_t>(blue);
+            const auto part = [](std::size_t colour) { return static_cast<int>(colour) * 0.333; };
+            const double grey = part(red) + part(green) + part(blue) + 0.5;
+            expected[i] = static_cast<std::uint8_t>(255 - static_cast<int>(grey));
+        }
+        makeGrey(planes, tones, kPixels);
+        planes.resize(kPixels);
+        EXPECT_TRUE(planes == expected) << wanted;
+    }
 }
 
 TEST(Planes, BytesAreGatheredInAnyOrder) {

@@ -8,6 +8,7 @@
 
 #include "export/Quillon.h"
 #include "psd/PsdOps.h"
+#include "support/Faults.h"
 #include "support/PsdFile.h"
 
 namespace {
@@ -156,6 +157,45 @@ TEST_F(GrayscalePsd, OnePlaneFollowsTheHeaderOfTheInput) {
     EXPECT_EQ(GrayscalePSD(write(input), grey.c_str(), 0), 0.0f);
     EXPECT_EQ(readBytes(grey), file(PsdFile(2, 1).channels(1).colourMode(1).planes({10, 30})));
     EXPECT_EQ(bytes(), input);
+}
+
+// A piece holds 65536 bytes of each plane. The output is longer before, and then the map itself, by
+// its name and by a link.
+TEST_F(GrayscalePsd, AMapOfManyPiecesIsWrittenWholeAndMayReplaceItself) {
+    constexpr std::size_t kPixels = 200000;
+    ByteList planes(3 * kPixels);
+    ByteList greys(kPixels);
+    for (std::size_t i = 0; i < kPixels; ++i) {
+        const auto grey = static_cast<std::uint8_t>(i % 251);
+        planes[i] = planes[kPixels + i] = planes[2 * kPixels + i] = greys[i] = grey;
+    }
+    const ByteList input = PsdFile(500, 400).planes(planes);
+    const ByteList expected = PsdFile(500, 400).channels(1).colourMode(1).planes(greys);
+    const std::string grey = dir.write("grey.psd", ByteList(700000, 9));
+    const char* const map = write(input);
+    EXPECT_EQ(GrayscalePSD(map, grey.c_str(), 0), 0.0f);
+    EXPECT_TRUE(readBytes(grey) == expected);
+    EXPECT_TRUE(bytes() == input);
+    EXPECT_EQ(GrayscalePSD(map, map, 0), 0.0f);
+    EXPECT_TRUE(bytes() == expected);
+    const std::string link = dir.path("link.psd");
+    std::filesystem::create_symlink(write(input), link);
+    EXPECT_EQ(GrayscalePSD(link.c_str(), map, 0), 0.0f);
+    EXPECT_TRUE(bytes() == expected);
+}
+
+// A full disk is not reported: the grey map ends at its header or within its plane.
+TEST_F(GrayscalePsd, EndsWhereTheDiskIsFull) {
+    const std::string map = write(PsdFile(300, 300).filled(270000, 9));
+    const std::string grey = dir.path("grey.psd");
+    for (const std::size_t room : {10u, 1000u, 70000u}) {
+        std::filesystem::remove(grey);
+        {
+            const FullDisk disk(room);
+            EXPECT_EQ(GrayscalePSD(map.c_str(), grey.c_str(), 0), 0.0f);
+        }
+        EXPECT_EQ(readBytes(grey).size(), room);
+    }
 }
 
 TEST_F(GrayscalePsd, OtherColourModesAreRefused) {
