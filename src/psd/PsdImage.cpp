@@ -28,6 +28,9 @@ constexpr std::size_t kResourceLength = 30;
 // Memory that `img` keeps while it is empty.
 constexpr std::size_t kMaxKeptBytes = kPieceBytes;
 
+// Reading fewer bytes than this costs less than a call of the system.
+constexpr std::size_t kCheapGap = 4000;
+
 Bytes bytesOfImg() {
     return {img.data(), img.size()};
 }
@@ -167,6 +170,18 @@ float loadHead(const PsdOnDisk& psd) {
 
 PsdLayout layoutOfImg() {
     return {fHeader, static_cast<std::size_t>(offst), img.size()};
+}
+
+Runs::Runs(const File& file, std::size_t runBytes, std::size_t distance)
+    : file_(file),
+      readAhead_(distance - runBytes < kCheapGap ? std::max(runBytes, kPieceBytes) : runBytes),
+      piece_(readAhead_) {}
+
+const std::uint8_t* Runs::read(std::size_t place, std::size_t count) {
+    const bool isThere =
+        place >= piece_.offset() && place + count <= piece_.offset() + piece_.size();
+    if (!isThere && !piece_.read(file_, place, readAhead_) && piece_.size() < count) return nullptr;
+    return piece_.data() + (place - piece_.offset());
 }
 
 PlanePieces::PlanePieces(const Planes& planes) : planes_(planes) {

@@ -109,6 +109,22 @@ float loadHead(const PsdOnDisk& psd);
 // The layout of the file in `img`.
 PsdLayout layoutOfImg();
 
+// Runs of a file's bytes that are read in order of place, all of them at equal distances. Bytes between
+// two that cost less to read than a call of the system are read with them.
+class Runs {
+public:
+    // Runs of at most `runBytes`, each `distance` after the one before.
+    Runs(const File& file, std::size_t runBytes, std::size_t distance);
+
+    // The `count` bytes from `place` on; null if they cannot be read. They stay until the next call.
+    const std::uint8_t* read(std::size_t place, std::size_t count);
+
+private:
+    const File& file_;
+    std::size_t readAhead_;
+    Piece piece_;
+};
+
 // Planes of samples, one behind the other, as merges and swaps move them: a piece of each at a time.
 struct Planes {
     std::size_t offset;  // of the first, in the file

@@ -172,15 +172,15 @@ TEST_F(GrayscalePsd, AMapOfManyPiecesIsWrittenWholeAndMayReplaceItself) {
     const ByteList input = PsdFile(500, 400).planes(planes);
     const ByteList expected = PsdFile(500, 400).channels(1).colourMode(1).planes(greys);
     const std::string grey = dir.write("grey.psd", ByteList(700000, 9));
-    const char* const map = write(input);
-    EXPECT_EQ(GrayscalePSD(map, grey.c_str(), 0), 0.0f);
+    const std::string map = write(input);
+    EXPECT_EQ(GrayscalePSD(map.c_str(), grey.c_str(), 0), 0.0f);
     EXPECT_TRUE(readBytes(grey) == expected);
     EXPECT_TRUE(bytes() == input);
-    EXPECT_EQ(GrayscalePSD(map, map, 0), 0.0f);
+    EXPECT_EQ(GrayscalePSD(map.c_str(), map.c_str(), 0), 0.0f);
     EXPECT_TRUE(bytes() == expected);
     const std::string link = dir.path("link.psd");
     std::filesystem::create_symlink(write(input), link);
-    EXPECT_EQ(GrayscalePSD(link.c_str(), map, 0), 0.0f);
+    EXPECT_EQ(GrayscalePSD(link.c_str(), map.c_str(), 0), 0.0f);
     EXPECT_TRUE(bytes() == expected);
 }
 

@@ -155,4 +155,21 @@ TEST(CreateThumb, AThumbnailOfManyPiecesIsWrittenWhole) {
     EXPECT_TRUE(readBytes(map) == expected);
 }
 
+// Rows that are near to each other are read with what is between them, others one by one.
+TEST(CreateThumb, ALargeMapShowsTheSamplesOfItsRows) {
+    const auto sample = [](auto plane, auto row, auto column) {
+        return (row * 7 + column * 13 + plane * 31) % 251;
+    };
+    const TempDir dir;
+    for (const std::uint32_t step : {2u, 100u}) {
+        const std::uint32_t size = 1000 / step;
+        const std::string map = dir.write("map.psd", drawnPsd(1000, 1000, sample));
+        EXPECT_EQ(createThumb(map.c_str(), static_cast<int>(size)), 0.0f);
+        const auto shown = [&](auto plane, auto row, auto column) {
+            return sample(plane, row * step, column * step);
+        };
+        EXPECT_TRUE(readBytes(map) == drawnPsd(size, size, shown).bytes()) << step;
+    }
+}
+
 }  // namespace
