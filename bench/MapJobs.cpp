@@ -209,19 +209,16 @@ std::vector<MapJob> psdJobs() {
              .work = Work::kMake,
              .type = kPsd,
              .madeBytes = 1,
-             .heldBytes = 3,
              .others = {wholeFiles(kMoved)}},
             {.name = "convertPSD",
              .value = 0x8080FF,  // the background
              .work = Work::kRewrite,
              .type = kPsd,
-             .heldBytes = 3,
              .others = {wholeFiles(kMoved)}},
             {.name = "createThumb",
              .value = kThumbSide,
              .work = Work::kRewrite,
              .type = kPsd,
-             .heldBytes = 3,
              .others = {thumbnail(kPsdLayout, kMoved)}}};
 }
 
