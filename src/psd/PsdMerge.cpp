@@ -25,7 +25,7 @@ template <std::size_t kPlanes>
 constexpr std::size_t kSampleBytes = kPlanes == 1 ? 2 : 1;
 
 template <std::size_t kPlanes>
-typename PaintedRuns<kPlanes>::Places placesIn(const PlanePieces& pieces, std::size_t at = 0) {
+auto placesIn(const PlanePieces& pieces, std::size_t at = 0) {
     typename PaintedRuns<kPlanes>::Places places;
     for (std::size_t plane = 0; plane < kPlanes; ++plane)
         places[plane] = pieces.at(plane) + at;
