@@ -121,7 +121,7 @@ float GetFaceIDsVemo(const char* in_path, double level) {
     VemoFile vemo(in_path);
     if (!vemo.isGood()) return vemo_status::kObjMeshNotOpened;
     const auto faces = vemo.elementsOf(kFirstChunk, kFaceBytes);
-    if (!faces) return whyMissing(vemo, vemo_status::kObjMeshNotOpened);
+    if (!faces || !vemo.isGood()) return whyMissing(vemo, vemo_status::kObjMeshNotOpened);
 
     const std::uint32_t perCorner = facesPerCorner(level);
     const std::uint32_t fromQuad = saturatedProduct(4, perCorner);

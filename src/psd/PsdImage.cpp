@@ -178,8 +178,7 @@ Runs::Runs(const File& file, std::size_t runBytes, std::size_t distance)
       piece_(readAhead_) {}
 
 const std::uint8_t* Runs::read(std::size_t place, std::size_t count) {
-    const bool isThere =
-        place >= piece_.offset() && place + count <= piece_.offset() + piece_.size();
+    const bool isThere = place + count <= piece_.offset() + piece_.size();
     if (!isThere && !piece_.read(file_, place, readAhead_) && piece_.size() < count) return nullptr;
     return piece_.data() + (place - piece_.offset());
 }

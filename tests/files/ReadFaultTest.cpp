@@ -1,4 +1,4 @@
-// Disks that fail to be read.
+// Operations that no export reaches, and a disk that fails to be read.
 
 // The program's own pread would be defined twice by the compiler's checks.
 #undef _FORTIFY_SOURCE
@@ -11,8 +11,10 @@
 #include <cerrno>
 #include <cstddef>
 
+#include "mesh/VemoOps.h"
 #include "psd/PsdOps.h"
 #include "support/PsdFile.h"
+#include "support/VemoBuilder.h"
 
 namespace {
 
@@ -53,7 +55,7 @@ bool isPrefix(const ByteList& bytes, const ByteList& whole) {
     return bytes.size() <= whole.size() && std::equal(bytes.begin(), bytes.end(), whole.begin());
 }
 
-class PsdReadFault : public testing::Test {
+class ReadFault : public testing::Test {
 protected:
     // Makes the disk fail from the first read on, from the second on, and so forth until there are
     // no more, the files being new each time; `check` looks at what is left.
@@ -79,7 +81,7 @@ protected:
     std::string other;
 };
 
-TEST_F(PsdReadFault, TheSameReplacementAgainCompletesIt) {
+TEST_F(ReadFault, TheSameReplacementAgainCompletesIt) {
     const auto replace = [this] { return convertPSD(one.c_str(), 0x010203, 0xFFFFFF, true); };
     one = dir.write("one", map(1));
     ASSERT_EQ(replace(), 0.0f);
@@ -90,7 +92,7 @@ TEST_F(PsdReadFault, TheSameReplacementAgainCompletesIt) {
     });
 }
 
-TEST_F(PsdReadFault, AGreyMapEndsThereAndTheInputStays) {
+TEST_F(ReadFault, AGreyMapEndsThereAndTheInputStays) {
     const auto makeGrey = [this] { return GrayscalePSD(one.c_str(), other.c_str(), 0); };
     one = dir.write("one", map(1));
     other = dir.path("other");
@@ -103,11 +105,26 @@ TEST_F(PsdReadFault, AGreyMapEndsThereAndTheInputStays) {
     });
 }
 
-TEST_F(PsdReadFault, MapsThatAreReadBeforeTheyAreReplacedStay) {
+TEST_F(ReadFault, MapsThatAreReadBeforeTheyAreReplacedStay) {
     const auto isAsBefore = [this] { EXPECT_TRUE(readBytes(one) == map(1).bytes()); };
     failEachRead([this] { return GrayscalePSD(one.c_str(), one.c_str(), 0); }, isAsBefore);
     failEachRead([this] { return createThumb(one.c_str(), 3); }, isAsBefore);
     failEachRead([this] { return mergeSeamlessPSD(one.c_str(), other.c_str(), true); }, isAsBefore);
+}
+
+TEST_F(ReadFault, FacesThatCannotBeReadAreNotCounted) {
+    const std::string mesh = dir.write(
+        "mesh",
+        VemoBuilder().faces(std::vector<VemoBuilder::Face>(40000, {0, 1, 2, 3})).closing().bytes());
+    const auto count = [&] { return GetFaceIDsVemo(mesh.c_str(), 1.0); };
+    ASSERT_EQ(count(), 40000.0f);
+    std::ptrdiff_t reads = 0;
+    for (float status = -1760.0f; status != 40000.0f; ++reads) {
+        ASSERT_LT(reads, 100);
+        status = withReadsFailing(reads, count);
+        EXPECT_TRUE(status == -1760.0f || status == 40000.0f) << status;
+    }
+    EXPECT_GT(reads, 4);
 }
 
 }  // namespace
