@@ -5,6 +5,9 @@
 
 namespace {
 
+constexpr std::size_t kManyBlocks = 4;
+constexpr std::size_t kManyBytes = kManyBlocks * kBlockBytes;
+
 // A block filled with one sample. Its size is a multiple of every sample's.
 Block<std::uint8_t> repeated(const std::uint8_t* sample, std::size_t sampleBytes) {
     Block<std::uint8_t> block;
@@ -49,9 +52,8 @@ bool PaintedRuns<kPlanes>::isBackground(const Places& row, std::size_t at, std::
 template <std::size_t kPlanes>
 std::size_t PaintedRuns<kPlanes>::skipBackground(const Places& row, std::size_t from,
                                                  std::size_t end) const {
-    constexpr std::size_t kManyBlocks = 4;
-    while (end - from >= kManyBlocks * kBlockBytes && areBackground<kManyBlocks>(row, from))
-        from += kManyBlocks * kBlockBytes;
+    while (end - from >= kManyBytes && areBackground<kManyBlocks>(row, from))
+        from += kManyBytes;
     while (from < end && isBackground(row, from, end))
         from += std::min(kBlockBytes, end - from);
     return from;
@@ -61,12 +63,14 @@ std::size_t PaintedRuns<kPlanes>::skipBackground(const Places& row, std::size_t 
 template <std::size_t kPlanes>
 std::size_t PaintedRuns<kPlanes>::dropBackground(const Places& row, std::size_t from,
                                                  std::size_t end) const {
-    while (end > from) {
-        const std::size_t last = (end - from - 1) / kBlockBytes * kBlockBytes + from;
-        if (!isBackground(row, last, end)) return end;
-        end = last;
-    }
-    return from;
+    const std::size_t part = (end - from) % kBlockBytes;
+    if (part > 0 && !isBackground(row, end - part, end)) return end;
+    end -= part;
+    while (end - from >= kManyBytes && areBackground<kManyBlocks>(row, end - kManyBytes))
+        end -= kManyBytes;
+    while (end > from && areBackground<1>(row, end - kBlockBytes))
+        end -= kBlockBytes;
+    return end;
 }
 
 // Looks for a run's end from behind, so that of a part that is painted all over it sees one block in

@@ -2,6 +2,7 @@
 // PaintedRuns: finds where a map is painted. The map of one tile is background nearly everywhere, and
 // a merge has nothing to do there.
 
+#include <algorithm>
 #include <array>
 #include <cstddef>
 #include <cstdint>
@@ -60,9 +61,10 @@ private:
 template <std::size_t kPlanes, typename Use>
 bool forEachRun(const PaintedRuns<kPlanes>& painted,
                 const typename PaintedRuns<kPlanes>::Places& row, std::size_t bytes, Use use) {
-    for (PaintedRun run = painted.next(row, 0, bytes); !run.isEmpty();
-         run = painted.next(row, run.end, bytes)) {
+    for (PaintedRun run = painted.next(row, 0, bytes); !run.isEmpty();) {
         if (!use(run)) return false;
+        const std::size_t seen = std::min(run.end + kShortestGap, bytes);  // without paint
+        run = painted.next(row, seen, bytes);
     }
     return true;
 }

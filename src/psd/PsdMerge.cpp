@@ -56,8 +56,10 @@ enum class End { kDone, kNotRead, kNotWritten };
 template <std::size_t kPlanes>
 End mergeRun(const PaintedRuns<kPlanes>& painted, const PaintedRun& run, const PlanePieces& tile,
              const PlanePieces& background, PlanePieces& map, const File& target) {
-    if (painted.isSolid(placesIn<kPlanes>(tile), run))
-        return tile.write(target, run) ? End::kDone : End::kNotWritten;
+    const auto row = placesIn<kPlanes>(tile);
+    const PaintedRun exact = painted.trimmed(row, run);
+    if (painted.isSolid(row, exact))
+        return tile.write(target, exact) ? End::kDone : End::kNotWritten;
     if (!map.read(target, tile.start() + run.start, run.size())) return End::kNotRead;
     layOver(map, placesIn<kPlanes>(tile, run.start), background, run.size());
     return map.write(target, {0, run.size()}) ? End::kDone : End::kNotWritten;
@@ -85,7 +87,7 @@ float mergePlanes(const File& source, const File& target, const Planes& planes) 
         const auto row = placesIn<kPlanes>(tile);
         End end = End::kDone;
         forEachRun(painted, row, tile.size(), [&](const PaintedRun& run) {
-            end = mergeRun(painted, painted.trimmed(row, run), tile, background, map, target);
+            end = mergeRun(painted, run, tile, background, map, target);
             return end == End::kDone;
         });
         if (end != End::kDone) return end == End::kNotRead ? kNotOpened : kOk;
