@@ -28,9 +28,6 @@ constexpr std::size_t kResourceLength = 30;
 // Memory that `img` keeps while it is empty.
 constexpr std::size_t kMaxKeptBytes = kPieceBytes;
 
-// Reading fewer bytes than this costs less than a call of the system.
-constexpr std::size_t kCheapGap = 4000;
-
 Bytes bytesOfImg() {
     return {img.data(), img.size()};
 }
@@ -174,7 +171,7 @@ PsdLayout layoutOfImg() {
 
 Runs::Runs(const File& file, std::size_t runBytes, std::size_t distance)
     : file_(file),
-      readAhead_(distance - runBytes < kCheapGap ? std::max(runBytes, kPieceBytes) : runBytes),
+      readAhead_(distance - runBytes < kShortestGap ? std::max(runBytes, kPieceBytes) : runBytes),
       piece_(readAhead_) {}
 
 const std::uint8_t* Runs::read(std::size_t place, std::size_t count) {

@@ -142,9 +142,10 @@ TEST(Planes, GreyIsLookedUpAndTheOtherPlanesStay) {
 // Sixteen pixels at a time, and those of the sum 500 one at a time, must give what the formula gives.
 // The blue is that which brings the sum nearest to the one wanted.
 TEST(Planes, GreyIsThatOfTheFormulaForEveryRedAndGreen) {
-    std::array<std::uint8_t, 256> tones{};
+    const auto toneOf = [](std::size_t grey) { return static_cast<std::uint8_t>(7 * grey + 3); };
+    std::array<std::uint8_t, 256> tones{};  // each another one
     for (std::size_t grey = 0; grey < 256; ++grey)
-        tones[grey] = static_cast<std::uint8_t>(255 - grey);
+        tones[grey] = toneOf(grey);
     constexpr std::size_t kPixels = 65536 + 7;
     for (const std::size_t wanted : {100u, 500u, 501u, 700u}) {
         ByteList planes(3 * kPixels);
@@ -159,7 +160,7 @@ TEST(Planes, GreyIsThatOfTheFormulaForEveryRedAndGreen) {
             planes[2 * kPixels + i] = static_cast<std::uint8_t>(blue);
             const auto part = [](std::size_t colour) { return static_cast<int>(colour) * 0.333; };
             const double grey = part(red) + part(green) + part(blue) + 0.5;
-            expected[i] = static_cast<std::uint8_t>(255 - static_cast<int>(grey));
+            expected[i] = toneOf(static_cast<std::size_t>(grey));
         }
         makeGrey(planes, tones, kPixels);
         planes.resize(kPixels);
