@@ -136,7 +136,10 @@ bool File::cut(std::uint64_t length) const {
 
 FileBytes loadFile(const char* path, std::size_t spare) {
     const File file = File::openForReading(path);
-    if (!file.isOpen()) return {};
+    return file.isOpen() ? loadFile(file, spare) : FileBytes();
+}
+
+FileBytes loadFile(const File& file, std::size_t spare) {
     const std::uint64_t size = file.size();
     if (size > std::numeric_limits<std::size_t>::max() / 2 - spare) return {};
 

@@ -67,6 +67,7 @@ struct FileBytes {
 // Loads a whole file with one read. `spare` more bytes, all zero, follow the file's own and are not
 // counted in `size`.
 FileBytes loadFile(const char* path, std::size_t spare = 0);
+FileBytes loadFile(const File& file, std::size_t spare = 0);  // one that is open
 
 // The size of the pieces in which large files are moved: small enough to stay in the processor's
 // cache, large enough that the system calls do not show.

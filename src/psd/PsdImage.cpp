@@ -85,24 +85,12 @@ void emptyImg() {
     if (img.capacity() > kMaxKeptBytes) img.shrink_to_fit();
 }
 
-bool loadImg(const char* path) {
-    const File file = File::openForReading(path);
-    if (!file.isOpen()) return false;
-    emptyImg();
-    img.resize(static_cast<std::size_t>(file.size()));
-    return file.readAt(0, img.data(), img.size()) == img.size();
-}
-
 float readPSDHeader() {
     const auto bytesAt = [](std::uint64_t at, std::size_t count) {
         const std::size_t start = static_cast<std::size_t>(std::min<std::uint64_t>(at, img.size()));
         return Bytes{img.data() + start, std::min(count, img.size() - start)};
     };
     return readHeader(img.size(), bytesAt, fHeader, offst);
-}
-
-float loadPSD(const char* path) {
-    return loadImg(path) ? readPSDHeader() : kNotOpened;
 }
 
 std::int16_t readShort(std::size_t position) {
@@ -165,10 +153,6 @@ float loadHead(const PsdOnDisk& psd) {
     return readPSDHeader();
 }
 
-PsdLayout layoutOfImg() {
-    return {fHeader, static_cast<std::size_t>(offst), img.size()};
-}
-
 Runs::Runs(const File& file, std::size_t runBytes, std::size_t distance)
     : file_(file),
       readAhead_(distance - runBytes < kShortestGap ? std::max(runBytes, kPieceBytes) : runBytes),
@@ -213,7 +197,7 @@ bool PlanePieces::writeRun(const File& file, std::size_t to, std::size_t from,
 }
 
 float writePSD(const char* path, std::span<const std::uint8_t> bytes) {
-    FileWriter file(File::create(path));
+    FileWriter file(File::createOver(path));
     if (!file.isOpen()) return kNotWritten;
     file.append(bytes.data(), bytes.size());
     return kOk;

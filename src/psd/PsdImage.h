@@ -25,9 +25,9 @@ struct PsdHeader {
     std::int32_t compression = 0;
 };
 
-// The file that the running operation works on, byte for byte. Filled by loadImg, emptied by the
-// next one and at the end of every operation. Its memory then stays for the next file if it is
-// small.
+// What precedes the image data of the file that the running operation works on, byte for byte. Filled
+// by loadHead, emptied by the next one and at the end of every operation. Its memory then stays for the
+// next file if it is small.
 extern std::vector<std::uint8_t> img;
 
 // A place in `img`, set by readPSDHeader: where the image data starts once a header was accepted.
@@ -46,10 +46,6 @@ struct ImgInUse {
 
 void emptyImg();
 
-// Loads a whole file into `img` with one read. False when it cannot be opened, which leaves `img` as
-// it was, or read.
-bool loadImg(const char* path);
-
 // Reads the header at the start of `img` into `fHeader` and stops at the first field that is
 // refused; fields not reached keep the values of the file before. `offst` is 0, then the end of the
 // image resources, then the end of the layers, then the start of the image data, as far as the header
@@ -58,9 +54,6 @@ bool loadImg(const char* path);
 //   returns  kOk, kNotOpened (no signature, or cut short), kBadVersion, kHasColourTable,
 //            kCompressed
 float readPSDHeader();
-
-// Both: loads a file and reads its header.
-float loadPSD(const char* path);
 
 // Stores a value at a place in `img`, high byte first, unless it does not fit there. Each returns
 // `value`.
@@ -105,9 +98,6 @@ float openPSD(const char* path, PsdOnDisk& psd);
 //
 //   returns  kNotOpened when it cannot be read, else as readPSDHeader
 float loadHead(const PsdOnDisk& psd);
-
-// The layout of the file in `img`.
-PsdLayout layoutOfImg();
 
 // Runs of a file's bytes that are read in order of place, all of them at equal distances. Bytes between
 // two that cost less to read than a call of the system are read with them.
@@ -167,7 +157,7 @@ private:
     std::size_t start_ = 0;
 };
 
-// Writes a whole file.
+// Writes a whole file, over what was there.
 //
 //   returns  kNotWritten when the file cannot be opened for writing; else kOk, even if the disk
 //            takes fewer bytes

@@ -1,8 +1,6 @@
 // Laying tiles over a map, and repairing a map's borders.
 
 #include <algorithm>
-#include <utility>
-#include <vector>
 
 #include "pixels/Planes.h"
 #include "psd/PsdImage.h"
@@ -104,25 +102,33 @@ constexpr std::size_t kSeamRows = 10;      // at each end
 constexpr std::size_t kRowsKeptAtTop = 2;  // between the left and the right seam
 constexpr std::size_t kRowsKeptAtBottom = 1;
 
-// Each repairs one plane of width x height bytes.
+// Each repairs one plane of width x height bytes, whose place in the displaced map is given. False when
+// that cannot be read.
 
-void repairColumns(std::uint8_t* plane, const std::uint8_t* shifted, std::size_t width,
+bool repairColumns(std::uint8_t* plane, const File& shifted, std::size_t place, std::size_t width,
                    std::size_t height) {
+    constexpr std::size_t kBoth =
+        2 * kSeamColumns;  // side by side: the right seam's, the left one's
     const std::size_t right = width - kSeamColumns;
+    Runs rows(shifted, kBoth, width);
     for (std::size_t row = kRowsKeptAtTop; row < height - kRowsKeptAtBottom; ++row) {
-        std::uint8_t* const to = plane + row * width;
-        const std::uint8_t* const from = shifted + row * width;
-        std::copy_n(from + kDisplacement, kSeamColumns, to);
-        std::copy_n(from + kDisplacement - kSeamColumns, kSeamColumns, to + right);
+        const std::size_t start = row * width;
+        const std::uint8_t* const from =
+            rows.read(place + start + kDisplacement - kSeamColumns, kBoth);
+        if (from == nullptr) return false;
+        std::copy_n(from + kSeamColumns, kSeamColumns, plane + start);
+        std::copy_n(from, kSeamColumns, plane + start + right);
     }
+    return true;
 }
 
-void repairRows(std::uint8_t* plane, const std::uint8_t* shifted, std::size_t width,
+bool repairRows(std::uint8_t* plane, const File& shifted, std::size_t place, std::size_t width,
                 std::size_t height) {
     const std::size_t seam = kSeamRows * width;
-    const std::uint8_t* const from = shifted + kDisplacement * width;
-    std::copy_n(from, seam, plane);
-    std::copy_n(from - seam, seam, plane + height * width - seam);
+    const std::size_t top = place + kDisplacement * width;
+    std::uint8_t* const bottom = plane + height * width - seam;
+    return shifted.readAt(top, plane, seam) == seam &&
+           shifted.readAt(top - seam, bottom, seam) == seam;
 }
 
 }  // namespace
@@ -151,30 +157,33 @@ float mergePSD(const char* source, const char* target) {
 }
 
 float mergeSeamlessPSD(const char* shifted, const char* plain, bool horizontal) {
-    const ImgInUse inUse;
-    const float status = loadPSD(shifted);
+    PsdOnDisk displaced;
+    const float status = openPSD(shifted, displaced);
     if (status != kOk) return status;
-    if (fHeader.height < kMinSide || fHeader.width < kMinSide) return kBadSize;
-    const PsdHeader displaced = fHeader;
-    const std::vector<std::uint8_t> displacedBytes = std::exchange(img, {});
+    const std::size_t width = displaced.header.width;
+    const std::size_t height = displaced.header.height;
+    if (height < kMinSide || width < kMinSide) return kBadSize;
 
-    if (!loadImg(plain)) return kNotOpened;
-    readPSDHeader();  // its status does not matter: a size that is not read counts as that of `shifted`
-    if (!sameSize(displaced, fHeader)) return kSizesDiffer;
-    const PsdLayout repaired = layoutOfImg();
-    const std::size_t offset = repaired.dataOffset;
-    if (!repaired.holds(offset, 3)) return kNotOpened;
-    const auto pixels = static_cast<std::size_t>(repaired.pixels());
-    const std::size_t lastRow = fHeader.height - kRowsKeptAtBottom - 1;
-    const std::size_t bytesRead = horizontal
-                                      ? lastRow * fHeader.width + kDisplacement + kSeamColumns
-                                      : (kDisplacement + kSeamRows) * fHeader.width;
-    if (displacedBytes.size() < offset + 2 * pixels + bytesRead) return kNotOpened;
+    PsdOnDisk map;
+    map.header = displaced.header;  // a size that cannot be read counts as that of `shifted`
+    openPSD(plain, map);
+    if (!map.file.isOpen()) return kNotOpened;
+    if (!sameSize(displaced.header, map.header)) return kSizesDiffer;
+    const std::size_t offset = map.dataOffset;
+    if (!map.holds(offset, 3)) return kNotOpened;
+    const std::size_t pixels = width * height;
+    const std::size_t lastRow = height - kRowsKeptAtBottom - 1;
+    const std::size_t bytesRead = horizontal ? lastRow * width + kDisplacement + kSeamColumns
+                                             : (kDisplacement + kSeamRows) * width;
+    if (displaced.fileBytes < offset + 2 * pixels + bytesRead) return kNotOpened;
 
+    // All of it, before anything is written: on any failure `shifted` stays as it is.
+    const FileBytes repaired = loadFile(map.file);
+    if (repaired.data == nullptr) return kNotOpened;
     const auto repair = horizontal ? repairColumns : repairRows;
     for (std::size_t plane = 0; plane < 3; ++plane) {
         const std::size_t start = offset + plane * pixels;
-        repair(&img[start], &displacedBytes[start], fHeader.width, fHeader.height);
+        if (!repair(&repaired.data[start], displaced.file, start, width, height)) return kNotOpened;
     }
-    return writePSD(shifted, img);
+    return writePSD(shifted, {repaired.data.get(), repaired.size});
 }

@@ -28,10 +28,10 @@
 // need not be there.
 //
 // Every operation may be given the same path twice. Merging, swapping and replacing a colour write over
-// the planes on disk, piece by piece; any other file is rewritten as a whole, the old one gone once the
-// new one is opened. A disk that then takes fewer bytes is not reported: the file ends there. One that
-// fails to be read halfway is, as kNotOpened: a swap is then undone; what a merge or a replacement has
-// done by then stays, so that the same call again completes it.
+// the planes on disk, piece by piece; any other file is written as a whole, over the old one. A disk
+// that then takes fewer bytes is not reported: the file ends there. One that fails to be read halfway
+// is, as kNotOpened: a swap is then undone; what a merge or a replacement has done by then stays, so
+// that the same call again completes it.
 
 #include <cstdint>
 

@@ -109,7 +109,12 @@ TEST_F(ReadFault, MapsThatAreReadBeforeTheyAreReplacedStay) {
     const auto isAsBefore = [this] { EXPECT_TRUE(readBytes(one) == map(1).bytes()); };
     failEachRead([this] { return GrayscalePSD(one.c_str(), one.c_str(), 0); }, isAsBefore);
     failEachRead([this] { return createThumb(one.c_str(), 3); }, isAsBefore);
-    failEachRead([this] { return mergeSeamlessPSD(one.c_str(), other.c_str(), true); }, isAsBefore);
+    for (const bool horizontal : {true, false}) {
+        const auto repair = [&] {
+            return mergeSeamlessPSD(one.c_str(), other.c_str(), horizontal);
+        };
+        failEachRead(repair, isAsBefore);
+    }
 }
 
 TEST_F(ReadFault, FacesThatCannotBeReadAreNotCounted) {

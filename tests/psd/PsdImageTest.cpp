@@ -101,24 +101,6 @@ TEST(PsdReaders, TheProcessorIsLittleEndian) {
     EXPECT_TRUE(littleEndian());
 }
 
-TEST(PsdState, LoadingReplacesWhatWasLoadedBefore) {
-    const TempDir dir;
-    ASSERT_TRUE(loadImg(dir.write("long", ByteList{1, 2, 3, 4, 5}).c_str()));
-    ASSERT_TRUE(loadImg(dir.write("short", ByteList{6, 7}).c_str()));
-    EXPECT_THAT(img, testing::ElementsAre(6, 7));
-    ASSERT_TRUE(loadImg(dir.write("empty", ByteList{}).c_str()));
-    EXPECT_TRUE(img.empty());
-}
-
-TEST(PsdState, AFileThatCannotBeOpenedLeavesTheLoadedOne) {
-    const TempDir dir;
-    img = {1, 2};
-    EXPECT_FALSE(loadImg(dir.path("missing").c_str()));
-    EXPECT_FALSE(loadImg(dir.path().c_str()));
-    EXPECT_FALSE(loadImg(nullptr));
-    EXPECT_THAT(img, testing::ElementsAre(1, 2));
-}
-
 // Whatever the status: done, planes missing, output not writable.
 TEST(PsdState, NothingStaysLoadedAfterAnOperation) {
     const TempDir dir;
