@@ -8,14 +8,21 @@
 
 namespace {
 
-constexpr double kEven = 1.2;  // costs that differ by no more than this factor are the same
+constexpr double kEven = 1.1;  // costs that differ by no more than this factor are the same
 
 // How much of the free memory the files may take.
 constexpr double kShareOfMemory = 0.4;
 
 bool fits(const Job& job, const Setup& setup) {
-    const double bytes = diskBytes(job, setup);
+    const double bytes = job.diskBytes(setup);
     return bytes < kShareOfMemory * roomIn(setup.folder);
+}
+
+// What the cost is compared with: where not all bytes need be moved, those that must be read.
+Role yardstickOf(const Race& race) {
+    return std::ranges::count(race.contenders, Role::kSources, &Contender::role) > 0
+               ? Role::kSources
+               : Role::kLimit;
 }
 
 // The least of the rounds: disturbances only add to it, and most to large files, whose pages a
@@ -24,8 +31,9 @@ GrowthLine::Step stepOf(const Job& job, const Setup& setup, int rounds, const st
                         double (*workOf)(const Race&)) {
     const PreparedRace prepared(job, setup);
     Race race = prepared.race();
-    std::erase_if(race.contenders, [](const Contender& contender) {
-        return contender.role != Role::kQuillon && contender.role != Role::kLimit;
+    const Role yardstick = yardstickOf(race);
+    std::erase_if(race.contenders, [=](const Contender& contender) {
+        return contender.role != Role::kQuillon && contender.role != yardstick;
     });
     // Small maps take little time and vary most, so they are run more often.
     const std::vector<Result> results = run(race, setup.side < 4096 ? rounds * 5 : rounds);
@@ -77,7 +85,7 @@ std::string verdictOf(const Variation& cost, const Variation& toLimit) {
 
 GrowthLine growthWithSide(const Job& job, Setup setup, int rounds) {
     GrowthLine line{job.name, perUnit(job.unit), {}, ""};
-    for (const std::uint32_t side : {1024u, 4096u, job.largestSide}) {
+    for (const std::uint32_t side : {2048u, 4096u, job.largestSide}) {
         const std::string size = std::to_string(side);
         setup.side = side;
         if (fits(job, setup))

@@ -18,7 +18,7 @@ struct GrowthLine {
     std::string note;  // after the verdict
 };
 
-// Maps of 1024, 4096 and 16384 pixels a side, or the most that the export takes, as far as memory has
+// Maps of 2048, 4096 and 16384 pixels a side, or the most that the export takes, as far as memory has
 // room for them.
 GrowthLine growthWithSide(const Job& job, Setup setup, int rounds);
 

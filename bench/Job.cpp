@@ -42,11 +42,6 @@ void reset(const Race& race) {
     race.restore();
 }
 
-double diskBytes(const Job& job, const Setup& setup) {
-    const double perPixel = job.diskPerPixel + job.diskPerPixelAndTile * setup.tiles;
-    return perPixel * setup.side * setup.side;
-}
-
 std::vector<Contender> quillonContenders(const Setup& setup,
                                          const std::function<Build::Call(const Build&)>& callOf) {
     const Build::Call call = callOf(setup.build);

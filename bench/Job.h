@@ -77,14 +77,11 @@ struct Job {
     std::string unit;  // of amounts: MP, or millions such as Mfaces
     std::function<Race(const Setup&)> prepare;
 
-    // Bytes that all its files take, per pixel of its maps; and those for each tile.
-    double diskPerPixel = 0.0;
-    double diskPerPixelAndTile = 0.0;
+    // That all its files take.
+    std::function<double(const Setup&)> diskBytes = [](const Setup&) { return 0.0; };
     std::uint32_t largestSide = kLargestSide;  // that the export takes
     bool growsWithTiles = false;               // writes one file per tile
 };
-
-double diskBytes(const Job& job, const Setup& setup);
 
 // A race with its files, in a folder that is deleted with it.
 class PreparedRace {

@@ -187,7 +187,7 @@ MapJob seamRepair(const char* name, double horizontal) {
             .value = horizontal,
             .work = Work::kReplace,
             .type = kPsd,
-            .heldBytes = 6,
+            .heldBytes = 3,
             .others = {wholeFiles(kMoved)}};
 }
 
@@ -289,7 +289,6 @@ Painting paintingOfTarget(const MapJob& job, const Setup& setup) {
 
 Painting paintingOfSource(const MapJob& job, const Setup& setup) {
     if (job.sources == Sources::kHalf) return {Painting::Shape::kIslandsBetween};
-    if (job.sources == Sources::kSheet) return {Painting::Shape::kNothing};
     return {Painting::Shape::kArea, {0, 0, setup.side, setup.side}};
 }
 
@@ -298,23 +297,59 @@ Maps writeMaps(const MapJob& job, const Setup& setup) {
     const Maps maps{setup.side, path("/tile"), path("/map"),
                     path(job.changesMap() ? "/original" : "/map"), setup.folder + job.made};
     job.type.write(maps.original, setup.side, paintingOfTarget(job, setup));
-    if (job.hasTile()) job.type.write(maps.tile, setup.side, paintingOfSource(job, setup));
+    if (job.hasTile() && job.sources != Sources::kSheet)
+        job.type.write(maps.tile, setup.side, paintingOfSource(job, setup));
     return maps;
 }
 
-// A merge for each tile but the first, whose map is the target. All sources are one file: before each
-// merge the cell of the tile before is cleared and that of the tile painted. A single tile is folded
-// into a map of nothing.
+// The sources of a sheet are files of their own as far as they fit into this much, so that none of
+// them is in the processor's cache when its turn comes; a single map is larger than that in any case.
+constexpr double kSourcesBytes = 1 << 30;
+
+double bytesOf(const MapJob& job, const Setup& setup) {
+    return job.type.bytesPerPixel * setup.side * setup.side;
+}
+
+// The merges of a sheet: one for each tile but the first, whose map is the target. A single tile is
+// folded into a map of nothing.
+std::uint32_t mergesOf(const Setup& setup) {
+    return std::max(setup.tiles - 1, 1u);
+}
+
+std::uint32_t sourcesOf(const MapJob& job, const Setup& setup) {
+    const double fitting = kSourcesBytes / bytesOf(job, setup);
+    return static_cast<std::uint32_t>(std::clamp<double>(fitting, 1.0, mergesOf(setup)));
+}
+
+void putInPlace(const std::string& file, const std::string& path) {
+    std::filesystem::remove(path);
+    std::filesystem::create_hard_link(file, path);
+}
+
+// Before each merge the next source gets the path of the source. Where there are fewer sources than
+// merges, the cell of the tile that it had before is cleared and that of the new one painted.
 void addSheet(Race& race, const MapJob& job, const Maps& maps, const Setup& setup) {
-    const std::uint32_t steps = std::max(setup.tiles - 1, 1u);
-    race.steps = steps;
+    const std::uint32_t steps = mergesOf(setup);
     const std::uint32_t firstTile = setup.tiles - steps;
-    race.makeReady = [=](std::uint32_t step) {
-        const Area before = cellOf(firstTile + (step + steps - 1) % steps, setup);
-        const Area now = cellOf(firstTile + step, setup);
+    std::vector<std::uint32_t> painted(sourcesOf(job, setup));  // the tile of each source
+    const auto fileOf = [=](std::size_t source) { return maps.tile + std::to_string(source); };
+    for (std::uint32_t source = 0; source < painted.size(); ++source) {
+        painted[source] = firstTile + source;
+        const Area cell = cellOf(painted[source], setup);
+        job.type.write(fileOf(source), maps.side, {Painting::Shape::kArea, cell});
+    }
+    race.steps = steps;
+    race.makeReady = [=](std::uint32_t step) mutable {
+        const std::size_t source = step % painted.size();
+        const std::uint32_t tile = firstTile + step;
+        putInPlace(fileOf(source), maps.tile);
+        if (painted[source] == tile) return;
+        const Area before = cellOf(std::exchange(painted[source], tile), setup);
+        const Area now = cellOf(tile, setup);
         job.type.repaint(maps.tile, maps.side, before, {Painting::Shape::kNothing});
         job.type.repaint(maps.tile, maps.side, now, {Painting::Shape::kArea, now});
     };
+    race.makeReady(0);
     race.amount *= steps;
 }
 
@@ -350,10 +385,11 @@ Race raceOf(const MapJob& job, const Setup& setup) {
     return race;
 }
 
-// Of all files, per pixel.
-double diskPerPixel(const MapJob& job) {
-    const int maps = job.hasTile() ? 3 : job.changesMap() ? 2 : 1;
-    return maps * job.type.bytesPerPixel + job.madeBytes;
+double diskBytesOf(const MapJob& job, const Setup& setup) {
+    const double maps = 1.0 + (job.changesMap() ? 1 : 0) + (job.hasTile() ? 1 : 0);
+    const double sources = job.sources == Sources::kSheet ? sourcesOf(job, setup) - 1.0 : 0.0;
+    const double made = job.madeBytes * setup.side * setup.side;
+    return (maps + sources) * bytesOf(job, setup) + made;
 }
 
 }  // namespace
@@ -362,11 +398,12 @@ std::vector<Job> mapJobs() {
     std::vector<Job> jobs;
     for (const auto& family : {mergeJobs, tiffJobs, psdJobs, bmpJobs, exrJobs}) {
         for (const MapJob& job : family())
-            jobs.push_back({.name = job.name,
-                            .unit = "MP",
-                            .prepare = [job](const Setup& setup) { return raceOf(job, setup); },
-                            .diskPerPixel = diskPerPixel(job),
-                            .largestSide = job.largestSide});
+            jobs.push_back(
+                {.name = job.name,
+                 .unit = "MP",
+                 .prepare = [job](const Setup& setup) { return raceOf(job, setup); },
+                 .diskBytes = [job](const Setup& setup) { return diskBytesOf(job, setup); },
+                 .largestSide = job.largestSide});
     }
     return jobs;
 }

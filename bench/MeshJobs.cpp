@@ -253,24 +253,44 @@ Race writeColourText(const Setup& setup) {
 
 std::vector<Job> meshJobs() {
     constexpr std::uint32_t kLargestSplit = 8192;  // twelve files of 250 MB
+    const auto bytesPerPixel = [](double bytes) {
+        return [=](const Setup& setup) { return bytes * setup.side * setup.side; };
+    };
     const auto tileJob = [](const char* name, Race (*prepare)(const Setup&)) {
         return Job{.name = name,
                    .unit = "Mfaces",
                    .prepare = prepare,
-                   .diskPerPixel = 4,
-                   .diskPerPixelAndTile = 4,
+                   .diskBytes =
+                       [](const Setup& setup) {
+                           return 4.0 * (1 + setup.tiles) * setup.side * setup.side;
+                       },
                    .largestSide = kLargestSplit,
                    .growsWithTiles = true};
     };
-    return {{.name = "getUVTile", .unit = "Mfaces", .prepare = countTiles, .diskPerPixel = 4},
-            {.name = "getUVGroups", .unit = "Mfaces", .prepare = countGroups, .diskPerPixel = 4},
+    return {{.name = "getUVTile",
+             .unit = "Mfaces",
+             .prepare = countTiles,
+             .diskBytes = bytesPerPixel(4)},
+            {.name = "getUVGroups",
+             .unit = "Mfaces",
+             .prepare = countGroups,
+             .diskBytes = bytesPerPixel(4)},
             tileJob("getUVs", split),
             tileJob("getUVsMask", mask),
-            {.name = "mergeCrease", .unit = "Mfaces", .prepare = append, .diskPerPixel = 16},
-            {.name = "GetFaceIDsVemo", .unit = "Mfaces", .prepare = countFaces, .diskPerPixel = 1},
-            {.name = "writeOBJfromVemo", .unit = "Mfaces", .prepare = writeObj, .diskPerPixel = 9},
+            {.name = "mergeCrease",
+             .unit = "Mfaces",
+             .prepare = append,
+             .diskBytes = bytesPerPixel(16)},
+            {.name = "GetFaceIDsVemo",
+             .unit = "Mfaces",
+             .prepare = countFaces,
+             .diskBytes = bytesPerPixel(1)},
+            {.name = "writeOBJfromVemo",
+             .unit = "Mfaces",
+             .prepare = writeObj,
+             .diskBytes = bytesPerPixel(9)},
             {.name = "ReadVertColorVemo",
              .unit = "Mpoints",
              .prepare = writeColourText,
-             .diskPerPixel = 1}};
+             .diskBytes = bytesPerPixel(1)}};
 }

@@ -78,7 +78,7 @@ void forEachJob(const Options& options, Work work) {
 }
 
 void requireMapsFit(const Job& job, const Setup& setup) {
-    const double wanted = diskBytes(job, setup);
+    const double wanted = job.diskBytes(setup);
     const double available = roomIn(setup.folder);
     if (wanted > available)
         throw Failure(setup.folder +
