@@ -15,6 +15,8 @@ extern "C" std::size_t LLVMFuzzerMutate(std::uint8_t* data, std::size_t size, st
 
 namespace {
 
+constexpr std::size_t kLongestInput = 2048;
+constexpr std::size_t kBytesPerFile = 512;
 constexpr const char* kTargetVariable = "QUILLON_FUZZ_TARGET";
 
 const Target* target = nullptr;
@@ -128,7 +130,9 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
 
     static std::string dictionary =
         std::string("-dict=" QUILLON_FUZZ_DICTIONARIES "/") + target->format.name + ".dict";
-    arguments.insert(arguments.begin() + 1, dictionary.data());
+    static std::string longest =
+        "-max_len=" + std::to_string(std::max(kLongestInput, kBytesPerFile * target->files));
+    arguments.insert(arguments.begin() + 1, {dictionary.data(), longest.data()});
     *argc = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
     *argv = arguments.data();

@@ -26,6 +26,7 @@ struct Format {
     void (*repair)(ByteList& file, std::size_t fileBytes);
 };
 
+extern const Format kAny;  // whichever of the others the file is of
 extern const Format kBmp;
 extern const Format kExr;
 extern const Format kPsd;

@@ -133,7 +133,7 @@ std::vector<Target>& targets() {
 }  // namespace
 
 Case::Case(const Recipe& recipe, const std::string& folder)
-    : recipe_(recipe), output_(folder + '/' + kOutputName) {
+    : recipe_(recipe), folder_(folder), output_(folder + '/' + kOutputName) {
     for (std::size_t i = 0; i < recipe.files.size(); ++i) {
         given_.push_back(recipe.files[i].whole());
         paths_.push_back(folder + '/' + kInputName + std::to_string(i));

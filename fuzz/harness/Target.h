@@ -17,6 +17,7 @@ class Case {
 public:
     Case(const Recipe& recipe, const std::string& folder);
 
+    const std::string& folderPath() const { return folder_; }
     // The path of one of the files that the operation is given.
     char* file(std::size_t index) { return paths_.at(index).data(); }
     // The path of a file that does not exist yet.
@@ -38,6 +39,7 @@ public:
 
 private:
     const Recipe& recipe_;
+    std::string folder_;
     std::vector<ByteList> given_;
     std::vector<std::string> paths_;
     std::string output_;

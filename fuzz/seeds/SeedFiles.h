@@ -5,6 +5,7 @@
 #include <map>
 #include <string>
 
+#include "harness/Recipe.h"
 #include "support/TempDir.h"
 
 using SeedFiles = std::map<std::string, ByteList>;  // by a name that says what is in it
@@ -15,3 +16,6 @@ SeedFiles psdSeeds();
 SeedFiles textSeeds();
 SeedFiles tiffSeeds();
 SeedFiles vemoSeeds();
+
+// Programs of calls, each with the files that it starts from.
+std::map<std::string, Recipe> callSeeds();

@@ -56,7 +56,12 @@ int main(int argc, char** argv) {
         const fs::path folder = fs::path(argv[1]) / target.name;
         fs::remove_all(folder);
         fs::create_directories(folder);
-        writeSeeds(target, folder);
+        if (&target.format == &kAny) {
+            for (const auto& [name, recipe] : callSeeds())
+                write(folder / name, recipe);
+        } else {
+            writeSeeds(target, folder);
+        }
     }
     return 0;
 }
