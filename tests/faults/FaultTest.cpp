@@ -162,17 +162,6 @@ constexpr Fault kFailures[] = {
     {kAllocate, Harm::kFails, ENOMEM, true},
 };
 
-// Every byte of `found` is at its offset in one of the two, or is 0 as if never written.
-bool isMadeOf(const ByteList& found, const ByteList& before, const ByteList& whole) {
-    if (found.size() > std::max(before.size(), whole.size())) return false;
-    for (std::size_t i = 0; i < found.size(); ++i) {
-        const bool known = found[i] == 0 || (i < before.size() && found[i] == before[i]) ||
-                           (i < whole.size() && found[i] == whole[i]);
-        if (!known) return false;
-    }
-    return true;
-}
-
 class Faults : public testing::TestWithParam<Scenario> {
 protected:
     Faults() : before_(entriesBefore()), clean_(runClean()) {

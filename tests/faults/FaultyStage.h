@@ -2,6 +2,7 @@
 
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cstddef>
 #include <optional>
 #include <utility>
@@ -9,6 +10,17 @@
 #include "faults/Scenarios.h"
 #include "faults/System.h"
 #include "support/CaptureStdout.h"
+
+// Every byte of `found` is at its offset in one of the two, or is 0 as if never written.
+inline bool isMadeOf(const ByteList& found, const ByteList& before, const ByteList& whole) {
+    if (found.size() > std::max(before.size(), whole.size())) return false;
+    for (std::size_t i = 0; i < found.size(); ++i) {
+        const bool known = found[i] == 0 || (i < before.size() && found[i] == before[i]) ||
+                           (i < whole.size() && found[i] == whole[i]);
+        if (!known) return false;
+    }
+    return true;
+}
 
 // A stage on which system calls can be made to fail, and which counts what the heap holds.
 class FaultyStage : public Stage {
@@ -20,12 +32,17 @@ public:
         for (fault.position = 1;; ++fault.position) {
             SCOPED_TRACE(describe(fault));
             prepare(scenario);
-            fault_ = fault;
-            const Result result = make(scenario.call);
+            const Result result = makeFaulty(scenario.call, fault);
             if (!asked_.harmed) return fault.position - 1;
             judge(fault, result);
             if (testing::Test::HasFailure()) return fault.position;
         }
+    }
+
+    // Makes a call with one fault.
+    Result makeFaulty(const Call& call, const Fault& fault) {
+        fault_ = fault;
+        return make(call);
     }
 
     // The system calls of the last call.

@@ -12,6 +12,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <csignal>
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
@@ -49,6 +50,7 @@ bool goesWrong(SystemCall call) {
         isPlanned && call == planned.call &&
         (planned.lasting ? position >= planned.position : position == planned.position);
     if (wrong) {
+        if (planned.harm == Harm::kKills) ::raise(SIGKILL);
         asked.harmed = true;
         errno = planned.error;
     }
@@ -99,6 +101,9 @@ ssize_t moved(SystemCall call, std::size_t count, Move move) {
             return move((count + 1) / 2);
         case Harm::kFindsTheEnd:
             return 0;
+        case Harm::kMovesHalfAndKills:
+            move((count + 1) / 2);
+            return ::raise(SIGKILL);
         default:
             return -1;
     }
@@ -134,7 +139,8 @@ std::string describe(const Fault& fault) {
     static constexpr const char* kCalls[] = {"open",  "stat",    "read",    "write",
                                              "close", "opendir", "readdir", "closedir",
                                              "mkdir", "remove",  "rename",  "allocation"};
-    static constexpr const char* kHarms[] = {"fails", "moves half", "finds the end"};
+    static constexpr const char* kHarms[] = {"fails", "moves half", "finds the end", "kills",
+                                             "moves half and kills"};
     std::ostringstream text;
     text << kCalls[static_cast<std::size_t>(fault.call)] << " number " << fault.position
          << (fault.lasting ? " and all further " : " ")

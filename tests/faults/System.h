@@ -26,9 +26,11 @@ inline constexpr std::size_t kSystemCalls = 12;
 
 // How a call goes wrong.
 enum class Harm {
-    kFails,        // with an error number
-    kMovesHalf,    // a read or write moves half of what it was asked to, at least one byte
-    kFindsTheEnd,  // a read returns 0 as at the end of the file
+    kFails,              // with an error number
+    kMovesHalf,          // a read or write moves half of what it was asked to, at least one byte
+    kFindsTheEnd,        // a read returns 0 as at the end of the file
+    kKills,              // the process, before the call
+    kMovesHalfAndKills,  // the process, in the middle of a write
 };
 
 struct Fault {

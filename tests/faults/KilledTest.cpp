@@ -1,0 +1,125 @@
+// A process that is killed in the middle of a call, at each of its system calls in turn.
+
+#include <gmock/gmock.h>
+#include <sys/wait.h>
+#include <unistd.h>
+
+#include <algorithm>
+#include <csignal>
+#include <set>
+#include <string_view>
+
+#include "faults/FaultyStage.h"
+#include "faults/Scenarios.h"
+#include "faults/System.h"
+
+namespace {
+
+using enum SystemCall;
+
+constexpr int kFinished = 17;  // exit status of a call that was not killed
+
+// Exports that change a file in place, each time anew: a second call changes again what the first one
+// changed. So is every call whose output is its input.
+const std::set<std::string_view> kOnlyOnce = {
+    "mergeCrease",        "swapRGBTIF",       "swapRGBPSD",          "swapRGBBMP",
+    "CreateThumbnailBMP", "getUVsOverItself", "saveAsJpegOverItself"};
+
+// Exports whose one step is done or not; a second call that finds it done fails.
+const std::set<std::string_view> kOneStep = {"CreateFolder", "FileDelete", "FileRename"};
+
+class Killed : public testing::TestWithParam<Scenario> {
+protected:
+    Killed() {
+        stage_.prepare(GetParam());
+        before_ = stage_.entries();
+        clean_ = stage_.play(GetParam());
+        stage_.forget();
+    }
+
+    // Makes the call in a process that is killed at system call number `fault.position` of its kind.
+    // False when it makes fewer.
+    bool killAt(const Fault& fault) {
+        stage_.prepare(GetParam());
+        const pid_t child = ::fork();
+        if (child == 0) {
+            stage_.makeFaulty(GetParam().call, fault);
+            ::_exit(kFinished);
+        }
+        int status = 0;
+        EXPECT_EQ(::waitpid(child, &status, 0), child);
+        if (WIFEXITED(status)) {
+            EXPECT_EQ(WEXITSTATUS(status), kFinished);
+            return false;
+        }
+        EXPECT_TRUE(WIFSIGNALED(status) && WTERMSIG(status) == SIGKILL);
+        return true;
+    }
+
+    void expectNothingElseChanged() const {
+        Entries found = stage_.entries();
+        Entries others = before_;
+        for (const std::string& name : GetParam().written) {
+            EXPECT_TRUE(
+                isMadeOf(found[name], bytesIn(before_, name), bytesIn(clean_.entries, name)))
+                << name;
+            found.erase(name);
+            others.erase(name);
+        }
+        EXPECT_TRUE(found == others) << "an entry that is only read has changed";
+    }
+
+    // The files of the folder stay as the killed process left them.
+    bool doesASecondCallComplete() {
+        stage_.forget();
+        for (const Call& call : GetParam().before)
+            stage_.make(call);
+        const Outcome again = stage_.outcome(GetParam(), stage_.make(GetParam().call));
+        stage_.forget();
+        const bool isOneStep = kOneStep.contains(GetParam().call.exportName);
+        return isOneStep ? again.entries == clean_.entries : again == clean_;
+    }
+
+private:
+    static ByteList bytesIn(const Entries& entries, const std::string& name) {
+        const auto found = entries.find(name);
+        return found == entries.end() ? ByteList() : found->second;
+    }
+
+    FaultyStage stage_;
+    Entries before_;
+    Outcome clean_;
+};
+
+TEST_P(Killed, LeavesOtherFilesAloneAndASecondCallCompletes) {
+    std::size_t kills = 0;
+    std::size_t completed = 0;
+    for (const SystemCall call : {kOpen, kRead, kWrite, kClose, kMakeFolder, kRemove, kRename}) {
+        for (const Harm harm : {Harm::kKills, Harm::kMovesHalfAndKills}) {
+            if (harm == Harm::kMovesHalfAndKills && call != kWrite) continue;
+            for (Fault fault{call, harm}; killAt(fault); ++fault.position) {
+                SCOPED_TRACE(describe(fault));
+                expectNothingElseChanged();
+                if (HasFailure()) return;
+                ++kills;
+                completed += doesASecondCallComplete() ? 1 : 0;
+            }
+        }
+    }
+    EXPECT_GT(kills, 0u);
+    const bool isOnlyOnce =
+        kOnlyOnce.contains(GetParam().call.exportName) || kOnlyOnce.contains(GetParam().name);
+    EXPECT_EQ(completed < kills, isOnlyOnce) << completed << " of " << kills;
+}
+
+std::vector<Scenario> scenariosThatWrite() {
+    std::vector<Scenario> writing;
+    std::ranges::copy_if(scenarios(), std::back_inserter(writing),
+                         [](const Scenario& scenario) { return !scenario.written.empty(); });
+    return writing;
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, Killed, testing::ValuesIn(scenariosThatWrite()),
+                         [](const auto& scenario) { return scenario.param.name; });
+
+}  // namespace
