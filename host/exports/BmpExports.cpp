@@ -72,6 +72,7 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges blue and green, 2 blue and red, 3 green and red. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
+     .numbers = kSwaps,
      .writes =
          "The map, in place. Pixels are taken to have 24 bits and the header to have 40 bytes or "
          "more, so an image of 8 or 32 bits, or with the 12 bytes of an older header, is damaged "
@@ -91,6 +92,7 @@ constexpr Export kExports[] = {
      .takes = takesSize,
      .valueDetails = "The shorter side keeps the proportions, rounded down; where that is 0, "
                      "only the headers are left.",
+     .numbers = Numbers{.least = 1, .others = "refused"},
      .writes =
          "The image, in place, cut off behind the copy, unless both its sides are below that "
          "size already: then it stays, and so does a top-down image whose width is below it. An "

@@ -1,6 +1,7 @@
 #include "exports/Exports.h"
 
 #include <algorithm>
+#include <utility>
 #include <vector>
 
 #include "exports/Groups.h"
@@ -24,6 +25,30 @@ std::string argumentsOf(const Export& entry) {
 }
 
 }  // namespace
+
+std::vector<std::string> namesOf(Causes causes) {
+    using namespace cause;
+    static constexpr std::pair<Causes, const char*> kNames[] = {
+        {kDone, "done"},
+        {kNullArgument, "nullArgument"},
+        {kValueRefused, "valueRefused"},
+        {kPathRefused, "pathRefused"},
+        {kSourceNotOpened, "sourceNotOpened"},
+        {kSourceNotWritable, "sourceNotWritable"},
+        {kTargetNotOpened, "targetNotOpened"},
+        {kTargetNotWritten, "targetNotWritten"},
+        {kDiskFull, "diskFull"},
+        {kReadFailed, "readFailed"},
+        {kFileRefused, "fileRefused"},
+        {kNoMemory, "noMemory"},
+        {kNothingOpen, "nothingOpen"},
+    };
+    std::vector<std::string> names;
+    for (const auto& [one, name] : kNames) {
+        if (causes.contain(one)) names.emplace_back(name);
+    }
+    return names;
+}
 
 std::span<const ExportGroup> exportGroups() {
     static const std::vector<ExportGroup> kGroups = {

@@ -2,10 +2,18 @@
 // The one table of the library's exports: what each reads, returns and writes. quillon call, script
 // and describe explain a call with it, and docs/exports.md is made from it.
 
+#include <optional>
 #include <span>
 #include <string>
 #include <string_view>
 #include <vector>
+
+enum class TextUse {
+    kFile,    // the path of a file
+    kFolder,  // the path of a folder
+    kEither,  // the path of one or the other
+    kText,    // any text
+};
 
 enum class BufferUse {
     kNone,    // not read
@@ -45,6 +53,19 @@ inline constexpr Causes kNoMemory{11};
 inline constexpr Causes kNothingOpen{12};  // no folder is open, or all of its entries were given
 }
 
+// The stable names of causes, such as "sourceNotOpened", for programs.
+std::vector<std::string> namesOf(Causes causes);
+
+// The whole numbers that an export takes, for programs that check or offer them: `choices`, or else
+// those from `least` to `most`.
+struct Numbers {
+    std::span<const int> choices = {};
+    int least = 0;
+    std::optional<int> most = {};
+    const char* others;                   // "refused", "clamped", "replaced" or "ignored"
+    std::optional<int> replacement = {};  // by what they are replaced
+};
+
 // A status that an export can return. Numbers come from the constants in the headers of src/. Each
 // status has one row.
 struct StatusMeaning {
@@ -65,12 +86,14 @@ struct Export {
     std::string_view name;
     const char* purpose;         // one sentence, with its full stop
     const char* text = nullptr;  // what the first argument is; null when it is not read
+    TextUse textUse = TextUse::kFile;
 
-    const char* value = nullptr;         // what the number is and which ones are taken; null when
-                                         // it is not read
-    const char* valueName = nullptr;     // the same in one word, for a line of a log
-    bool (*takes)(double) = nullptr;     // which numbers are not refused; null: none is
-    const char* valueDetails = nullptr;  // what each number does, where that takes sentences
+    const char* value = nullptr;          // what the number is and which ones are taken; null when
+                                          // it is not read
+    const char* valueName = nullptr;      // the same in one word, for a line of a log
+    bool (*takes)(double) = nullptr;      // which numbers are not refused; null: none is
+    const char* valueDetails = nullptr;   // what each number does, where that takes sentences
+    std::optional<Numbers> numbers = {};  // `value` as data
 
     bool writesTiles = false;  // returns kFirstTileNotWritten + k for the file of tile k
 
@@ -82,7 +105,8 @@ struct Export {
     std::span<const StatusMeaning> statuses = {};
     const char* countOne = nullptr;   // what a status from 0 on counts or measures; null when
     const char* countMany = nullptr;  // there is no such status
-    const char* throws = nullptr;     // when an exception reaches the host
+    bool countIsWhole = true;
+    const char* throws = nullptr;  // when an exception reaches the host
 
     const char* example;  // a command for the folder that docs/examples/make fills
     ExampleResult prints = {};

@@ -17,6 +17,8 @@ inline bool takesSwap(double value) {
     return value > 0.0 && value < 4.0;
 }
 
+inline constexpr Numbers kSwaps{.least = 1, .most = 3, .others = "refused"};
+
 // Rows of exports that refuse a null argument, or also a number. Most of them return the same when
 // memory runs out.
 inline constexpr StatusMeaning kMissingArgument{quillon_status::kRefused,

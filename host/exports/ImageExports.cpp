@@ -86,6 +86,7 @@ constexpr Export kExports[] = {
      .valueDetails =
          "How much detail is left out: 0 gives the best image and the largest file, 100 "
          "the smallest file. A fraction is cut off.",
+     .numbers = Numbers{.most = 100, .others = "replaced", .replacement = 50},
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target, created anew. The image is only read; rows that it does not have or "
@@ -106,6 +107,7 @@ constexpr Export kExports[] = {
      .statuses = kExr,
      .countOne = "is the range of values",
      .countMany = "is the range of values",
+     .countIsWhole = false,
      .example = "quillon call OpenEXR range.exr",
      .prints = {3.5f},
      .next = "quillon inspect shows the attributes, among them compression and channels. The "

@@ -13,6 +13,7 @@ constexpr const char* kNamingModes =
     "in mode 3. In mode 2 the tile right of 1010 has the name of the one above 1001, 1011. Only "
     "mode 2 applies the tile filter. A number below 0 counts as 0, one above 3 as 3, a fraction "
     "is cut off.";
+constexpr Numbers kModes{.most = 3, .others = "clamped"};
 constexpr const char* kNoMesh =
     "the mesh file cannot be opened or read, or there is too little memory";
 constexpr Causes kNoMeshCauses = cause::kSourceNotOpened | cause::kReadFailed | cause::kNoMemory;
@@ -75,6 +76,7 @@ constexpr Export tileExport(Export entry) {
     entry.value = kNamingMode;
     entry.valueName = "naming";
     entry.valueDetails = kNamingModes;
+    entry.numbers = kModes;
     entry.writesTiles = true;
     entry.buffer = BufferUse::kPath;
     entry.bufferIs = "output path";
@@ -116,6 +118,7 @@ constexpr Export kExports[] = {
      .value = kNamingMode,
      .valueName = "naming",
      .valueDetails = kNamingModes,
+     .numbers = kModes,
      .buffer = BufferUse::kOutput,
      .bufferIs = "the last face's tile",
      .writes = "The name of the last face's tile goes to `buffer1`, whether the filter lets it "
@@ -140,6 +143,7 @@ constexpr Export kExports[] = {
      .purpose = "Copies the name of a tile that getUVs or getUVsMask wrote last.",
      .value = "tile position from 0",
      .valueName = "position",
+     .numbers = Numbers{.others = "ignored"},
      .buffer = BufferUse::kOutput,
      .bufferIs = "the tile's name",
      .writes = "The name goes to `buffer1`, which stays as it is where there is no such tile. Each "

@@ -60,6 +60,7 @@ constexpr Export kExports[] = {
      .valueDetails = "1 leaves red, blue, green; 2 blue, red, green; 3 green, blue, red. 2 and 3 "
                      "rotate, so each undoes the other. Between 0 and 1 no plane is written: the "
                      "picture is lost.",
+     .numbers = kSwaps,
      .writes = "The map's planes, in place. The colour mode is not checked: Lab and multichannel "
                "maps are taken, too. Of a map with layers only the merged image is changed. "
                "Bytes behind the planes are cut off. If the disk is full the map ends where it "

@@ -43,7 +43,20 @@ std::string argumentsOf(const Export& entry) {
                         : "| argument | |\n|---|---|\n" + rows;
 }
 
-// The arguments that a row is about, and then its sentence.
+std::string statusesOf(const Export& entry) {
+    std::string rows = "| status | | meaning |\n|---|---|---|\n";
+    if (entry.countOne != nullptr)
+        rows += statusRow("*n* ≥ 0", true, std::string("*n* ") + entry.countMany);
+    for (const StatusMeaning& row : entry.statuses)
+        rows += statusRow(statusText(row.status), row.isSuccess(), sentenceOf(entry, row));
+    if (entry.writesTiles)
+        rows += statusRow(statusText(kTileNotWritten.status) + " + *k*", false,
+                          kTileNotWritten.sentence);
+    return rows;
+}
+
+}  // namespace
+
 std::string sentenceOf(const Export& entry, const StatusMeaning& row) {
     if (row.isSuccess()) return row.sentence;
     std::string causes;
@@ -62,18 +75,6 @@ std::string sentenceOf(const Export& entry, const StatusMeaning& row) {
     return causes + (isList ? "; or " : ", or ") + sentence;
 }
 
-std::string statusesOf(const Export& entry) {
-    std::string rows = "| status | | meaning |\n|---|---|---|\n";
-    if (entry.countOne != nullptr)
-        rows += statusRow("*n* ≥ 0", true, std::string("*n* ") + entry.countMany);
-    for (const StatusMeaning& row : entry.statuses)
-        rows += statusRow(statusText(row.status), row.isSuccess(), sentenceOf(entry, row));
-    if (entry.writesTiles)
-        rows += statusRow(statusText(kTileNotWritten.status) + " + *k*", false,
-                          kTileNotWritten.sentence);
-    return rows;
-}
-
 std::string printedBy(const Export& entry) {
     if (entry.output != nullptr) return entry.output;
     const float status = entry.prints.status;
@@ -84,8 +85,6 @@ std::string printedBy(const Export& entry) {
     if (entry.prints.text != nullptr) lines += std::string("text     ") + entry.prints.text + '\n';
     return lines;
 }
-
-}  // namespace
 
 std::string referenceOf(const Export& entry) {
     std::string section = "### " + std::string(entry.name) + "\n\n" + entry.purpose + "\n\n";

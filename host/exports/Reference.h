@@ -11,3 +11,9 @@ std::string referenceOf(const Export& entry);
 
 // All of them, by group: the whole of docs/exports.md.
 std::string wholeReference();
+
+// What leads to the status of a row: the arguments that it is about, and then its sentence.
+std::string sentenceOf(const Export& entry, const StatusMeaning& row);
+
+// The output of the example.
+std::string printedBy(const Export& entry);

@@ -120,6 +120,9 @@ constexpr StatusMeaning kScale[] = {kMapNotOpened,
                                     kSampleFormats,
                                     kRefusedArgument};
 
+constexpr int kLayouts[] = {1, 3, 4};
+constexpr int kChannels[] = {1, 3};
+
 bool takesLayout(double value) {
     return value == 1.0 || value == 3.0 || value == 4.0;
 }
@@ -151,6 +154,7 @@ constexpr Export kExports[] = {
      .takes = takesSwap,
      .valueDetails = "1 exchanges green and blue, 2 red and blue, 3 red and green. A fraction is "
                      "cut off; between 0 and 1 nothing is exchanged.",
+     .numbers = kSwaps,
      .writes = "The map, in place. A grey map, one of 16 bits or more, and a file in which no "
                "directory is found stay as they are, with the same status 0; rows that the file "
                "does not have are left out. When the disk fails, the pixels before that point "
@@ -171,6 +175,7 @@ constexpr Export kExports[] = {
      .valueDetails = "1 grey to grey, 3 colour to colour, 4 colour to grey, from the first "
                      "channel. With layout 1 a colour map gives its samples in turn, red, green, "
                      "blue, with the status 0.",
+     .numbers = Numbers{.choices = kLayouts, .others = "refused"},
      .buffer = BufferUse::kPath,
      .bufferIs = "target",
      .writes = "The target: a PSD if the layout is not 3 and `psd` or `PSD` follows the last dot "
@@ -211,10 +216,12 @@ constexpr Export kExports[] = {
      .valueName = "channels",
      .takes = takesChannels,
      .valueDetails = "As many channels as the map has.",
+     .numbers = Numbers{.choices = kChannels, .others = "refused"},
      .writes = "Nothing, yet the map must be writable.",
      .statuses = kScale,
      .countOne = "is the scale",
      .countMany = "is the scale",
+     .countIsWhole = false,
      .example = "quillon call getScale height.tif --value 1",
      .prints = {233.48125f},
      .next = "quillon inspect shows depth and channels. A scale that is infinite comes from a "
