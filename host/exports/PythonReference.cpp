@@ -19,6 +19,7 @@ constexpr const char* kStart =
 
 This module is what `quillon reference --python` prints; a test compares the two.
 """
+# fmt: off  (black leaves it as it is)
 
 from quillon._call import Export, Numbers, Row, StrPath, TileCount, call
 

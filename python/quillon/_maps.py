@@ -105,20 +105,20 @@ def _require_consistent(mesh: Path, options: _Options) -> None:
 def _write_tiles(mesh: Path, folder: Path, options: _Options) -> Tuple[str, ...]:
     """Writes a mesh per tile, tile<name>.Vemo. Returns the names."""
     _forget()
+    _require(
+        exports.getUVTile(mesh, options.naming).count == exports.getUVTile(mesh, 0).count,
+        f"tiles of {mesh} share a name, and only one of them would be exported; choose naming mode "
+        "0, 1 or 3",
+    )
     chosen: ContextManager[None] = contextlib.nullcontext()
     if options.tiles is not None:
         chosen = tile_filter(options.tiles)
     write = exports.getUVsMask if options.mask else exports.getUVs
     with chosen:
-        count = exports.getUVTile(mesh, options.naming).count
         write(mesh, options.naming, folder / "tile.Vemo")
     names = tuple(tile_names())
     exports.clearUVString()
-    chosen_ones = "" if options.tiles is None else " that the filter lets pass"
-    _require(len(names) > 0, f"{mesh} has no tile{chosen_ones}")
-    _require(
-        len(set(names)) == count, f"tiles of {mesh} share a name; choose naming mode 0, 1 or 3"
-    )
+    _require(len(names) > 0, f"{mesh} has no tile" + (" of those chosen" if options.tiles else ""))
     return names
 
 

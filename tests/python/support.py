@@ -1,4 +1,4 @@
-"""Files for the tests of the Python package. ctest sets QUILLON_LIBRARY, QUILLON_TOOL, PYTHONPATH."""
+"""Files for the tests of the Python package, to which ctest names the library and the tool."""
 
 import os
 import struct
@@ -19,12 +19,15 @@ def chunk(number, elements, size):
     return struct.pack("<4I", number, 16 + len(elements), len(elements) // size, 0) + elements
 
 
-def mesh_of(*columns):
-    """A Vemo file of a quad for each of these columns of tiles, which fills the tile's middle."""
+def mesh_of(*tiles):
+    """A Vemo file of a quad in the middle of each tile: (column, row), or a column of row 0."""
+    places = [tile if isinstance(tile, tuple) else (tile, 0) for tile in tiles]
     vertices = struct.pack("<12f", 0, 0, 0, 1, 0, 0, 1, 1, 0, 0, 1, 0)
-    faces = struct.pack("<4i", 0, 1, 2, 3) * len(columns)
+    faces = struct.pack("<4i", 0, 1, 2, 3) * len(places)
     corners = ((0.25, 0.25), (0.75, 0.25), (0.75, 0.75), (0.25, 0.75))
-    uvs = b"".join(struct.pack("<2f", column + u, v) for column in columns for u, v in corners)
+    uvs = b"".join(
+        struct.pack("<2f", column + u, row + v) for column, row in places for u, v in corners
+    )
     parts = (chunk(10001, vertices, 12), chunk(20001, faces, 16), chunk(25001, uvs, 32))
     return bytes(32) + b"".join(parts) + bytes(16)
 
@@ -71,9 +74,9 @@ class FolderTest(unittest.TestCase):
         self.addCleanup(folder.cleanup)
         self.folder = Path(folder.name)
 
-    def mesh(self, *columns):
+    def mesh(self, *tiles):
         path = self.folder / "model.Vemo"
-        path.write_bytes(mesh_of(*columns))
+        path.write_bytes(mesh_of(*tiles))
         return path
 
     def names(self):
