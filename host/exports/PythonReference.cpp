@@ -19,7 +19,8 @@ constexpr const char* kStart =
 
 This module is what `quillon reference --python` prints; a test compares the two.
 """
-# fmt: off  (black leaves it as it is)
+# Formatted by quillon, not by black:
+# fmt: off
 
 from quillon._call import Export, Numbers, Row, StrPath, TileCount, call
 

@@ -2,7 +2,8 @@
 
 This module is what `quillon reference --python` prints; a test compares the two.
 """
-# fmt: off  (black leaves it as it is)
+# Formatted by quillon, not by black:
+# fmt: off
 
 from quillon._call import Export, Numbers, Row, StrPath, TileCount, call
 
@@ -46,7 +47,9 @@ __all__ = [
 _Version = Export(
     name="Version",
     done=48,
-    check=("It cannot fail. Another number comes from another library: check which one is loaded."),
+    check=(
+        "It cannot fail. Another number comes from another library: check which one is loaded."
+    ),
 )
 
 
@@ -69,12 +72,9 @@ _CreateFolder = Export(
     text="folder",
     role="folder",
     failures=(
-        Row(
-            -1,
-            ("targetNotWritten", "diskFull"),
+        Row(-1, ("targetNotWritten", "diskFull"),
             "the folder was not created: it exists, its parent folder does not, writing is not "
-            "allowed, or the disk is full",
-        ),
+            "allowed, or the disk is full"),
     ),
     check=(
         "CheckFolder shows whether the folder is there already; create missing parents first, "
@@ -106,13 +106,12 @@ _GetPublicFolder = Export(
     gives_text=True,
     done=1,
     failures=(
-        Row(
-            0,
-            ("sourceNotOpened", "noMemory"),
-            "this machine has no such folder, or there is too little memory",
-        ),
+        Row(0, ("sourceNotOpened", "noMemory"),
+            "this machine has no such folder, or there is too little memory"),
     ),
-    check=("Success is 1 here and failure 0; in every other export 0 is no failure."),
+    check=(
+        "Success is 1 here and failure 0; in every other export 0 is no failure."
+    ),
 )
 
 
@@ -137,11 +136,8 @@ _CheckFolder = Export(
     text="folder",
     role="folder",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "noMemory"),
-            "the folder cannot be opened, or there is too little memory",
-        ),
+        Row(-1, ("sourceNotOpened", "noMemory"),
+            "the folder cannot be opened, or there is too little memory"),
     ),
     check=(
         "See whether the path is a folder and not a file, and who may read it. A listing begun "
@@ -174,13 +170,12 @@ _OpenFolder = Export(
     text="folder",
     role="folder",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "noMemory"),
-            "the folder cannot be opened, or there is too little memory",
-        ),
+        Row(-1, ("sourceNotOpened", "noMemory"),
+            "the folder cannot be opened, or there is too little memory"),
     ),
-    check=("See whether the path is a folder and not a file, and who may read it."),
+    check=(
+        "See whether the path is a folder and not a file, and who may read it."
+    ),
 )
 
 
@@ -204,12 +199,10 @@ _GetFile = Export(
     name="GetFile",
     gives_text=True,
     failures=(
-        Row(
-            -3,
-            ("readFailed", "nothingOpen"),
-            "no entry is left, or the folder cannot be read any further",
-        ),
-        Row(-1, ("nothingOpen",), "no folder is open (OpenFolder and GetFile need one process)"),
+        Row(-3, ("readFailed", "nothingOpen"),
+            "no entry is left, or the folder cannot be read any further"),
+        Row(-1, ("nothingOpen",),
+            "no folder is open (OpenFolder and GetFile need one process)"),
     ),
     check=(
         "-3 is the end of every listing and not an error. -1 before it: OpenFolder failed, or "
@@ -241,7 +234,10 @@ def GetFile() -> str:
 
 _CloseFolder = Export(
     name="CloseFolder",
-    failures=(Row(-1, ("nothingOpen",), "no folder is open"),),
+    failures=(
+        Row(-1, ("nothingOpen",),
+            "no folder is open"),
+    ),
     check=(
         "No listing was open: OpenFolder failed, or the listing was closed before. There is "
         "nothing to do."
@@ -268,11 +264,8 @@ _EmptyFolder = Export(
     text="folder",
     role="folder",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "noMemory"),
-            "the folder cannot be opened, or there is too little memory",
-        ),
+        Row(-1, ("sourceNotOpened", "noMemory"),
+            "the folder cannot be opened, or there is too little memory"),
     ),
     check=(
         "CheckFolder shows whether the folder can be opened. 0 does not say that every file is "
@@ -306,12 +299,9 @@ _FileDelete = Export(
     text="file",
     role="path",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "sourceNotWritable"),
+        Row(-1, ("sourceNotOpened", "sourceNotWritable"),
             "the file was not deleted: there is none, it is a folder with entries, or deleting "
-            "is not allowed",
-        ),
+            "is not allowed"),
     ),
     check=(
         "See whether the file is there, and whether its folder may be written to. A folder must "
@@ -343,12 +333,9 @@ _FileCopyTo = Export(
     text="source",
     buffer1="target",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "targetNotWritten", "diskFull"),
+        Row(-1, ("sourceNotOpened", "targetNotWritten", "diskFull"),
             "the file was not copied: the source cannot be opened, the target cannot be written, "
-            "or the disk is full",
-        ),
+            "or the disk is full"),
     ),
     check=(
         "See whether the source is a file that may be read, whether the target's folder is "
@@ -384,12 +371,9 @@ _FileRename = Export(
     buffer1="new_path",
     role="path",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "targetNotWritten"),
+        Row(-1, ("sourceNotOpened", "targetNotWritten"),
             "the file was not renamed: there is none, or the new path is on another disk, in a "
-            "folder that is not there, or not allowed",
-        ),
+            "folder that is not there, or not allowed"),
     ),
     check=(
         "See whether both folders are there and on one disk; between disks use FileCopyTo and "
@@ -452,7 +436,9 @@ def GetString(any_text: str, start: float) -> str:
 
 _clearUVtilesOutput = Export(
     name="clearUVtilesOutput",
-    check=("It cannot fail."),
+    check=(
+        "It cannot fail."
+    ),
 )
 
 
@@ -470,12 +456,10 @@ _setUVtilesOutput = Export(
     name="setUVtilesOutput",
     text="tile_filter",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the tile filter cannot be opened or read, or there is too little memory",
-        ),
-        Row(-9, ("noMemory",), "there is too little memory"),
+        Row(-1, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the tile filter cannot be opened or read, or there is too little memory"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
     ),
     check=(
         "See whether the file is there. After -1, and after -9 for lack of memory, the filter is "
@@ -516,13 +500,12 @@ _getUVTile = Export(
     gives_text=True,
     counts=True,
     failures=(
-        Row(
-            -17,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the mesh file cannot be opened or read, or there is too little memory",
-        ),
-        Row(-18, ("fileRefused",), "the mesh file has no face UVs, or they are cut short"),
-        Row(-9, ("noMemory",), "there is too little memory"),
+        Row(-17, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the mesh file cannot be opened or read, or there is too little memory"),
+        Row(-18, ("fileRefused",),
+            "the mesh file has no face UVs, or they are cut short"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
     ),
     check=(
         "quillon inspect shows which chunks the mesh has and where they end. A chunk of length 0 "
@@ -567,12 +550,10 @@ _getUVGroups = Export(
     text="mesh",
     counts=True,
     failures=(
-        Row(
-            -17,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the mesh file cannot be opened or read, or there is too little memory",
-        ),
-        Row(-18, ("fileRefused",), "the mesh file has no face groups, or they are cut short"),
+        Row(-17, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the mesh file cannot be opened or read, or there is too little memory"),
+        Row(-18, ("fileRefused",),
+            "the mesh file has no face groups, or they are cut short"),
     ),
     check=(
         "quillon inspect shows which chunks the mesh has and where they end. A missing last byte "
@@ -636,7 +617,9 @@ def getUVString(position: float) -> str:
 
 _clearUVString = Export(
     name="clearUVString",
-    check=("It cannot fail."),
+    check=(
+        "It cannot fail."
+    ),
 )
 
 
@@ -659,19 +642,15 @@ _getUVs = Export(
     counts=True,
     writes_tiles=True,
     failures=(
-        Row(
-            -1760,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the mesh file cannot be opened or read, or there is too little memory",
-        ),
-        Row(-18, ("fileRefused",), "the mesh file has no face UVs, or they are cut short"),
-        Row(-9, ("noMemory",), "there is too little memory"),
-        Row(
-            1501,
-            ("targetNotWritten", "diskFull"),
+        Row(-1760, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the mesh file cannot be opened or read, or there is too little memory"),
+        Row(-18, ("fileRefused",),
+            "the mesh file has no face UVs, or they are cut short"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
+        Row(1501, ("targetNotWritten", "diskFull"),
             "the file of the tile at position *k*, from 0 in the order of the names, cannot be "
-            "created, or the disk is full",
-        ),
+            "created, or the disk is full"),
     ),
     check=(
         "From 1501 on, where tiles count in the order of their names, see whether the folder of "
@@ -722,29 +701,18 @@ _getUVsMask = Export(
     counts=True,
     writes_tiles=True,
     failures=(
-        Row(
-            -1760,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the mesh file cannot be opened or read, or there is too little memory",
-        ),
-        Row(
-            -18,
-            ("fileRefused",),
+        Row(-1760, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the mesh file cannot be opened or read, or there is too little memory"),
+        Row(-18, ("fileRefused",),
             "the mesh file has no vertices or no face UVs, they are cut short, or faces and face "
-            "UVs differ in number",
-        ),
-        Row(
-            -19,
-            ("fileRefused",),
-            "the mesh file has no faces, or one of them names a vertex that does not exist",
-        ),
-        Row(-9, ("noMemory",), "there is too little memory"),
-        Row(
-            1501,
-            ("targetNotWritten", "diskFull"),
+            "UVs differ in number"),
+        Row(-19, ("fileRefused",),
+            "the mesh file has no faces, or one of them names a vertex that does not exist"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
+        Row(1501, ("targetNotWritten", "diskFull"),
             "the file of the tile at position *k*, from 0 in the order of the names, cannot be "
-            "created, or the disk is full",
-        ),
+            "created, or the disk is full"),
     ),
     check=(
         "As for getUVs, except that a chunk of length 0 is stepped over. Vertices, faces and "
@@ -791,18 +759,14 @@ _mergeCrease = Export(
     text="mesh_to_append",
     buffer1="mesh_to_append_to",
     failures=(
-        Row(
-            -1760,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the mesh file cannot be opened or read, or there is too little memory",
-        ),
-        Row(
-            -2760,
-            ("targetNotOpened", "readFailed", "noMemory"),
-            "the mesh file to append to cannot be opened or read, or there is too little memory",
-        ),
-        Row(-3760, ("targetNotWritten",), "the target cannot be written"),
-        Row(-18, ("fileRefused",), "one of the files has less than 14 bytes"),
+        Row(-1760, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the mesh file cannot be opened or read, or there is too little memory"),
+        Row(-2760, ("targetNotOpened", "readFailed", "noMemory"),
+            "the mesh file to append to cannot be opened or read, or there is too little memory"),
+        Row(-3760, ("targetNotWritten",),
+            "the target cannot be written"),
+        Row(-18, ("fileRefused",),
+            "one of the files has less than 14 bytes"),
     ),
     check=(
         "-1760 is about `mesh_to_append`, -2760 and -3760 are about `mesh_to_append_to`. After 0 "
@@ -840,26 +804,30 @@ _mergeMapsTIF = Export(
     text="source",
     buffer1="target",
     failures=(
-        Row(-10, ("sourceNotOpened", "readFailed"), "the source cannot be opened or read"),
-        Row(-20, ("targetNotOpened", "readFailed"), "the target cannot be opened or read"),
-        Row(
-            -30,
-            ("fileRefused",),
-            "the maps differ in size, or no directory is found in one of them",
-        ),
-        Row(-40, ("fileRefused",), "the maps differ in channels or depth"),
-        Row(-101, ("sourceNotOpened",), "the source cannot be opened again"),
-        Row(
-            -201,
-            ("targetNotWritten", "diskFull", "readFailed"),
-            "the target cannot be written, the disk is full, or a map cannot be read to its end",
-        ),
-        Row(258, ("fileRefused",), "a map has neither 1 nor 3 channels"),
-        Row(-259, ("fileRefused",), "a map is compressed"),
-        Row(-262, ("fileRefused",), "a map is neither grey nor RGB"),
-        Row(-273, ("fileRefused",), "a map has more than one strip"),
-        Row(-339, ("fileRefused",), "a map names sample formats for neither 1 nor 3 channels"),
-        Row(-9, ("noMemory",), "there is too little memory"),
+        Row(-10, ("sourceNotOpened", "readFailed"),
+            "the source cannot be opened or read"),
+        Row(-20, ("targetNotOpened", "readFailed"),
+            "the target cannot be opened or read"),
+        Row(-30, ("fileRefused",),
+            "the maps differ in size, or no directory is found in one of them"),
+        Row(-40, ("fileRefused",),
+            "the maps differ in channels or depth"),
+        Row(-101, ("sourceNotOpened",),
+            "the source cannot be opened again"),
+        Row(-201, ("targetNotWritten", "diskFull", "readFailed"),
+            "the target cannot be written, the disk is full, or a map cannot be read to its end"),
+        Row(258, ("fileRefused",),
+            "a map has neither 1 nor 3 channels"),
+        Row(-259, ("fileRefused",),
+            "a map is compressed"),
+        Row(-262, ("fileRefused",),
+            "a map is neither grey nor RGB"),
+        Row(-273, ("fileRefused",),
+            "a map has more than one strip"),
+        Row(-339, ("fileRefused",),
+            "a map names sample formats for neither 1 nor 3 channels"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
     ),
     check=(
         "quillon inspect on both files: width, height, channels and depth must be equal, and so "
@@ -908,28 +876,24 @@ _swapRGBTIF = Export(
     value="mode",
     numbers=Numbers(least=1, most=3),
     failures=(
-        Row(-10, ("sourceNotOpened", "readFailed"), "the map cannot be opened or read"),
-        Row(
-            -101,
-            ("sourceNotWritable", "diskFull", "readFailed"),
+        Row(-10, ("sourceNotOpened", "readFailed"),
+            "the map cannot be opened or read"),
+        Row(-101, ("sourceNotWritable", "diskFull", "readFailed"),
             "the map may not be written to, the disk is full, or the map cannot be read to its "
-            "end",
-        ),
-        Row(258, ("fileRefused",), "a map has neither 1 nor 3 channels"),
-        Row(-259, ("fileRefused",), "a map is compressed"),
-        Row(-262, ("fileRefused",), "a map is neither grey nor RGB"),
-        Row(
-            -273,
-            ("fileRefused",),
+            "end"),
+        Row(258, ("fileRefused",),
+            "a map has neither 1 nor 3 channels"),
+        Row(-259, ("fileRefused",),
+            "a map is compressed"),
+        Row(-262, ("fileRefused",),
+            "a map is neither grey nor RGB"),
+        Row(-273, ("fileRefused",),
             "the map has more than one strip, or its pixels would start in the first 8 bytes of "
-            "the file, as in a tiled map, which has no tag 273",
-        ),
-        Row(-339, ("fileRefused",), "a map names sample formats for neither 1 nor 3 channels"),
-        Row(
-            -9,
-            ("valueRefused", "noMemory"),
-            "`mode` is not the exchange, 1 to 3; or there is too little memory",
-        ),
+            "the file, as in a tiled map, which has no tag 273"),
+        Row(-339, ("fileRefused",),
+            "a map names sample formats for neither 1 nor 3 channels"),
+        Row(-9, ("valueRefused", "noMemory"),
+            "`mode` is not the exchange, 1 to 3; or there is too little memory"),
     ),
     check=(
         "quillon inspect shows which tag is refused: the status is its number, negated except "
@@ -980,37 +944,34 @@ _convertTIFF16 = Export(
     numbers=Numbers(choices=(1, 3, 4)),
     needs_dot=True,
     failures=(
-        Row(-10, ("sourceNotOpened", "readFailed"), "the map cannot be opened or read"),
-        Row(-101, ("sourceNotOpened",), "the map cannot be opened again"),
-        Row(
-            -201,
-            ("pathRefused", "targetNotWritten", "diskFull", "readFailed"),
+        Row(-10, ("sourceNotOpened", "readFailed"),
+            "the map cannot be opened or read"),
+        Row(-101, ("sourceNotOpened",),
+            "the map cannot be opened again"),
+        Row(-201, ("pathRefused", "targetNotWritten", "diskFull", "readFailed"),
             "the target cannot be written or is the map itself, the disk is full, or the map "
-            "cannot be read to its end",
-        ),
-        Row(-274, ("fileRefused",), "the map's pixels start 2 GiB or more into the file"),
-        Row(
-            -279,
-            ("fileRefused",),
-            "the map ends before its last row, or has fewer channels than asked for",
-        ),
-        Row(-32, ("fileRefused",), "the map's samples are not 32-bit floats"),
-        Row(-258, ("fileRefused",), "the map has neither 1 nor 3 channels"),
-        Row(-259, ("fileRefused",), "a map is compressed"),
-        Row(-262, ("fileRefused",), "a map is neither grey nor RGB"),
-        Row(-273, ("fileRefused",), "a map has more than one strip"),
-        Row(-339, ("fileRefused",), "a map names sample formats for neither 1 nor 3 channels"),
-        Row(
-            -257,
-            ("fileRefused",),
+            "cannot be read to its end"),
+        Row(-274, ("fileRefused",),
+            "the map's pixels start 2 GiB or more into the file"),
+        Row(-279, ("fileRefused",),
+            "the map ends before its last row, or has fewer channels than asked for"),
+        Row(-32, ("fileRefused",),
+            "the map's samples are not 32-bit floats"),
+        Row(-258, ("fileRefused",),
+            "the map has neither 1 nor 3 channels"),
+        Row(-259, ("fileRefused",),
+            "a map is compressed"),
+        Row(-262, ("fileRefused",),
+            "a map is neither grey nor RGB"),
+        Row(-273, ("fileRefused",),
+            "a map has more than one strip"),
+        Row(-339, ("fileRefused",),
+            "a map names sample formats for neither 1 nor 3 channels"),
+        Row(-257, ("fileRefused",),
             "a size in the map's directory is behind the new header, which ends at byte 198 "
-            "(grey) or 234 (colour)",
-        ),
-        Row(
-            -9,
-            ("valueRefused", "noMemory"),
-            "`layout` is not target layout 1, 3 or 4; or there is too little memory",
-        ),
+            "(grey) or 234 (colour)"),
+        Row(-9, ("valueRefused", "noMemory"),
+            "`layout` is not target layout 1, 3 or 4; or there is too little memory"),
     ),
     check=(
         "quillon inspect shows depth, channels and where the directory is. A TIFF is valid only "
@@ -1074,25 +1035,31 @@ _convertTIFFSingle = Export(
     text="map",
     buffer1="target",
     failures=(
-        Row(-1, ("noMemory",), "there is too little memory"),
-        Row(-10, ("sourceNotOpened", "readFailed"), "the map cannot be opened or read"),
-        Row(-101, ("sourceNotWritable",), "the map may not be written to"),
-        Row(
-            -201,
-            ("pathRefused", "targetNotWritten", "diskFull", "readFailed"),
+        Row(-1, ("noMemory",),
+            "there is too little memory"),
+        Row(-10, ("sourceNotOpened", "readFailed"),
+            "the map cannot be opened or read"),
+        Row(-101, ("sourceNotWritable",),
+            "the map may not be written to"),
+        Row(-201, ("pathRefused", "targetNotWritten", "diskFull", "readFailed"),
             "the target cannot be written or is the map itself, the disk is full, or the map "
-            "cannot be read to its end",
-        ),
-        Row(-274, ("fileRefused",), "the map's pixels start 2 GiB or more into the file"),
-        Row(
-            -279, ("fileRefused",), "the map ends before its last row, or has fewer than 3 channels"
-        ),
-        Row(-32, ("fileRefused",), "the map's samples are not 32-bit floats"),
-        Row(-258, ("fileRefused",), "the map has neither 1 nor 3 channels"),
-        Row(-259, ("fileRefused",), "a map is compressed"),
-        Row(-262, ("fileRefused",), "a map is neither grey nor RGB"),
-        Row(-273, ("fileRefused",), "a map has more than one strip"),
-        Row(-339, ("fileRefused",), "a map names sample formats for neither 1 nor 3 channels"),
+            "cannot be read to its end"),
+        Row(-274, ("fileRefused",),
+            "the map's pixels start 2 GiB or more into the file"),
+        Row(-279, ("fileRefused",),
+            "the map ends before its last row, or has fewer than 3 channels"),
+        Row(-32, ("fileRefused",),
+            "the map's samples are not 32-bit floats"),
+        Row(-258, ("fileRefused",),
+            "the map has neither 1 nor 3 channels"),
+        Row(-259, ("fileRefused",),
+            "a map is compressed"),
+        Row(-262, ("fileRefused",),
+            "a map is neither grey nor RGB"),
+        Row(-273, ("fileRefused",),
+            "a map has more than one strip"),
+        Row(-339, ("fileRefused",),
+            "a map names sample formats for neither 1 nor 3 channels"),
     ),
     check=(
         "quillon inspect shows depth and channels. A missing argument is -1 here, where other "
@@ -1141,30 +1108,30 @@ _getScale = Export(
     numbers=Numbers(choices=(1, 3)),
     counts=True,
     failures=(
-        Row(-10, ("sourceNotOpened", "readFailed"), "the map cannot be opened or read"),
-        Row(
-            -101,
-            ("sourceNotWritable", "readFailed"),
-            "the map may not be written to, or cannot be read to its end",
-        ),
-        Row(-1, ("fileRefused",), "the map has no pixels, or no directory is found in it"),
-        Row(-274, ("fileRefused",), "the map's pixels start 2 GiB or more into the file"),
-        Row(
-            -279,
-            ("fileRefused",),
-            "the map ends before its last row, or has fewer channels than asked for",
-        ),
-        Row(-32, ("fileRefused",), "the map's samples are not 32-bit floats"),
-        Row(-258, ("fileRefused",), "the map has neither 1 nor 3 channels"),
-        Row(-259, ("fileRefused",), "a map is compressed"),
-        Row(-262, ("fileRefused",), "a map is neither grey nor RGB"),
-        Row(-273, ("fileRefused",), "a map has more than one strip"),
-        Row(-339, ("fileRefused",), "a map names sample formats for neither 1 nor 3 channels"),
-        Row(
-            -9,
-            ("valueRefused", "noMemory"),
-            "`channels` is not channels 1 or 3; or there is too little memory",
-        ),
+        Row(-10, ("sourceNotOpened", "readFailed"),
+            "the map cannot be opened or read"),
+        Row(-101, ("sourceNotWritable", "readFailed"),
+            "the map may not be written to, or cannot be read to its end"),
+        Row(-1, ("fileRefused",),
+            "the map has no pixels, or no directory is found in it"),
+        Row(-274, ("fileRefused",),
+            "the map's pixels start 2 GiB or more into the file"),
+        Row(-279, ("fileRefused",),
+            "the map ends before its last row, or has fewer channels than asked for"),
+        Row(-32, ("fileRefused",),
+            "the map's samples are not 32-bit floats"),
+        Row(-258, ("fileRefused",),
+            "the map has neither 1 nor 3 channels"),
+        Row(-259, ("fileRefused",),
+            "a map is compressed"),
+        Row(-262, ("fileRefused",),
+            "a map is neither grey nor RGB"),
+        Row(-273, ("fileRefused",),
+            "a map has more than one strip"),
+        Row(-339, ("fileRefused",),
+            "a map names sample formats for neither 1 nor 3 channels"),
+        Row(-9, ("valueRefused", "noMemory"),
+            "`channels` is not channels 1 or 3; or there is too little memory"),
     ),
     check=(
         "quillon inspect shows depth and channels. A scale that is infinite comes from a map of "
@@ -1212,18 +1179,22 @@ _mergeMapsPSD = Export(
     text="source",
     buffer1="target",
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "targetNotOpened", "readFailed", "fileRefused"),
-            "a map cannot be opened or read, is no PSD, or is cut short",
-        ),
-        Row(-2, ("fileRefused",), "a map is a PSD of another version than 1"),
-        Row(-3, ("fileRefused",), "a map has a colour table"),
-        Row(-4, ("fileRefused",), "a map is compressed"),
-        Row(-5, ("targetNotWritten",), "the target cannot be written"),
-        Row(-6, ("fileRefused",), "the maps differ in size"),
-        Row(36, ("fileRefused",), "the source is neither 8-bit RGB nor 16-bit grey"),
-        Row(-9, ("noMemory",), "there is too little memory"),
+        Row(-1, ("sourceNotOpened", "targetNotOpened", "readFailed", "fileRefused"),
+            "a map cannot be opened or read, is no PSD, or is cut short"),
+        Row(-2, ("fileRefused",),
+            "a map is a PSD of another version than 1"),
+        Row(-3, ("fileRefused",),
+            "a map has a colour table"),
+        Row(-4, ("fileRefused",),
+            "a map is compressed"),
+        Row(-5, ("targetNotWritten",),
+            "the target cannot be written"),
+        Row(-6, ("fileRefused",),
+            "the maps differ in size"),
+        Row(36, ("fileRefused",),
+            "the source is neither 8-bit RGB nor 16-bit grey"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
     ),
     check=(
         "quillon inspect on both files; the target is judged first. Both must have their image "
@@ -1270,21 +1241,20 @@ _swapRGBPSD = Export(
     value="mode",
     numbers=Numbers(least=1, most=3),
     failures=(
-        Row(
-            -1,
-            ("sourceNotOpened", "readFailed", "fileRefused"),
-            "the map cannot be opened or read, is no PSD, or is cut short",
-        ),
-        Row(-2, ("fileRefused",), "a map is a PSD of another version than 1"),
-        Row(-3, ("fileRefused",), "a map has a colour table"),
-        Row(-4, ("fileRefused",), "a map is compressed"),
-        Row(-5, ("sourceNotWritable",), "the map cannot be written"),
-        Row(-56, ("fileRefused",), "the map does not have three channels of 8 bits"),
-        Row(
-            -9,
-            ("valueRefused", "noMemory"),
-            "`mode` is not the order of the planes, 1 to 3; or there is too little memory",
-        ),
+        Row(-1, ("sourceNotOpened", "readFailed", "fileRefused"),
+            "the map cannot be opened or read, is no PSD, or is cut short"),
+        Row(-2, ("fileRefused",),
+            "a map is a PSD of another version than 1"),
+        Row(-3, ("fileRefused",),
+            "a map has a colour table"),
+        Row(-4, ("fileRefused",),
+            "a map is compressed"),
+        Row(-5, ("sourceNotWritable",),
+            "the map cannot be written"),
+        Row(-56, ("fileRefused",),
+            "the map does not have three channels of 8 bits"),
+        Row(-9, ("valueRefused", "noMemory"),
+            "`mode` is not the order of the planes, 1 to 3; or there is too little memory"),
     ),
     check=(
         "quillon inspect shows channels and depth: an alpha channel or 16 bits are -56. After 0 "
@@ -1326,22 +1296,22 @@ _mergeMapsBMP = Export(
     text="source",
     buffer1="target",
     failures=(
-        Row(-1760, ("targetNotOpened", "readFailed"), "the target cannot be opened or read"),
-        Row(-1770, ("sourceNotOpened", "readFailed"), "the source cannot be opened or read"),
-        Row(-7, ("fileRefused",), "a file is no BMP, or shorter than its own headers"),
-        Row(-30, ("fileRefused",), "the maps differ in size"),
-        Row(
-            -40,
-            ("fileRefused",),
-            "the maps differ in bits per pixel, or in where their pixels start",
-        ),
-        Row(
-            -101,
-            ("sourceNotWritable", "readFailed"),
-            "the source may not be written to, or its first pixel cannot be read",
-        ),
-        Row(-201, ("targetNotWritten",), "the target may not be written to"),
-        Row(-9, ("noMemory",), "there is too little memory"),
+        Row(-1760, ("targetNotOpened", "readFailed"),
+            "the target cannot be opened or read"),
+        Row(-1770, ("sourceNotOpened", "readFailed"),
+            "the source cannot be opened or read"),
+        Row(-7, ("fileRefused",),
+            "a file is no BMP, or shorter than its own headers"),
+        Row(-30, ("fileRefused",),
+            "the maps differ in size"),
+        Row(-40, ("fileRefused",),
+            "the maps differ in bits per pixel, or in where their pixels start"),
+        Row(-101, ("sourceNotWritable", "readFailed"),
+            "the source may not be written to, or its first pixel cannot be read"),
+        Row(-201, ("targetNotWritten",),
+            "the target may not be written to"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
     ),
     check=(
         "quillon inspect on both files; the target is judged first. Width, height, bits per "
@@ -1387,14 +1357,14 @@ _swapRGBBMP = Export(
     value="mode",
     numbers=Numbers(least=1, most=3),
     failures=(
-        Row(-1760, ("sourceNotOpened", "readFailed"), "the map cannot be opened or read"),
-        Row(-7, ("fileRefused",), "the file is no BMP, or shorter than its own headers"),
-        Row(-101, ("sourceNotWritable",), "the map may not be written to"),
-        Row(
-            -9,
-            ("valueRefused", "noMemory"),
-            "`mode` is not the exchange, 1 to 3; or there is too little memory",
-        ),
+        Row(-1760, ("sourceNotOpened", "readFailed"),
+            "the map cannot be opened or read"),
+        Row(-7, ("fileRefused",),
+            "the file is no BMP, or shorter than its own headers"),
+        Row(-101, ("sourceNotWritable",),
+            "the map may not be written to"),
+        Row(-9, ("valueRefused", "noMemory"),
+            "`mode` is not the exchange, 1 to 3; or there is too little memory"),
     ),
     check=(
         "quillon inspect shows whether it is a BMP of 24 bits with its bottom row first. The "
@@ -1435,21 +1405,17 @@ _CreateThumbnailBMP = Export(
     value="size",
     numbers=Numbers(least=1),
     failures=(
-        Row(-1, ("sourceNotOpened", "readFailed"), "the image cannot be opened or read"),
-        Row(-2, ("fileRefused",), "the file is no BMP"),
-        Row(
-            -7,
-            ("readFailed", "fileRefused"),
+        Row(-1, ("sourceNotOpened", "readFailed"),
+            "the image cannot be opened or read"),
+        Row(-2, ("fileRefused",),
+            "the file is no BMP"),
+        Row(-7, ("readFailed", "fileRefused"),
             "the file is shorter than its own headers, ends before its pixels start, or cannot "
-            "be read up to there",
-        ),
-        Row(
-            -9,
-            ("valueRefused", "fileRefused", "noMemory"),
+            "be read up to there"),
+        Row(-9, ("valueRefused", "fileRefused", "noMemory"),
             "`size` is not the longer side in pixels, at least 1; or the image is top-down (of "
             "negative height), the copy would be larger than a BMP can be, or there is too "
-            "little memory",
-        ),
+            "little memory"),
     ),
     check=(
         "0 also when the file may not be written to or the disk is full: quillon inspect shows "
@@ -1493,30 +1459,29 @@ _saveAsTarga = Export(
     text="map",
     buffer1="target",
     failures=(
-        Row(-10, ("sourceNotOpened", "readFailed"), "the map cannot be opened or read"),
-        Row(
-            -101,
-            ("sourceNotWritable", "readFailed"),
+        Row(-10, ("sourceNotOpened", "readFailed"),
+            "the map cannot be opened or read"),
+        Row(-101, ("sourceNotWritable", "readFailed"),
             "the map may not be written to, or cannot be read to its end; the target is not "
-            "whole",
-        ),
-        Row(
-            -5,
-            ("pathRefused", "targetNotWritten", "diskFull"),
-            "the target cannot be written or is the map itself, or the disk is full",
-        ),
-        Row(
-            -257,
-            ("fileRefused",),
-            "the map names no height or no channels, or no directory is found in it",
-        ),
-        Row(-279, ("fileRefused",), "the map claims far more rows than the file holds"),
-        Row(258, ("fileRefused",), "the map has neither 1 nor 3 channels"),
-        Row(-259, ("fileRefused",), "the map is compressed"),
-        Row(-262, ("fileRefused",), "the map is neither grey nor RGB"),
-        Row(-273, ("fileRefused",), "the map has more than one strip"),
-        Row(-339, ("fileRefused",), "the map names sample formats for neither 1 nor 3 channels"),
-        Row(-9, ("noMemory",), "there is too little memory"),
+            "whole"),
+        Row(-5, ("pathRefused", "targetNotWritten", "diskFull"),
+            "the target cannot be written or is the map itself, or the disk is full"),
+        Row(-257, ("fileRefused",),
+            "the map names no height or no channels, or no directory is found in it"),
+        Row(-279, ("fileRefused",),
+            "the map claims far more rows than the file holds"),
+        Row(258, ("fileRefused",),
+            "the map has neither 1 nor 3 channels"),
+        Row(-259, ("fileRefused",),
+            "the map is compressed"),
+        Row(-262, ("fileRefused",),
+            "the map is neither grey nor RGB"),
+        Row(-273, ("fileRefused",),
+            "the map has more than one strip"),
+        Row(-339, ("fileRefused",),
+            "the map names sample formats for neither 1 nor 3 channels"),
+        Row(-9, ("noMemory",),
+            "there is too little memory"),
     ),
     check=(
         "quillon inspect shows depth and channels. Depth and place of the pixels are not "
@@ -1567,25 +1532,19 @@ _saveAsJpeg = Export(
     buffer1="target",
     numbers=Numbers(least=0, most=100),
     failures=(
-        Row(3, ("sourceNotOpened",), "the image cannot be opened"),
-        Row(
-            4,
-            ("readFailed", "fileRefused"),
-            "the image is shorter than its headers, or they cannot be read",
-        ),
-        Row(5, ("fileRefused",), "the image is not a BMP of 24 bits per pixel"),
-        Row(6, ("noMemory",), "there is too little memory for the image"),
-        Row(
-            -1,
-            ("pathRefused", "targetNotWritten", "diskFull"),
-            "the target cannot be created, the disk is full, or a path has 512 bytes and more",
-        ),
-        Row(
-            -9,
-            ("fileRefused", "noMemory"),
+        Row(3, ("sourceNotOpened",),
+            "the image cannot be opened"),
+        Row(4, ("readFailed", "fileRefused"),
+            "the image is shorter than its headers, or they cannot be read"),
+        Row(5, ("fileRefused",),
+            "the image is not a BMP of 24 bits per pixel"),
+        Row(6, ("noMemory",),
+            "there is too little memory for the image"),
+        Row(-1, ("pathRefused", "targetNotWritten", "diskFull"),
+            "the target cannot be created, the disk is full, or a path has 512 bytes and more"),
+        Row(-9, ("fileRefused", "noMemory"),
             "a side of the image is 0 or longer than 65528 pixels (its low 16 bits count), or "
-            "there is too little memory",
-        ),
+            "there is too little memory"),
     ),
     check=(
         "quillon inspect shows whether it is a BMP of 24 bits whose pixels start at byte 54: "
@@ -1631,23 +1590,23 @@ _OpenEXR = Export(
     text="image",
     counts=True,
     failures=(
-        Row(-1, ("fileRefused",), "the file is no OpenEXR file"),
-        Row(-2, ("fileRefused",), "the file is of a version of OpenEXR that is not known"),
-        Row(
-            -4,
-            ("fileRefused", "noMemory"),
+        Row(-1, ("fileRefused",),
+            "the file is no OpenEXR file"),
+        Row(-2, ("fileRefused",),
+            "the file is of a version of OpenEXR that is not known"),
+        Row(-4, ("fileRefused", "noMemory"),
             "the file is damaged, deep, of several parts, has less than 8 bytes or claims more "
-            "than it can hold, or there is too little memory",
-        ),
-        Row(
-            -7,
-            ("sourceNotOpened", "readFailed", "noMemory"),
-            "the file cannot be opened or read, or there is too little memory",
-        ),
-        Row(-8, ("fileRefused",), "the file's compression is not known"),
-        Row(-9, ("fileRefused",), "the file's header lacks what every OpenEXR file has"),
-        Row(-10, ("fileRefused",), "the file's channels are subsampled"),
-        Row(-131070, ("fileRefused",), "none of the image's samples is a number"),
+            "than it can hold, or there is too little memory"),
+        Row(-7, ("sourceNotOpened", "readFailed", "noMemory"),
+            "the file cannot be opened or read, or there is too little memory"),
+        Row(-8, ("fileRefused",),
+            "the file's compression is not known"),
+        Row(-9, ("fileRefused",),
+            "the file's header lacks what every OpenEXR file has"),
+        Row(-10, ("fileRefused",),
+            "the file's channels are subsampled"),
+        Row(-131070, ("fileRefused",),
+            "none of the image's samples is a number"),
     ),
     check=(
         "quillon inspect shows the attributes, among them compression and channels. The largest "
