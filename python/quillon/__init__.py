@@ -25,7 +25,6 @@ from quillon._session import Session, listing, tile_filter, tile_names
 __version__ = "48.0"
 
 __all__ = [
-    *_exports.__all__,
     "Busy",
     "ExportedMap",
     "LibraryNotFound",
@@ -43,3 +42,4 @@ __all__ = [
     "tile_filter",
     "tile_names",
 ]
+__all__ += _exports.__all__

@@ -35,7 +35,10 @@ def entries():
 class Generated(unittest.TestCase):
     def test_the_functions_are_what_quillon_reference_prints(self):
         committed = REPOSITORY / "python" / "quillon" / "_exports.py"
-        self.assertEqual(committed.read_text(encoding="utf-8"), reference("--python"))
+        self.assertTrue(
+            committed.read_text(encoding="utf-8") == reference("--python"),
+            "run: quillon reference --python >python/quillon/_exports.py",
+        )
 
     def test_the_version_is_that_of_the_tool(self):
         printed = subprocess.run([TOOL, "--version"], check=True, capture_output=True, text=True)
