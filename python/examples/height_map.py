@@ -1,9 +1,9 @@
 #!/usr/bin/env python3
 """Renders a height map of a mesh with numpy and exports it: height_map.py MESH OUT.tif [PIXELS]
 
-A point's height is its y, brought to 0.1 for the lowest and 1 for the highest point of the mesh. Tiles
-are side by side on the map as in UV space, v upward, each PIXELS wide and high (256). Needs numpy and
-tifffile.
+A point's height is its y, brought to 0.1 for the lowest and 1 for the highest point of the mesh.
+Tiles are side by side on the map as in UV space, v upward, each PIXELS wide and high (256). Needs
+numpy and tifffile.
 """
 
 import sys

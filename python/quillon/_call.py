@@ -46,7 +46,7 @@ class Row(NamedTuple):
 
 
 class Export(NamedTuple):
-    """What a call of an export must know: names of the arguments that it reads, and its statuses."""
+    """What a call must know of an export: which arguments it reads, and its statuses."""
 
     name: str
     check: str

@@ -124,7 +124,7 @@ def _same(source: str, target: str) -> str:
 
 
 def _looked_at(cause: str, role: str, source: str, target: str) -> Optional[Tuple[str, str]]:
-    """A path, and what is wrong with it (nothing: ""); None where the files do not show the cause."""
+    """A path and what is wrong with it, if anything; None where no file shows the cause."""
     if cause == "sourceNotOpened" and source:
         return source, _unreadable(source, role)
     if cause == "sourceNotWritable" and source:

@@ -1,4 +1,4 @@
-"""What the exports do not check in a map: they would leave it as it is or damage it, with status 0."""
+"""What the exports do not check in a map, but leave as it is or damage with the status 0."""
 
 import struct
 from pathlib import Path
@@ -19,20 +19,6 @@ class Tiff(NamedTuple):
     @property
     def bits(self) -> int:
         return self.values.get(258, 0)
-
-    @property
-    def is_mergeable(self) -> bool:
-        """Whether the pixels start below their own length."""
-        return self.values.get(273, 0) < self.values.get(279, 0)
-
-    @property
-    def is_convertible(self) -> bool:
-        """Whether convertTIFF16 makes a valid TIFF of it."""
-        return self.offset == 8 and self.tags[: len(_CONVERTED_TAGS)] == _CONVERTED_TAGS
-
-    @property
-    def is_square(self) -> bool:
-        return self.values.get(256) == self.values.get(257)
 
 
 def _head(path: Path) -> bytes:
@@ -58,10 +44,15 @@ def tiff(path: Path) -> Tiff:
         values = {tag: _first_value(head, *rest) for tag, *rest in entries}
     except struct.error:
         raise ValueError(
-            f"{path} is no little-endian TIFF with its directory in the first {_HEAD_BYTES} bytes"
+            f"{path.name}, as rendered, is no little-endian TIFF with its directory in the first {_HEAD_BYTES} bytes"
         ) from None
     channels = next((entry[2] for entry in entries if entry[0] == 258), 1)
     return Tiff(offset, tuple(entry[0] for entry in entries), values, channels)
+
+
+def _require(rule: bool, path: Path, sentence: str) -> None:
+    if not rule:
+        raise ValueError(f"{path.name}, as rendered, {sentence}")
 
 
 def require_map(path: Path, kind: str, swaps: bool) -> None:
@@ -75,29 +66,45 @@ def require_map(path: Path, kind: str, swaps: bool) -> None:
         _require_tiff(path, swaps)
     elif kind == ".bmp":
         _require_bmp(path, swaps)
-    elif _head(path)[:4] != b"8BPS":
-        raise ValueError(f"{path} is no PSD")
+    else:
+        _require(_head(path)[:4] == b"8BPS", path, "is no PSD")
 
 
 def _require_tiff(path: Path, swaps: bool) -> None:
     directory = tiff(path)
-    if not directory.is_mergeable:
-        raise ValueError(
-            f"{path} is too small to be merged: its pixels start behind their own length"
-        )
-    if swaps and (directory.bits, directory.channels) != (8, 3):
-        raise ValueError(f"{path} has not three channels of 8 bits, which alone can be reordered")
+    starts, length = (directory.values.get(tag, 0) for tag in (273, 279))
+    _require(
+        starts < length, path, "is too small to be merged: its pixels start behind their own length"
+    )
+    _require(directory.bits in (8, 16, 32), path, "has not 8, 16 or 32 bits per sample")
+    is_rgb = (directory.bits, directory.channels) == (8, 3)
+    _require(is_rgb or not swaps, path, "has not 3 channels of 8 bits; no others can be reordered")
 
 
 def _require_bmp(path: Path, swaps: bool) -> None:
     head = _head(path)
-    if head[:2] != b"BM" or len(head) < 54:
-        raise ValueError(f"{path} is no BMP")
+    _require(head[:2] == b"BM" and len(head) >= 54, path, "is no BMP")
     (height,) = struct.unpack_from("<i", head, 22)
     (bits,) = struct.unpack_from("<H", head, 28)
-    if height < 0:
-        raise ValueError(
-            f"{path} has its top row first; a BMP that is merged has its bottom row first"
+    _require(
+        height >= 0, path, "has its top row first; only a BMP with the bottom row first is merged"
+    )
+    _require(bits == 24 or not swaps, path, "has not 24 bits per pixel; no others can be reordered")
+
+
+def require_convertible(path: Path, to_psd: bool) -> None:
+    """Raises ValueError for a TIFF map of which convertTIFF16 would make a damaged map."""
+    directory = tiff(path)
+    _require(directory.bits == 32, path, "has no 32-bit floats, which become 16 bits")
+    if to_psd:
+        square = directory.values.get(256) == directory.values.get(257)
+        _require(square, path, "is not square, as a map must be that becomes a PSD of 16 bits")
+        _require(directory.channels == 1, path, "has colours; a PSD of 16 bits is grey")
+    else:
+        tags = directory.tags[: len(_CONVERTED_TAGS)]
+        _require(
+            (directory.offset, tags) == (8, _CONVERTED_TAGS),
+            path,
+            f"cannot become a TIFF of 16 bits: its directory must be at byte 8 and start with the "
+            f"tags {', '.join(map(str, _CONVERTED_TAGS))}",
         )
-    if swaps and bits != 24:
-        raise ValueError(f"{path} has not 24 bits per pixel, which alone can be reordered")

@@ -20,7 +20,7 @@ from typing import (
 
 from quillon import _exports as exports
 from quillon._call import StrPath, claimed
-from quillon._headers import Tiff, require_map, tiff
+from quillon._headers import require_convertible, require_map, tiff
 from quillon._session import Tiles, _forget, tile_filter, tile_names
 
 Render = Callable[[Path, Path], object]
@@ -84,6 +84,7 @@ def _kind_of(out: Path) -> str:
 
 def _require_consistent(mesh: Path, options: _Options) -> None:
     out, folder = options.out, options.out.parent
+    _require("\0" not in str(out), "out has a NUL byte")
     if not folder.is_dir():
         raise FileNotFoundError(errno.ENOENT, "there is no such folder", str(folder))
     if out.is_dir():
@@ -122,23 +123,6 @@ def _write_tiles(mesh: Path, folder: Path, options: _Options) -> Tuple[str, ...]
     return names
 
 
-def _sixteen_bits(whole: Path, out: Path, directory: Tiff) -> Path:
-    """Converts a map of floats. Returns the new one."""
-    target = whole.with_name("sixteen" + out.suffix)
-    _require(directory.bits == 32, "only a map of 32-bit floats is converted to 16 bits")
-    if _kind_of(out) == ".psd":
-        _require(directory.channels == 1, "a PSD of 16 bits has one channel")
-        _require(directory.is_square, "a PSD of 16 bits is valid only if the map is square")
-    else:
-        _require(
-            directory.is_convertible,
-            "a TIFF of 16 bits is valid only if the map's directory is at byte 8 and starts with the "
-            "tags 254, 256, 257, 258, 259, 262, 273, 277, 278, 279",
-        )
-    exports.convertTIFF16(whole, directory.channels, target)
-    return target
-
-
 @contextlib.contextmanager
 def _reports(progress: Union[Progress, bool, None]) -> Iterator[Progress]:
     """What is called with each step: the caller's function, a bar by tqdm, or nothing."""
@@ -174,6 +158,8 @@ def _render_tiles(
         if not made.is_file():
             raise FileNotFoundError(errno.ENOENT, "render wrote no map", str(made))
         require_map(made, options.kind, options.order is not None)
+        if options.sixteen_bits:
+            require_convertible(made, _kind_of(options.out) == ".psd")
         maps.append(made)
     return maps
 
@@ -182,13 +168,10 @@ def _fold(
     maps: List[Path], names: Tuple[str, ...], whole: Path, options: _Options, report: Progress
 ) -> None:
     """Makes a map of all tiles. The maps that were rendered stay as they are."""
+    size = maps[0].stat().st_size
     for done, (source, name) in enumerate(zip(maps, names)):
         report(len(maps) + done, 2 * len(maps), f"merge {name}")
-        if done == 0:
-            exports.FileCopyTo(source, whole)
-            size = source.stat().st_size
-        else:
-            _FORMATS[options.kind].fold(source, whole)
+        (exports.FileCopyTo if done == 0 else _FORMATS[options.kind].fold)(source, whole)
         if whole.stat().st_size != size:  # the library does not report every full disk
             raise OSError(errno.ENOSPC, "the disk took only a part of the map", str(options.out))
 
@@ -202,7 +185,11 @@ def _finish(whole: Path, options: _Options) -> Tuple[Path, Optional[float]]:
         return whole, None
     directory = tiff(whole)
     scale = exports.getScale(whole, directory.channels) if directory.bits == 32 else None
-    return (_sixteen_bits(whole, options.out, directory) if options.sixteen_bits else whole), scale
+    if not options.sixteen_bits:
+        return whole, scale
+    converted = whole.with_name("converted" + options.out.suffix)
+    exports.convertTIFF16(whole, directory.channels, converted)
+    return converted, scale
 
 
 def export_maps(
@@ -219,11 +206,12 @@ def export_maps(
 ) -> ExportedMap:
     """Exports one map of all UV tiles of a mesh, with the caller's own renderer.
 
-    The library writes a mesh per tile, `render` makes a map of each, and the library folds these maps
-    into one: where the map still has the colour of a tile's first pixel, it takes the tile's.
+    The library writes a mesh per tile, `render` makes a map of each, and the library folds these
+    maps into one: where that still has the colour of a tile's first pixel, it takes the tile's.
 
-    All this happens in a new folder beside `out`, which is deleted at the end, also after an error or
-    Ctrl-C. `out` is replaced only by a whole map. `mesh`, and whatever `render` reads, stay as they are.
+    All this happens in a new folder beside `out`, which is deleted at the end, also after an error
+    or Ctrl-C. `out` is replaced only by a whole map. `mesh` and what `render` reads stay as they
+    are.
 
     Parameters:
         mesh: path of the mesh, a Vemo file.
@@ -246,6 +234,8 @@ def export_maps(
     the library is in use, also by a Session of the same thread.
     """
     mesh, out = Path(mesh), Path(out)
+    if not callable(render):
+        raise TypeError(f"render must be a function, not {type(render).__name__}")
     _require(bits in (None, 16), f"bits is 16 or None, not {bits!r}")
     kind = ".tif" if bits else _kind_of(out)
     options = _Options(out, kind, naming, tiles, mask, order, bits is not None)

@@ -193,8 +193,8 @@ class Failures(FolderTest):
         self.assertRegex(error.check, "quillon inspect shows which chunks")
         self.assertEqual(
             str(error),
-            f"getUVTile of {missing} returned -17: the mesh file cannot be opened or read, or there "
-            f"is too little memory ({missing}: No such file or directory)",
+            f"getUVTile of {missing} returned -17: the mesh file cannot be opened or read, or "
+            f"there is too little memory ({missing}: No such file or directory)",
         )
 
     def test_it_passes_between_processes(self):

@@ -233,17 +233,23 @@ class Failures(Maps):
         def top_down(tile, out):
             write_bmp(out, pixels_of(tile, np.uint8, 3), -SIDE)
 
+        def doubles(tile, out):
+            write_tiff(out, pixels_of(tile, np.float64))
+
         def text(tile, out):
             out.write_text("text")
 
         self.assert_fails(ValueError, "no little-endian TIFF", render=big_endian)
+        self.assert_fails(ValueError, "has not 8, 16 or 32 bits per sample", render=doubles)
         self.assert_fails(ValueError, "too small to be merged", render=tiny)
-        self.assert_fails(ValueError, "has its top row first", "out.bmp", top_down)
+        self.assert_fails(
+            ValueError, "tile1001.bmp, as rendered, has its top row first", "out.bmp", top_down
+        )
         for name in ("out.tif", "out.psd", "out.bmp"):
             self.assert_fails(ValueError, "is no", name, text)
 
     def test_channels_that_cannot_be_reordered(self):
-        self.assert_fails(ValueError, "not three channels of 8 bits", order="bgr")
+        self.assert_fails(ValueError, "has not 3 channels of 8 bits", order="bgr")
 
     def test_maps_that_would_be_converted_to_damaged_ones(self):
         def other_tags(tile, out):
@@ -252,10 +258,10 @@ class Failures(Maps):
         def colours(tile, out):
             write_tiff(out, np.zeros((SIDE, SIDE, 3), np.float32))
 
-        self.assert_fails(ValueError, "directory is at byte 8", render=other_tags, bits=16)
-        self.assert_fails(ValueError, "32-bit floats", render=render_rgb, bits=16)
-        self.assert_fails(ValueError, "only if the map is square", "out.psd", bits=16)
-        self.assert_fails(ValueError, "has one channel", "out.psd", colours, bits=16)
+        self.assert_fails(ValueError, "directory must be at byte 8", render=other_tags, bits=16)
+        self.assert_fails(ValueError, "has no 32-bit floats", render=render_rgb, bits=16)
+        self.assert_fails(ValueError, "is not square", "out.psd", bits=16)
+        self.assert_fails(ValueError, "a PSD of 16 bits is grey", "out.psd", colours, bits=16)
 
     def test_options_that_contradict_each_other(self):
         for words, options in (
@@ -270,6 +276,13 @@ class Failures(Maps):
             ("no tile number", {"tiles": ["red"]}),
         ):
             self.assert_fails(ValueError, words, **options)
+
+    def test_arguments_that_cannot_be_passed(self):
+        self.assert_fails(TypeError, "render must be a function, not str", render="render.sh")
+        self.assert_fails(ValueError, "out has a NUL byte", "out\0.tif")
+        self.model = 3
+        with self.assertRaises(TypeError):
+            self.export()
 
     def test_a_place_where_no_map_can_be(self):
         self.assert_fails(FileNotFoundError, "no such folder", "no/out.tif")
