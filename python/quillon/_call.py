@@ -105,26 +105,20 @@ def claimed(alone: bool = False) -> Iterator[None]:
         lock.release()
 
 
-def _path(export: Export, name: str, path: object) -> bytes:
-    if not isinstance(path, (str, os.PathLike)):
-        raise TypeError(f"{export.name}: {name} must be a path, not {type(path).__name__}")
-    return _bytes(export, name, os.fsencode(path))
-
-
-def _bytes(export: Export, name: str, text: bytes) -> bytes:
-    if b"\0" in text:
-        raise ValueError(f"{export.name}: {name} has a NUL byte")
-    return text
-
-
-def _text(export: Export, text: object) -> Optional[bytes]:
-    if not export.text:
+def _bytes(export: Export, name: str, role: str, given: object) -> Optional[bytes]:
+    """An argument as the library takes it; None for one that the export does not read."""
+    if not name:
         return None
-    if export.role != "text":
-        return _path(export, export.text, text)
-    if not isinstance(text, str):
-        raise TypeError(f"{export.name}: {export.text} must be a str, not {type(text).__name__}")
-    return _bytes(export, export.text, text.encode("utf-8", "surrogateescape"))
+    if isinstance(given, str) and role == "text":
+        encoded = given.encode("utf-8", "surrogateescape")
+    elif isinstance(given, (str, os.PathLike)) and role != "text":
+        encoded = os.fsencode(given)
+    else:
+        wanted = "str" if role == "text" else "path"
+        raise TypeError(f"{export.name}: {name} must be a {wanted}, not {type(given).__name__}")
+    if b"\0" in encoded:
+        raise ValueError(f"{export.name}: {name} has a NUL byte")
+    return encoded
 
 
 def _number(export: Export, value: object) -> float:
@@ -135,17 +129,6 @@ def _number(export: Export, value: object) -> float:
         return float(value)
     except OverflowError as error:
         raise ValueError(f"{export.name}: {export.value} is too large") from error
-
-
-def _target(export: Export, path: object) -> Optional[bytes]:
-    if not export.buffer1:
-        return None
-    target = _path(export, export.buffer1, path)
-    if export.needs_dot and b"." not in target:
-        raise ValueError(
-            f"{export.name}: {export.buffer1} must have a dot: its extension is the format"
-        )
-    return target
 
 
 def _made(
@@ -204,7 +187,11 @@ def call(export: Export, text: object = None, value: object = 0, buffer1: object
     Raises TypeError and ValueError for arguments that cannot be passed, before the call; Status for
     a call that fails; Busy if the library is in use; LibraryNotFound.
     """
-    source, number, target = _text(export, text), _number(export, value), _target(export, buffer1)
+    source = _bytes(export, export.text, export.role, text)
+    number = _number(export, value)
+    target = _bytes(export, export.buffer1, "file", buffer1)
+    if export.needs_dot and b"." not in (target or b""):
+        raise ValueError(f"{export.name}: {export.buffer1} must have a dot before its extension")
     with claimed():
         status, given = _made(export, source, number, target)
         row = _failure(export, status)
@@ -215,5 +202,7 @@ def call(export: Export, text: object = None, value: object = 0, buffer1: object
         _raise(export, status, row, number, source, target)
     if given == _UNTOUCHED:
         raise ValueError(f"{export.name}: there is no {export.value} {number:g}")
-    text_given = given.decode("utf-8", "surrogateescape")
-    return Result(status, text_given)
+    is_name = export.role != "text"  # of a file, a folder or a tile
+    return Result(
+        status, os.fsdecode(given) if is_name else given.decode("utf-8", "surrogateescape")
+    )

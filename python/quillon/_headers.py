@@ -44,7 +44,8 @@ def tiff(path: Path) -> Tiff:
         values = {tag: _first_value(head, *rest) for tag, *rest in entries}
     except struct.error:
         raise ValueError(
-            f"{path.name}, as rendered, is no little-endian TIFF with its directory in the first {_HEAD_BYTES} bytes"
+            f"{path.name}, as rendered, is no little-endian TIFF with its directory in the first "
+            f"{_HEAD_BYTES} bytes"
         ) from None
     channels = next((entry[2] for entry in entries if entry[0] == 258), 1)
     return Tiff(offset, tuple(entry[0] for entry in entries), values, channels)

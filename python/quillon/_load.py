@@ -16,7 +16,8 @@ _NAMES = (
     else [f"libQuillon.so.{INTERFACE}", "libQuillon.so"]
 )
 _BUILD = "macos-universal" if sys.platform == "darwin" else "release"
-_HOW_TO_BUILD = f"""Name its file in the environment variable QUILLON_LIBRARY, or build it in the source tree:
+_HOW_TO_BUILD = f"""\
+Name its file in the environment variable QUILLON_LIBRARY, or build it in the source tree:
   cmake --preset {_BUILD}
   cmake --build --preset {_BUILD}"""
 
