@@ -1,7 +1,7 @@
 #include "exports/PythonReference.h"
 
 #include <algorithm>
-#include <array>
+#include <iterator>
 #include <sstream>
 #include <string_view>
 #include <utility>
@@ -22,22 +22,32 @@ This module is what `quillon reference --python` prints; a test compares the two
 # Formatted by quillon, not by black:
 # fmt: off
 
+from __future__ import annotations
+
 from quillon._call import Export, Numbers, Row, StrPath, TileCount, call
 
 )py";
 
-// What is different from a call in C.
-constexpr std::array<std::pair<std::string_view, const char*>, 5> kNotes = {
-    {{"CheckFolder", "Returns nothing if it can; raises NotOpened if not."},
-     {"GetFile", "NothingOpen is also how each listing ends. listing() gives all names."},
-     {"getUVString", "ValueError if there is no such tile. tile_names() gives all names."},
-     {"setUVtilesOutput", "tile_filter() sets a filter for the statements of a block."},
-     {"convertTIFF16", "ValueError, before the call, if `target` has no dot."}}};
+// What is different from a call in C: a sentence of its own, and what to check in place of what the
+// table says of blocks; null where there is nothing to say.
+struct Note {
+    std::string_view name;
+    const char* sentence;
+    const char* check = nullptr;
+};
+constexpr Note kNotes[] = {
+    {"CheckFolder", "Returns nothing if it can; raises NotOpened if not."},
+    {"GetFile", "NothingOpen is also how each listing ends. listing() gives all names."},
+    {"GetString", nullptr, "Bytes are counted, not letters: in UTF-8 a letter may take several."},
+    {"getUVString", "ValueError if there is no such tile. tile_names() gives all names.",
+     "Count on no more positions than getUVs returned."},
+    {"setUVtilesOutput", "tile_filter() sets a filter for the statements of a block."},
+    {"convertTIFF16", "ValueError, before the call, if `target` has no dot."},
+};
 
-const char* noteOn(const Export& entry) {
-    const auto* const found =
-        std::ranges::find(kNotes, entry.name, [](auto& note) { return note.first; });
-    return found != kNotes.end() ? found->second : nullptr;
+Note noteOn(const Export& entry) {
+    const auto* const found = std::ranges::find(kNotes, entry.name, &Note::name);
+    return found != std::end(kNotes) ? *found : Note{entry.name, nullptr};
 }
 
 void replaceAll(std::string& text, std::string_view from, std::string_view to) {
@@ -53,6 +63,11 @@ std::string inPython(const Export& entry, std::string text) {
                    isResult ? "the result" : '`' + argument.name + '`');
     }
     return text;
+}
+
+std::string checkOf(const Export& entry) {
+    const char* const check = noteOn(entry).check;
+    return inPython(entry, check != nullptr ? check : entry.next);
 }
 
 // Appends the words of a text to lines, the first of which starts with `lead`.
@@ -190,7 +205,7 @@ std::string entryOf(const Export& entry) {
     for (const StatusMeaning& row : failuresOf(entry))
         rows += literalOf(entry, row);
     if (!rows.empty()) set("failures", "(\n" + rows + "    )");
-    set("check", "(\n" + literal("        ", inPython(entry, entry.next)) + "\n    )");
+    set("check", "(\n" + literal("        ", checkOf(entry)) + "\n    )");
     return code + ")\n";
 }
 
@@ -213,15 +228,22 @@ std::string parametersOf(const Export& entry) {
     return lines.empty() ? "" : "\n    Parameters:\n" + lines;
 }
 
+// What the number is that a call returns, such as "how many UV tiles" or "the scale".
+std::string numberOf(const Export& entry) {
+    if (entry.countOne == nullptr) return entry.statuses.front().sentence;
+    const std::string_view words = entry.countMany;
+    constexpr std::string_view kVerb = "is ";
+    return words.starts_with(kVerb) ? std::string(words.substr(kVerb.size()))
+                                    : "how many " + std::string(words);
+}
+
 std::string returnsOf(const Export& entry) {
-    const std::string text = entry.bufferIs != nullptr ? entry.bufferIs : "";
-    const std::string count = entry.countMany != nullptr ? entry.countMany : "";
-    if (entry.countOne != nullptr && givesText(entry))
-        return item("count", "n, of n " + count + ".") + item("last", text + ".");
-    if (givesText(entry)) return item("str", text + ".");
-    if (entry.countOne != nullptr) return item(resultTypeOf(entry), "n, where n " + count + ".");
-    return returnsStatus(entry) ? item("int", std::string(entry.statuses.front().sentence) + ".")
-                                : "";
+    const std::string type = resultTypeOf(entry);
+    if (type == "None") return "";
+    if (type == "TileCount")
+        return item("count", numberOf(entry) + '.') +
+               item("last", std::string(entry.bufferIs) + '.');
+    return item(type, (type == "str" ? entry.bufferIs : numberOf(entry)) + '.');
 }
 
 std::string raisesOf(const Export& entry) {
@@ -242,8 +264,9 @@ std::string docstringOf(const Export& entry) {
     lines += '\n' + paragraph("Writes: ", inPython(entry, entry.writes));
     const std::string raises = raisesOf(entry);
     if (!raises.empty()) lines += "\n    Raises Status:\n" + raises;
-    lines += '\n' + paragraph("When it fails: ", inPython(entry, entry.next));
-    if (const char* note = noteOn(entry)) lines += '\n' + paragraph("In Python: ", note);
+    lines += '\n' + paragraph("When it fails: ", checkOf(entry));
+    const char* const note = noteOn(entry).sentence;
+    if (note != nullptr) lines += '\n' + paragraph("In Python: ", note);
     return lines + "    \"\"\"\n";
 }
 

@@ -5,6 +5,8 @@ This module is what `quillon reference --python` prints; a test compares the two
 # Formatted by quillon, not by black:
 # fmt: off
 
+from __future__ import annotations
+
 from quillon._call import Export, Numbers, Row, StrPath, TileCount, call
 
 __all__ = [
@@ -410,8 +412,7 @@ _GetString = Export(
     numbers=Numbers(least=0, most=10),
     gives_text=True,
     check=(
-        "Pass both a text and a block. Bytes are counted, not letters: in UTF-8 a letter may "
-        "take several."
+        "Bytes are counted, not letters: in UTF-8 a letter may take several."
     ),
 )
 
@@ -428,8 +429,7 @@ def GetString(any_text: str, start: float) -> str:
 
     Writes: The bytes from that one on go to the result; past the end of the text, none.
 
-    When it fails: Pass both a text and a block. Bytes are counted, not letters: in UTF-8 a letter
-    may take several.
+    When it fails: Bytes are counted, not letters: in UTF-8 a letter may take several.
     """
     return call(_GetString, text=any_text, value=start).text
 
@@ -526,7 +526,7 @@ def getUVTile(mesh: StrPath, naming: float) -> TileCount:
             as 0, one above 3 as 3, a fraction is cut off.
 
     Returns:
-        count: n, of n UV tiles.
+        count: how many UV tiles.
         last: the last face's tile.
 
     Writes: The name of the last face's tile goes to the result, whether the filter lets it pass or
@@ -569,7 +569,7 @@ def getUVGroups(mesh: StrPath) -> int:
         mesh: path of the mesh.
 
     Returns:
-        int: n, where n face groups.
+        int: how many face groups.
 
     Writes: Nothing.
 
@@ -589,8 +589,7 @@ _getUVString = Export(
     numbers=Numbers(least=0),
     gives_text=True,
     check=(
-        "0 also when there is no such tile: clear the block before the call, and count on no "
-        "more positions than getUVs returned."
+        "Count on no more positions than getUVs returned."
     ),
 )
 
@@ -607,8 +606,7 @@ def getUVString(position: float) -> str:
     Writes: The name goes to the result, which stays as it is where there is no such tile. Each
     getUVs and getUVsMask clears the names of the call before, even if it fails.
 
-    When it fails: 0 also when there is no such tile: clear the block before the call, and count on
-    no more positions than getUVs returned.
+    When it fails: Count on no more positions than getUVs returned.
 
     In Python: ValueError if there is no such tile. tile_names() gives all names.
     """
@@ -672,7 +670,7 @@ def getUVs(mesh: StrPath, naming: float, output_path: StrPath) -> int:
         output_path: a path.
 
     Returns:
-        int: n, where n tiles were written.
+        int: how many tiles were written.
 
     Writes: A mesh file per tile, named after `output_path`: the path up to its last dot, which may
     be in a folder's name, then the tile's name, then `.Vemo`. Corners outside the tile have the UV
@@ -733,7 +731,7 @@ def getUVsMask(mesh: StrPath, naming: float, output_path: StrPath) -> int:
         output_path: a path.
 
     Returns:
-        int: n, where n tiles were written.
+        int: how many tiles were written.
 
     Writes: A mesh file per tile, named as by getUVs: the mesh without its last 16 bytes, which are
     taken for the empty chunk that ends a mesh, then a byte per vertex, 0 in the tile and 255
@@ -1149,7 +1147,7 @@ def getScale(map: StrPath, channels: float) -> float:
         channels: channels 1 or 3. As many channels as the map has.
 
     Returns:
-        float: n, where n is the scale.
+        float: the scale.
 
     Writes: Nothing, yet the map must be writable.
 
@@ -1624,7 +1622,7 @@ def OpenEXR(image: StrPath) -> float:
         image: path of the image.
 
     Returns:
-        float: n, where n is the range of values.
+        float: the range of values.
 
     Writes: Nothing.
 
