@@ -119,8 +119,8 @@ def _unwritable(path: str, role: str) -> str:
 def _same(source: str, target: str) -> str:
     if max(len(os.fsencode(source)), len(os.fsencode(target))) >= 512:
         return "a path has 512 bytes or more"
-    same = os.path.exists(target) and os.path.samefile(source, target)
-    return "it is the source itself" if same else ""
+    both = os.path.exists(source) and os.path.exists(target)
+    return "it is the source itself" if both and os.path.samefile(source, target) else ""
 
 
 def _looked_at(cause: str, role: str, source: str, target: str) -> Optional[Tuple[str, str]]:

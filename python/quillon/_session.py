@@ -42,8 +42,8 @@ class Session:
     def __enter__(self) -> "Session":
         with contextlib.ExitStack() as stack:
             stack.enter_context(claimed(alone=True))
-            stack.callback(_forget)
             _forget()
+            stack.callback(_forget)
             self._opened = stack.pop_all()
         return self
 

@@ -16,7 +16,7 @@ from pathlib import Path
 from unittest import mock
 
 import numpy as np
-from support import REPOSITORY, TOOL, FolderTest
+from support import REPOSITORY, TOOL, FolderTest, write_bmp, write_tiff
 
 import quillon
 
@@ -210,6 +210,9 @@ class Failures(FolderTest):
         full = self.folder / "full"
         full.mkdir()
         (full / "file").touch()
+        colours, image = self.folder / "colours.tif", self.folder / "image.bmp"
+        write_tiff(colours, np.zeros((8, 8, 3), np.float32))
+        write_bmp(image, np.zeros((8, 8, 3)))
         away = self.folder / "away" / "file"
         mesh = self.mesh(0)
         for kind, cause, function, arguments in (
@@ -217,12 +220,16 @@ class Failures(FolderTest):
             (quillon.Refused, "valueRefused", quillon.getScale, (file, math.nan)),
             (quillon.Refused, "fileRefused", quillon.swapRGBPSD, (file, 1)),
             (quillon.Refused, "fileRefused", quillon.OpenEXR, (file,)),
+            (quillon.Refused, "pathRefused", quillon.convertTIFFSingle, (colours, colours)),
+            (quillon.NotOpened, "sourceNotOpened", quillon.OpenEXR, (full,)),
             (quillon.NotOpened, "sourceNotOpened", quillon.swapRGBPSD, (away, 1)),
             (quillon.NotOpened, "sourceNotOpened", quillon.CheckFolder, (file,)),
             (quillon.NotOpened, "sourceNotOpened", quillon.FileCopyTo, (away, file)),
             (quillon.NotOpened, "sourceNotOpened", quillon.FileDelete, (away,)),
             (quillon.NotOpened, "targetNotOpened", quillon.mergeCrease, (mesh, away)),
             (quillon.NotWritten, "targetNotWritten", quillon.FileCopyTo, (mesh, away)),
+            (quillon.NotWritten, "targetNotWritten", quillon.FileCopyTo, (mesh, full)),
+            (quillon.NotWritten, "targetNotWritten", quillon.saveAsJpeg, (image, 50, away)),
             (quillon.NotWritten, "targetNotWritten", quillon.FileRename, (mesh, away)),
             (quillon.NotWritten, "targetNotWritten", quillon.CreateFolder, (full,)),
             (
@@ -236,6 +243,21 @@ class Failures(FolderTest):
         ):
             error = self.failure(kind, function, *arguments)
             self.assertEqual(error.cause, cause, str(error))
+
+    def test_a_path_that_is_too_long(self):
+        image = self.folder / "image.bmp"
+        write_bmp(image, np.zeros((8, 8, 3)))
+        target = os.path.join(self.folder, *["."] * 256, "image.jpg")
+        error = self.failure(quillon.Refused, quillon.saveAsJpeg, image, 50, target)
+        self.assertEqual((error.status, error.cause), (-1.0, "pathRefused"))
+        self.assertRegex(error.reason, "a path has 512 bytes or more")
+
+    def test_a_tile_that_cannot_be_written(self):
+        (self.folder / "out1002.Vemo").mkdir()
+        error = self.failure(
+            quillon.NotWritten, quillon.getUVs, self.mesh(0, 1, 2), 2, self.folder / "out.Vemo"
+        )
+        self.assertEqual(error.status, 1502.0)
 
     def test_a_status_that_is_not_known_is_a_failure(self):
         with mock.patch("quillon._call._made", return_value=(-4321.0, b"")):
