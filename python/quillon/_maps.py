@@ -216,9 +216,10 @@ def export_maps(
     Parameters:
         mesh: path of the mesh, a Vemo file.
         render: is called for each tile, with the path of the tile's mesh, tile<name>.Vemo, and with
-            the path where it has to write the tile's map, tile<name>.tif, .psd or .bmp. All maps
-            have the same size in pixels, and each shows its tile where that is on the whole map.
-            With 16 bits it makes TIFF maps of 32-bit floats. What it raises ends the export.
+            the path where it has to write the tile's map, tile<name>.tif, .psd or .bmp; both are
+            absolute. All maps have the same size in pixels, and each shows its tile where that is
+            on the whole map. With 16 bits they are TIFF maps of 32-bit floats. What it raises ends
+            the export.
         out: path of the map; its extension, .tif, .psd or .bmp, is the format.
         naming: how tiles are named: 0 `_u0_v0`, 1 `_u1_v1`, 2 `1001`, 3 `u0v0`.
         tiles: the tiles to export, as for tile_filter; None: all. In naming mode 2 only.
@@ -238,10 +239,11 @@ def export_maps(
         raise TypeError(f"render must be a function, not {type(render).__name__}")
     _require(bits in (None, 16), f"bits is 16 or None, not {bits!r}")
     kind = ".tif" if bits else _kind_of(out)
-    options = _Options(out, kind, naming, tiles, mask, order, bits is not None)
+    absolute = Path(os.path.abspath(out))  # `render` may change the current folder
+    options = _Options(absolute, kind, naming, tiles, mask, order, bits is not None)
     _require_consistent(mesh, options)
     with claimed(alone=True), tempfile.TemporaryDirectory(
-        prefix=".quillon-", dir=out.parent
+        prefix=".quillon-", dir=absolute.parent
     ) as working, _reports(progress) as report:
         folder = Path(working)
         names = _write_tiles(mesh, folder, options)
@@ -249,6 +251,6 @@ def export_maps(
         whole = folder / f"all{kind}"
         _fold(maps, names, whole, options, report)
         result, scale = _finish(whole, options)
-        os.replace(result, out)
+        os.replace(result, absolute)
         report(2 * len(names), 2 * len(names), "done")
     return ExportedMap(out, names, scale)

@@ -144,6 +144,17 @@ class Export(Maps):
             self.assertEqual(own.read_bytes(), content)
         self.assertEqual(self.model.read_bytes(), before)
 
+    def test_the_renderer_may_change_the_current_folder(self):
+        def render(tile, out):
+            os.chdir("/")
+            render_floats(tile, out)
+
+        self.addCleanup(os.chdir, os.getcwd())
+        os.chdir(self.folder)
+        made = quillon.export_maps("model.Vemo", render, "out.tif")
+        self.assertEqual(str(made.path), "out.tif")
+        self.assert_nothing_left("out.tif")
+
     def test_the_renderer_may_call_the_library(self):
         def render(tile, out):
             render_floats(tile, out.with_name("made.tif"))
