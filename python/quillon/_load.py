@@ -30,17 +30,18 @@ def _folders() -> Iterator[Path]:
         yield tree / "build" / _BUILD
 
 
-def _opened(file: str) -> ctypes.CDLL:
+def _opened(file: str, named_by: str = "") -> ctypes.CDLL:
     """The library in a file. Raises LibraryNotFound if that is another library, or none."""
     try:
         library = ctypes.CDLL(file)
         library.Version.restype = ctypes.c_float
     except (OSError, AttributeError) as error:
-        raise LibraryNotFound(f"{file} cannot be loaded: {error}") from error
+        raise LibraryNotFound(f"{named_by}{file} cannot be loaded: {error}") from error
     version = library.Version(None, ctypes.c_double(0), None, 0, None, 0, None)
     if version != INTERFACE:
         raise LibraryNotFound(
-            f"{file} has version {version:g} of the interface; this package needs {INTERFACE}"
+            f"{named_by}{file} has version {version:g} of the interface; "
+            f"this package needs {INTERFACE}"
         )
     return library
 
@@ -54,7 +55,7 @@ def load() -> ctypes.CDLL:
     """
     chosen = os.environ.get("QUILLON_LIBRARY")
     if chosen:
-        return _opened(os.path.abspath(chosen))
+        return _opened(os.path.abspath(chosen), "QUILLON_LIBRARY: ")
     missed: List[str] = []
     for file in (folder / name for folder in _folders() for name in _NAMES):
         if file.exists():

@@ -40,7 +40,8 @@ class Places(FolderTest):
         for name, reason in (("text.so", "file too short"), ("no.so", "No such file")):
             ended = self.python("-c", CALL, QUILLON_LIBRARY=name)
             self.assertRegex(
-                ended.stderr, f"LibraryNotFound: {self.folder}/{name} cannot be loaded: .*{reason}"
+                ended.stderr,
+                f"LibraryNotFound: QUILLON_LIBRARY: {self.folder}/{name} cannot be loaded: .*{reason}",
             )
 
     def test_another_library_is_an_error(self):
