@@ -7,8 +7,8 @@
 #include <optional>
 #include <sstream>
 
+#include "calls/CallJson.h"
 #include "calls/CallLog.h"
-#include "calls/CallWords.h"
 #include "calls/ShellWords.h"
 #include "commands/Commands.h"
 #include "commands/Mistakes.h"
@@ -22,11 +22,18 @@ constexpr const char* kExamples = R"(Examples:
   quillon script calls.txt
   quillon script calls.txt --keep-going --json
   printf 'OpenFolder maps\nGetFile\nCloseFolder\n' | quillon script -
+  echo '{"export": "getUVTile", "text": "model.Vemo", "value": 2}' | quillon script - --json
 
-Each line is what follows quillon call, quoted as in a shell; # starts a comment:
+Each line is what follows quillon call, quoted as in a shell, or the same as a JSON object, for
+programs; # starts a comment:
   setUVtilesOutput filter.txt # the tiles to export
   getUVs 'my model.Vemo' 2 maps/model.Vemo
+  {"export": "getUVs", "text": "my model.Vemo", "value": 2, "buffer": "maps/model.Vemo"}
   getUVString --value 0
+
+A line that begins with { is JSON in UTF-8, alone on its line. A key that is missing or null is
+left out of the call: "text" and "buffer" are then null pointers, "value" is 0. A line has up
+to 1048576 bytes.
 
 The open folder, the tile filter and the tile names carry over from call to call. The first
 call that fails ends the script, unless --keep-going is given. A file is checked to its end
@@ -34,13 +41,15 @@ before the first call; standard input is carried out line by line. --json prints
 per line for each call.
 )";
 
+// Enough for every path. Without a limit, one line without an end would take all memory.
+constexpr std::size_t kMaxLineBytes = 1 << 20;
+
 struct ScriptOptions {
     std::string file;        // "-" for standard input
     bool keepGoing = false;  // after a call that failed
 };
 
-// Returns the call of an existing export that these words describe. Throws WrongUsage.
-NamedCall callFrom(std::vector<std::string> words) {
+NamedCall callFromWords(std::vector<std::string> words) {
     CLI::App command("", "call");
     command.set_help_flag();
     NamedCall call;
@@ -51,7 +60,29 @@ NamedCall callFrom(std::vector<std::string> words) {
     } catch (const CLI::ParseError& error) {
         throw WrongUsage(mistakeIn(command, error));
     }
+    return call;
+}
+
+// The library would take what is before the NUL for the whole text.
+void requireNoNul(const std::optional<std::string>& text, const std::string& name) {
+    if (text && text->find('\0') != std::string::npos)
+        throw WrongUsage(name + " holds a NUL byte, which would end it; leave it out");
+}
+
+// Returns the call of an existing export that this line describes, or nothing if the line is empty
+// or a comment. Throws WrongUsage.
+std::optional<NamedCall> callFrom(std::string_view line) {
+    NamedCall call;
+    if (isJsonCall(line)) {
+        call = callFromJson(line);
+    } else {
+        std::vector<std::string> words = shellWords(line);
+        if (words.empty()) return std::nullopt;
+        call = callFromWords(std::move(words));
+    }
     requireExport(call.name);
+    requireNoNul(call.arguments.text, "the text");
+    requireNoNul(call.arguments.buffer, "the buffer");
     return call;
 }
 
@@ -63,16 +94,15 @@ public:
     // Returns the next call, or nothing at the end of the script. Throws WrongUsage, with the line,
     // for a line that is no call.
     std::optional<NamedCall> next() {
-        for (std::string line; std::getline(in_, line);) {
-            ++number_;
+        for (;;) {
             try {
-                std::vector<std::string> words = shellWords(line);
-                if (!words.empty()) return callFrom(std::move(words));
+                const auto line = nextLine();
+                if (!line) return std::nullopt;
+                if (auto call = callFrom(*line)) return call;
             } catch (const WrongUsage& wrong) {
                 throw WrongUsage(place() + wrong.what());
             }
         }
-        return std::nullopt;
     }
 
     // The line of that call, from 1, and as errors start: "calls.txt:3: ".
@@ -80,8 +110,21 @@ public:
     std::string place() const { return name_ + ':' + std::to_string(number_) + ": "; }
 
 private:
+    // Returns the next line, which is there until the next call; nothing at the end.
+    std::optional<std::string_view> nextLine() {
+        in_.getline(line_.data(), static_cast<std::streamsize>(line_.size()));
+        const auto count = static_cast<std::size_t>(in_.gcount());
+        if (count == 0 && !in_) return std::nullopt;
+        ++number_;
+        if (in_.fail())
+            throw WrongUsage("the line has more than " + std::to_string(kMaxLineBytes) +
+                             " bytes; write one call per line");
+        return std::string_view(line_.data(), in_.eof() ? count : count - 1);
+    }
+
     std::istream& in_;
     const std::string name_;
+    std::vector<char> line_ = std::vector<char>(kMaxLineBytes + 1);
     std::size_t number_ = 0;
 };
 

@@ -7,6 +7,7 @@
 namespace {
 
 using nlohmann::json;
+using ::testing::ElementsAre;
 using ::testing::EndsWith;
 using ::testing::HasSubstr;
 using ::testing::StartsWith;
@@ -119,6 +120,44 @@ TEST_F(Script, JsonIsAnObjectPerLine) {
     EXPECT_TRUE(calls[1]["milliseconds"].is_number());
 }
 
+TEST_F(Script, AJsonLineIsACall) {
+    const Ended ended = script(R"({"export": "GetString", "text": "a \"b\" {\u00fc}", "value": 2}
+  {"value": 2.0, "buffer": null, "text": "abcdefgh", "export": "GetString"}
+GetString abcdefgh 3 # as words
+{"export": "Version", "text": null, "value": null}
+)",
+                               {"--json"});
+    EXPECT_EQ(ended.exitStatus, 0) << ended.err;
+    Words texts;
+    for (const json& call : objects(ended.out))
+        texts.push_back(call.value("text", call["meaning"].get<std::string>()));
+    EXPECT_THAT(texts,
+                ElementsAre("\"b\" {\u00fc}", "cdefgh", "defgh", "the version of the interface"));
+}
+
+// Null and missing are no pointer, "" is an empty text.
+TEST_F(Script, AKeyThatIsMissingOrNullIsLeftOut) {
+    const std::vector<json> calls = objects(script("{\"export\": \"FileDelete\"}\n"
+                                                   "{\"export\": \"FileDelete\", \"text\": null}\n"
+                                                   "{\"export\": \"FileDelete\", \"text\": \"\"}\n",
+                                                   {"--json", "--keep-going"})
+                                                .out);
+    ASSERT_EQ(calls.size(), 3u);
+    EXPECT_EQ(calls[0]["arguments"], json::parse(R"({"value": 0.0})"));
+    EXPECT_EQ(calls[1]["arguments"], json::parse(R"({"value": 0.0})"));
+    EXPECT_EQ(calls[2]["arguments"], json::parse(R"({"text": "", "value": 0.0})"));
+}
+
+TEST_F(Script, AJsonLineThatIsNoCallIsAnObjectToo) {
+    const std::string shell = R"(printf '{"export":"Version"}\n{"export":5}\n' | "$@")";
+    const Ended ended = quillonInShell(shell, {"script", "-", "--json", "--keep-going"});
+    EXPECT_EQ(ended.exitStatus, 2);
+    const std::vector<json> calls = objects(ended.out);
+    ASSERT_EQ(calls.size(), 2u);
+    EXPECT_EQ(calls[0]["status"], 48);
+    EXPECT_EQ(calls[1]["error"], "standard input:2: \"export\" takes a string, not this number");
+}
+
 // Each row: a line that is no call, and what is wrong with it.
 TEST_F(Script, AFileIsCheckedBeforeItsFirstCall) {
     const std::vector<std::pair<const char*, const char*>> kCases = {
@@ -131,6 +170,23 @@ TEST_F(Script, AFileIsCheckedBeforeItsFirstCall) {
         {"GetString a 0 b c", "c is one word more than call takes"},
         {"GetString a --vaule=1", "call has no option --vaule; did you mean --value?"},
         {"GetString --help", "call has no option --help"},
+        {R"({"export": "NoSuchExport"})", "there is no export NoSuchExport"},
+        {"{}", "\"export\" is missing"},
+        {R"({"export": null})", "\"export\" is missing"},
+        {R"({"export": "Version", "txet": ""})", "a call has no key \"txet\"; did you mean text?"},
+        {R"({"export": "Version", "export": "Version"})", "\"export\" is given more than once"},
+        {R"({"export": "GetFile", "text": {"text": 1, "value": 2}})",
+         "\"text\" takes a string, not this object"},
+        {R"({"export": "Version", "value": "2"})", "\"value\" takes a number, not this string"},
+        {R"({"export": "Version", "value": true})", "\"value\" takes a number, not this boolean"},
+        {R"({"export": "Version", "value": 1e999})", "a number is too large"},
+        {R"({"export": "Version", "buffer": ["a"]})", "\"buffer\" takes a string, not this array"},
+        {R"({"export": "FileDelete", "text": "a\u0000b"})", "the text holds a NUL byte"},
+        {R"({"export": "getUVs", "buffer": "a\u0000b"})", "the buffer holds a NUL byte"},
+        {R"({"export": "Version")", "column 21: this is not one JSON object"},
+        {R"({"export": "Version"} {"export": "Version"})", "column 23: this is not one JSON"},
+        {R"({"export": "Version"} # a comment)", "column 23: this is not one JSON object"},
+        {"{\"export\": \"\xFF\"}", "column 13: this is not one JSON object in UTF-8"},
     };
     for (const auto& [line, sentence] : kCases) {
         const Ended ended =
@@ -141,6 +197,21 @@ TEST_F(Script, AFileIsCheckedBeforeItsFirstCall) {
         EXPECT_THAT(ended.err, HasSubstr(sentence));
         EXPECT_FALSE(dir.has("made"));
     }
+}
+
+TEST_F(Script, WordsWithANulByteAreRefused) {
+    EXPECT_THAT(script(std::string_view("FileDelete a\0b", 14)).err,
+                EndsWith(":1: the text holds a NUL byte, which would end it; leave it out\n"));
+}
+
+TEST_F(Script, ALineHasUpTo1048576Bytes) {
+    const std::string longest = "GetString abc 2 #" + std::string((1 << 20) - 17, ' ');
+    EXPECT_EQ(script(longest).exitStatus, 0);
+    EXPECT_EQ(script(longest + '\n' + longest + "\n").exitStatus, 0);
+    for (const std::string end : {"", "\n"})
+        EXPECT_THAT(
+            script("Version\n" + longest + ' ' + end).err,
+            EndsWith(":2: the line has more than 1048576 bytes; write one call per line\n"));
 }
 
 TEST_F(Script, StandardInputIsCarriedOutLineByLine) {
