@@ -14,7 +14,7 @@
 class CallLog {
 public:
     CallLog(const Library& library, Report& report)
-        : library_(library), report_(report), progress_(report.style != OutputStyle::kQuiet) {}
+        : library_(library), report_(report), progress_(report.progressStyle()) {}
     CallLog(const CallLog&) = delete;
     CallLog& operator=(const CallLog&) = delete;
     ~CallLog() { finishRow(); }

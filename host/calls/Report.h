@@ -5,6 +5,7 @@
 #include <string>
 
 #include "calls/Library.h"
+#include "terminal/Progress.h"
 
 enum class OutputStyle {
     kLines,     // of successive equal calls the first and the last
@@ -34,10 +35,16 @@ void printSize(const std::string& path);
 class Report {
 public:
     OutputStyle style = OutputStyle::kLines;
-    bool isSummary = false;  // JSON without the calls
+    bool isSummary = false;       // JSON without the calls
+    bool progressAsJson = false;  // in any style, even kQuiet
     bool isJson() const { return style == OutputStyle::kJson; }
     bool hasLines() const {
         return style == OutputStyle::kLines || style == OutputStyle::kAllLines;
+    }
+
+    ProgressStyle progressStyle() const {
+        if (progressAsJson) return ProgressStyle::kJson;
+        return style == OutputStyle::kQuiet ? ProgressStyle::kNone : ProgressStyle::kBar;
     }
 
     // Adds a result of the command.

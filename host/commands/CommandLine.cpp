@@ -86,6 +86,15 @@ void CommandLine::addOutputFlags(CLI::App& command, Verbose verbose) {
         ->excludes(quiet);
 }
 
+void CommandLine::addProgress(CLI::App& command) {
+    const auto setFormat = [this](const std::string&) { report_.progressAsJson = true; };
+    oneOf(command
+              .add_option_function<std::string>("--progress", setFormat,
+                                                "Also write the progress to standard error as ")
+              ->type_name("FORMAT"),
+          {"json"});
+}
+
 void CommandLine::addOverwriteFlags(CLI::App& command, Overwrite& overwrite, const char* forced) {
     CLI::Option* never = command.add_flag_callback(
         "--no-clobber", [&overwrite] { overwrite = Overwrite::kNever; },

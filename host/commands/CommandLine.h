@@ -40,6 +40,9 @@ public:
     // Adds --json, --quiet and, if the command prints its calls, --summary and --verbose.
     void addOutputFlags(CLI::App& command, Verbose verbose);
 
+    // Adds --progress.
+    void addProgress(CLI::App& command);
+
     // Adds one such flag.
     CLI::Option* addStyle(CLI::App& command, const char* name, OutputStyle style,
                           const char* description);

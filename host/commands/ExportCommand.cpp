@@ -40,6 +40,11 @@ exactly 1 is already in the next tile. quillon tiles lists such faces, and quill
 --bits 16 also writes maps/model_height_16bit.tif, --targa maps/model_normal.tga,
 --thumbnail maps/model_normal_thumbnail.bmp.
 
+--progress json writes lines to standard error such as
+  {"file":"model.Vemo","step":"rendering","done":3,"total":19,"next":"1004"}
+The last line of a step has done equal to total, and no next. Warnings and errors are there,
+too; their lines do not begin with {.
+
 Names of the first tile by naming mode: 0 _u0_v0, 1 _u1_v1, 2 1001, 3 u0v0. The mode is 2
 when it is left out here, but 0 in quillon call.
 )";
@@ -162,5 +167,6 @@ void addExportCommand(CommandLine& line) {
     addNaming(command, options);
     addKinds(line, command, options);
     addExtras(command, options);
+    line.addProgress(command);
     line.addOutputFlags(command, Verbose::kYes);
 }

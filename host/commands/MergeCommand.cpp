@@ -29,6 +29,11 @@ All files have the same format, known by the extension: .tif, .tiff, .psd or .bm
 are merged in a copy, which takes TARGET's place when all fit; otherwise nothing changes.
 With --out the copy becomes another map and TARGET is only read. A SOURCE that changes no
 pixel is reported: it may be painted at its first pixel, or have its tile where others are.
+
+--progress json writes lines to standard error such as
+  {"file":"all.tif","step":"merging","done":1,"total":3,"next":"1003.tif"}
+The last line has done equal to total, and no next. Warnings and errors are there, too; their
+lines do not begin with {.
 )";
 
 constexpr std::size_t kCountWidth = 10;
@@ -114,15 +119,18 @@ void mergeOne(MergeRun& run, ChangedPixels& pixels, const std::string& source) {
 
 void mergeAll(MergeRun& run) {
     ChangedPixels pixels(run.map);
+    Progress& progress = run.log.progress();
+    progress.setFile(run.options.result());
     std::size_t done = 0;
     for (const std::string& source : run.options.sources) {
         stopIfInterrupted();
-        run.log.progress().show("merging", done++, run.options.sources.size(), source);
+        progress.show("merging", done++, run.options.sources.size(), source);
         if (isSameFile(source, run.options.target))
             run.log.print("(left out)", "", source + " is the target itself");
         else
             mergeOne(run, pixels, source);
     }
+    progress.finish("merging", done);
     stopIfInterrupted();
 }
 
@@ -161,5 +169,6 @@ void addMergeCommand(CommandLine& line) {
     command.add_flag_callback(
         "--no-clobber", [options] { options->overwrite = Overwrite::kNever; },
         "Fail if the file of --out exists");
+    line.addProgress(command);
     line.addOutputFlags(command, Verbose::kYes);
 }

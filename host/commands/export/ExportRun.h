@@ -9,10 +9,14 @@
 struct ExportRun {
     ExportRun(const Library& library, const ExportOptions& wanted, Report& report,
               ExportPage* shownOn)
-        : options(wanted), log(library, report), page(shownOn) {}
+        : options(wanted), log(library, report), page(shownOn) {
+        log.progress().setFile(wanted.mesh);
+    }
 
     const ExportOptions& options;
     CallLog log;
     WorkingFolder working{log};
-    ExportPage* page;  // null: none is wanted
+    ExportPage* page;          // null: none is wanted
+    std::size_t tiles = 0;     // to render, for all maps
+    std::size_t rendered = 0;  // of these
 };

@@ -33,6 +33,7 @@ void mergeTiles(ExportRun& run, std::span<const Tile> tiles, const std::string& 
         process(run, infoOf(run.options.format).merge, {.text = tiles[i].mapFile, .buffer = map});
         if (run.page) run.page->addBetween(map, "+ " + tiles[i].name);
     }
+    if (tiles.size() > 1) run.log.progress().finish("merging", tiles.size());
     if (run.page) run.page->addStep(map);
 }
 
@@ -115,6 +116,7 @@ MadeMap makeMap(ExportRun& run, const PlannedMap& planned, std::span<const Tile>
 
 std::vector<MadeMap> makeMaps(ExportRun& run, const ExportPlan& plan,
                               const std::vector<Tile>& tiles) {
+    run.tiles = tiles.size();
     if (!run.options.perTile) return {makeMap(run, plan.maps.front(), tiles)};
     std::vector<MadeMap> maps;
     maps.reserve(tiles.size());

@@ -21,12 +21,13 @@ void renderTile(ExportRun& run, const TileSheet& sheet, const Tile& tile) {
 }  // namespace
 
 void renderTiles(ExportRun& run, const TileSheet& sheet, std::span<const Tile> tiles) {
-    std::size_t done = 0;
+    Progress& progress = run.log.progress();
     for (const Tile& tile : tiles) {
         stopIfInterrupted();
-        run.log.progress().show("rendering", done++, tiles.size(), tile.name);
+        progress.show("rendering", run.rendered++, run.tiles, tile.name);
         renderTile(run, sheet, tile);
     }
+    if (run.rendered == run.tiles) progress.finish("rendering", run.tiles);
     run.log.print("(rendered)", std::to_string(tiles.size()),
                   "maps of " + sizeText(sheet) + " pixels, as the host does");
 }

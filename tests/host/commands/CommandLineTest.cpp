@@ -68,6 +68,8 @@ TEST(CommandLine, AWrongWordIsNamedWithTheNearestRightOneAndTheRightHelp) {
         {{"export", "m.Vemo", "--out", "o", "--map", "hight"},
          "--map takes normal or height, not 'hight'; did you mean height? See quillon export "
          "--help"},
+        {{"merge", "a.tif", "b.tif", "--progress", "jsno"},
+         "--progress takes json, not 'jsno'; did you mean json? See quillon merge --help"},
         {{"completions", "tcsh"},
          "SHELL takes bash, zsh or fish, not 'tcsh'; see quillon completions --help"},
         {{"call", "GetString", "a", "--value", ""},

@@ -32,6 +32,7 @@ TEST(Completions, OfferWhatTheCommandLineTakes) {
         {{"export", "m.Vemo", "--format", ""}, "tiff psd bmp "},
         {{"export", "m.Vemo", "--map", "h"}, "height "},
         {{"export", "m.Vemo", "--size", ""}, ""},
+        {{"merge", "all.tif", "--progress", ""}, "json "},
         {{"export", "m.Vemo", "--keep-tiles", "--ord"}, "--order "},
         {{"merge", "export", "--q"}, "--quiet "},
         {{"completions", ""}, "bash zsh fish "},

@@ -230,4 +230,56 @@ TEST_F(Output, ATerminalGetsProgressBars) {
     EXPECT_THAT(shown, HasSubstr("\r\x1B[Krendering [############............] 1 of 2  1002"));
 }
 
+// The lines of a step, as a program gets them.
+std::string progress(const std::string& file, const std::string& step, const Words& parts) {
+    const std::string total = std::to_string(parts.size());
+    const std::string start = R"({"file":")" + file + R"(","step":")" + step + R"(","done":)";
+    std::string lines;
+    for (std::size_t done = 0; done < parts.size(); ++done)
+        lines += start + std::to_string(done) + R"(,"total":)" + total + R"(,"next":")" +
+                 parts[done] + "\"}\n";
+    return lines + start + total + R"(,"total":)" + total + "}\n";
+}
+
+// The first tile is copied, so merging begins with the second one.
+TEST_F(Output, AProgramGetsProgressAsJson) {
+    ASSERT_EQ(quillon(words()).exitStatus, 0);  // creates the folder
+    const Ended without = quillon(words());
+    const Ended ended = quillon(words(), {"--progress", "json"});
+    EXPECT_EQ(ended.exitStatus, 0);
+    EXPECT_EQ(ended.out, without.out);
+    const std::string merging = R"({"file":")" + mesh + R"(","step":"merging","done":)";
+    EXPECT_EQ(ended.err, progress(mesh, "rendering", {"1001", "1002"}) + merging +
+                             R"(1,"total":2,"next":"1002"})" + '\n' + merging + R"(2,"total":2})" +
+                             '\n');
+}
+
+TEST_F(Output, ProgressOfAMergeIsAboutItsResult) {
+    const std::string result = dir.path("result.tif");
+    const Words merge = {"merge", all, tile, tile, "--out", result};
+    const Ended ended = quillon(merge, {"--quiet", "--progress", "json"});
+    EXPECT_EQ(ended.err, progress(result, "merging", {tile, tile}));
+    EXPECT_EQ(ended.out, "");
+    EXPECT_THAT(quillon({"merge", all, wide}, {"--progress", "json"}).err,
+                HasSubstr(R"("done":0,"total":1,"next":")" + wide + "\"}\nquillon: " + wide));
+}
+
+TEST_F(Output, ProgressOfMapsPerTileCountsAllTiles) {
+    EXPECT_EQ(quillon(words(), {"--per-tile", "--progress", "json"}).err,
+              progress(mesh, "rendering", {"1001", "1002"}));
+}
+
+TEST_F(Output, ProgressThatNobodyReadsStopsNothing) {
+    int ends[2];
+    ASSERT_EQ(::pipe2(ends, O_CLOEXEC), 0);
+    ::close(ends[0]);
+    Words command = words();
+    command.insert(command.end(), {"--progress", "json"});
+    const int nowhere = ::open("/dev/null", O_RDWR | O_CLOEXEC);
+    EXPECT_EQ(exitStatusOf(startQuillon(command, {nowhere, nowhere, ends[1]})), 0);
+    ::close(nowhere);
+    ::close(ends[1]);
+    EXPECT_THAT(namesIn(out), ElementsAre("two_normal.tif"));
+}
+
 }  // namespace
