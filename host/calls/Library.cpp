@@ -9,15 +9,12 @@
 #include <chrono>
 #include <cstdio>
 #include <cstring>
-#include <filesystem>
 #include <utility>
 #include <vector>
 
 #include "calls/SystemReason.h"
 #include "export/Quillon.h"
 #include "terminal/Failure.h"
-
-namespace fs = std::filesystem;
 
 namespace {
 
@@ -27,8 +24,6 @@ constexpr std::size_t kBlockBytes = 64 * 1024;
 // What an output block holds before the call, so that "wrote an empty text" and "wrote nothing"
 // differ.
 constexpr const char* kUntouched = "\x1A untouched \x1A";
-
-constexpr const char* kLibraryName = "libQuillon.so";
 
 // A block with a text in it, large enough for whatever an export writes in this call.
 std::vector<char> blockFor(const CallArguments& arguments, const std::string& content) {
@@ -106,15 +101,4 @@ CallRecord Library::call(std::string_view name, const CallArguments& arguments) 
     const std::string reason = systemReason(entry, arguments, result.status, result.error);
     if (!reason.empty()) meaning.sentence += " (" + reason + ')';
     return {std::string(name), arguments, std::move(result), std::move(meaning), time.count()};
-}
-
-std::string libraryBesideProgram() {
-    const fs::path folder = fs::canonical("/proc/self/exe").parent_path();
-    for (const char* place : {"..", "../lib", "."}) {
-        const fs::path library = folder / place / kLibraryName;
-        std::error_code ignored;
-        if (fs::exists(library, ignored)) return library.lexically_normal().string();
-    }
-    throw Failure("there is no " + std::string(kLibraryName) +
-                  " near this program; name it with --library PATH before the command");
 }

@@ -48,6 +48,6 @@ private:
     LibraryPrints prints_;
 };
 
-// Returns the path of the library near this program: in the build tree, in an installation, or in the
-// same folder. Throws Failure if it is in none of these places.
+// Returns the path of the library near this program: in an installation, wherever its top folder has been
+// moved, in the build tree, or in the same folder. Throws Failure if it is in none of these places.
 std::string libraryBesideProgram();

@@ -1,6 +1,6 @@
 """The notices that a build installs are those of the code that is linked in, no more and no fewer.
 
-check_notices.py CMAKE BUILD TARGET...
+check_notices.py CMAKE BUILD COMPONENT TARGET...    COMPONENT: of the installation, with the notices
 
 Links each target of the build once more with a map, which names what the linker took out of which
 archive; the headers that its objects include are in Ninja's record. The package, or the part of the
@@ -21,6 +21,7 @@ NAMES = {
     "libimath-dev": "Imath",
     "libopenexr-dev": "OpenEXR",
     "nlohmann-json3-dev": "nlohmann-json",
+    "zlib1g-dev": "zlib",
 }
 # What needs no notice, and why.
 WITHOUT = {
@@ -29,12 +30,11 @@ WITHOUT = {
     "libstdc++-12-dev": "GCC's runtime library exception",
     "linux-libc-dev": "numbers and layouts of system calls",
     "libtiff-dev": "only declarations; the library is shared",
-    "zlib1g-dev": "only declarations; the library is shared",
     "include headers": "the compiler's own, declarations and single instructions",
     "libc headers": "the declarations of macOS",
     "libcxx headers": "LLVM's exception for what headers bring into an object file",
 }
-DECLARES_ONLY = {"libdeflate.h"}  # its code is in the archive
+DECLARES_ONLY = {"libdeflate.h", "zconf.h", "zlib.h"}  # the code is in an archive or is shared
 
 
 def run(*command, **options):
@@ -124,25 +124,24 @@ def untrue_paragraphs(notice, package, headers):
     return [p for p in paragraphs if not any(words(p) in text for text in known)]
 
 
-def installed_notices(cmake, build):
+def installed_notices(cmake, build, component):
     with tempfile.TemporaryDirectory() as prefix:
-        run(cmake, "--install", build, "--component", "notices", "--prefix", prefix)
+        run(cmake, "--install", build, "--component", component, "--prefix", prefix)
         return {path.stem: path.read_text() for path in pathlib.Path(prefix).rglob("*.txt")}
 
 
-def main(cmake, build, *targets):
+def main(cmake, build, component, *targets):
     paths = set()
     for target in targets:
         paths |= archives_of(build, target) | headers_of(build, target)
     taken = {}  # the files of each origin
     for path, origin in origins_of(others_files(paths, build)).items():
-        if pathlib.Path(path).name not in DECLARES_ONLY:
-            taken.setdefault(origin, []).append(path)
+        taken.setdefault(origin, []).append(path)
 
-    notices = installed_notices(cmake, build)
+    notices = installed_notices(cmake, build, component)
     wanted, mistakes = set(), []
     for origin, paths in sorted(taken.items()):
-        if origin in WITHOUT:
+        if origin in WITHOUT or {pathlib.Path(path).name for path in paths} <= DECLARES_ONLY:
             continue
         name = NAMES.get(origin, re.sub(r"^lib(.*)-dev$", r"\1", origin))
         wanted.add(name)
