@@ -26,6 +26,7 @@ ACTIONS = {"actions/checkout@v4", "actions/upload-artifact@v4", "actions/downloa
 # Before a checkout there is no script to run; a Mac's packages and a release are the runner's matter.
 DOCUMENTED = {
     "apt-get update && apt-get install --yes git",
+    "apt-get update && apt-get install --yes git python3-venv",
     "apt-get update && apt-get install --yes libtinyexr-dev",
     "brew install cmake googletest jpeg-turbo libtiff ninja openexr tinyobjloader",
     'git config --global --add safe.directory "$GITHUB_WORKSPACE"',
