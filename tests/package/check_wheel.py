@@ -14,6 +14,7 @@ import sys
 import tempfile
 import zipfile
 
+EXPORTS = pathlib.Path(__file__).resolve().parents[2] / "src/export/exports.txt"
 # What every Linux system of a manylinux tag has, as far as the library needs it.
 SYSTEM = {"ld-linux-x86-64.so.2", "libc.so.6", "libgcc_s.so.1", "libm.so.6"}
 NOTICES = {"manylinux": ["libdeflate", "tinyexr", "zlib"], "macosx": ["tinyexr"]}
@@ -50,11 +51,16 @@ def mistakes_on_linux(content, platform):
         library.flush()
         dynamic = subprocess.check_output(["readelf", "-d", library.name], text=True)
         versions = versions_of(library.name)
+        symbols = subprocess.check_output(["nm", "-D", "--defined-only", library.name], text=True)
     needed = set(re.findall(r"\(NEEDED\).*\[(.*)\]", dynamic))
     mistakes = [f"needs {name}" for name in sorted(needed - SYSTEM)]
     major, minor = map(int, re.match(r"manylinux_(\d+)_(\d+)_x86_64$", platform).groups())
     if versions["GLIBC"][:2] != (major, minor):
         mistakes.append(f"needs glibc {versions['GLIBC']}, tagged {platform}")
+    if sorted(line.split()[-1] for line in symbols.splitlines()) != sorted(
+        EXPORTS.read_text().split()
+    ):
+        mistakes.append("shows other symbols than the exports")
     if not {"GLIBC", "GCC"} >= set(versions):
         mistakes.append(f"needs versions of {sorted(versions)}")
     return mistakes
