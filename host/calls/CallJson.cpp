@@ -10,15 +10,19 @@
 
 namespace {
 
-const std::vector<std::string> kKeys = {"export", "text", "value", "buffer"};
+const std::vector<std::string>& keysOfCalls() {
+    static const std::vector<std::string> keys = {"export", "text", "value", "buffer"};
+    return keys;
+}
 
 [[noreturn]] void refuseType(const std::string& key, const char* wanted, const Json& value) {
     throw WrongUsage('"' + key + "\" takes " + wanted + ", not this " + value.type_name());
 }
 
 void setMember(NamedCall& call, const std::string& key, const Json& value) {
-    if (std::ranges::find(kKeys, key) == kKeys.end())
-        throw WrongUsage("a call has no key \"" + key + '"' + suggestionFor(key, kKeys));
+    const std::vector<std::string>& keys = keysOfCalls();
+    if (std::ranges::find(keys, key) == keys.end())
+        throw WrongUsage("a call has no key \"" + key + '"' + suggestionFor(key, keys));
     if (value.is_null()) return;
     if (key == "value") {
         if (!value.is_number()) refuseType(key, "a number", value);
