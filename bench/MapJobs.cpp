@@ -302,8 +302,8 @@ Maps writeMaps(const MapJob& job, const Setup& setup) {
     return maps;
 }
 
-// The sources of a sheet are files of their own as far as they fit into this much, so that none of
-// them is in the processor's cache when its turn comes; a single map is larger than that in any case.
+// The sources of a sheet are files of their own as far as they fit into this much, which is far more
+// than a processor's cache.
 constexpr double kSourcesBytes = 1 << 30;
 
 double bytesOf(const MapJob& job, const Setup& setup) {

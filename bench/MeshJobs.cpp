@@ -253,8 +253,12 @@ Race writeColourText(const Setup& setup) {
 
 std::vector<Job> meshJobs() {
     constexpr std::uint32_t kLargestSplit = 8192;  // twelve files of 250 MB
-    const auto bytesPerPixel = [](double bytes) {
-        return [=](const Setup& setup) { return bytes * setup.side * setup.side; };
+    const auto job = [](const char* name, const char* unit, Race (*prepare)(const Setup&),
+                        double bytesPerPixel) {
+        return Job{
+            .name = name, .unit = unit, .prepare = prepare, .diskBytes = [=](const Setup& setup) {
+                return bytesPerPixel * setup.side * setup.side;
+            }};
     };
     const auto tileJob = [](const char* name, Race (*prepare)(const Setup&)) {
         return Job{.name = name,
@@ -267,30 +271,12 @@ std::vector<Job> meshJobs() {
                    .largestSide = kLargestSplit,
                    .growsWithTiles = true};
     };
-    return {{.name = "getUVTile",
-             .unit = "Mfaces",
-             .prepare = countTiles,
-             .diskBytes = bytesPerPixel(4)},
-            {.name = "getUVGroups",
-             .unit = "Mfaces",
-             .prepare = countGroups,
-             .diskBytes = bytesPerPixel(4)},
+    return {job("getUVTile", "Mfaces", countTiles, 4),
+            job("getUVGroups", "Mfaces", countGroups, 4),
             tileJob("getUVs", split),
             tileJob("getUVsMask", mask),
-            {.name = "mergeCrease",
-             .unit = "Mfaces",
-             .prepare = append,
-             .diskBytes = bytesPerPixel(16)},
-            {.name = "GetFaceIDsVemo",
-             .unit = "Mfaces",
-             .prepare = countFaces,
-             .diskBytes = bytesPerPixel(1)},
-            {.name = "writeOBJfromVemo",
-             .unit = "Mfaces",
-             .prepare = writeObj,
-             .diskBytes = bytesPerPixel(9)},
-            {.name = "ReadVertColorVemo",
-             .unit = "Mpoints",
-             .prepare = writeColourText,
-             .diskBytes = bytesPerPixel(1)}};
+            job("mergeCrease", "Mfaces", append, 16),
+            job("GetFaceIDsVemo", "Mfaces", countFaces, 1),
+            job("writeOBJfromVemo", "Mfaces", writeObj, 9),
+            job("ReadVertColorVemo", "Mpoints", writeColourText, 1)};
 }

@@ -7,5 +7,6 @@
 #ifdef __linux__
 #define NEEDS_FULL_DEVICE() static_cast<void>(0)
 #else
-#define NEEDS_FULL_DEVICE() GTEST_SKIP() << "only Linux has /dev/full"
+#define NEEDS_FULL_DEVICE() \
+    GTEST_SKIP() << "needs /dev/full, a disk that is always full, which only Linux has"
 #endif

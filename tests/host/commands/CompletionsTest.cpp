@@ -45,7 +45,8 @@ TEST(Completions, OfferWhatTheCommandLineTakes) {
 
 // As bash itself asks when the tab key is pressed.
 TEST(Completions, BashOffersThem) {
-    if (*QUILLON_EMULATOR != '\0') GTEST_SKIP() << "bash cannot start an emulated program by name";
+    if (*QUILLON_EMULATOR != '\0')
+        GTEST_SKIP() << "bash here starts quillon by its name, and only the emulator can start it";
     const std::string asking =
         "source <(\"$0\" completions bash); COMP_WORDS=(\"$0\" export --format p); COMP_CWORD=3; "
         "_quillon; echo \"${COMPREPLY[@]}\"; complete -p quillon";

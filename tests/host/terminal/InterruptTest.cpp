@@ -88,7 +88,8 @@ bool notesInterrupts(pid_t process) {
 
 // The model is large enough that it is still being read when Ctrl-C comes.
 TEST_F(Interrupt, AnImportLeavesAnEarlierMeshAndNothingOfItsOwn) {
-    if (*QUILLON_EMULATOR != '\0') GTEST_SKIP() << "the system reports the emulator's handlers";
+    if (*QUILLON_EMULATOR != '\0')
+        GTEST_SKIP() << "/proc shows the emulator's signal handlers in place of quillon's";
     std::string text = "vt 0 0\n";
     for (int i = 0; i < 200'000; ++i)
         text += "v 0 0 0\nv 1 0 0\nv 1 1 0\nf -1/1 -2/1 -3/1\n";
