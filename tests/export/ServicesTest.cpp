@@ -1,11 +1,14 @@
 // Folder, file and text services, called as a script's host calls them.
 
+#include <fcntl.h>
 #include <gmock/gmock.h>
+#include <unistd.h>
 
 #include <cmath>
 #include <filesystem>
 #include <limits>
 #include <string>
+#include <utility>
 #include <vector>
 
 #include "support/CaptureStdout.h"
@@ -154,6 +157,50 @@ TEST_F(Services, PublicFolderHoldsTheUsersFolders) {
     EXPECT_EQ(status, exists ? 1.0f : 0.0f);
     EXPECT_EQ(block.text(), exists ? "/home" : "untouched");
 }
+
+#if defined(__linux__)
+
+// While it lives, the process sees `folder` as the root of all paths.
+class Root {
+public:
+    explicit Root(const std::string& folder) : isChanged_(::chroot(folder.c_str()) == 0) {}
+    Root(const Root&) = delete;
+    Root& operator=(const Root&) = delete;
+    ~Root() {
+        const bool isBack = !isChanged_ || (::fchdir(root_) == 0 && ::chroot(".") == 0);
+        EXPECT_TRUE(isBack && ::fchdir(current_) == 0);
+        ::close(root_);
+        ::close(current_);
+    }
+
+    bool isChanged() const { return isChanged_; }
+
+private:
+    int root_ = ::open("/", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    int current_ = ::open(".", O_RDONLY | O_DIRECTORY | O_CLOEXEC);
+    bool isChanged_;
+};
+
+TEST_F(Services, OnlyAFolderIsThePublicFolder) {
+    const auto publicFolder = [&](const TempDir& system) {
+        Block block;
+        const Root root(system.path());
+        const float status = plugin.call("GetPublicFolder", {.buffer1 = block});
+        return std::pair(status, block.text());
+    };
+    const TempDir empty;
+    const TempDir withFile;
+    const TempDir withFolder;
+    withFile.write("home", "a file of that name");
+    withFolder.makeFolder("home");
+    if (!Root(empty.path()).isChanged()) GTEST_SKIP() << "needs the right to call chroot";
+
+    EXPECT_EQ(publicFolder(empty), std::pair(0.0f, std::string("untouched")));
+    EXPECT_EQ(publicFolder(withFile), std::pair(0.0f, std::string("untouched")));
+    EXPECT_EQ(publicFolder(withFolder), std::pair(1.0f, std::string("/home")));
+}
+
+#endif
 
 // Files
 
