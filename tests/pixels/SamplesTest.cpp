@@ -5,6 +5,7 @@
 #include <array>
 #include <cmath>
 #include <limits>
+#include <utility>
 #include <vector>
 
 namespace {
@@ -48,6 +49,26 @@ TEST(Quantise16, WritesTheOrderOfBytesWanted) {
     EXPECT_THAT(out, ElementsAre(0x00, 0x80, 0x00, 0x40));
     quantise16(out.data(), samples, 2, ByteOrder::kBig);
     EXPECT_THAT(out, ElementsAre(0x80, 0x00, 0x40, 0x00));
+}
+
+// Of 24 samples, 16 are converted at a time where the processor can, and the others 8 at a time.
+TEST(Quantise16, HoldsEachLaneToTheRangeOfLevels) {
+    const float infinity = std::numeric_limits<float>::infinity();
+    const float nan = std::numeric_limits<float>::quiet_NaN();
+    const std::pair<float, int> levels[] = {{-infinity, 0}, {-0.2f, 0},       {-0.0f, 0},
+                                            {nan, 0},       {0.25f, 16384},   {1.0f, 65535},
+                                            {1.5f, 65535},  {infinity, 65535}};
+    for (const auto& [sample, level] : levels) {
+        for (std::size_t lane = 0; lane < 24; ++lane) {
+            std::vector<float> samples(24, 0.5f);
+            samples[lane] = sample;
+            std::vector<std::uint8_t> out(2 * 24);
+            quantise16(out.data(), samples.data(), 24, ByteOrder::kBig);
+            for (std::size_t i = 0; i < 24; ++i)
+                ASSERT_EQ(out[2 * i] << 8 | out[2 * i + 1], i == lane ? level : 32768)
+                    << sample << " in lane " << lane << ", seen in " << i;
+        }
+    }
 }
 
 // Worked on in blocks of 1024 pixels.
