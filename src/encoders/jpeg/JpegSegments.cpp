@@ -23,7 +23,8 @@ consteval std::array<std::uint8_t, 420> set_DHTinfo() {
     auto end = segment.begin() + 4;
     // A table: its class (0 DC, 16 AC) and number (0 luminance, 1 chrominance), the counts of its
     // codes by length, and their symbols.
-    const auto add = [&end](std::uint8_t id, const CodeCounts& nrcodes, const auto& values) {
+    const auto add = [&end](std::uint8_t id, const CodeCounts& nrcodes,
+                            const auto& values) consteval {
         *end++ = id;
         end = std::copy(nrcodes.begin() + 1, nrcodes.end(), end);
         end = std::copy(values.begin(), values.end(), end);
