@@ -8,6 +8,7 @@
 #include <utility>
 
 #include "faults/Scenarios.h"
+#include "limits/DeepFolder.h"
 
 namespace {
 
@@ -15,14 +16,6 @@ namespace {
 std::pair<float, Entries> play(Stage& stage, const Scenario& scenario) {
     const Outcome outcome = stage.play(scenario);
     return {outcome.result.status, outcome.entries};
-}
-
-// A folder whose path has this many bytes more, in names of 200.
-std::string deepFolder(std::size_t bytes) {
-    std::string path;
-    while (path.size() + 200 < bytes)
-        path += std::string(199, 'd') + '/';
-    return path + std::string(bytes - path.size(), 'e');
 }
 
 void expectTheSameIn(const std::string& folder, const std::set<std::string_view>& except = {}) {
