@@ -1,6 +1,7 @@
 #pragma once
 // Makes the system refuse what it usually allows, as long as the object lives.
 
+#include <fcntl.h>
 #include <gtest/gtest.h>
 #include <sys/resource.h>
 #include <unistd.h>
@@ -40,6 +41,27 @@ public:
 
 private:
     void (*signalBefore_)(int);
+    rlimit before_{};
+};
+
+// Room in the table of descriptors for so many more files.
+class DescriptorLimit {
+public:
+    explicit DescriptorLimit(int spare) {
+        EXPECT_EQ(::getrlimit(RLIMIT_NOFILE, &before_), 0);
+        int number = 0;
+        while (isOpen(number) || spare-- > 0)
+            ++number;
+        const rlimit limit{static_cast<rlim_t>(number), before_.rlim_max};
+        EXPECT_EQ(::setrlimit(RLIMIT_NOFILE, &limit), 0);
+    }
+    DescriptorLimit(const DescriptorLimit&) = delete;
+    DescriptorLimit& operator=(const DescriptorLimit&) = delete;
+    ~DescriptorLimit() { ::setrlimit(RLIMIT_NOFILE, &before_); }
+
+private:
+    static bool isOpen(int descriptor) { return ::fcntl(descriptor, F_GETFD) >= 0; }
+
     rlimit before_{};
 };
 
