@@ -95,13 +95,23 @@ ByteList tileBmp() {
     return BmpFile(kLarge, kLarge).pixels(tilePixels(3));
 }
 
-// Three faces in the tiles 1001, 1002 and 1011, of two groups.
-ByteList mesh() {
+// The first of them, and again from the start, until there are `count`.
+template <typename Item>
+std::vector<Item> inTurn(const std::vector<Item>& items, std::size_t count) {
+    std::vector<Item> all;
+    while (all.size() < count)
+        all.push_back(items[all.size() % items.size()]);
+    return all;
+}
+
+// Faces in the tiles 1001, 1002 and 1011, of two groups.
+ByteList mesh(std::size_t faces = 3) {
     return VemoBuilder()
         .vertices({{0, 0, 0}, {1, 0, 0}, {1, 1, 0}, {0, 1, 0}, {0.5f, 2, 0}})
-        .faces({{0, 1, 2, 3}, {3, 2, 4, -1}, {0, 2, 4, -1}})
-        .flatFaceUvs({{0.5f, 0.5f}, {1.5f, 0.5f}, {0.25f, 1.75f}})
-        .groups({5, 5, 2})
+        .faces(inTurn<VemoBuilder::Face>({{0, 1, 2, 3}, {3, 2, 4, -1}, {0, 2, 4, -1}}, faces))
+        .flatFaceUvs(
+            inTurn<std::array<float, 2>>({{0.5f, 0.5f}, {1.5f, 0.5f}, {0.25f, 1.75f}}, faces))
+        .groups(inTurn<std::int16_t>({5, 5, 2}, faces))
         .closing()
         .bytes();
 }
@@ -113,24 +123,23 @@ ByteList meshOfOneTile() {
 }
 
 // An image of one channel of half floats, 0 to 1, packed.
-ByteList exr(Imf::Compression compression) {
-    constexpr int kSide = 40;
+ByteList exr(Imf::Compression compression, int side = 40) {
     std::vector<half> samples;
-    for (int i = 0; i < kSide * kSide; ++i)
+    for (int i = 0; i < side * side; ++i)
         samples.emplace_back(static_cast<float>(i * 37 % 129) / 128.0f);
-    Imf::Header header(kSide, kSide);
+    Imf::Header header(side, side);
     header.compression() = compression;
     header.channels().insert("Y", Imf::Channel(Imf::HALF));
     Imf::FrameBuffer frame;
     frame.insert("Y", Imf::Slice(Imf::HALF, reinterpret_cast<char*>(samples.data()), sizeof(half),
-                                 sizeof(half) * kSide));
+                                 sizeof(half) * static_cast<std::size_t>(side)));
 
     const TempDir dir;
     const std::string path = dir.path("image.exr");
     {
         Imf::OutputFile file(path.c_str(), header);
         file.setFrameBuffer(frame);
-        file.writePixels(kSide);
+        file.writePixels(side);
     }
     return readBytes(path);
 }
@@ -282,16 +291,88 @@ List measurements() {
     };
 }
 
+List named(List scenarios) {
+    for (Scenario& scenario : scenarios) {
+        if (scenario.name.empty()) scenario.name = scenario.call.exportName;
+    }
+    return scenarios;
+}
+
 List allScenarios() {
     List all;
     for (const auto family : {folderServices, textServices, tileFilters, meshServices, mergers,
-                              changesInPlace, conversions, measurements}) {
-        for (Scenario& scenario : family()) {
-            if (scenario.name.empty()) scenario.name = scenario.call.exportName;
-            all.push_back(std::move(scenario));
-        }
-    }
+                              changesInPlace, conversions, measurements})
+        std::ranges::move(named(family()), std::back_inserter(all));
     return all;
+}
+
+List filesOfSize(std::uint32_t side) {
+    const Entries source = {{"a.tif", bmp(side, 3)}};
+    return {
+        {.call = {"FileCopyTo", "a.tif", 0.0, "b.tif"}, .files = source, .written = {"b.tif"}},
+        {.call = {"FileRename", "a.tif", 0.0, "b.tif"},
+         .files = source,
+         .written = {"a.tif", "b.tif"}},
+    };
+}
+
+List meshesOfSize(std::uint32_t side) {
+    const Call lastTile = {"getUVString", "", 2.0};
+    const Call count = {"getUVTile", "mesh.vws", 2.0};
+    const ByteList faces = mesh(std::size_t{side} * side);
+    const Entries files = {{"mesh.vws", faces}};
+    const std::set<std::string> tiles = {"tile1001.Vemo", "tile1002.Vemo", "tile1011.Vemo"};
+    std::string filter = "1011";
+    for (std::uint32_t tile = 0; tile < side; ++tile)
+        filter += ", " + std::to_string(3000 + tile);
+    return {
+        {.call = {"setUVtilesOutput", "tiles.txt"},
+         .files = {{"mesh.vws", faces}, {"tiles.txt", bytesOf(filter)}},
+         .after = {count}},
+        {.call = count, .files = files},
+        {.call = {"getUVGroups", "mesh.vws"}, .files = files},
+        {"", {"getUVs", "mesh.vws", 2.0, "tile.tif"}, 3.0f, files, {}, {lastTile}, tiles},
+        {"", {"getUVsMask", "mesh.vws", 2.0, "tile.tif"}, 3.0f, files, {}, {lastTile}, tiles},
+        {.call = {"mergeCrease", "mesh.vws", 0.0, "all.vws"},
+         .files = {{"mesh.vws", faces}, {"all.vws", faces}},
+         .written = {"all.vws"}},
+    };
+}
+
+// A call that makes a file of another; its output is not there before.
+Scenario newFile(const char* kind, const Call& call, const ByteList& map) {
+    Scenario scenario = onMaps(kind, call, map);
+    scenario.files.erase(call.buffer1);
+    return scenario;
+}
+
+List mapsOfSize(std::uint32_t side) {
+    const ByteList grey = tiffFloat(side, 1);
+    const ByteList colour = tiffFloat(side, 3);
+    return {
+        onMaps("", {"mergeMapsTIF", "tile.map", 0.0, "all.map"}, tiff8(side, 3), tiff8(side, 5)),
+        onMaps("", {"mergeMapsPSD", "tile.map", 0.0, "all.map"}, psdRgb(side, 3), psdRgb(side, 5)),
+        onMaps("Grey", {"mergeMapsPSD", "tile.map", 0.0, "all.map"}, psdGrey16(side, 3),
+               psdGrey16(side, 5)),
+        onMaps("", {"mergeMapsBMP", "tile.map", 0.0, "all.map"}, bmp(side, 3), bmp(side, 5)),
+        onMaps("", {"swapRGBTIF", "one.map", 2.0}, tiff8(side, 3)),
+        onMaps("", {"swapRGBPSD", "one.map", 2.0}, psdRgb(side, 3)),
+        onMaps("", {"swapRGBBMP", "one.map", 2.0}, bmp(side, 3)),
+        onMaps("", {"CreateThumbnailBMP", "one.map", side / 2.0}, bmp(side, 3)),
+        newFile("Grey", {"convertTIFF16", "one.map", 1.0, "out.tif"}, grey),
+        newFile("Colour", {"convertTIFF16", "one.map", 3.0, "out.tif"}, colour),
+        newFile("Psd", {"convertTIFF16", "one.map", 4.0, "out.psd"}, colour),
+        newFile("", {"convertTIFFSingle", "one.map", 0.0, "out.tif"}, colour),
+        newFile("", {"saveAsTarga", "one.map", 0.0, "out.tga"}, tiff8(side, 3)),
+        newFile("", {"saveAsJpeg", "one.map", 50.0, "out.jpg"}, bmp(side, 3)),
+        {.call = {"getScale", "one.map", 1.0}, .files = {{"one.map", grey}}},
+        {.call = {"OpenEXR", "one.exr"},
+         .files = {{"one.exr", exr(Imf::ZIP_COMPRESSION, static_cast<int>(side))}}},
+        {"OpenEXRWavelets",
+         {"OpenEXR", "one.exr"},
+         0.0f,
+         {{"one.exr", exr(Imf::PIZ_COMPRESSION, static_cast<int>(side))}}},
+    };
 }
 
 }  // namespace
@@ -302,6 +383,13 @@ void PrintTo(const Scenario& scenario, std::ostream* out) {
 
 const std::vector<Scenario>& scenarios() {
     static const std::vector<Scenario> all = allScenarios();
+    return all;
+}
+
+std::vector<Scenario> scenariosOfSize(std::uint32_t side) {
+    List all;
+    for (const auto family : {filesOfSize, meshesOfSize, mapsOfSize})
+        std::ranges::move(named(family(side)), std::back_inserter(all));
     return all;
 }
 
@@ -318,9 +406,13 @@ ByteList bytesOf(std::string_view text) {
 Stage::Stage(const std::string& place) : folder_(dir_.makeFolder(place)) {}
 
 void Stage::prepare(const Scenario& scenario) {
-    forget();
     for (const fs::directory_entry& entry : fs::directory_iterator(folder_))
         fs::remove_all(entry.path());
+    prepareOver(scenario);
+}
+
+void Stage::prepareOver(const Scenario& scenario) {
+    forget();
     for (const auto& [name, bytes] : scenario.files) {
         fs::create_directories(fs::path(path(name)).parent_path());
         dir_.write(path(name), bytes);

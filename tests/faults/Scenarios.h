@@ -2,6 +2,7 @@
 // One or two valid calls of each export, with the folder that they need. The tests here, in limits/ and
 // in soak/ make them while the system fails, with unusual paths and a hundred thousand times.
 
+#include <cstdint>
 #include <map>
 #include <set>
 #include <string>
@@ -55,6 +56,11 @@ void PrintTo(const Scenario& scenario, std::ostream* out);
 const std::vector<Scenario>& scenarios();
 const Scenario& scenarioNamed(std::string_view name);
 
+// Calls of each export that reads or writes a file, on images of `side` x `side` pixels and on meshes of
+// as many faces: the same calls, names and order for each size. What a call creates is not there before.
+// The statuses of measurements are left out.
+std::vector<Scenario> scenariosOfSize(std::uint32_t side);
+
 ByteList bytesOf(std::string_view text);
 
 // A folder and a library for one scenario after another.
@@ -68,6 +74,9 @@ public:
 
     // Puts the scenario's files into the folder, nothing else, and makes the calls before.
     void prepare(const Scenario& scenario);
+
+    // The same, but keeps what the folder holds: files of the scenario are written over.
+    void prepareOver(const Scenario& scenario);
 
     Result make(const Call& call);
 
