@@ -49,12 +49,17 @@ bool goesWrong(SystemCall call) {
     const bool wrong =
         isPlanned && call == planned.call &&
         (planned.lasting ? position >= planned.position : position == planned.position);
-    if (wrong) {
-        if (planned.harm == Harm::kKills) ::raise(SIGKILL);
-        asked.harmed = true;
-        errno = planned.error;
+    if (!wrong) return false;
+    if (planned.harm == Harm::kKills) ::raise(SIGKILL);
+    asked.harmed = true;
+    if (planned.harm == Harm::kMeanwhile) {
+        watching = false;
+        (*planned.meanwhile)();
+        watching = true;
+        return false;
     }
-    return wrong;
+    errno = planned.error;
+    return true;
 }
 
 // The function that this program's own replaces. What looking for it takes from the heap is not the
@@ -139,8 +144,8 @@ std::string describe(const Fault& fault) {
     static constexpr const char* kCalls[] = {"open",  "stat",    "read",    "write",
                                              "close", "opendir", "readdir", "closedir",
                                              "mkdir", "remove",  "rename",  "allocation"};
-    static constexpr const char* kHarms[] = {"fails", "moves half", "finds the end", "kills",
-                                             "moves half and kills"};
+    static constexpr const char* kHarms[] = {"fails", "moves half",           "finds the end",
+                                             "kills", "moves half and kills", "is made later"};
     std::ostringstream text;
     text << kCalls[static_cast<std::size_t>(fault.call)] << " number " << fault.position
          << (fault.lasting ? " and all further " : " ")

@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <functional>
 #include <optional>
 #include <string>
 
@@ -31,6 +32,7 @@ enum class Harm {
     kFindsTheEnd,        // a read returns 0 as at the end of the file
     kKills,              // the process, before the call
     kMovesHalfAndKills,  // the process, in the middle of a write
+    kMeanwhile,          // none to the call itself: something else happens just before it
 };
 
 struct Fault {
@@ -39,6 +41,7 @@ struct Fault {
     int error = 0;
     bool lasting = false;      // all calls of the kind from then on
     std::size_t position = 1;  // which call of its kind goes wrong first
+    const std::function<void()>* meanwhile = nullptr;
 };
 
 // "read number 3 and all further fails, errno 5".
