@@ -80,37 +80,45 @@ protected:
     // Makes the call with some of its files getting other bytes before each opening and each read in
     // turn.
     void changeTo(const Entries& files, Write* write) {
-        const std::function<void()> meanwhile = [&] {
-            for (const auto& [name, bytes] : files)
-                write(stage_.path(name), bytes);
-        };
-        Entries after = scenario().files;
-        for (const auto& [name, bytes] : files)
-            after[name] = bytes;
-        inject(meanwhile, after);
+        inject([&] { apply(files, write); });
+    }
+
+    // The same before that one and all further ones, now these bytes, now those.
+    void alternate(const Entries& some, const Entries& others, Write* write) {
+        std::size_t changes = 0;
+        inject([&] { apply(changes++ % 2 == 0 ? some : others, write); }, true);
     }
 
     void remove(const std::string& name) {
-        const std::function<void()> meanwhile = [&] { fs::remove(stage_.path(name)); };
-        Entries after = scenario().files;
-        after.erase(name);
-        inject(meanwhile, after);
+        inject([&] {
+            fs::remove(stage_.path(name));
+            now_.erase(name);
+        });
     }
 
     FaultyStage stage_;
     Outcome clean_;
 
 private:
-    void inject(const std::function<void()>& meanwhile, const Entries& after) {
+    void apply(const Entries& files, Write* write) {
+        for (const auto& [name, bytes] : files) {
+            write(stage_.path(name), bytes);
+            now_[name] = bytes;
+        }
+    }
+
+    void inject(const std::function<void()>& meanwhile, bool lasting = false) {
+        now_ = scenario().files;
         for (const SystemCall call : {kOpen, kRead}) {
-            Fault fault{call, Harm::kMeanwhile};
+            Fault fault{call, Harm::kMeanwhile, 0, lasting};
             fault.meanwhile = &meanwhile;
             stage_.inject(scenario(), fault, [&](const Fault&, const Result& result) {
                 expectDocumented(result.status);
-                EXPECT_TRUE(othersOf(stage_.entries()) == othersOf(after))
+                EXPECT_TRUE(othersOf(stage_.entries()) == othersOf(now_))
                     << "an entry that is only read has changed";
                 stage_.forget();
                 EXPECT_EQ(openFiles(), openFiles_);
+                now_ = scenario().files;
             });
         }
         expectNothingHeld();
@@ -144,6 +152,7 @@ private:
         return outcome;
     }
 
+    Entries now_;  // the scenario's files as they have been changed
     std::ptrdiff_t blocks_ = 0;
     std::ptrdiff_t bytes_ = 0;
     std::ptrdiff_t openFiles_ = 0;
@@ -183,7 +192,14 @@ TEST_P(Changing, AFileThatGrowsAtEachReadIsNotReadForEver) {
     stage_.forget();
 }
 
-INSTANTIATE_TEST_SUITE_P(Scenarios, Changing, testing::ValuesIn(scenarios()),
+// All but a thumbnail that reads 319 rows one by one, of which the small one has twenty.
+std::vector<Scenario> scenariosOfFewReads() {
+    std::vector<Scenario> few = scenarios();
+    std::erase_if(few, [](const auto& each) { return each.name == "CreateThumbnailBMPLarge"; });
+    return few;
+}
+
+INSTANTIATE_TEST_SUITE_P(Scenarios, Changing, testing::ValuesIn(scenariosOfFewReads()),
                          [](const auto& scenario) { return scenario.param.name; });
 
 // Maps and meshes of another size than the one that the call has seen so far, whole and cut to the
@@ -201,9 +217,11 @@ TEST_P(ChangingSize, IsNoHarmToAnyOtherFile) {
             changeTo({{name, bytes}}, writeOver);
             changeTo({{name, bytes}}, replace);
         }
-        changeTo(whole, writeOver);
-        changeTo(whole, replace);
         changeTo(cut, writeOver);
+        for (Write* const write : {writeOver, replace}) {
+            changeTo(whole, write);
+            alternate(whole, scenario().files, write);
+        }
     }
 }
 
