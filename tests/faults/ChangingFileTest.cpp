@@ -33,6 +33,8 @@ struct Contents {
 std::vector<Contents> changesOf(const ByteList& bytes) {
     ByteList twice = bytes;
     append(twice, bytes);
+    ByteList otherEnd = bytes;  // large indices, coordinates in far tiles
+    std::fill(otherEnd.begin() + std::ssize(bytes) / 2, otherEnd.end(), 0x43);
     return {
         {"empty", {}},
         {"half", firstBytes(bytes, bytes.size() / 2)},
@@ -40,6 +42,7 @@ std::vector<Contents> changesOf(const ByteList& bytes) {
         {"twice", twice},
         {"zeros", ByteList(bytes.size(), 0)},
         {"ones", ByteList(bytes.size(), 0xFF)},
+        {"another from its middle on", otherEnd},
     };
 }
 
