@@ -319,7 +319,7 @@ List filesOfSize(std::uint32_t side) {
 List meshesOfSize(std::uint32_t side) {
     const Call lastTile = {"getUVString", "", 2.0};
     const Call count = {"getUVTile", "mesh.vws", 2.0};
-    const ByteList faces = mesh(std::size_t{side} * side);
+    const ByteList faces = mesh(std::max<std::size_t>(3, std::size_t{side} * side / 10));
     const Entries files = {{"mesh.vws", faces}};
     const std::set<std::string> tiles = {"tile1001.Vemo", "tile1002.Vemo", "tile1011.Vemo"};
     std::string filter = "1011";

@@ -57,8 +57,8 @@ const std::vector<Scenario>& scenarios();
 const Scenario& scenarioNamed(std::string_view name);
 
 // Calls of each export that reads or writes a file, on images of `side` x `side` pixels and on meshes of
-// as many faces: the same calls, names and order for each size. What a call creates is not there before.
-// The statuses of measurements are left out.
+// a tenth as many faces: the same calls, names and order for each size. What a call creates is not there
+// before. The statuses of measurements are left out.
 std::vector<Scenario> scenariosOfSize(std::uint32_t side);
 
 ByteList bytesOf(std::string_view text);

@@ -214,11 +214,9 @@ public:
     void report(const Rest& early, const Rest& late) const {
         const std::size_t fewest = std::ranges::min_element(fixed_, {}, &Turn::count)->count();
         std::printf(
-            "%zu calls, %zu scenarios of at least %zu turns, %zu of changing sizes; %lld KiB "
-            "resident\n"
-            "since the first tenth: %+lld KiB resident, %+td bytes of the heap in %+td blocks, "
-            "%+td open "
-            "files, %+td entries in folders\n",
+            "%zu calls, %zu scenarios of at least %zu turns, %zu of changing sizes\n"
+            "%lld KiB resident; since the first tenth %+lld KiB, %+td bytes of the library's in "
+            "%+td blocks,\n%+td open files, %+td entries in folders\n",
             done_, fixed_.size(), fewest, sizes_.size(),
             static_cast<long long>(late.residentBytes / 1024),
             static_cast<long long>((late.residentBytes - early.residentBytes) / 1024),
