@@ -5,6 +5,7 @@
 
 #include <array>
 #include <cstddef>
+#include <cstdlib>
 #include <functional>
 #include <optional>
 #include <string>
@@ -56,6 +57,12 @@ public:
     SmallDisk& operator=(const SmallDisk&) = delete;
     ~SmallDisk();
 };
+
+// Whether as many blocks of the heap may hold either number of bytes: it gives a block up to 16 bytes
+// more than asked where what would be left is too little for another.
+inline bool isTheSameHeap(std::ptrdiff_t bytes, std::ptrdiff_t others, std::ptrdiff_t blocks) {
+    return std::abs(bytes - others) <= 16 * blocks;
+}
 
 // The calls that were made while a Watch lived.
 struct Asked {

@@ -246,7 +246,8 @@ private:
 
 bool isFlat(const Rest& early, const Rest& late) {
     return late.residentBytes - early.residentBytes <= kAllowedGrowth &&
-           late.heldBytes == early.heldBytes && late.heldBlocks == early.heldBlocks &&
+           late.heldBlocks == early.heldBlocks &&
+           isTheSameHeap(late.heldBytes, early.heldBytes, late.heldBlocks) &&
            late.openFiles == early.openFiles && late.entries == early.entries;
 }
 
