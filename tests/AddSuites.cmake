@@ -17,7 +17,7 @@ foreach(suite IN LISTS suites)
   string(REGEX REPLACE "\\.$" "" name ${suite})
   add_test(${name} ${file} --gtest_filter=${suite}* --gtest_brief=1)
   set_tests_properties(${name} PROPERTIES TIMEOUT 600)
-  if(name MATCHES "^(Jpeg|Names|Page|Scenarios/Faults)$") # the longest begin first
+  if(name MATCHES "^(Jpeg|Names|Page|Scenarios/Faults|Scenarios/Changing)$") # the longest begin first
     set_tests_properties(${name} PROPERTIES COST 100)
   endif()
 endforeach()

@@ -48,7 +48,13 @@ TEST(ReadBmpHeader, StoresOnlyTheTwoBytesOfAnotherSignature) {
     EXPECT_EQ(readBMPHeader(), -7.0f);
     EXPECT_EQ(bmpHdr.firstByte, 'M');
     EXPECT_EQ(bmpHdr.secondByte, 'B');
+    EXPECT_EQ(bmpHdr.fileSize, 0u);
+    EXPECT_EQ(bmpHdr.pixelOffset, 0u);
     EXPECT_EQ(bmpHdr.width, 0);
+    EXPECT_EQ(bmpHdr.height, 0);
+    EXPECT_EQ(bmpHdr.bitsPerPixel, 0);
+    EXPECT_EQ(bmpHdr.imageSize, 0u);
+    EXPECT_EQ(bmpHdr.rowStride, 0);
 }
 
 TEST(LoadBmpHead, HoldsAHundredBytesAtMostAndNothingOfTheFileBefore) {

@@ -166,6 +166,11 @@ TEST(ExrCheck, EachAttributeThatAPictureNeedsIsThere) {
     EXPECT_EQ(withoutTiles.check(), -9);
 }
 
+// The loader would read a byte beyond it.
+TEST(ExrCheck, ACompressionWithoutAValueIsRefused) {
+    EXPECT_EQ(ExrFile().without("compression").add("compression", {}).check(), -4);
+}
+
 TEST(ExrCheck, AChunkHasTheBytesOfItsRow) {
     for (const std::uint32_t bytes : {1u, 3u, 0x80000004u}) {
         ExrFile file;

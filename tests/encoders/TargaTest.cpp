@@ -113,6 +113,14 @@ TEST_F(Targa, AnInventedSizeIsRefused) {
     EXPECT_FALSE(dir.has("map.tga"));
 }
 
+TEST_F(Targa, AMapOfMissingRowsMayTake64MiBAnd16TimesItsFile) {
+    const TiffFile tiny = map(1, 1).grey8({1});
+    const auto most = static_cast<std::uint32_t>((67108864 + 16 * tiny.bytes().size()) / 3);
+    EXPECT_EQ(save(TiffFile(tiny).entry(257, 1, most)), 0.0f);
+    EXPECT_EQ(std::filesystem::file_size(dir.path("map.tga")), 18 + 3u * most);
+    EXPECT_EQ(save(TiffFile(tiny).entry(257, 1, most + 1)), -279.0f);
+}
+
 TEST_F(Targa, SizesBelowOneGiveAHeaderOnly) {
     using Entry = std::pair<std::uint16_t, std::uint32_t>;
     for (const auto& [tag, side] : {Entry{256, 0}, {256, 0xFFFFFFFF}, {257, 0}}) {
