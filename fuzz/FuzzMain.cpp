@@ -6,6 +6,7 @@
 #include <algorithm>
 #include <array>
 #include <cstdio>
+#include <filesystem>
 #include <random>
 #include <string>
 
@@ -132,7 +133,10 @@ extern "C" int LLVMFuzzerInitialize(int* argc, char*** argv) {
         std::string("-dict=" QUILLON_FUZZ_DICTIONARIES "/") + target->format.name + ".dict";
     static std::string longest =
         "-max_len=" + std::to_string(std::max(kLongestInput, kBytesPerFile * target->files));
-    arguments.insert(arguments.begin() + 1, {dictionary.data(), longest.data()});
+    // Inputs run in another working folder; one that breaks the target is left in this.
+    static std::string broken =
+        "-artifact_prefix=" + std::filesystem::current_path().string() + '/';
+    arguments.insert(arguments.begin() + 1, {dictionary.data(), longest.data(), broken.data()});
     *argc = static_cast<int>(arguments.size());
     arguments.push_back(nullptr);
     *argv = arguments.data();

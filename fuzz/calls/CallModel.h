@@ -5,6 +5,7 @@
 
 #include <cstddef>
 #include <map>
+#include <memory>
 #include <optional>
 #include <string>
 
@@ -14,8 +15,12 @@
 // What the folder holds under a name: a file, or an empty folder.
 struct Entry {
     bool isFolder = false;
-    ByteList bytes = {};
-    bool operator==(const Entry&) const = default;
+    std::shared_ptr<const ByteList> bytes = {};  // of a file
+
+    bool operator==(const Entry& other) const {
+        return isFolder == other.isFolder &&
+               (bytes == other.bytes || (bytes && other.bytes && *bytes == *other.bytes));
+    }
 };
 using Entries = std::map<std::string, Entry>;
 

@@ -1,123 +1,54 @@
 #include "harness/Target.h"
 
-#include <fcntl.h>
-#include <stdlib.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
 #include <algorithm>
 #include <array>
 #include <bit>
 #include <cstdio>
-#include <cstring>
-#include <filesystem>
-#include <map>
 #include <numeric>
 
 #include "bytes/Bytes.h"
+#include "harness/Folder.h"
 
 namespace {
 
-constexpr const char* kInputName = "in";
 constexpr const char* kOutputName = "out.tif";
 
-// How much of an output is compared: a header may claim gigabytes of black.
-constexpr std::size_t kMaxBytesCompared = std::size_t{128} * 1024;
-
-[[noreturn]] void fail(const char* what) {
-    std::fprintf(stderr, "\nDoes not hold: %s\n", what);
-    std::abort();
-}
-
-// A folder for the files of one process, in memory where TMPDIR is.
-class Folder {
-public:
-    Folder() {
-        path_ = (std::filesystem::temp_directory_path() / "quillon-fuzz-XXXXXX").string();
-        if (::mkdtemp(path_.data()) == nullptr) fail("there is a temporary folder");
-    }
-    Folder(const Folder&) = delete;
-    Folder& operator=(const Folder&) = delete;
-    ~Folder() {
-        std::error_code ignored;
-        std::filesystem::remove_all(path_, ignored);
-    }
-
-    const std::string& path() const { return path_; }
-
-    std::vector<std::string> names() const {
-        std::vector<std::string> found;
-        for (const auto& entry : std::filesystem::directory_iterator(path_))
-            found.push_back(entry.path().filename());
-        return found;
-    }
-
-private:
-    std::string path_;
-};
-
-const Folder& folder() {
-    static const Folder folder;
-    return folder;
-}
-
-void writeFile(const std::string& path, const ByteList& bytes) {
-    const int file = ::open(path.c_str(), O_WRONLY | O_CREAT | O_TRUNC | O_CLOEXEC, 0666);
-    if (file < 0) fail("an input can be created");
-    if (::write(file, bytes.data(), bytes.size()) != static_cast<ssize_t>(bytes.size()))
-        fail("an input can be written");
-    ::close(file);
-}
-
-// A file's length and as much of its bytes as is compared.
-struct FileState {
-    off_t size = 0;
-    ByteList bytes;
-    bool operator==(const FileState&) const = default;
-};
-
-FileState readFile(const std::string& path) {
-    const int file = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    struct stat status {};
-    if (file < 0 || ::fstat(file, &status) != 0) fail("a file that was there is there still");
-    FileState state{status.st_size, {}};
-    state.bytes.resize(std::min(static_cast<std::size_t>(status.st_size), kMaxBytesCompared));
-    if (::read(file, state.bytes.data(), state.bytes.size()) !=
-        static_cast<ssize_t>(state.bytes.size()))
-        fail("a file can be read");
-    ::close(file);
-    return state;
-}
-
-int lowestFreeDescriptor() {
-    const int descriptor = ::dup(STDERR_FILENO);
-    ::close(descriptor);
-    return descriptor;
-}
-
+// What a call returned and left.
 struct Outcome {
     std::uint32_t status;  // the bits, so that one NaN equals another
+    std::string notes;
     std::map<std::string, FileState> files;
     bool operator==(const Outcome&) const = default;
 };
 
-Outcome runOnce(const Target& target, const Recipe& recipe) {
-    Case files(recipe, folder().path());
-    const int descriptor = lowestFreeDescriptor();
+// Calls the operation and checks what holds for all of them.
+float call(const Target& target, Case& files) {
+    const int descriptors = folder().openDescriptors();
     const float status = target.run(files);
-    if (lowestFreeDescriptor() != descriptor) fail("no file is left open");
-    if (status != 0.0f) {
-        for (std::size_t i = 0; i < recipe.files.size(); ++i)
-            files.expectUnchanged(i);
-    }
+    if (folder().openDescriptors() != descriptors) fail("no file is left open");
+    files.finish(status);
+    return status;
+}
 
-    Outcome outcome{std::bit_cast<std::uint32_t>(status), {}};
-    for (const std::string& name : folder().names()) {
-        const std::string path = folder().path() + '/' + name;
-        outcome.files.emplace(name, readFile(path));
-        ::unlink(path.c_str());
-    }
+Outcome outcomeOf(const Case& files, float status) {
+    Outcome outcome{std::bit_cast<std::uint32_t>(status), files.notes(), files.givenNow()};
+    for (const std::string& name : files.outputs())
+        outcome.files.emplace(name, readFile(name.c_str()));
     return outcome;
+}
+
+Outcome run(const Target& target, const Recipe& recipe) {
+    Case files(recipe);
+    const float status = call(target, files);
+    return outcomeOf(files, status);
+}
+
+// The second run finds what the first left in memory, and older files, of which nothing may be left.
+void runTwice(const Target& target, const Recipe& recipe) {
+    const Outcome first = run(target, recipe);
+    for (const std::string& name : folder().others())
+        writeFile(name.c_str(), ByteList(first.files.at(name).bytes.size() + 5000, 0xEE));
+    if (!(run(target, recipe) == first)) fail("the same call gives the same bytes");
 }
 
 // Some of the inputs, chosen by their bytes, so that a finding can be repeated.
@@ -132,13 +63,19 @@ std::vector<Target>& targets() {
 
 }  // namespace
 
-Case::Case(const Recipe& recipe, const std::string& folder)
-    : recipe_(recipe), folder_(folder), output_(folder + '/' + kOutputName) {
-    for (std::size_t i = 0; i < recipe.files.size(); ++i) {
-        given_.push_back(recipe.files[i].whole());
-        paths_.push_back(folder + '/' + kInputName + std::to_string(i));
-        writeFile(paths_[i], given_[i]);
+Case::Case(const Recipe& recipe) : recipe_(recipe), output_(kOutputName) {
+    for (const RecipeFile& file : recipe.files)
+        given_.push_back(file.whole());
+    paths_.resize(given_.size());
+}
+
+char* Case::file(std::size_t index) {
+    std::string& path = paths_.at(index);
+    if (path.empty()) {
+        folder().given(index).put(given_[index]);
+        path = folder().given(index).name();
     }
+    return path.data();
 }
 
 std::int32_t Case::number(std::size_t index) const {
@@ -149,8 +86,12 @@ float Case::real(std::size_t index) const {
     return loadLeFloat(&recipe_.numbers.at(index));
 }
 
+const FileState& Case::now(std::size_t index) const {
+    return folder().given(index).now();
+}
+
 std::uint64_t Case::sizeNow(std::size_t index) const {
-    return std::filesystem::file_size(paths_.at(index));
+    return static_cast<std::uint64_t>(now(index).size);
 }
 
 void Case::expect(bool holds, const char* what) {
@@ -164,7 +105,7 @@ void Case::expectStatus(float status, std::initializer_list<float> known) {
 }
 
 void Case::expectUnchanged(std::size_t index) const {
-    expect(readFile(paths_.at(index)).bytes == given(index),
+    expect(now(index).bytes == given(index),
            "a file that is only read, or given to a call that is refused, stays as it is");
 }
 
@@ -179,13 +120,25 @@ void Case::expectSameBytes(std::size_t index) const {
             ++counts[byte];
         return counts;
     };
-    expect(histogram(readFile(paths_.at(index)).bytes) == histogram(given(index)),
-           "an exchange only moves bytes");
+    expect(histogram(now(index).bytes) == histogram(given(index)), "an exchange only moves bytes");
 }
 
-void Case::expectOutputs(std::size_t count) const {
-    expect(folder().names().size() == paths_.size() + count,
-           "a call creates the files that its status says");
+void Case::finish(float status) {
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+        if (paths_[i].empty()) continue;
+        now(i);
+        if (status != 0.0f) expectUnchanged(i);
+    }
+    outputs_ = folder().others();
+    expect(outputs_.size() == expectedOutputs_, "a call creates the files that its status says");
+}
+
+std::map<std::string, FileState> Case::givenNow() const {
+    std::map<std::string, FileState> states;
+    for (std::size_t i = 0; i < paths_.size(); ++i) {
+        if (!paths_[i].empty()) states.emplace(paths_[i], now(i));
+    }
+    return states;
 }
 
 const std::vector<Target>& allTargets() {
@@ -204,12 +157,13 @@ AddTarget::AddTarget(const Target& target) {
 
 void runInput(const Target& target, std::span<const std::uint8_t> input) {
     const Recipe recipe = readRecipe(input, target.files);
-    const Outcome first = runOnce(target, recipe);
-    if (!isRunTwice(input)) return;
-    // Older files, of which nothing may be left.
-    for (const auto& [name, state] : first.files) {
-        if (!name.starts_with(kInputName))
-            writeFile(folder().path() + '/' + name, ByteList(state.bytes.size() + 5000, 0xEE));
+    const Folder::Visit visit(folder());
+    if (isRunTwice(input)) {
+        runTwice(target, recipe);
+        folder().remove(folder().others());
+    } else {
+        Case files(recipe);
+        call(target, files);
+        folder().remove(files.outputs());
     }
-    if (!(runOnce(target, recipe) == first)) fail("the same call gives the same bytes");
 }

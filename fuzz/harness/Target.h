@@ -2,24 +2,26 @@
 // Target: an operation under fuzzing, and what must hold whatever files it is given. Sanitizers
 // watch memory; a target checks the rest: which statuses there are, which files stay as they were.
 // The harness itself checks that no file stays open, that a call with another status than 0 changes
-// none of the files it is given, and that the same call gives the same bytes.
+// none of the files it is given, that the files a target expects are there and no others, and that
+// the same call gives the same bytes.
 
 #include <cstdint>
 #include <initializer_list>
+#include <map>
 #include <string>
 #include <vector>
 
+#include "harness/Folder.h"
 #include "harness/Format.h"
 #include "harness/Recipe.h"
 
-// One call of an operation, with its files on disk in a folder of their own.
+// One call of an operation, with its files in folder().
 class Case {
 public:
-    Case(const Recipe& recipe, const std::string& folder);
+    explicit Case(const Recipe& recipe);
 
-    const std::string& folderPath() const { return folder_; }
-    // The path of one of the files that the operation is given.
-    char* file(std::size_t index) { return paths_.at(index).data(); }
+    // The path of one of the files that the operation is given. Those not asked for are not there.
+    char* file(std::size_t index);
     // The path of a file that does not exist yet.
     char* output() { return output_.data(); }
     std::uint8_t byte(std::size_t index) const { return recipe_.numbers.at(index); }
@@ -27,6 +29,8 @@ public:
     float real(std::size_t index) const;           // likewise
 
     const ByteList& given(std::size_t index) const { return given_.at(index); }
+
+    // What follows is for after the call.
     std::uint64_t sizeNow(std::size_t index) const;
 
     // Each ends the process with a message when it does not hold.
@@ -35,14 +39,28 @@ public:
     void expectUnchanged(std::size_t index) const;
     void expectSameSize(std::size_t index) const;
     void expectSameBytes(std::size_t index) const;  // in any order
-    void expectOutputs(std::size_t count) const;
+    // How many files the call has created; none without this.
+    void expectOutputs(std::size_t count) { expectedOutputs_ = count; }
+
+    // More that must be the same each time.
+    void note(std::string_view text) { notes_ += text; }
+
+    // For the harness: checks what holds for every call; then what there is to compare.
+    void finish(float status);
+    const std::vector<std::string>& outputs() const { return outputs_; }
+    const std::string& notes() const { return notes_; }
+    std::map<std::string, FileState> givenNow() const;
 
 private:
+    const FileState& now(std::size_t index) const;
+
     const Recipe& recipe_;
-    std::string folder_;
     std::vector<ByteList> given_;
-    std::vector<std::string> paths_;
+    std::vector<std::string> paths_;  // empty: not asked for
     std::string output_;
+    std::size_t expectedOutputs_ = 0;
+    std::vector<std::string> outputs_;
+    std::string notes_;
 };
 
 struct Target {

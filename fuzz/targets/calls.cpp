@@ -4,17 +4,14 @@
 // The first file is the program, four bytes a call: export, text, buffer1, value. The others are the files
 // that the folder holds at the start.
 
-#include <dirent.h>
-#include <fcntl.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
 #include <algorithm>
 #include <array>
 #include <bit>
-#include <filesystem>
-#include <fstream>
 #include <limits>
+#include <set>
 #include <stdexcept>
 #include <string_view>
 
@@ -22,8 +19,6 @@
 #include "harness/Target.h"
 
 namespace {
-
-namespace fs = std::filesystem;
 
 constexpr std::size_t kMaxCalls = 40;
 constexpr std::size_t kCallBytes = 4;
@@ -46,66 +41,40 @@ std::optional<std::string> nameOf(std::uint8_t number) {
     return name == nullptr ? std::nullopt : std::optional<std::string>(name);
 }
 
-// A folder that calls work in, named by relative paths: a dot in an absolute one would count.
-class WorkingFolder {
-public:
-    explicit WorkingFolder(const Case& files)
-        : path_(fs::path(files.folderPath()) / "calls"), before_(fs::current_path()) {
-        fs::create_directory(path_);
-        Case::expect(::chdir(path_.c_str()) == 0, "a folder can be entered");
-        std::ofstream(kNeverNamed).flush();
-        for (std::size_t i = 0; i < kGiven.size(); ++i) {
-            const ByteList& bytes = files.given(i + 1);
-            if (bytes.empty()) continue;
-            const auto count = static_cast<std::streamsize>(std::min(bytes.size(), kMaxFileBytes));
-            std::ofstream(kGiven[i], std::ios::binary)
-                .write(reinterpret_cast<const char*>(bytes.data()), count);
-        }
+// Calls work in the working folder, by relative paths: a dot in an absolute one would count.
+void fillFolder(const Case& files) {
+    writeFile(kNeverNamed, {});
+    for (std::size_t i = 0; i < kGiven.size(); ++i) {
+        ByteList bytes = files.given(i + 1);
+        if (bytes.empty()) continue;
+        bytes.resize(std::min(bytes.size(), kMaxFileBytes));
+        writeFile(kGiven[i], bytes);
     }
-    WorkingFolder(const WorkingFolder&) = delete;
-    WorkingFolder& operator=(const WorkingFolder&) = delete;
-    ~WorkingFolder() {
-        std::error_code ignored;
-        fs::current_path(before_, ignored);
-        fs::remove_all(path_, ignored);
-    }
-
-private:
-    fs::path path_;
-    fs::path before_;
-};
-
-ByteList readFile(const char* path, off_t size) {
-    ByteList bytes(static_cast<std::size_t>(size));
-    const int file = ::open(path, O_RDONLY | O_CLOEXEC);
-    const ssize_t count = ::read(file, bytes.data(), bytes.size());
-    ::close(file);
-    Case::expect(count == static_cast<ssize_t>(bytes.size()), "a file in the folder can be read");
-    return bytes;
 }
 
-Entries readFolder() {
-    Entries entries;
-    DIR* const folder = ::opendir(".");
-    while (const dirent* const entry = ::readdir(folder)) {
-        const char* const name = entry->d_name;
-        if (name == std::string_view(".") || name == std::string_view("..")) continue;
-        struct stat status {};
-        ::lstat(name, &status);
-        const bool isFolder = S_ISDIR(status.st_mode);
-        entries[name] = {isFolder, isFolder ? ByteList() : readFile(name, status.st_size)};
-    }
-    ::closedir(folder);
+void readEntry(const std::string& name, Entries& entries) {
+    struct stat status {};
+    if (::lstat(name.c_str(), &status) != 0)
+        entries.erase(name);
+    else if (S_ISDIR(status.st_mode))
+        entries[name] = {true};
+    else
+        entries[name] = {false, std::make_shared<ByteList>(readFile(name.c_str()).bytes)};
+}
+
+Entries readEntries(const auto& names, Entries entries = {}) {
+    for (const std::string& name : names)
+        readEntry(name, entries);
     return entries;
 }
 
-// Of the first descriptors, more than ever are open here.
-int openFiles() {
-    constexpr int kDescriptors = 48;
-    int count = 0;
-    for (int file = 0; file < kDescriptors; ++file)
-        count += ::fcntl(file, F_GETFD) != -1 ? 1 : 0;
-    return count;
+// A map of many missing rows makes one of hundreds of megabytes, which a later call would load.
+bool isAnyHuge(const std::set<std::string>& names) {
+    constexpr off_t kHuge = 128 * 1024;
+    struct stat status {};
+    return std::ranges::any_of(names, [&](const std::string& name) {
+        return ::lstat(name.c_str(), &status) == 0 && status.st_size > kHuge;
+    });
 }
 
 Call callAt(const ByteList& program, std::size_t at) {
@@ -135,10 +104,17 @@ Result make(const Call& call) {
 }
 
 // The names of a listing depend on the file system; all else is the same each time.
-void note(std::ofstream& transcript, const Call& call, const Result& result) {
-    const bool isListing = call.function.function == GetFile;
-    transcript << call.function.name << ' ' << std::bit_cast<std::uint32_t>(result.status) << ' '
-               << (isListing ? "" : result.text.value_or("")) << '\n';
+void note(Case& files, const Call& call, const Result& result) {
+    const auto status = std::bit_cast<std::array<char, sizeof(float)>>(result.status);
+    files.note({status.data(), status.size()});
+    if (call.function.function != GetFile) files.note(result.text.value_or(""));
+}
+
+void note(Case& files, const Entries& entries) {
+    for (const auto& [name, entry] : entries) {
+        if (!entry.isFolder)
+            files.note({reinterpret_cast<const char*>(entry.bytes->data()), entry.bytes->size()});
+    }
 }
 
 void forgetState() {
@@ -151,29 +127,28 @@ void forgetState() {
 
 FUZZ_TARGET(calls, kAny, 1 + kGiven.size()) {
     forgetState();
-    std::ofstream transcript(files.output(), std::ios::binary);
-    {
-        const WorkingFolder folder(files);
-        const int opened = openFiles();
-        const ByteList& program = files.given(0);
-        CallModel model;
-        Entries before = readFolder();
-        for (std::size_t at = 0;
-             at + kCallBytes <= std::min(program.size(), kMaxCalls * kCallBytes);
-             at += kCallBytes) {
-            const Call call = callAt(program, at);
-            const Result result = make(call);
-            Entries after = readFolder();
-            model.check(call, result, before, after);
-            Case::expect(openFiles() == opened + (model.isListing() ? 1 : 0),
-                         "only a listing stays open");
-            note(transcript, call, result);
-            before = std::move(after);
-        }
-        for (const auto& [name, entry] : before)
-            transcript.write(reinterpret_cast<const char*>(entry.bytes.data()),
-                             static_cast<std::streamsize>(entry.bytes.size()));
-        forgetState();
+    fillFolder(files);
+    folder().changed();
+    const int descriptors = folder().openDescriptors();
+    const ByteList& program = files.given(0);
+    const std::size_t end = std::min(program.size(), kMaxCalls * kCallBytes);
+    CallModel model;
+    Entries before = readEntries(folder().others());
+    for (std::size_t at = 0; at + kCallBytes <= end; at += kCallBytes) {
+        const Call call = callAt(program, at);
+        const Result result = make(call);
+        const std::set<std::string> names = folder().changed();
+        Entries after = names.empty() ? Entries() : readEntries(names, before);
+        model.check(call, result, before, names.empty() ? before : after);
+        Case::expect(folder().openDescriptors() == descriptors + (model.isListing() ? 1 : 0),
+                     "only a listing stays open");
+        note(files, call, result);
+        if (!names.empty()) before = std::move(after);
+        if (isAnyHuge(names)) break;
     }
+    Case::expect(readEntries(folder().others()) == before, "no change has escaped notice");
+    note(files, before);
+    forgetState();
+    Folder::remove(folder().others());
     return 0.0f;
 }
