@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <initializer_list>
 #include <string>
+#include <tuple>
 #include <utility>
 #include <vector>
 
@@ -150,6 +151,10 @@ TEST(ExrCheck, TheChunkCountIsRightOrMissing) {
     EXPECT_EQ(counting(-1), 0);
 }
 
+TEST(ExrCheck, AnAttributeMayBeMostOfTheFile) {
+    EXPECT_EQ(ExrFile().add("comment", ByteList(5000, 1)).check(), 0);
+}
+
 TEST(ExrCheck, MoreThan1000AttributesAreRefused) {
     ExrFile file;
     while (file.attributes.size() < 1000)
@@ -204,9 +209,52 @@ TEST(ExrCheck, TilesBeyondTheirFileAreRefused) {
     append(bytes, {0, 0, 0, 0});
     EXPECT_EQ(check(bytes), 0);
 
-    bytes = tiled(1 << 20, 1 << 20);
-    append(bytes, {0, 0, 0, 0});
-    EXPECT_EQ(check(bytes), -4);  // 4 TiB for a tile
+    // A tile may take 64 MiB, and 2200 times the file's bytes.
+    for (const auto& [width, height, status] :
+         {std::tuple(4096, 4096, 0), {4096, 8192, -4}, {1 << 20, 1 << 20, -4}}) {
+        bytes = tiled(width, height);
+        append(bytes, {0, 0, 0, 0});
+        EXPECT_EQ(check(bytes), status) << width;
+    }
+}
+
+// ZIP, 16 rows a chunk: what a chunk of a few bytes becomes is not known before.
+TEST(ExrCheck, APictureMayTake64MiBAnd2200TimesItsFile) {
+    const auto ofWidth = [](std::int32_t width, std::size_t commentBytes) {
+        ExrFile file;
+        file.without("compression").add("compression", {3});
+        file.without("dataWindow").add("dataWindow", numbers({0, 0, width - 1, 15}));
+        file.places = {numbers({0})};
+        return file.add("comment", ByteList(commentBytes, 1)).bytes();
+    };
+    std::size_t commentBytes = 0;
+    while (ofWidth(1, commentBytes).size() % 8 != 0)  // so that whole columns reach the limit
+        ++commentBytes;
+    const std::size_t samples = (67108864 + 2200 * ofWidth(1, commentBytes).size()) / 4;
+    ASSERT_EQ(samples % 16, 0u);
+    const auto most = static_cast<std::int32_t>(samples / 16);
+    EXPECT_EQ(check(ofWidth(most, commentBytes)), 0);
+    EXPECT_EQ(check(ofWidth(most + 1, commentBytes)), -4);
+}
+
+// Three tiles, one above the other, of which the table lacks the first. Before them is a chunk that
+// would be the second, if tiles beside the picture were counted on.
+TEST(ExrCheck, ATableIsNotFilledInFromTilesBesideThePicture) {
+    ExrFile file;
+    file.tiled = true;
+    file.without("dataWindow").add("dataWindow", numbers({0, 0, 0, 2})).add("tiles", tiles(1, 1));
+    file.places = {numbers({0, 0, 0, 0}), numbers({0, 1, 0, 0}), numbers({0, 2, 0, 0})};
+    ByteList bytes = file.bytes();
+    constexpr std::size_t kChunkBytes = 16 + 4 + 4;
+    const auto chunks = bytes.end() - 3 * kChunkBytes;
+    const auto table = chunks - 3 * 8;
+    EXPECT_EQ(check(bytes), 0);
+    table[8] = static_cast<std::uint8_t>(table[8] + kChunkBytes);
+    table[16] = static_cast<std::uint8_t>(table[16] + kChunkBytes);
+    ByteList beside = numbers({1, 0, 0, 0, 4, 0});
+    std::fill_n(table, 8, std::uint8_t{0});
+    bytes.insert(chunks, beside.begin(), beside.end());
+    EXPECT_EQ(check(bytes), -4);
 }
 
 }  // namespace

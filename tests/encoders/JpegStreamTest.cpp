@@ -4,6 +4,7 @@
 
 #include <gmock/gmock.h>
 
+#include "encoders/jpeg/JpegTables.h"
 #include "support/TempDir.h"
 
 namespace {
@@ -28,6 +29,16 @@ TEST(JpegBits, AreWrittenHighestFirst) {
     bits.writebits(0xFEDCBA98, 32);
     memory.resize(static_cast<std::size_t>(bits.next() - memory.data()));
     EXPECT_THAT(memory, ElementsAre(0xA6, 0x12, 0x34, 0x56, 0x78, 0xFE, 0xDC, 0xBA, 0x98));
+}
+
+// As many bits as the magnitude has, and 16 for a sign.
+TEST(JpegTables, HaveACategoryForEachValueThatAPictureCanHave) {
+    EXPECT_EQ(lookUpSignedCategory(0), 0);
+    EXPECT_EQ(lookUpSignedCategory(1), 1);
+    EXPECT_EQ(lookUpSignedCategory(-1), 17);
+    EXPECT_EQ(lookUpSignedCategory(1024), 11);
+    EXPECT_EQ(lookUpSignedCategory(2047), 11);
+    EXPECT_EQ(lookUpSignedCategory(-2047), 27);
 }
 
 TEST(JpegBits, AZeroFollowsEveryByteOfOnes) {

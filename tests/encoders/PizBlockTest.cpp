@@ -118,6 +118,8 @@ TEST(PizBlock, SymbolsAreInOrderAndAtMost65536) {
     EXPECT_FALSE(isSound(Block().symbols(1, 0)));
     EXPECT_FALSE(isSound(Block().symbols(65536, 65537)));
     EXPECT_TRUE(isSound(Block().symbols(65535, 65536)));
+    const Lengths twoOfThree = Lengths().add(1).add(1).add(0);
+    EXPECT_FALSE(isSound(Block().symbols(65535, 65537).code(twoOfThree)));
 }
 
 TEST(PizBlock, SamplesHaveBitsAndTheBytesForThem) {
@@ -155,6 +157,13 @@ TEST(PizBlock, CodesOfUnlikeLengthsArePrefixFree) {
     EXPECT_FALSE(isSound(code({1, 1, 2, 2})));
 }
 
+TEST(PizBlock, CodesHaveUpTo58Bits) {
+    Lengths code;
+    for (std::uint32_t length = 1; length <= 58; ++length)
+        code.add(length);
+    EXPECT_TRUE(isSound(Block().symbols(0, 58).code(code.add(58))));
+}
+
 // 2^k codes of 14 + k bits fill one slot, and one code of each length from 14 down to 1 the rest.
 Block oneSlotOf(std::uint32_t bitsBeyondTheSlot) {
     Lengths code;
@@ -169,6 +178,14 @@ Block oneSlotOf(std::uint32_t bitsBeyondTheSlot) {
 TEST(PizBlock, MoreThan4096CodesThatBeginAlikeAreRefused) {
     EXPECT_TRUE(isSound(oneSlotOf(12)));
     EXPECT_FALSE(isSound(oneSlotOf(13)));
+}
+
+TEST(PizBlock, LongCodesThatBeginUnlikeMayBeMore) {
+    Lengths code;
+    code.add(1);  // half of all codes; the others are two to a slot
+    for (int i = 0; i < 16384; ++i)
+        code.add(15);
+    EXPECT_TRUE(isSound(Block().symbols(0, 16384).code(code)));
 }
 
 }  // namespace

@@ -2,6 +2,7 @@
 
 #include <fcntl.h>
 #include <gmock/gmock.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cmath>
@@ -159,6 +160,18 @@ TEST_F(Services, PublicFolderHoldsTheUsersFolders) {
 }
 
 #if defined(__linux__)
+
+TEST_F(Services, ANewFolderIsForAllWhomTheUmaskDoesNotExclude) {
+    for (const auto& [mask, mode] : {std::pair(0u, 0777u), {022u, 0755u}}) {
+        const std::string path = dir.path("of mask " + std::to_string(mask));
+        const mode_t before = ::umask(mask);
+        EXPECT_EQ(plugin.call("CreateFolder", {.text = path.c_str()}), 0.0f);
+        ::umask(before);
+        struct stat status {};
+        ASSERT_EQ(::stat(path.c_str(), &status), 0);
+        EXPECT_EQ(status.st_mode & 07777u, mode);
+    }
+}
 
 // While it lives, the process sees `folder` as the root of all paths.
 class Root {
