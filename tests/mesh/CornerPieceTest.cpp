@@ -90,6 +90,7 @@ TEST(CornerPiece, BordersAndSpecialValuesAreAsOneByOne) {
         std::vector<float> coordinates = near;
         coordinates.insert(coordinates.end(), {special, 0.5f, 0.5f, special});
         expectAsOneByOne(coordinates);
+        expectAsOneByOne({0.5f, 0.5f, 0.5f, special}, 16);
     }
 }
 

@@ -185,6 +185,14 @@ TEST(TileFinder, FindsTheSameTilesInRunsAsFaceByFace) {
     }
 }
 
+TEST(TileFinder, SeesAFaceElsewhereAmongFacesOfZeros) {
+    for (std::size_t place = 1; place < 17; ++place) {
+        std::vector<std::array<float, 8>> faces(17);
+        faces[place] = {1.5f, 0.5f};
+        EXPECT_EQ(tilesInRuns(faces, 17).size(), 3u) << place;  // two tiles, and the last name
+    }
+}
+
 TEST_F(UVTiles, AMissingMeshAndAMissingChunkHaveAStatusEach) {
     char out[] = "untouched";
     EXPECT_EQ(GetUVTile(dir.path("missing").c_str(), out, 0), -17.0f);
@@ -211,6 +219,12 @@ TEST_F(UVTiles, AGroupOfOneFaceIsCountedWhereverItIs) {
             EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups(groups)).c_str()), 2.0f) << odd;
         }
     }
+}
+
+TEST_F(UVTiles, ManyFacesOfAGroupAndOfItsNegativeAreTwoGroups) {
+    std::vector<std::int16_t> groups(64, 5);
+    std::fill(groups.begin() + 32, groups.end(), std::int16_t{-5});
+    EXPECT_EQ(GetUVGroup(mesh(VemoBuilder().groups(groups)).c_str()), 2.0f);
 }
 
 TEST_F(UVTiles, GroupsAreFoundAfterAZeroLength) {
