@@ -144,6 +144,16 @@ TEST(LevelSet, KnowsTheLowestSampleOfALevel) {
     EXPECT_EQ(levels->count(), 897u);
 }
 
+TEST(LevelSet, KnowsThatTheHighestLevelIsMissing) {
+    const auto levels = std::make_unique<LevelSet>();
+    add(*levels, throughLevels(65000, 65535, 240000));
+    add(*levels, throughLevels(65000, 65535, 240000));
+    ASSERT_EQ(levels->count(), 535u);
+    add(*levels, std::vector<float>(48, 1.0f));
+    EXPECT_TRUE(levels->test(65535));
+    EXPECT_EQ(levels->count(), 536u);
+}
+
 TEST(LevelSet, HasAllLevelsThereAre) {
     const auto levels = std::make_unique<LevelSet>();
     std::vector<float> samples = throughLevels(0, 65536, 4 * 65536);
