@@ -38,6 +38,8 @@ TEST(PsdHeader, FirstRefusedFieldGivesTheStatus) {
     EXPECT_EQ(headerStatus(PsdFile(1, 1).version(0x0100).colourTable(768)), -2.0f);
     EXPECT_EQ(headerStatus(PsdFile(1, 1).colourTable(768).compression(1)), -3.0f);
     EXPECT_EQ(headerStatus(PsdFile(1, 1).compression(0x0100)), -4.0f);
+    EXPECT_EQ(headerStatus({'8', 'B', 'P', 'S', 0, 2}), -2.0f);
+    EXPECT_EQ(headerStatus({'8', 'B', 'P', 'S', 0}), -1.0f);
 }
 
 TEST(PsdHeader, OffsetIsThatOfTheImageDataOrWhereTheReadingStopped) {
