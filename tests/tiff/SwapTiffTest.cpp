@@ -36,6 +36,11 @@ TEST_F(SwapChannels, EachModeExchangesTwoChannelsAndAnyOtherNone) {
     }
 }
 
+TEST_F(SwapChannels, ASinglePixelIsAMap) {
+    EXPECT_EQ(swap(TiffFile(1, 1).rgb8({1, 2, 3}), 2), 0.0f);
+    EXPECT_EQ(readBytes(path()), TiffFile(1, 1).rgb8({3, 2, 1}).bytes());
+}
+
 TEST_F(SwapChannels, AMapOfManyPiecesIsSwappedWhole) {
     ByteList pixels;
     ByteList expected;
