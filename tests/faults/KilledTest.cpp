@@ -8,6 +8,7 @@
 #include <csignal>
 #include <set>
 #include <string_view>
+#include <utility>
 
 #include "faults/FaultyStage.h"
 #include "faults/Scenarios.h"
@@ -20,10 +21,11 @@ using enum SystemCall;
 constexpr int kFinished = 17;  // exit status of a call that was not killed
 
 // Exports that change a file in place, each time anew: a second call changes again what the first one
-// changed. So is every call whose output is its input.
+// changed. So is every call whose output is its input. A PSD map has the background of its first pixel:
+// once a merge has painted that, the map has another.
 const std::set<std::string_view> kOnlyOnce = {
-    "mergeCrease",        "swapRGBTIF",       "swapRGBPSD",          "swapRGBBMP",
-    "CreateThumbnailBMP", "getUVsOverItself", "saveAsJpegOverItself"};
+    "mergeCrease",        "swapRGBTIF",       "swapRGBPSD",           "swapRGBBMP",
+    "CreateThumbnailBMP", "getUVsOverItself", "saveAsJpegOverItself", "mergeMapsPSDTile"};
 
 // Exports that empty a file before they write it; a copy even removes it. All others write over what
 // is there, so that no file is missing or shorter than before and after.
@@ -81,6 +83,10 @@ protected:
         EXPECT_TRUE(found == others) << "an entry that is only read has changed";
     }
 
+    const ByteList& before(const std::string& name) const { return before_.at(name); }
+    const ByteList& whole(const std::string& name) const { return clean_.entries.at(name); }
+    ByteList found(const std::string& name) const { return stage_.entries().at(name); }
+
     // The files of the folder stay as the killed process left them.
     bool doesASecondCallComplete() {
         stage_.forget();
@@ -124,6 +130,33 @@ TEST_P(Killed, LeavesOtherFilesAloneAndASecondCallCompletes) {
     EXPECT_EQ(completed < kills, isOnlyOnce) << completed << " of " << kills;
 }
 
+class KilledMerge : public Killed {
+protected:
+    // The map's bytes, and of them the first of each of the three planes, taken out.
+    static std::pair<ByteList, ByteList> parted(ByteList map) {
+        constexpr std::size_t kPlaneBytes = 320 * 320;
+        ByteList firstPixel;
+        for (std::size_t place = map.size() - 3 * kPlaneBytes; place < map.size();
+             place += kPlaneBytes)
+            firstPixel.push_back(std::exchange(map[place], 0));
+        return {map, firstPixel};
+    }
+};
+
+TEST_P(KilledMerge, PaintsTheFirstPixelLast) {
+    const auto [oldRest, oldPixel] = parted(before("all.map"));
+    const auto [newRest, newPixel] = parted(whole("all.map"));
+    EXPECT_THAT(oldPixel, testing::Each(7));
+    EXPECT_THAT(newPixel, testing::Each(9));
+    std::set<ByteList> pixels;
+    for (Fault fault{kWrite, Harm::kKills}; killAt(fault); ++fault.position) {
+        const auto [rest, pixel] = parted(found("all.map"));
+        EXPECT_TRUE(pixel == oldPixel || rest == newRest) << describe(fault);
+        pixels.insert(pixel);
+    }
+    EXPECT_EQ(pixels, (std::set<ByteList>{{7, 7, 7}, {9, 7, 7}, {9, 9, 7}}));
+}
+
 std::vector<Scenario> scenariosThatWrite() {
     std::vector<Scenario> writing;
     std::ranges::copy_if(scenarios(), std::back_inserter(writing),
@@ -131,7 +164,14 @@ std::vector<Scenario> scenariosThatWrite() {
     return writing;
 }
 
+Scenario scenarioNamed(std::string_view name) {
+    return *std::ranges::find(scenarios(), name, &Scenario::name);
+}
+
 INSTANTIATE_TEST_SUITE_P(Scenarios, Killed, testing::ValuesIn(scenariosThatWrite()),
+                         [](const auto& scenario) { return scenario.param.name; });
+
+INSTANTIATE_TEST_SUITE_P(OfPsdMaps, KilledMerge, testing::Values(scenarioNamed("mergeMapsPSDTile")),
                          [](const auto& scenario) { return scenario.param.name; });
 
 }  // namespace

@@ -57,7 +57,10 @@ ByteList tiffFloat(std::uint32_t side, std::uint32_t channels) {
 }
 
 ByteList psdRgb(std::uint32_t side, std::uint32_t seed) {
-    return PsdFile(side, side).resources(12).planes(paintedSamples<std::uint8_t>(side, 3, seed));
+    ByteList planes;
+    for (std::uint32_t plane = 0; plane < 3; ++plane)
+        append(planes, paintedSamples<std::uint8_t>(side, 1, seed + plane));
+    return PsdFile(side, side).resources(12).planes(planes);
 }
 
 ByteList psdGrey16(std::uint32_t side, std::uint32_t seed) {
@@ -84,10 +87,14 @@ ByteList tileTiff() {
     return TiffFile(kLarge, kLarge, TiffFile::Order::kDirectoryFirst).rgb8(tilePixels(3)).bytes();
 }
 
+// Painted in its first pixel, too: there the map under it shows which colour its background has.
 ByteList tilePsd() {
     ByteList planes;
-    for (int plane = 0; plane < 3; ++plane)
-        append(planes, tilePixels(1));
+    for (int plane = 0; plane < 3; ++plane) {
+        ByteList pixels = tilePixels(1);
+        pixels.front() = 9;
+        append(planes, pixels);
+    }
     return PsdFile(kLarge, kLarge).resources(12).planes(planes);
 }
 
