@@ -59,6 +59,7 @@ constexpr Export kExports[] = {
                "does not have. If the disk is full or a map cannot be read to its end, the merge "
                "ends there, with the same status 0. The source is only read, yet it must be "
                "writable.",
+     .interrupted = &interruption::kWrittenOver,
      .statuses = kMerge,
      .example = "quillon call mergeMapsBMP 1002.bmp --buffer all.bmp",
      .next = "quillon inspect on both files; the target is judged first. Width, height, bits per "
@@ -80,6 +81,7 @@ constexpr Export kExports[] = {
          "same status 0, and pixels that the file does not have are left out. If the disk is "
          "full or the map cannot be read to its end, the exchange ends there, with the same "
          "status 0.",
+     .interrupted = &interruption::kChangedInPlace,
      .statuses = kSwap,
      .example = "quillon call swapRGBBMP all.bmp --value 2",
      .next = "quillon inspect shows whether it is a BMP of 24 bits with its bottom row first. The "
@@ -101,6 +103,7 @@ constexpr Export kExports[] = {
          "file. If the disk is full the image ends there, with the status 0. If it cannot be "
          "read to its end, some of its pixels have been written over and its first two bytes are "
          "0.",
+     .interrupted = &interruption::kChangedInPlace,
      .statuses = kThumbnail,
      .example = "quillon call CreateThumbnailBMP all.bmp --value 32",
      .next =

@@ -82,6 +82,15 @@ struct ExampleResult {
     const char* text = nullptr;
 };
 
+// What a process that is killed in the middle of a call leaves of the files that the export writes; all
+// other files stay as they are. tests/faults/KilledTest.cpp holds each export to it.
+struct Interruption {
+    const char* sentence;
+    bool emptiesFirst = false;  // an older file is emptied or removed before the new one is written
+    bool isOneStep = false;     // a second call finds it done and fails
+    bool canBeRepeated = true;  // a second call completes what the first one began
+};
+
 struct Export {
     std::string_view name;
     const char* purpose;         // one sentence, with its full stop
@@ -100,7 +109,8 @@ struct Export {
     BufferUse buffer = BufferUse::kNone;
     const char* bufferIs = nullptr;  // what the block takes or names; null when it is not read
 
-    const char* writes;  // what is written where, in sentences
+    const char* writes;                         // what is written where, in sentences
+    const Interruption* interrupted = nullptr;  // null when no file is written
 
     std::span<const StatusMeaning> statuses = {};
     const char* countOne = nullptr;   // what a status from 0 on counts or measures; null when

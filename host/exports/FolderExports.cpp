@@ -65,6 +65,9 @@ constexpr StatusMeaning kFileRename[] = {
 constexpr StatusMeaning kGetString[] = {{kOk, cause::kDone, "the text was copied"},
                                         {kFailed, cause::kNullArgument, ""}};
 
+constexpr Interruption kEmptied{
+    .sentence = "Some of the entries are deleted, others not yet. A second call deletes the rest."};
+
 constexpr Export kExports[] = {
     {.name = "Version",
      .purpose = "Returns the version of the interface.",
@@ -79,6 +82,7 @@ constexpr Export kExports[] = {
      .text = "folder",
      .textUse = TextUse::kFolder,
      .writes = "The folder, empty. Its parent must be there already.",
+     .interrupted = &interruption::kOneStep,
      .statuses = kCreateFolder,
      .example = "quillon call CreateFolder new",
      .next = "CheckFolder shows whether the folder is there already; create missing parents "
@@ -139,6 +143,7 @@ constexpr Export kExports[] = {
                "sub-folder among them. An entry without one stays, and so does a path of more than "
                "255 bytes and what may not be deleted. Sub-folders are not entered. A folder that "
                "cannot be read to its end is emptied as far as it was read.",
+     .interrupted = &kEmptied,
      .statuses = kEmptyFolder,
      .example = "quillon call EmptyFolder maps",
      .next = "CheckFolder shows whether the folder can be opened. 0 does not say that every file "
@@ -148,6 +153,7 @@ constexpr Export kExports[] = {
      .text = "file",
      .textUse = TextUse::kEither,
      .writes = "Deletes what `text` names.",
+     .interrupted = &interruption::kOneStep,
      .statuses = kFileDelete,
      .example = "quillon call FileDelete filter.txt",
      .next = "See whether the file is there, and whether its folder may be written to. A folder "
@@ -161,6 +167,7 @@ constexpr Export kExports[] = {
                "when the source is not there; a file copied onto itself is gone. A source that "
                "cannot be read to its end is copied as far as it was read, with the status 0. A "
                "full disk leaves a part of the target.",
+     .interrupted = &interruption::kWrittenAnew,
      .statuses = kFileCopyTo,
      .example = "quillon call FileCopyTo 1001.tif --buffer maps/all.tif",
      .next = "See whether the source is a file that may be read, whether the target's folder is "
@@ -173,6 +180,7 @@ constexpr Export kExports[] = {
      .bufferIs = "new path",
      .writes = "The file under its new path, in place of a file that had it. Two links to one file "
                "both stay, with the status 0.",
+     .interrupted = &interruption::kOneStep,
      .statuses = kFileRename,
      .example = "quillon call FileRename 1001.tif --buffer maps/first.tif",
      .next = "See whether both folders are there and on one disk; between disks use FileCopyTo "

@@ -19,6 +19,27 @@ inline bool takesSwap(double value) {
 
 inline constexpr Numbers kSwaps{.least = 1, .most = 3, .others = "refused"};
 
+namespace interruption {
+inline constexpr Interruption kOneStep{
+    .sentence = "The call is done or not. Where it is done, a second call fails.",
+    .isOneStep = true};
+inline constexpr Interruption kWrittenOver{
+    .sentence =
+        "The target has the old length, the new one or one between them; at each place it "
+        "has the byte from before, the one from after or, behind its old end, 0. A second "
+        "call completes it."};
+inline constexpr Interruption kWrittenAnew{
+    .sentence =
+        "An older file is gone, and the new one, or its end, may be missing. A second call "
+        "completes it.",
+    .emptiesFirst = true};
+inline constexpr Interruption kChangedInPlace{
+    .sentence =
+        "A part of the file is changed. A second call would change that part once more: "
+        "keep a copy.",
+    .canBeRepeated = false};
+}  // namespace interruption
+
 // Rows of exports that refuse a null argument, or also a number. Most of them return the same when
 // memory runs out.
 inline constexpr StatusMeaning kMissingArgument{quillon_status::kRefused,

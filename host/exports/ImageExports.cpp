@@ -71,6 +71,7 @@ constexpr Export kExports[] = {
                "header has the low 16 bits of a side. An older file is written over and then cut "
                "to the new length; if a disk fails, the older file is lost and a part of the new "
                "one is left. The map is only read, yet it must be writable.",
+     .interrupted = &interruption::kWrittenOver,
      .statuses = kTarga,
      .example = "quillon call saveAsTarga all.tif --buffer all.tga",
      .next = "quillon inspect shows depth and channels. Depth and place of the pixels are not "
@@ -94,6 +95,7 @@ constexpr Export kExports[] = {
                "bits count: 65544 pixels become 8, and a top-down image (of negative height) "
                "becomes a very tall one. Above 21845 pixels wide only the left end of the rows "
                "is the right way up. If the disk is full a part of the target is left.",
+     .interrupted = &interruption::kWrittenAnew,
      .statuses = kJpeg,
      .example = "quillon call saveAsJpeg all.bmp --value 20 --buffer all.jpg",
      .next = "quillon inspect shows whether it is a BMP of 24 bits whose pixels start at byte "

@@ -67,6 +67,7 @@ Json objectOf(const Export& entry) {
     if (entry.countOne != nullptr)
         object["count"] = {
             {"one", entry.countOne}, {"many", entry.countMany}, {"whole", entry.countIsWhole}};
+    if (entry.interrupted != nullptr) object["interrupted"] = entry.interrupted->sentence;
     if (entry.throws != nullptr) object["throws"] = entry.throws;
     object["example"] = {{"command", entry.example}, {"prints", printedBy(entry)}};
     object["check"] = entry.next;

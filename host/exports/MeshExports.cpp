@@ -85,6 +85,13 @@ constexpr Export tileExport(Export entry) {
     return entry;
 }
 
+constexpr Interruption kAppended{
+    .sentence =
+        "The end of the file may be missing, bytes of its own among it, and a second call "
+        "appends the mesh once more: keep a copy.",
+    .emptiesFirst = true,
+    .canBeRepeated = false};
+
 constexpr Export kExports[] = {
     {.name = "clearUVtilesOutput",
      .purpose = "Clears the tile filter, so that every tile passes again.",
@@ -168,6 +175,7 @@ constexpr Export kExports[] = {
                    "which may be in a folder's name, then the tile's name, then `.Vemo`. Corners "
                    "outside the tile have the UV -1, -1. Chunks "
                    "behind the face UVs are left out. The names are kept for getUVString.",
+         .interrupted = &interruption::kWrittenAnew,
          .statuses = kGetUVs,
          .example = "quillon call getUVs model.Vemo --value 2 --buffer maps/model.Vemo",
          .prints = {2.0f},
@@ -181,6 +189,7 @@ constexpr Export kExports[] = {
          .writes = "A mesh file per tile, named as by getUVs: the mesh without its last 16 "
                    "bytes, which are taken for the empty chunk that ends a mesh, then a byte per "
                    "vertex, 0 in the tile and 255 outside. The names are kept for getUVString.",
+         .interrupted = &interruption::kWrittenAnew,
          .statuses = kGetUVsMask,
          .example = "quillon call getUVsMask model.Vemo --value 2 --buffer maps/mask.Vemo",
          .prints = {2.0f},
@@ -195,6 +204,7 @@ constexpr Export kExports[] = {
                "last 14. What closes a mesh is shortened to two zero bytes, behind which exports "
                "find no chunk of the part appended. Whether the files are meshes is not checked. "
                "If the disk is full the file ends there, with the status 0.",
+     .interrupted = &kAppended,
      .statuses = kMergeCrease,
      .example = "quillon call mergeCrease crease.Vemo --buffer model.Vemo",
      .next = "-1760 is about `text`, -2760 and -3760 are about `buffer1`. After 0 compare the "

@@ -35,6 +35,12 @@ constexpr StatusMeaning kSwap[] = {
     {kNotThreeBytes, cause::kFileRefused, "the map does not have three channels of 8 bits"},
     kRefusedArgument};
 
+constexpr Interruption kLaidOver{
+    .sentence =
+        "At each place the target has the byte from before or the one from after. A second "
+        "call completes it, unless the source paints the first pixel and that has been "
+        "written, which comes last: then the map has another background."};
+
 constexpr Export kExports[] = {
     {.name = "mergeMapsPSD",
      .purpose = "Lays one tile's PSD map over the map that collects all tiles.",
@@ -45,6 +51,7 @@ constexpr Export kExports[] = {
                "target's first pixel replaces the target's. Alpha stays the target's. If the disk "
                "is full the target ends where it could not be written, with the status 0. Pixels "
                "merged before a map cannot be read any further stay merged.",
+     .interrupted = &kLaidOver,
      .statuses = kMerge,
      .example = "quillon call mergeMapsPSD 1002.psd --buffer all.psd",
      .next = "quillon inspect on both files; the target is judged first. Both must have their "
@@ -65,6 +72,7 @@ constexpr Export kExports[] = {
                "maps are taken, too. Of a map with layers only the merged image is changed. "
                "Bytes behind the planes are cut off. If the disk is full the map ends where it "
                "could not be written, with the status 0.",
+     .interrupted = &interruption::kChangedInPlace,
      .statuses = kSwap,
      .example = "quillon call swapRGBPSD all.psd --value 2",
      .next = "quillon inspect shows channels and depth: an alpha channel or 16 bits are -56. After "

@@ -262,6 +262,8 @@ std::string docstringOf(const Export& entry) {
     const std::string returns = returnsOf(entry);
     if (!returns.empty()) lines += "\n    Returns:\n" + returns;
     lines += '\n' + paragraph("Writes: ", inPython(entry, entry.writes));
+    if (entry.interrupted != nullptr)
+        lines += '\n' + paragraph("Interrupted: ", inPython(entry, entry.interrupted->sentence));
     const std::string raises = raisesOf(entry);
     if (!raises.empty()) lines += "\n    Raises Status:\n" + raises;
     lines += '\n' + paragraph("When it fails: ", checkOf(entry));

@@ -19,6 +19,10 @@ every example.
 
 Where a whole number is wanted, the fraction of `value` is cut off. Whether a number is taken is
 decided before that: 100.5 is above 100, and 1.5 is neither 1 nor 3.
+
+"Interrupted" is what a process that is killed in the middle of a call leaves of the files that the
+call writes; other files stay as they are. A machine that goes down can leave the same of calls that
+have returned: the system puts files onto the disk some time later, and in any order.
 )";
 
 std::string row(const std::string& first, const std::string& second) {
@@ -90,6 +94,8 @@ std::string referenceOf(const Export& entry) {
     std::string section = "### " + std::string(entry.name) + "\n\n" + entry.purpose + "\n\n";
     section += argumentsOf(entry) + "\n";
     section += std::string("Writes: ") + entry.writes + "\n\n";
+    if (entry.interrupted != nullptr)
+        section += std::string("Interrupted: ") + entry.interrupted->sentence + "\n\n";
     section += statusesOf(entry) + "\n";
     if (entry.throws != nullptr) section += std::string("Throws: ") + entry.throws + "\n\n";
     section += std::string("```console\n$ ") + entry.example + "\n" + printedBy(entry) + "```\n\n";

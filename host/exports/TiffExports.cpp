@@ -140,6 +140,7 @@ constexpr Export kExports[] = {
                "source's; any other stays. Rows that a file does not have are left out. Pixels "
                "merged before a disk fails stay merged. The source is only read. `-20` is also "
                "printed.",
+     .interrupted = &interruption::kWrittenOver,
      .statuses = kMerge,
      .example = "quillon call mergeMapsTIF 1002.tif --buffer all.tif",
      .next = "quillon inspect on both files: width, height, channels and depth must be equal, "
@@ -160,6 +161,7 @@ constexpr Export kExports[] = {
                "does not have are left out. When the disk fails, the pixels before that point "
                "stay exchanged. `-10` is also printed, and `-101` for a map that may not be "
                "written to.",
+     .interrupted = &interruption::kChangedInPlace,
      .statuses = kSwap,
      .example = "quillon call swapRGBTIF all.tif --value 2",
      .next = "quillon inspect shows which tag is refused: the status is its number, negated "
@@ -185,6 +187,7 @@ constexpr Export kExports[] = {
                "width and height have changed places, which square maps do not show. In a TIFF a "
                "side above 65535 loses all but its low 16 bits. A map without pixels, or in "
                "which no directory is found, gives a header alone.",
+     .interrupted = &interruption::kWrittenOver,
      .statuses = kConvert,
      .throws = "`buffer1` has no dot at all: std::out_of_range. It is the one exception that "
                "reaches a host.",
@@ -205,6 +208,7 @@ constexpr Export kExports[] = {
                "and then cut to the new length; if the disk fails, the older file is lost and a "
                "part of the new one is left. The map is only read, yet it must be writable. "
                "A map without pixels, or in which no directory is found, gives a header alone.",
+     .interrupted = &interruption::kWrittenOver,
      .statuses = kSingle,
      .example = "quillon call convertTIFFSingle colour.tif --buffer first.tif",
      .next = "quillon inspect shows depth and channels. A missing argument is -1 here, where other "

@@ -93,6 +93,8 @@ def CreateFolder(folder: StrPath) -> None:
 
     Writes: The folder, empty. Its parent must be there already.
 
+    Interrupted: The call is done or not. Where it is done, a second call fails.
+
     Raises Status:
         -1: the folder was not created: it exists, its parent folder does not, writing is not
             allowed, or the disk is full.
@@ -287,6 +289,8 @@ def EmptyFolder(folder: StrPath) -> None:
     what may not be deleted. Sub-folders are not entered. A folder that cannot be read to its end is
     emptied as far as it was read.
 
+    Interrupted: Some of the entries are deleted, others not yet. A second call deletes the rest.
+
     Raises Status:
         -1: the folder cannot be opened, or there is too little memory.
 
@@ -319,6 +323,8 @@ def FileDelete(file: StrPath) -> None:
         file: path of the file.
 
     Writes: Deletes what `file` names.
+
+    Interrupted: The call is done or not. Where it is done, a second call fails.
 
     Raises Status:
         -1: the file was not deleted: there is none, it is a folder with entries, or deleting is not
@@ -357,6 +363,9 @@ def FileCopyTo(source: StrPath, target: StrPath) -> None:
     the source is not there; a file copied onto itself is gone. A source that cannot be read to its
     end is copied as far as it was read, with the status 0. A full disk leaves a part of the target.
 
+    Interrupted: An older file is gone, and the new one, or its end, may be missing. A second call
+    completes it.
+
     Raises Status:
         -1: the file was not copied: the source cannot be opened, the target cannot be written, or
             the disk is full.
@@ -393,6 +402,8 @@ def FileRename(old_path: StrPath, new_path: StrPath) -> None:
 
     Writes: The file under its new path, in place of a file that had it. Two links to one file both
     stay, with the status 0.
+
+    Interrupted: The call is done or not. Where it is done, a second call fails.
 
     Raises Status:
         -1: the file was not renamed: there is none, or the new path is on another disk, in a folder
@@ -676,6 +687,9 @@ def getUVs(mesh: StrPath, naming: float, output_path: StrPath) -> int:
     be in a folder's name, then the tile's name, then `.Vemo`. Corners outside the tile have the UV
     -1, -1. Chunks behind the face UVs are left out. The names are kept for getUVString.
 
+    Interrupted: An older file is gone, and the new one, or its end, may be missing. A second call
+    completes it.
+
     Raises Status:
         -1760: the mesh file cannot be opened or read, or there is too little memory.
         -18: the mesh file has no face UVs, or they are cut short.
@@ -737,6 +751,9 @@ def getUVsMask(mesh: StrPath, naming: float, output_path: StrPath) -> int:
     taken for the empty chunk that ends a mesh, then a byte per vertex, 0 in the tile and 255
     outside. The names are kept for getUVString.
 
+    Interrupted: An older file is gone, and the new one, or its end, may be missing. A second call
+    completes it.
+
     Raises Status:
         -1760: the mesh file cannot be opened or read, or there is too little memory.
         -18: the mesh file has no vertices or no face UVs, they are cut short, or faces and face UVs
@@ -784,6 +801,9 @@ def mergeCrease(mesh_to_append: StrPath, mesh_to_append_to: StrPath) -> None:
     without its last 14. What closes a mesh is shortened to two zero bytes, behind which exports
     find no chunk of the part appended. Whether the files are meshes is not checked. If the disk is
     full the file ends there, with the status 0.
+
+    Interrupted: The end of the file may be missing, bytes of its own among it, and a second call
+    appends the mesh once more: keep a copy.
 
     Raises Status:
         -1760: the mesh file cannot be opened or read, or there is too little memory.
@@ -846,6 +866,10 @@ def mergeMapsTIF(source: StrPath, target: StrPath) -> None:
     Writes: The target, in place: its pixels that equal the source's first pixel take the source's;
     any other stays. Rows that a file does not have are left out. Pixels merged before a disk fails
     stay merged. The source is only read. `-20` is also printed.
+
+    Interrupted: The target has the old length, the new one or one between them; at each place it
+    has the byte from before, the one from after or, behind its old end, 0. A second call completes
+    it.
 
     Raises Status:
         -10: the source cannot be opened or read.
@@ -914,6 +938,9 @@ def swapRGBTIF(map: StrPath, mode: float) -> None:
     is found stay as they are, with the same status 0; rows that the file does not have are left
     out. When the disk fails, the pixels before that point stay exchanged. `-10` is also printed,
     and `-101` for a map that may not be written to.
+
+    Interrupted: A part of the file is changed. A second call would change that part once more: keep
+    a copy.
 
     Raises Status:
         -10: the map cannot be opened or read.
@@ -999,6 +1026,10 @@ def convertTIFF16(map: StrPath, layout: float, target: StrPath) -> None:
     not show. In a TIFF a side above 65535 loses all but its low 16 bits. A map without pixels, or
     in which no directory is found, gives a header alone.
 
+    Interrupted: The target has the old length, the new one or one between them; at each place it
+    has the byte from before, the one from after or, behind its old end, 0. A second call completes
+    it.
+
     Raises Status:
         -10: the map cannot be opened or read.
         -101: the map cannot be opened again.
@@ -1077,6 +1108,10 @@ def convertTIFFSingle(map: StrPath, target: StrPath) -> None:
     then cut to the new length; if the disk fails, the older file is lost and a part of the new one
     is left. The map is only read, yet it must be writable. A map without pixels, or in which no
     directory is found, gives a header alone.
+
+    Interrupted: The target has the old length, the new one or one between them; at each place it
+    has the byte from before, the one from after or, behind its old end, 0. A second call completes
+    it.
 
     Raises Status:
         -1: there is too little memory.
@@ -1215,6 +1250,10 @@ def mergeMapsPSD(source: StrPath, target: StrPath) -> None:
     where it could not be written, with the status 0. Pixels merged before a map cannot be read any
     further stay merged.
 
+    Interrupted: At each place the target has the byte from before or the one from after. A second
+    call completes it, unless the source paints the first pixel and that has been written, which
+    comes last: then the map has another background.
+
     Raises Status:
         -1: a map cannot be opened or read, is no PSD, or is cut short.
         -2: a map is a PSD of another version than 1.
@@ -1274,6 +1313,9 @@ def swapRGBPSD(map: StrPath, mode: float) -> None:
     are taken, too. Of a map with layers only the merged image is changed. Bytes behind the planes
     are cut off. If the disk is full the map ends where it could not be written, with the status 0.
 
+    Interrupted: A part of the file is changed. A second call would change that part once more: keep
+    a copy.
+
     Raises Status:
         -1: the map cannot be opened or read, is no PSD, or is cut short.
         -2: a map is a PSD of another version than 1.
@@ -1332,6 +1374,10 @@ def mergeMapsBMP(source: StrPath, target: StrPath) -> None:
     map cannot be read to its end, the merge ends there, with the same status 0. The source is only
     read, yet it must be writable.
 
+    Interrupted: The target has the old length, the new one or one between them; at each place it
+    has the byte from before, the one from after or, behind its old end, 0. A second call completes
+    it.
+
     Raises Status:
         -1760: the target cannot be opened or read.
         -1770: the source cannot be opened or read.
@@ -1385,6 +1431,9 @@ def swapRGBBMP(map: StrPath, mode: float) -> None:
     pixels that the file does not have are left out. If the disk is full or the map cannot be read
     to its end, the exchange ends there, with the same status 0.
 
+    Interrupted: A part of the file is changed. A second call would change that part once more: keep
+    a copy.
+
     Raises Status:
         -1760: the map cannot be opened or read.
         -7: the file is no BMP, or shorter than its own headers.
@@ -1436,6 +1485,9 @@ def CreateThumbnailBMP(image: StrPath, size: float) -> None:
     the file does not have are black, and so is one that ends the file. If the disk is full the
     image ends there, with the status 0. If it cannot be read to its end, some of its pixels have
     been written over and its first two bytes are 0.
+
+    Interrupted: A part of the file is changed. A second call would change that part once more: keep
+    a copy.
 
     Raises Status:
         -1: the image cannot be opened or read.
@@ -1502,6 +1554,10 @@ def saveAsTarga(map: StrPath, target: StrPath) -> None:
     disk fails, the older file is lost and a part of the new one is left. The map is only read, yet
     it must be writable.
 
+    Interrupted: The target has the old length, the new one or one between them; at each place it
+    has the byte from before, the one from after or, behind its old end, 0. A second call completes
+    it.
+
     Raises Status:
         -10: the map cannot be opened or read.
         -101: the map may not be written to, or cannot be read to its end; the target is not whole.
@@ -1566,6 +1622,9 @@ def saveAsJpeg(image: StrPath, quality: float, target: StrPath) -> None:
     pixels become 8, and a top-down image (of negative height) becomes a very tall one. Above 21845
     pixels wide only the left end of the rows is the right way up. If the disk is full a part of the
     target is left.
+
+    Interrupted: An older file is gone, and the new one, or its end, may be missing. A second call
+    completes it.
 
     Raises Status:
         3: the image cannot be opened.
