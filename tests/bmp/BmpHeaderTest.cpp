@@ -86,6 +86,10 @@ TEST(BmpRoutines, WriteTheLowByteFirstAndNothingThatDoesNotFit) {
     writeShortInt(5, -1);
     writeShortInt(UINT32_MAX, -1);
     EXPECT_EQ(bytesOfBmpV(), (ByteList{0x01, 0x80, 0xFF, 0xFE, 0x45, 0x23}));
+
+    fillBmpV(ByteList(4));
+    writeSignedInt(0, 0x04030201u);
+    EXPECT_EQ(bytesOfBmpV(), (ByteList{1, 2, 3, 4}));
 }
 
 }  // namespace

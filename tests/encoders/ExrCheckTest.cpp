@@ -216,6 +216,11 @@ TEST(ExrCheck, TilesBeyondTheirFileAreRefused) {
         append(bytes, {0, 0, 0, 0});
         EXPECT_EQ(check(bytes), status) << width;
     }
+    bytes = tiled(4096, 8192);  // 128 MiB
+    bytes.resize(30504);
+    EXPECT_EQ(check(bytes), -4);
+    bytes.resize(30505);
+    EXPECT_EQ(check(bytes), 0);
 }
 
 // ZIP, 16 rows a chunk: what a chunk of a few bytes becomes is not known before.

@@ -70,6 +70,21 @@ TEST(File, IsCreatedNewOnlyWhereThereIsNothing) {
     EXPECT_EQ(readText(dir.path("old")), "kept");
 }
 
+TEST(File, IsForAllWhomTheUmaskDoesNotExclude) {
+    const TempDir dir;
+    for (const auto create : {File::create, File::createOver, File::createNew}) {
+        for (const auto& [mask, mode] : {std::pair(0u, 0666u), {022u, 0644u}}) {
+            const mode_t before = ::umask(mask);
+            EXPECT_TRUE(create(dir.path("f").c_str()).isOpen());
+            ::umask(before);
+            struct stat status {};
+            ASSERT_EQ(::stat(dir.path("f").c_str(), &status), 0);
+            EXPECT_EQ(status.st_mode & 07777u, mode);
+            std::filesystem::remove(dir.path("f"));
+        }
+    }
+}
+
 TEST(File, ReadsWhatIsInsideTheFile) {
     const TempDir dir;
     const File file = File::openForReading(dir.write("f", ByteList{10, 11, 12, 13, 14}).c_str());
