@@ -73,7 +73,7 @@ TEST(File, IsCreatedNewOnlyWhereThereIsNothing) {
 TEST(File, IsForAllWhomTheUmaskDoesNotExclude) {
     const TempDir dir;
     for (const auto create : {File::create, File::createOver, File::createNew}) {
-        for (const auto& [mask, mode] : {std::pair(0u, 0666u), {022u, 0644u}}) {
+        for (const auto& [mask, mode] : {std::pair<mode_t, mode_t>(0, 0666), {022, 0644}}) {
             const mode_t before = ::umask(mask);
             EXPECT_TRUE(create(dir.path("f").c_str()).isOpen());
             ::umask(before);
