@@ -112,9 +112,11 @@ extern "C" std::size_t LLVMFuzzerCustomMutator(std::uint8_t* data, std::size_t s
                                                std::size_t maxSize, unsigned seed);
 
 // Memory is reused soon and keeps what was in it, so that an operation that reads what it did not
-// write gives other bytes the second time.
+// write gives other bytes the second time. An input that breaks a target is looked at in fuzz_replay, whose
+// reports tell more of where memory came from.
 extern "C" const char* __asan_default_options() {
-    return "quarantine_size_mb=4:thread_local_quarantine_size_kb=64:max_malloc_fill_size=0";
+    return "quarantine_size_mb=1:thread_local_quarantine_size_kb=16:max_malloc_fill_size=0"
+           ":malloc_context_size=1";
 }
 
 // Takes the target's name out of the arguments and names its dictionary instead. The processes that

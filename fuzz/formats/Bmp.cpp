@@ -31,3 +31,8 @@ void repair(ByteList& file, std::size_t fileBytes) {
 }  // namespace
 
 const Format kBmp{"bmp", fields, repair};
+
+bool isLongToCode(const ByteList& bmp) {
+    constexpr std::uint32_t kMaxPixels = 256 * 256;
+    return loadField(bmp, {18, 2}) * loadField(bmp, {22, 2}) > kMaxPixels;
+}

@@ -36,3 +36,7 @@ extern const Format kVemo;
 
 std::uint32_t loadField(const ByteList& file, const Field& field);
 void storeField(ByteList& file, const Field& field, std::uint32_t value);  // if the file has it
+
+// Whether a BMP image claims more pixels than its coding as JPEG can take in an execution's time: the
+// rows that the file does not have are coded, too.
+bool isLongToCode(const ByteList& bmp);
