@@ -23,7 +23,7 @@ struct Outcome {
 
 // Calls the operation and checks what holds for all of them.
 float call(const Target& target, Case& files) {
-    const int descriptors = folder().openDescriptors();
+    static const int descriptors = folder().openDescriptors();
     const float status = target.run(files);
     if (folder().openDescriptors() != descriptors) fail("no file is left open");
     files.finish(status);
