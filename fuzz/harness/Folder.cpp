@@ -53,8 +53,7 @@ void GivenFile::put(const ByteList& bytes) {
     if (state_.size == size && state_.bytes == bytes) return;
     if (state_.size != size && ::ftruncate(descriptor_, size) != 0) fail("a given file can be cut");
     writeAt(descriptor_, bytes);
-    state_.size = size;
-    state_.bytes.assign(bytes.begin(), bytes.end());  // what is allocated anew looks like a leak
+    state_ = {size, bytes};
 }
 
 const FileState& GivenFile::now() {
