@@ -151,6 +151,22 @@ TEST(ExrCheck, TheChunkCountIsRightOrMissing) {
     EXPECT_EQ(counting(-1), 0);
 }
 
+// Which kind of picture it is, the flags say. The loader must not see a type that says otherwise.
+TEST(ExrCheck, TheTypeIsEmptiedForTheLoader) {
+    ExrLayout layout;
+    ByteList file =
+        ExrFile().add("type", {'t', 'i', 'l', 'e', 'd', 'i', 'm', 'a', 'g', 'e'}).bytes();
+    const ByteList emptied =
+        ExrFile().add("type", {0, 'i', 'l', 'e', 'd', 'i', 'm', 'a', 'g', 'e'}).bytes();
+    EXPECT_EQ(checkExr(file, layout), 0);
+    EXPECT_EQ(file, emptied);
+
+    file = ExrFile().add("type", {}).bytes();
+    const ByteList without = file;
+    EXPECT_EQ(checkExr(file, layout), 0);
+    EXPECT_EQ(file, without);
+}
+
 TEST(ExrCheck, AnAttributeMayBeMostOfTheFile) {
     EXPECT_EQ(ExrFile().add("comment", ByteList(5000, 1)).check(), 0);
 }

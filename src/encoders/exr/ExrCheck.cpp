@@ -120,7 +120,15 @@ bool readValue(std::string_view name, Bytes value, Header& header, ExrLayout& la
     return true;
 }
 
-int readHeader(Bytes& file, Header& header, ExrLayout& layout) {
+// The attribute that says whether a picture is rows or tiles. It may contradict the flags, since some
+// programs that turn one into the other leave it as it was; the flags count, as in OpenEXR's own
+// library. The loader asserts that both agree, but takes an empty type for none.
+void emptyType(std::span<std::uint8_t> value) {
+    if (!value.empty()) value.front() = 0;
+}
+
+int readHeader(std::span<std::uint8_t> bytes, Header& header, ExrLayout& layout) {
+    Bytes file{bytes.data(), bytes.size()};
     std::uint64_t at = kAttributes;
     for (int count = 0; !textAt(file, at).empty(); ++count) {
         if (count == kMaxAttributes) return kBadData;
@@ -132,6 +140,7 @@ int readHeader(Bytes& file, Header& header, ExrLayout& layout) {
         if (file.overran || !file.holds(at, size, 1)) return kBadData;
         const Bytes value{file.data + at, static_cast<std::size_t>(size)};
         if (!readValue(name, value, header, layout)) return kBadData;
+        if (name == "type") emptyType(bytes.subspan(static_cast<std::size_t>(at), value.size));
         at += size;
     }
     if (at >= file.size) return kBadData;
@@ -324,7 +333,7 @@ int checkExr(std::span<std::uint8_t> bytes, ExrLayout& layout) {
     layout = {};
     layout.tiled = (file.u8(5) & kTiledFlag) != 0;
     Header header;
-    const int status = readHeader(file, header, layout);
+    const int status = readHeader(bytes, header, layout);
     if (status != kOk) return status;
 
     const auto width = static_cast<std::uint32_t>(header.right - header.left + 1);

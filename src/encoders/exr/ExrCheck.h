@@ -27,7 +27,7 @@ struct ExrLayout {
 };
 
 // Checks a file in memory. A table of chunk offsets that holds zeros, as an interrupted writer leaves
-// it, is filled in there.
+// it, is filled in there, and a `type` is emptied.
 //
 //   file     starts with the magic and is single-part and not deep
 //   returns  kOk, kBadData, kUnknownFormat, kBadHeader, kUnknownFeature (exr_status)
