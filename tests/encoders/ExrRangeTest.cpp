@@ -126,6 +126,18 @@ void writeTiles(const std::string& path, const Picture& picture, unsigned tileWi
     }
 }
 
+// The floats of channel "A" of a picture of one row.
+std::vector<float> readByOpenExr(const std::string& path, std::size_t width) {
+    std::vector<float> row(width);
+    Imf::FrameBuffer frame;
+    frame.insert("A", Imf::Slice(Imf::FLOAT, reinterpret_cast<char*>(row.data()), sizeof(float),
+                                 width * sizeof(float)));
+    Imf::InputFile file(path.c_str());
+    file.setFrameBuffer(frame);
+    file.readPixels(0);
+    return row;
+}
+
 // Samples from -300 to 700, which a half float and, above 0, a whole number can also hold.
 std::vector<float> ramp(int count) {
     std::vector<float> samples;
@@ -449,7 +461,7 @@ TEST_F(ExrRange, TheFlagsCountWhateverTheTypeSays) {
             ByteList bytes = readBytes(path());
             *std::ranges::find(bytes, 'q') = 'p';  // the writer would not take any text as the type
             EXPECT_EQ(rangeOfBytes(bytes), 2.5f);
-            EXPECT_NO_THROW(Imf::InputFile{path().c_str()});
+            EXPECT_THAT(readByOpenExr(path(), 2), ElementsAre(1.0f, 3.5f));
         }
     }
 }

@@ -120,9 +120,9 @@ bool readValue(std::string_view name, Bytes value, Header& header, ExrLayout& la
     return true;
 }
 
-// The attribute that says whether a picture is rows or tiles. It may contradict the flags, since some
-// programs that turn one into the other leave it as it was; the flags count, as in OpenEXR's own
-// library. The loader asserts that both agree, but takes an empty type for none.
+// The attribute that says whether a picture is rows or tiles. Where it contradicts the flags, these
+// count, as in OpenEXR's own library. The loader asserts that both agree, but takes an empty type for
+// none.
 void emptyType(std::span<std::uint8_t> value) {
     if (!value.empty()) value.front() = 0;
 }
